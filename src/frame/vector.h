@@ -1,0 +1,288 @@
+// The vector layer: Google Highway with one target fixed at compile time, and what it lacks or leaves
+// open between architectures. Kernel text names no architecture; this header is the one that does.
+#pragma once
+
+#include <hwy/highway.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+// For function objects and lambdas on the road of a vector: GCC will not inline a kernel with several
+// call sites by itself.
+#define TZM_INLINE inline __attribute__((always_inline))
+#define TZM_LAMBDA __attribute__((always_inline))
+
+namespace tzm {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class T>
+using Full = hn::ScalableTag<T>;  // a whole register of T
+template <class D>
+using Vec = hn::Vec<D>;
+template <class D>
+using Mask = hn::Mask<D>;
+
+// The parts of a complex array as one array of reals.
+template <class Complex>
+TZM_INLINE auto* Parts(Complex* array) {
+  using Part = std::remove_reference_t<decltype((array->re))>;
+  return reinterpret_cast<Part*>(array);
+}
+
+// Element of an array that need not be aligned.
+template <class T>
+TZM_INLINE T LoadElement(const T* from) {
+  T value;
+  std::memcpy(&value, from, sizeof(T));
+  return value;
+}
+template <class T>
+TZM_INLINE void StoreElement(T value, T* to) {
+  std::memcpy(to, &value, sizeof(T));
+}
+
+// a*b + c of one value with one rounding.
+TZM_INLINE float Fma(float a, float b, float c) { return __builtin_fmaf(a, b, c); }
+TZM_INLINE double Fma(double a, double b, double c) { return __builtin_fma(a, b, c); }
+
+// ---- Minimum and maximum with one meaning ----
+// `b` where `a` is NaN or the comparison fails: the second operand wins ties of signed zeros too.
+template <class V>
+TZM_INLINE V MinOrSecond(V a, V b) {
+#if HWY_ARCH_X86
+  return hn::Min(a, b);
+#else
+  return hn::IfThenElse(hn::Lt(a, b), a, b);
+#endif
+}
+template <class V>
+TZM_INLINE V MaxOrSecond(V a, V b) {
+#if HWY_ARCH_X86
+  return hn::Max(a, b);
+#else
+  return hn::IfThenElse(hn::Gt(a, b), a, b);
+#endif
+}
+
+// ---- Floating to integer ----
+// To nearest, ties to even; beyond the range the nearest end; NaN to 0. AArch64's conversion does all
+// of that by itself, x86's gives the least integer for whatever it cannot represent.
+
+// binary32 lanes to 32-bit integer lanes.
+template <class V>
+TZM_INLINE auto RoundToInt(V x) {
+#if HWY_ARCH_X86
+  const hn::DFromV<V> df;
+  const hn::RebindToSigned<decltype(df)> d32;
+  const auto above = hn::RebindMask(d32, hn::Ge(x, hn::Set(df, 2147483648.0f)));
+  const auto fixed = hn::IfThenElse(above, hn::Set(d32, std::numeric_limits<int32_t>::max()), hn::NearestInt(x));
+  return hn::IfThenZeroElse(hn::RebindMask(d32, hn::IsNaN(x)), fixed);
+#else
+  return hn::NearestInt(x);
+#endif
+}
+
+// binary64 lanes to half as many 32-bit integer lanes.
+template <class V>
+TZM_INLINE auto RoundToInt32(V x) {
+  const hn::DFromV<V> df;
+  const hn::Rebind<int32_t, decltype(df)> d32;
+#if HWY_ARCH_X86
+  x = hn::IfThenZeroElse(hn::IsNaN(x), x);
+#endif
+  return hn::DemoteTo(d32, hn::Round(x));
+}
+
+// binary64 lanes to 64-bit integer lanes.
+template <class V>
+TZM_INLINE auto RoundToInt64(V x) {
+  const hn::RebindToSigned<hn::DFromV<V>> d64;
+#if HWY_ARCH_X86
+  x = hn::IfThenZeroElse(hn::IsNaN(x), x);
+#endif
+  return hn::ConvertTo(d64, hn::Round(x));
+}
+
+// ---- Widths ----
+
+// Two registers of wide integers to one of half their width, saturating, in order.
+template <class D, class V>
+TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
+  static_assert(sizeof(hn::TFromD<D>) * 2 == sizeof(hn::TFromV<V>));
+  const hn::Half<D> half;
+  return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+}
+
+// One register of narrow elements from memory to two of twice the width, in order.
+template <class D>
+struct Widened {
+  Vec<D> low, high;
+};
+template <class D, class T>
+TZM_INLINE Widened<D> LoadWidened(D d, const T* from) {
+  static_assert(sizeof(T) * 2 == sizeof(hn::TFromD<D>));
+#if HWY_ARCH_X86  // widening loads: no shuffle for the halves
+  const hn::Rebind<T, D> dn;
+  return {hn::PromoteTo(d, hn::LoadU(dn, from)), hn::PromoteTo(d, hn::LoadU(dn, from + hn::Lanes(dn)))};
+#else
+  const hn::Twice<hn::Rebind<T, D>> dn;
+  const auto all = hn::LoadU(dn, from);
+  return {hn::PromoteTo(d, hn::LowerHalf(all)), hn::PromoteTo(d, hn::UpperHalf(hn::Half<decltype(dn)>(), all))};
+#endif
+}
+
+// ---- Products of integers, summed ----
+
+// Exact sums of products of 16-bit integers in two 64-bit lanes: of each four products in a row the
+// first two go to lane 0, the others to lane 1.
+class ProductSums16 {
+ public:
+  using D = Full<int16_t>;
+
+  TZM_INLINE void Add(Vec<D> a, Vec<D> b) {
+#if HWY_ARCH_ARM_A64
+    sums_ = vpadalq_s32(sums_, vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw)));
+    sums_ = vpadalq_s32(sums_, vmull_high_s16(a.raw, b.raw));
+#else
+    // A pair of products lies in [-2^31 + 2^16, 2^31]; with 2^31 - 1 added it is an unsigned number.
+    const hn::Repartition<uint32_t, D> d32;
+#if HWY_TARGET <= HWY_AVX3
+    const Vec<decltype(d32)> pairs{_mm512_madd_epi16(a.raw, b.raw)};
+#else
+    const Vec<decltype(d32)> pairs{_mm256_madd_epi16(a.raw, b.raw)};
+#endif
+    const auto biased = hn::BitCast(D64(), hn::Add(pairs, hn::Set(d32, kBias)));
+    even_ = hn::Add(even_, hn::And(biased, hn::Set(D64(), 0xffffffff)));
+    odd_ = hn::Add(odd_, hn::ShiftRight<32>(biased));
+    pairs_ += hn::Lanes(D64());
+#endif
+  }
+  TZM_INLINE int64_t Lane(int which) const {
+#if HWY_ARCH_ARM_A64
+    return which == 0 ? vgetq_lane_s64(sums_, 0) : vgetq_lane_s64(sums_, 1);
+#else
+    return static_cast<int64_t>(hn::GetLane(hn::SumOfLanes(D64(), which == 0 ? even_ : odd_)) - pairs_ * kBias);
+#endif
+  }
+
+ private:
+#if HWY_ARCH_ARM_A64
+  int64x2_t sums_ = vdupq_n_s64(0);
+#else
+  using D64 = hn::Repartition<uint64_t, D>;
+  static constexpr uint32_t kBias = 0x7fffffff;
+  Vec<D64> even_ = hn::Zero(D64()), odd_ = hn::Zero(D64());
+  uint64_t pairs_ = 0;
+#endif
+};
+
+// {a0*b0 + a1*b1, a2*b2 + a3*b3} in binary64, each product rounded and then each sum.
+using FourInts = hn::FixedTag<int32_t, 4>;
+using TwoDoubles = hn::FixedTag<double, 2>;
+TZM_INLINE Vec<TwoDoubles> PairSumsOfProducts(Vec<FourInts> a, Vec<FourInts> b) {
+#if HWY_ARCH_ARM_A64
+  const auto low = vcvtq_f64_s64(vmull_s32(vget_low_s32(a.raw), vget_low_s32(b.raw)));
+  const auto high = vcvtq_f64_s64(vmull_high_s32(a.raw, b.raw));
+  return Vec<TwoDoubles>(vpaddq_f64(low, high));
+#else  // the factors are exact in binary64, so their product rounds as the integer product would
+  const hn::FixedTag<double, 4> d;
+  const auto products = hn::Mul(hn::PromoteTo(d, a), hn::PromoteTo(d, b));
+  const auto low = hn::LowerHalf(products), high = hn::UpperHalf(TwoDoubles(), products);
+  return hn::Add(hn::ConcatEven(TwoDoubles(), high, low), hn::ConcatOdd(TwoDoubles(), high, low));
+#endif
+}
+
+// ---- Lane structures of ordered reductions ----
+
+// Exactly N lanes of T, in as few registers as the machine allows. An ordered sum names its lanes with
+// this type: a wider register holds more of them at once and never changes the order.
+template <class T, size_t N>
+struct LaneArray {
+  using D = hn::CappedTag<T, N>;
+  static constexpr size_t kWidth = hn::MaxLanes(D());
+  static constexpr size_t kRegisters = N / kWidth;
+
+  Vec<D> v[kRegisters];
+
+  static TZM_INLINE LaneArray Set(T value) {
+    return Each([&](size_t) TZM_LAMBDA { return hn::Set(D(), value); });
+  }
+  static TZM_INLINE LaneArray Load(const T* from) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::LoadU(D(), from + r * kWidth); });
+  }
+  // Elements of a narrower type, widened.
+  template <class Narrow>
+  static TZM_INLINE LaneArray LoadWiden(const Narrow* from) {
+    const hn::Rebind<Narrow, D> dn;
+    return Each([&](size_t r) TZM_LAMBDA { return hn::PromoteTo(D(), hn::LoadU(dn, from + r * kWidth)); });
+  }
+  // The real and the imaginary parts of N complex elements.
+  static TZM_INLINE void LoadComplex(const T* from, LaneArray& re, LaneArray& im) {
+    for (size_t r = 0; r < kRegisters; ++r) hn::LoadInterleaved2(D(), from + 2 * r * kWidth, re.v[r], im.v[r]);
+  }
+  TZM_INLINE void Store(T* to) const {
+    for (size_t r = 0; r < kRegisters; ++r) hn::StoreU(v[r], D(), to + r * kWidth);
+  }
+
+  // One rounding a lane: a*b + c, c - a*b.
+  friend TZM_INLINE LaneArray MulAdd(const LaneArray& a, const LaneArray& b, const LaneArray& c) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::MulAdd(a.v[r], b.v[r], c.v[r]); });
+  }
+  friend TZM_INLINE LaneArray NegMulAdd(const LaneArray& a, const LaneArray& b, const LaneArray& c) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::NegMulAdd(a.v[r], b.v[r], c.v[r]); });
+  }
+  friend TZM_INLINE LaneArray MulSub(const LaneArray& a, const LaneArray& b, const LaneArray& c) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::MulSub(a.v[r], b.v[r], c.v[r]); });
+  }
+  friend TZM_INLINE LaneArray operator+(const LaneArray& a, const LaneArray& b) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Add(a.v[r], b.v[r]); });
+  }
+  friend TZM_INLINE LaneArray operator-(const LaneArray& a, const LaneArray& b) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Sub(a.v[r], b.v[r]); });
+  }
+  friend TZM_INLINE LaneArray operator*(const LaneArray& a, const LaneArray& b) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Mul(a.v[r], b.v[r]); });
+  }
+
+  // Sum of all lanes, lane k and lane k + N/2 first: (l0+l2) + (l1+l3) of four.
+  TZM_INLINE T FoldHalves() const {
+    LaneArray sum = *this;
+    for (size_t n = kRegisters / 2; n != 0; n /= 2)
+      for (size_t r = 0; r < n; ++r) sum.v[r] = hn::Add(sum.v[r], sum.v[r + n]);
+    return FoldRegister(D(), sum.v[0]);
+  }
+  // Sum of all lanes, neighbours first: (l0+l1) + (l2+l3) of four.
+  TZM_INLINE T FoldPairs() const {
+    T lane[N];
+    Store(lane);
+    return PairSum<N>(lane);
+  }
+
+ private:
+  template <class DR>
+  static TZM_INLINE T FoldRegister(DR d, Vec<DR> v) {
+    if constexpr (hn::MaxLanes(d) == 1) {
+      return hn::GetLane(v);
+    } else {
+      const hn::Half<DR> half;
+      return FoldRegister(half, hn::Add(hn::LowerHalf(half, v), hn::UpperHalf(half, v)));
+    }
+  }
+  template <size_t kCount>
+  static TZM_INLINE T PairSum(const T* lane) {
+    if constexpr (kCount == 1) return *lane;
+    else return PairSum<kCount / 2>(lane) + PairSum<kCount / 2>(lane + kCount / 2);
+  }
+  template <class Make>
+  static TZM_INLINE LaneArray Each(Make make) {
+    LaneArray result;
+    for (size_t r = 0; r < kRegisters; ++r) result.v[r] = make(r);
+    return result;
+  }
+};
+
+}  // namespace tzm
