@@ -9,32 +9,35 @@ namespace tzm {
 
 // Calls kernel(arrays + i...) for i = 0, kStep, 2*kStep, ... until `len` elements are done. The kernel
 // loads, computes and stores exactly kStep elements of each array; an array is a source if its pointer
-// is to const and a destination if not, and a destination may be the very array of a source. The last,
-// incomplete step runs on copies that are filled up with the array's own last element, so the kernel
-// sees no value that is not data (no false warnings), a value does not depend on its position, and
-// nothing outside the arrays is touched. The complete steps run kUnroll at a time.
+// is to const, a destination, which the kernel never reads, if not; a destination may be the very array
+// of a source. The last, incomplete step runs on copies that are filled up with the array's own last
+// element, so the kernel sees no value that is not data (no false warnings), a value does not depend on
+// its position, and nothing outside the arrays is touched. The complete steps run kUnroll at a time.
 //
 // Where body and tail of an operation differ, its member calls ForEach twice: with the body's kernel
 // up to the last multiple of the body's step, and with the tail's kernel for the rest.
 template <size_t kStep, size_t kUnroll = 2, class Kernel, class... T>
 TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
+  const auto step = [&](size_t at) TZM_LAMBDA { kernel((arrays + at)...); };
   size_t i = 0;
   if constexpr (kUnroll > 1) {
     for (; len - i >= kUnroll * kStep; i += kUnroll * kStep) {
       [&]<size_t... kPart>(std::index_sequence<kPart...>) TZM_LAMBDA {
-        (kernel((arrays + (i + kPart * kStep))...), ...);
+        (step(i + kPart * kStep), ...);
       }(std::make_index_sequence<kUnroll>());
     }
   }
-  for (; len - i >= kStep; i += kStep) kernel((arrays + i)...);
+  for (; len - i >= kStep; i += kStep) step(i);
   const size_t rest = len - i;
   if (rest == 0) return;
 
   std::tuple<std::remove_const_t<T>[kStep]...> padded;
   std::apply([&](auto&... copy) TZM_LAMBDA {
     const auto fill = [&](auto& to, auto* from) TZM_LAMBDA {
-      std::memcpy(to, from + i, rest * sizeof(*from));
-      for (size_t k = rest; k < kStep; ++k) to[k] = to[rest - 1];
+      if constexpr (std::is_const_v<std::remove_pointer_t<decltype(from)>>) {
+        std::memcpy(to, from + i, rest * sizeof(*from));
+        for (size_t k = rest; k < kStep; ++k) to[k] = to[rest - 1];
+      }
     };
     const auto drain = [&](auto& from, auto* to) TZM_LAMBDA {
       if constexpr (!std::is_const_v<std::remove_pointer_t<decltype(to)>>)

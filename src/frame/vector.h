@@ -135,6 +135,44 @@ TZM_INLINE Widened<D> LoadWidened(D d, const T* from) {
 #endif
 }
 
+// The real and the imaginary parts of a register's worth of complex elements, and back. The order of
+// the elements in the registers is the machine's own: enough for element-wise work, and cheaper than
+// the memory order where registers are made of 128-bit blocks.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
+#if HWY_ARCH_X86
+  if constexpr (sizeof(T) == 8) {
+    const auto first = hn::LoadU(d, from), second = hn::LoadU(d, from + hn::Lanes(d));
+    re = hn::InterleaveLower(d, first, second);
+    im = hn::InterleaveUpper(d, first, second);
+    return;
+  } else if constexpr (sizeof(T) == 4) {
+    const hn::RebindToFloat<D> df;
+    const auto first = hn::BitCast(df, hn::LoadU(d, from)), second = hn::BitCast(df, hn::LoadU(d, from + hn::Lanes(d)));
+#if HWY_TARGET <= HWY_AVX3
+    re = hn::BitCast(d, Vec<decltype(df)>{_mm512_shuffle_ps(first.raw, second.raw, 0x88)});
+    im = hn::BitCast(d, Vec<decltype(df)>{_mm512_shuffle_ps(first.raw, second.raw, 0xdd)});
+#else
+    re = hn::BitCast(d, Vec<decltype(df)>{_mm256_shuffle_ps(first.raw, second.raw, 0x88)});
+    im = hn::BitCast(d, Vec<decltype(df)>{_mm256_shuffle_ps(first.raw, second.raw, 0xdd)});
+#endif
+    return;
+  }
+#endif
+  hn::LoadInterleaved2(d, from, re, im);
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
+#if HWY_ARCH_X86
+  if constexpr (sizeof(T) >= 4) {
+    hn::StoreU(hn::InterleaveLower(d, re, im), d, to);
+    hn::StoreU(hn::InterleaveUpper(d, re, im), d, to + hn::Lanes(d));
+    return;
+  }
+#endif
+  hn::StoreInterleaved2(re, im, d, to);
+}
+
 // ---- Products of integers, summed ----
 
 // Exact sums of products of 16-bit integers in two 64-bit lanes: of each four products in a row the
