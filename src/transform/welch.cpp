@@ -1,0 +1,192 @@
+// Welch's estimate of a power spectral density: overlapped windowed segments, their power spectra averaged.
+#include <signal_tzm/arith.h>
+#include <signal_tzm/elementary.h>
+#include <signal_tzm/transform.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/fft.h"
+
+using namespace tzm;
+
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+
+// The exported operations that the estimate is made of, by real type.
+template <class Real>
+struct Call;
+template <>
+struct Call<Orva32f> {
+  static constexpr auto Copy = ORVAS_Copy_32f;
+  static constexpr auto Set = ORVAS_Set_32f;
+  static constexpr auto Zero = ORVAS_Zero_32f;
+  static constexpr auto Add = ORVAS_Add_32f_I;
+  static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_32fc;
+  static constexpr auto Divide = ORVAS_DivC_32f_I;
+  static constexpr auto Multiply = ORVAS_MulC_32f_I;
+  static constexpr size_t kEnergyLanes = 4;
+  static constexpr int32_t kLongestWindow = 0xfffffff;
+};
+template <>
+struct Call<Orva64f> {
+  static constexpr auto Copy = ORVAS_Copy_64f;
+  static constexpr auto Set = ORVAS_Set_64f;
+  static constexpr auto Zero = ORVAS_Zero_64f;
+  static constexpr auto Add = ORVAS_Add_64f_I;
+  static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_64fc;
+  static constexpr auto Divide = ORVAS_DivC_64f_I;
+  static constexpr auto Multiply = ORVAS_MulC_64f_I;
+  static constexpr size_t kEnergyLanes = 2;
+  static constexpr int32_t kLongestWindow = 0x7ffffff;
+};
+
+void Window(const Orva32f* src, const Orva32f* window, Orva32f* segment, int32_t len) {
+  ORVAS_Mul_32f(src, window, segment, len);
+}
+void Window(const Orva64f* src, const Orva64f* window, Orva64f* segment, int32_t len) {
+  ORVAS_Mul_64f(src, window, segment, len);
+}
+
+// Complex samples times a real window; there is no exported product of this shape in binary64.
+template <class Complex, class Real>
+void Window(const Complex* src, const Real* window, Complex* segment, int32_t len) {
+  const Full<Real> d;
+  ForEach<hn::MaxLanes(d)>(len, [=](const Complex* x, const Real* w, Complex* out) TZM_LAMBDA {
+    Vec<decltype(d)> re, im;
+    hn::LoadInterleaved2(d, Parts(x), re, im);
+    const auto by = hn::LoadU(d, w);
+    hn::StoreInterleaved2(hn::Mul(re, by), hn::Mul(im, by), d, Parts(out));
+  }, src, window, segment);
+}
+
+// segment[k] += src[k] * window[k], fused.
+template <class Real>
+void Fold(const Real* src, const Real* window, Real* segment, int32_t len) {
+  const Full<Real> d;
+  ForEach<hn::MaxLanes(d)>(len, [=](const Real* x, const Real* w, const Real* sum, Real* out) TZM_LAMBDA {
+    hn::StoreU(hn::MulAdd(hn::LoadU(d, x), hn::LoadU(d, w), hn::LoadU(d, sum)), d, out);
+  }, src, window, static_cast<const Real*>(segment), segment);
+}
+template <class Complex, class Real>
+void Fold(const Complex* src, const Real* window, Complex* segment, int32_t len) {
+  const Full<Real> d;
+  ForEach<hn::MaxLanes(d)>(len, [=](const Complex* x, const Real* w, const Complex* sum, Complex* out) TZM_LAMBDA {
+    Vec<decltype(d)> re, im, sumRe, sumIm;
+    hn::LoadInterleaved2(d, Parts(x), re, im);
+    hn::LoadInterleaved2(d, Parts(sum), sumRe, sumIm);
+    const auto by = hn::LoadU(d, w);
+    hn::StoreInterleaved2(hn::MulAdd(re, by, sumRe), hn::MulAdd(im, by, sumIm), d, Parts(out));
+  }, src, window, static_cast<const Complex*>(segment), segment);
+}
+
+// Sum of squares: blocks of lanes folded pairwise onto a running total, the rest fused one by one.
+template <class Real>
+Real Energy(const Real* window, int32_t len) {
+  using Lanes = LaneArray<Real, Call<Real>::kEnergyLanes>;
+  Real total = 0;
+  int32_t i = 0;
+  for (; len - i >= static_cast<int32_t>(Call<Real>::kEnergyLanes); i += Call<Real>::kEnergyLanes) {
+    const Lanes block = Lanes::Load(window + i);
+    total += (block * block).FoldPairs();
+  }
+  for (; i < len; ++i) total = Fma(window[i], window[i], total);
+  return total;
+}
+
+// What is divided out: segments, window energy, and the density's two pi.
+Orva32f Scale(int32_t segments, Orva32f mean, int32_t winLen) {
+  const Orva32f product = static_cast<Orva32f>(segments) * mean * static_cast<Orva32f>(winLen);
+  return static_cast<Orva32f>(static_cast<double>(product) * kTwoPi);
+}
+Orva64f Scale(int32_t segments, Orva64f mean, int32_t winLen) { return segments * mean * winLen * kTwoPi; }
+
+template <class Sample, class Real>
+OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcLen, int32_t nfft, int32_t winLen,
+                  Orva64f overlap) {
+  using F = Fft<Real>;
+  using Complex = typename F::Complex;
+  constexpr bool kReal = std::is_same_v<Sample, Real>;
+  if (OrvaStatus status = CheckPointers(src, dst)) return status;
+  if (srcLen < 1 || srcLen > 0x3fffffff || winLen < 1 || winLen > srcLen || winLen > Call<Real>::kLongestWindow ||
+      nfft > winLen || !(overlap > 0 && overlap <= 0.95))
+    return ORVA_STS_SIZE_ERR;
+  const int32_t noverlap = static_cast<int32_t>(__builtin_ceil(winLen * overlap));
+  if (noverlap < 1 || noverlap == winLen) return ORVA_STS_SIZE_ERR;
+
+  // A segment longer than the transform is folded onto it: `folds` whole blocks and `rest` samples.
+  const int32_t step = winLen - noverlap, segments = (srcLen - noverlap) / step;
+  const bool folded = nfft > 0 && nfft < winLen;
+  const int32_t n = folded ? nfft : winLen;
+  const int32_t folds = folded ? (winLen - 1) / n : 0, rest = winLen - folds * n;
+  const int32_t windowLen = (folds + 1) * n, bins = kReal ? n / 2 + 1 : n;
+
+  const auto make = [](int32_t count, size_t size) { return ORVAS_Malloc_8u(count * static_cast<int32_t>(size)); };
+  Real* const weights = reinterpret_cast<Real*>(make(windowLen, sizeof(Real)));
+  Real* const power = reinterpret_cast<Real*>(make(bins, sizeof(Real)));
+  Real* const sum = reinterpret_cast<Real*>(make(bins, sizeof(Real)));
+  Sample* const segment = reinterpret_cast<Sample*>(make(n, sizeof(Sample)));
+  Complex* const spectrum = reinterpret_cast<Complex*>(make(bins, sizeof(Complex)));
+  typename F::Plan plan;
+  if constexpr (kReal) plan = F::PlanRealToComplex(n);
+  else plan = F::PlanComplex(n, kForward);
+  const auto release = [&](OrvaStatus status) {
+    F::Destroy(plan);
+    ORVA_Free(weights);
+    ORVA_Free(power);
+    ORVA_Free(sum);
+    ORVA_Free(segment);
+    ORVA_Free(spectrum);
+    return status;
+  };
+  if (CheckPointers(weights, power, sum, segment, spectrum, plan)) return release(ORVA_STS_MEM_ALLOC_ERR);
+
+  if (window != nullptr) Call<Real>::Copy(window, weights, winLen);
+  else Call<Real>::Set(1, weights, winLen);
+  if (windowLen > winLen) Call<Real>::Zero(weights + winLen, windowLen - winLen);
+  const Real mean = Energy(weights, winLen) / static_cast<Real>(winLen);
+
+  Call<Real>::Zero(sum, bins);
+  for (int32_t s = 0; s < segments; ++s) {
+    const Sample* const from = src + static_cast<size_t>(s) * step;
+    if (folded) {
+      Call<Real>::Zero(reinterpret_cast<Real*>(segment), n * static_cast<int32_t>(sizeof(Sample) / sizeof(Real)));
+      for (int32_t f = 0; f < folds; ++f) Fold(from + f * n, weights + f * n, segment, n);
+      Fold(from + folds * n, weights + folds * n, segment, rest);
+    } else {
+      Window(from, weights, segment, n);
+    }
+    if constexpr (kReal) F::ExecuteRealToComplex(plan, segment, spectrum);
+    else F::Execute(plan, segment, spectrum);
+    Call<Real>::PowerSpectrum(spectrum, power, bins);
+    Call<Real>::Add(power, sum, bins);
+  }
+
+  // A window of zeros gives scale 0, which the division refuses: the sum stays as it is.
+  Call<Real>::Divide(Scale(segments, mean, winLen), sum, bins);
+  if constexpr (kReal) Call<Real>::Multiply(2, sum + 1, (n - 1) / 2);  // one-sided; refused for n below 3
+  Call<Real>::Copy(sum, dst, bins);
+  return release(ORVA_STS_NO_ERR);
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Pwelch_32f(const Orva32f* src, const Orva32f* window, Orva32f* dst, int32_t srcLen, int32_t nfft,
+                            int32_t winLen, Orva64f overlap) {
+  return Pwelch(src, window, dst, srcLen, nfft, winLen, overlap);
+}
+
+OrvaStatus ORVAS_Pwelch_64f(const Orva64f* src, const Orva64f* window, Orva64f* dst, int32_t srcLen, int32_t nfft,
+                            int32_t winLen, Orva64f overlap) {
+  return Pwelch(src, window, dst, srcLen, nfft, winLen, overlap);
+}
+
+OrvaStatus ORVAS_Pwelch_32fc(const Orva32fc* src, const Orva32f* window, Orva32f* dst, int32_t srcLen, int32_t nfft,
+                             int32_t winLen, Orva64f overlap) {
+  return Pwelch(src, window, dst, srcLen, nfft, winLen, overlap);
+}
+
+OrvaStatus ORVAS_Pwelch_64fc(const Orva64fc* src, const Orva64f* window, Orva64f* dst, int32_t srcLen, int32_t nfft,
+                             int32_t winLen, Orva64f overlap) {
+  return Pwelch(src, window, dst, srcLen, nfft, winLen, overlap);
+}
