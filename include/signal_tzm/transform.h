@@ -19,6 +19,102 @@ TZM_API OrvaStatus ORVAS_GetFFTNumberThreads(int32_t* numThreads);
 
 /* ---- FFT and DFT specs ---- */
 
+/** @name FFT and DFT specs
+ * One-dimensional discrete Fourier transforms of length n = 2^order (FFT) or n = len (DFT):
+ *
+ *     X[k] = sum over i of x[i] * exp(-+ 2 pi j i k / n), - forward, + inverse, then normalised
+ *
+ * Init makes a spec, which any number of calls, from any number of threads at once, may run until
+ * Release gives it back. `direction` above 0 is forward, all else inverse. Kinds:
+ *
+ * - `32fc`, `64fc`: interleaved complex, n elements in and out; `_I` in place.
+ * - CToC `32f`, `64f`: split complex, n reals in each of the four arrays.
+ * - RToC: n reals to the half spectrum, n/2 + 1 interleaved complex values in an array of reals.
+ * - CToR: the half spectrum to n reals; the contents of `src` are lost.
+ *
+ * Source and destination may be the same array where their shapes allow it. `flag` divides:
+ *
+ * | flag | forward, RToC | inverse, CToR |
+ * |---|---|---|
+ * | 1 | n | - |
+ * | 2 | - | n |
+ * | 3 | sqrt(n) | sqrt(n) |
+ * | 4 | - | - |
+ *
+ * The RToC members of the FFT family divide n + 2 reals, those of the DFT family 2*(n/2) + 2: an RToC FFT
+ * of order 0 with flag 1 or 3 touches one real more than its spectrum has.
+ *
+ * Status of Init: 1 null `specOut`; 15 `order` outside 0 to 27, or 2 `len` below 1 and 9 `len` above
+ * 134217728 (deliberately an allocation failure); 14 `flag` outside 1 to 4; 9 no memory or no plan.
+ * `*specOut` is set on success only. Status of a run: 1 null array, spec or plan in it; 15 (FFT), 2 or 9
+ * (DFT) for a length no Init makes. Release always succeeds and takes null. @{ */
+typedef struct OrvaTransformSpec OrvaTransformSpec;
+
+TZM_API OrvaStatus ORVAS_FFTCToCInit_32fc(int32_t order, int32_t direction, int32_t flag,
+                                           OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToCInit_32f(int32_t order, int32_t direction, int32_t flag,
+                                          OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTRToCInit_32f(int32_t order, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToRInit_32f(int32_t order, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToC_32fc(const Orva32fc* src, Orva32fc* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToC_32fc_I(Orva32fc* srcDst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToC_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dstRe, Orva32f* dstIm,
+                                      const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTRToC_32f(const Orva32f* src, Orva32f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToR_32f(Orva32f* src, Orva32f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToCRelease_32fc(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToCRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTRToCRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToRRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToCInit_64fc(int32_t order, int32_t direction, int32_t flag,
+                                           OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToCInit_64f(int32_t order, int32_t direction, int32_t flag,
+                                          OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTRToCInit_64f(int32_t order, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToRInit_64f(int32_t order, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_FFTCToC_64fc(const Orva64fc* src, Orva64fc* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToC_64fc_I(Orva64fc* srcDst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToC_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dstRe, Orva64f* dstIm,
+                                      const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTRToC_64f(const Orva64f* src, Orva64f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToR_64f(Orva64f* src, Orva64f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToCRelease_64fc(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToCRelease_64f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTRToCRelease_64f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_FFTCToRRelease_64f(OrvaTransformSpec* spec);
+
+TZM_API OrvaStatus ORVAS_DFTCToCInit_32fc(int32_t len, int32_t direction, int32_t flag,
+                                           OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToCInit_32f(int32_t len, int32_t direction, int32_t flag,
+                                          OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTRToCInit_32f(int32_t len, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToRInit_32f(int32_t len, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToC_32fc(const Orva32fc* src, Orva32fc* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToC_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dstRe, Orva32f* dstIm,
+                                      const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTRToC_32f(const Orva32f* src, Orva32f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToR_32f(Orva32f* src, Orva32f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToCRelease_32fc(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToCRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTRToCRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToRRelease_32f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToCInit_64fc(int32_t len, int32_t direction, int32_t flag,
+                                           OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToCInit_64f(int32_t len, int32_t direction, int32_t flag,
+                                          OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTRToCInit_64f(int32_t len, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToRInit_64f(int32_t len, int32_t flag, OrvaTransformSpec** specOut);
+TZM_API OrvaStatus ORVAS_DFTCToC_64fc(const Orva64fc* src, Orva64fc* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToC_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dstRe, Orva64f* dstIm,
+                                      const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTRToC_64f(const Orva64f* src, Orva64f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToR_64f(Orva64f* src, Orva64f* dst, const OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToCRelease_64fc(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToCRelease_64f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTRToCRelease_64f(OrvaTransformSpec* spec);
+TZM_API OrvaStatus ORVAS_DFTCToRRelease_64f(OrvaTransformSpec* spec);
+/** @} */
+
 /* ---- FFT shift ---- */
 
 /* ---- Chirp-Z transform ---- */
