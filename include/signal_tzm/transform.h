@@ -117,11 +117,69 @@ TZM_API OrvaStatus ORVAS_DFTCToRRelease_64f(OrvaTransformSpec* spec);
 
 /* ---- FFT shift ---- */
 
+/** @name FFT shift
+ * Exchanges the halves of a spectrum so that bin 0 comes to the middle: with c = (len + 1) / 2,
+ * `dst` = src[c .. len-1] followed by src[0 .. c-1]. An even shift is its own inverse, an odd one is not.
+ * `dst` may be `src`. Values are moved, not interpreted. Status: 1 null pointer; 2 `len < 1`. @{ */
+TZM_API OrvaStatus ORVAS_FFTShift_32f(const Orva32f* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_FFTShift_64f(const Orva64f* src, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_FFTShift_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_FFTShift_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+/** @} */
+
 /* ---- Chirp-Z transform ---- */
+
+/** @name Chirp-Z transform
+ * The z-transform of `src` on a spiral: dst[k] = sum over n of src[n] * a^-n * w^(n k), for k below
+ * `dstLen`. With a = 1 and w = exp(-2 pi i / srcLen) it is the discrete Fourier transform; a narrower w
+ * zooms into a band. The powers are recurrences in the sample's type: their error grows with the lengths.
+ * The call plans and allocates, and frees all of it before it returns. A `w` or `a` of 0, or values that
+ * overflow, give NaN or infinities without a status.
+ *
+ * Status: 1 null pointer; 2 a length below 1; 202 srcLen + dstLen at or above 0x40000000, or the
+ * transform length (the power of two not below srcLen + dstLen - 1) above 0x8000000 (64-bit members
+ * 0x4000000); 9 an allocation or a plan failed. `dst` is written at the end, on success only. @{ */
+TZM_API OrvaStatus ORVAS_CZT_32f(const Orva32f* src, int32_t srcLen, Orva32fc* dst, int32_t dstLen, Orva32fc w,
+                                 Orva32fc a);
+TZM_API OrvaStatus ORVAS_CZT_64f(const Orva64f* src, int32_t srcLen, Orva64fc* dst, int32_t dstLen, Orva64fc w,
+                                 Orva64fc a);
+TZM_API OrvaStatus ORVAS_CZT_32fc(const Orva32fc* src, int32_t srcLen, Orva32fc* dst, int32_t dstLen, Orva32fc w,
+                                  Orva32fc a);
+TZM_API OrvaStatus ORVAS_CZT_64fc(const Orva64fc* src, int32_t srcLen, Orva64fc* dst, int32_t dstLen, Orva64fc w,
+                                  Orva64fc a);
+/** @} */
 
 /* ---- Goertzel ---- */
 
+/** @name Goertzel
+ * One bin at the relative frequency `rFreq` (cycles per sample): *dst = sum over n of
+ * src[n] * exp(-2 pi i rFreq n), unscaled. Four interleaved sums (two in the 64-bit members) run from the
+ * end of the signal to its start, are turned into phase and added as (0+1) + (2+3).
+ *
+ * Status: 1 null pointer; 2 `len < 1`; 411 `rFreq` below 0 or at or above 1, save that 32fc takes
+ * exactly 1 (a deliberate exception). A NaN frequency gives a NaN bin. @{ */
+TZM_API OrvaStatus ORVAS_Goertz_32f(const Orva32f* src, int32_t len, Orva32fc* dst, Orva32f rFreq);
+TZM_API OrvaStatus ORVAS_Goertz_64f(const Orva64f* src, int32_t len, Orva64fc* dst, Orva64f rFreq);
+TZM_API OrvaStatus ORVAS_Goertz_32fc(const Orva32fc* src, int32_t len, Orva32fc* dst, Orva32f rFreq);
+TZM_API OrvaStatus ORVAS_Goertz_64fc(const Orva64fc* src, int32_t len, Orva64fc* dst, Orva64f rFreq);
+/** @} */
+
 /* ---- Hilbert transform ---- */
+
+/** @name Hilbert transform
+ * The analytic signal of `src`: real part the input (up to rounding), imaginary part its Hilbert
+ * transform, `len` complex elements in `dst`. Init makes a spec for one length, which any number of
+ * threads may use at once, on separate arrays, until Release (null allowed) gives it back.
+ *
+ * Status of Init: 1 null `specOut`; 2 `len < 1`; 9 no memory or no plan (`*specOut` unchanged). Of the
+ * transform: 1 null array or spec; 2 `len < 1`; 204 `len` is not the spec's. @{ */
+typedef struct OrvaHilbertSpec OrvaHilbertSpec;
+
+TZM_API OrvaStatus ORVAS_HilbertInit_32f32fc(int32_t len, OrvaHilbertSpec** specOut);
+TZM_API OrvaStatus ORVAS_Hilbert_32f32fc(const Orva32f* src, Orva32fc* dst, int32_t len,
+                                         const OrvaHilbertSpec* spec);
+TZM_API OrvaStatus ORVAS_HilbertRelease_32f32fc(OrvaHilbertSpec* spec);
+/** @} */
 
 /* ---- Welch spectral estimate ---- */
 
