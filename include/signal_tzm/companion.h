@@ -150,4 +150,18 @@ TZM_API void tzm_fftf_plan_with_nthreads(int32_t nthreads);
 TZM_API void tzm_fftf_cleanup_threads(void);
 /** @} */
 
+/** @name CBLAS: the four general matrix products, in the standard signature. A CBLAS header included
+ * before this one declares them itself. @{ */
+#ifndef CBLAS_H
+TZM_API void cblas_sgemm(int order, int transA, int transB, int m, int n, int k, float alpha, const float* a, int lda,
+                         const float* b, int ldb, float beta, float* c, int ldc);
+TZM_API void cblas_dgemm(int order, int transA, int transB, int m, int n, int k, double alpha, const double* a,
+                         int lda, const double* b, int ldb, double beta, double* c, int ldc);
+TZM_API void cblas_cgemm(int order, int transA, int transB, int m, int n, int k, const void* alpha, const void* a,
+                         int lda, const void* b, int ldb, const void* beta, void* c, int ldc);
+TZM_API void cblas_zgemm(int order, int transA, int transB, int m, int n, int k, const void* alpha, const void* a,
+                         int lda, const void* b, int ldb, const void* beta, void* c, int ldc);
+#endif
+/** @} */
+
 #endif
