@@ -69,4 +69,49 @@ TZM_API OrvaStatus ORVAS_DotProd_32s_S(const Orva32s* src1, const Orva32s* src2,
 
 /* ---- Column aggregates ---- */
 
+/** A 128-bit decimal in sign and magnitude: bit 63 of `hi` is the sign, the other 127 bits the magnitude,
+ * legal below 10^38. The decimal point is the caller's. */
+typedef struct OrvaDecimal128 { uint64_t lo, hi; } OrvaDecimal128;
+
+/** @name Column aggregates
+ * `*sum` of the rows of a database column, and for AggMean also `*count` of the rows present (the
+ * division, with its rounding and decimal point, is the caller's). `nulls` is null (no row is null) or
+ * `len` bytes: 0 means the row is present, anything else that it is null and not read into the result.
+ *
+ * - 16s, 32s, 64s: added in ascending order in 64 bits. The first add that overflows sets the flag and
+ *   ends the sum with its wrapped value; 16s and 32s cannot get there. AggMean delivers the sum rounded to
+ *   binary64 at the end.
+ * - 64f: added strictly left to right from +0; the flag is always 0. NaN in a null row has no effect.
+ * - decimal64 (two's complement) and decimal128: added in 128 bits, overflow as above; then a total whose
+ *   magnitude is 10^38 or more sets the flag too, its value stored all the same. Running sums and elements
+ *   are not held to that limit.
+ *
+ * `*overflow` is 0 for a usable sum and 1 for an overflow, which is never a status; the count goes on
+ * after it. Status: 1 null pointer (`nulls` apart); 2 `len < 1`; then nothing is written. @{ */
+TZM_API OrvaStatus ORVAS_AggSum_16s(const Orva16s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                    Orva64s* sum);
+TZM_API OrvaStatus ORVAS_AggSum_32s(const Orva32s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                    Orva64s* sum);
+TZM_API OrvaStatus ORVAS_AggSum_64s(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                    Orva64s* sum);
+TZM_API OrvaStatus ORVAS_AggSum_64f(const Orva64f* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                    Orva64f* sum);
+TZM_API OrvaStatus ORVAS_AggSum_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                          OrvaDecimal128* sum);
+TZM_API OrvaStatus ORVAS_AggSum_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                           OrvaDecimal128* sum);
+TZM_API OrvaStatus ORVAS_AggMean_16s(const Orva16s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                     Orva64f* sum, uint64_t* count);
+TZM_API OrvaStatus ORVAS_AggMean_32s(const Orva32s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                     Orva64f* sum, uint64_t* count);
+TZM_API OrvaStatus ORVAS_AggMean_64s(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                     Orva64f* sum, uint64_t* count);
+TZM_API OrvaStatus ORVAS_AggMean_64f(const Orva64f* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                     Orva64f* sum, uint64_t* count);
+TZM_API OrvaStatus ORVAS_AggMean_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                           OrvaDecimal128* sum, uint64_t* count);
+TZM_API OrvaStatus ORVAS_AggMean_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                            OrvaDecimal128* sum, uint64_t* count);
+/** @} */
+
 #endif

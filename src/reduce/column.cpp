@@ -1,0 +1,280 @@
+// Column aggregates: sum, or sum and row count, of a database column with an optional null mask. Overflow
+// goes into a flag byte, never into the status.
+#include <signal_tzm/reduce.h>
+
+#include "frame/call.h"
+#include "frame/vector.h"
+
+using namespace tzm;
+
+namespace {
+
+using Int128 = __int128;
+using UInt128 = unsigned __int128;
+
+constexpr UInt128 Join(uint64_t high, uint64_t low) { return static_cast<UInt128>(high) << 64 | low; }
+
+constexpr UInt128 kDecimalLimit = Join(0x4B3B4CA85A86C47A, 0x098A224000000000);  // 10^38
+constexpr uint64_t kSign = uint64_t{1} << 63;
+
+// Rows handled at a time: their values and null bytes stay in the first-level cache.
+constexpr size_t kBlock = 512;
+
+// All ones in the lanes whose null byte is 0, zero in the others.
+template <class D>
+TZM_INLINE Vec<D> Present(D d, const Orva8u* nulls) {
+  const hn::Rebind<uint8_t, D> du8;
+  const hn::Rebind<int8_t, D> d8;
+  const auto bytes = hn::LoadU(du8, nulls);
+  const auto present = hn::BitCast(d8, hn::VecFromMask(du8, hn::Eq(bytes, hn::Zero(du8))));
+  if constexpr (sizeof(hn::TFromD<D>) == 8) return hn::PromoteTo(d, hn::PromoteTo(hn::Rebind<int32_t, D>(), present));
+  else return hn::PromoteTo(d, present);
+}
+
+// Calls add(values) for every register of the rows, null rows and those past the end as zeros.
+template <class T, class Add>
+TZM_INLINE void ForEachRegister(const T* src, const Orva8u* nulls, size_t len, Add add) {
+  const Full<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  size_t i = 0;
+  if (nulls == nullptr) {
+    for (; len - i >= kLanes; i += kLanes) add(hn::LoadU(d, src + i));
+  } else {
+    for (; len - i >= kLanes; i += kLanes) add(hn::And(hn::LoadU(d, src + i), Present(d, nulls + i)));
+  }
+  if (i == len) return;
+  T rest[kLanes] = {};
+  for (size_t k = i; k < len; ++k)
+    if (nulls == nullptr || nulls[k] == 0) rest[k - i] = LoadElement(src + k);
+  add(hn::LoadU(d, rest));
+}
+
+uint64_t CountPresent(const Orva8u* nulls, size_t len) {
+  if (nulls == nullptr) return len;
+  const Full<uint8_t> d;
+  const hn::Repartition<uint64_t, decltype(d)> d64;
+  auto counts = hn::Zero(d64);
+  size_t i = 0;
+  for (; len - i >= hn::Lanes(d); i += hn::Lanes(d)) {
+    const auto present = hn::VecFromMask(d, hn::Eq(hn::LoadU(d, nulls + i), hn::Zero(d)));
+    counts = hn::Add(counts, hn::SumsOf8(hn::And(present, hn::Set(d, 1))));
+  }
+  uint64_t count = hn::GetLane(hn::SumOfLanes(d64, counts));
+  for (; i < len; ++i) count += nulls[i] == 0;
+  return count;
+}
+
+// ---- Sums that cannot overflow: no legal length of 16- or 32-bit rows fills 64 bits ----
+
+struct Total {
+  int64_t sum;
+  bool overflow;
+};
+
+void AddRows(const Orva16s* src, const Orva8u* nulls, size_t len, Total& total) {
+  const Full<int16_t> d;
+  ProductSums16 sums;
+  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA { sums.Add(values, hn::Set(d, 1)); });
+  total.sum += sums.Lane(0) + sums.Lane(1);
+}
+
+void AddRows(const Orva32s* src, const Orva8u* nulls, size_t len, Total& total) {
+  const Full<int32_t> d;
+  const hn::Half<decltype(d)> half;
+  const Full<int64_t> d64;
+  auto low = hn::Zero(d64), high = hn::Zero(d64);
+  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA {
+    low = hn::Add(low, hn::PromoteTo(d64, hn::LowerHalf(half, values)));
+    high = hn::Add(high, hn::PromoteTo(d64, hn::UpperHalf(half, values)));
+  });
+  total.sum += hn::GetLane(hn::SumOfLanes(d64, hn::Add(low, high)));
+}
+
+// ---- 64-bit rows: the first add that overflows stops the sum and leaves its wrapped value ----
+
+void AddRows(const Orva64s* src, const Orva8u* nulls, size_t len, Total& total) {
+  if (total.overflow) return;
+  // If even `len` rows of the block's greatest magnitude could not overflow, the order of the adds cannot
+  // be seen. `bits` collects the bits of all magnitudes (of x, or of -x - 1).
+  const Full<int64_t> d;
+  auto sums = hn::Zero(d), bits = hn::Zero(d);
+  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA {
+    sums = hn::Add(sums, values);
+    bits = hn::Or(bits, hn::Xor(values, hn::BroadcastSignBit(values)));
+  });
+  int64_t lane[hn::MaxLanes(d)];
+  hn::StoreU(bits, d, lane);
+  int64_t magnitude = 0;
+  for (int64_t b : lane) magnitude |= b;
+  const Int128 most = (static_cast<Int128>(magnitude) + 1) * static_cast<Int128>(len);
+  if (total.sum + most <= std::numeric_limits<int64_t>::max() && total.sum - most >= std::numeric_limits<int64_t>::min()) {
+    total.sum += hn::GetLane(hn::SumOfLanes(d, sums));
+    return;
+  }
+  for (size_t i = 0; i < len && !total.overflow; ++i)
+    if (nulls == nullptr || nulls[i] == 0)
+      total.overflow = __builtin_add_overflow(total.sum, LoadElement(src + i), &total.sum);
+}
+
+// ---- Binary64 rows: strictly left to right ----
+
+struct FloatTotal {
+  double sum;
+};
+
+void AddRows(const Orva64f* src, const Orva8u* nulls, size_t len, FloatTotal& total) {
+  double sum = total.sum;
+  if (nulls == nullptr) {
+    for (size_t i = 0; i < len; ++i) sum += LoadElement(src + i);
+  } else {
+    // A null row adds +0, which changes no sum that started at +0; no branch can be mispredicted.
+    for (size_t i = 0; i < len; ++i) {
+      const auto bits = LoadElement(reinterpret_cast<const uint64_t*>(src) + i) & -static_cast<uint64_t>(nulls[i] == 0);
+      double value;
+      std::memcpy(&value, &bits, sizeof value);
+      sum += value;
+    }
+  }
+  total.sum = sum;
+}
+
+// ---- Decimals: a two's-complement 128-bit sum, sticky overflow ----
+
+struct DecimalTotal {
+  Int128 sum;
+  bool overflow;
+};
+
+// No legal length of 64-bit rows fills 128 bits. With 2^63 added a row is unsigned, and its halves are
+// summed apart.
+void AddRows(const Orva64s* src, const Orva8u* nulls, size_t len, DecimalTotal& total) {
+  const Full<uint64_t> d;
+  auto low = hn::Zero(d), high = hn::Zero(d);
+  size_t rows = 0;
+  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA {
+    const auto biased = hn::Xor(hn::BitCast(d, values), hn::Set(d, kSign));
+    low = hn::Add(low, hn::And(biased, hn::Set(d, 0xffffffff)));
+    high = hn::Add(high, hn::ShiftRight<32>(biased));
+    rows += hn::Lanes(d);
+  });
+  total.sum += (static_cast<Int128>(hn::GetLane(hn::SumOfLanes(d, high))) << 32) + hn::GetLane(hn::SumOfLanes(d, low));
+  total.sum -= static_cast<Int128>(rows) << 63;
+}
+
+void AddRows(const OrvaDecimal128* src, const Orva8u* nulls, size_t len, DecimalTotal& total) {
+  if (total.overflow) return;
+  Int128 sum = total.sum;
+  for (size_t i = 0; i < len; ++i) {
+    const OrvaDecimal128 row = LoadElement(src + i);
+    const UInt128 magnitude = Join(row.hi & ~kSign, row.lo);
+    const UInt128 negative = static_cast<UInt128>(-static_cast<Int128>(row.hi >> 63));
+    UInt128 value = (magnitude ^ negative) - negative;
+    if (nulls != nullptr) value &= static_cast<UInt128>(-static_cast<Int128>(nulls[i] == 0));
+    if (__builtin_add_overflow(sum, static_cast<Int128>(value), &sum)) {
+      total.overflow = true;
+      break;
+    }
+  }
+  total.sum = sum;
+}
+
+// ---- What is delivered ----
+
+void Deliver(const Total& total, Orva64s* sum, Orva8u* overflow) {
+  StoreElement(total.sum, sum);
+  *overflow = total.overflow;
+}
+void Deliver(const Total& total, Orva64f* sum, Orva8u* overflow) {
+  StoreElement(static_cast<double>(total.sum), sum);
+  *overflow = total.overflow;
+}
+void Deliver(const FloatTotal& total, Orva64f* sum, Orva8u* overflow) {
+  StoreElement(total.sum, sum);
+  *overflow = 0;
+}
+// Sign and magnitude; the limit is tested here only, on the total. A total of -2^127 has no such form:
+// it reads as +0, which elements of legal size cannot reach.
+void Deliver(const DecimalTotal& total, OrvaDecimal128* sum, Orva8u* overflow) {
+  const bool negative = total.sum < 0;
+  const UInt128 magnitude = negative ? -static_cast<UInt128>(total.sum) : static_cast<UInt128>(total.sum);
+  const uint64_t high = static_cast<uint64_t>(magnitude >> 64) ^ (negative ? kSign : 0);
+  StoreElement(OrvaDecimal128{static_cast<uint64_t>(magnitude), high}, sum);
+  *overflow = total.overflow || Join(high & ~kSign, static_cast<uint64_t>(magnitude)) >= kDecimalLimit;
+}
+
+template <class Total, class T, class Sum>
+OrvaStatus AggSum(const T* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Sum* sum) {
+  if (OrvaStatus status = CheckArrays(len, src, overflow, sum)) return status;
+  Total total = {};
+  for (size_t rows = len, i = 0; i < rows; i += kBlock)
+    AddRows(src + i, nulls != nullptr ? nulls + i : nullptr, HWY_MIN(kBlock, rows - i), total);
+  Deliver(total, sum, overflow);
+  return ORVA_STS_NO_ERR;
+}
+
+// The sum and the count of present rows; the division is the caller's.
+template <class Total, class T, class Sum>
+OrvaStatus AggMean(const T* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Sum* sum, uint64_t* count) {
+  if (OrvaStatus status = CheckPointers(count)) return status;
+  if (OrvaStatus status = AggSum<Total>(src, len, nulls, overflow, sum)) return status;
+  StoreElement(CountPresent(nulls, len), count);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_AggSum_16s(const Orva16s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64s* sum) {
+  return AggSum<Total>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggSum_32s(const Orva32s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64s* sum) {
+  return AggSum<Total>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggSum_64s(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64s* sum) {
+  return AggSum<Total>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggSum_64f(const Orva64f* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64f* sum) {
+  return AggSum<FloatTotal>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggSum_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                  OrvaDecimal128* sum) {
+  return AggSum<DecimalTotal>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggSum_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                   OrvaDecimal128* sum) {
+  return AggSum<DecimalTotal>(src, len, nulls, overflow, sum);
+}
+
+OrvaStatus ORVAS_AggMean_16s(const Orva16s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64f* sum,
+                             uint64_t* count) {
+  return AggMean<Total>(src, len, nulls, overflow, sum, count);
+}
+
+OrvaStatus ORVAS_AggMean_32s(const Orva32s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64f* sum,
+                             uint64_t* count) {
+  return AggMean<Total>(src, len, nulls, overflow, sum, count);
+}
+
+OrvaStatus ORVAS_AggMean_64s(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64f* sum,
+                             uint64_t* count) {
+  return AggMean<Total>(src, len, nulls, overflow, sum, count);
+}
+
+OrvaStatus ORVAS_AggMean_64f(const Orva64f* src, int32_t len, const Orva8u* nulls, Orva8u* overflow, Orva64f* sum,
+                             uint64_t* count) {
+  return AggMean<FloatTotal>(src, len, nulls, overflow, sum, count);
+}
+
+OrvaStatus ORVAS_AggMean_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                   OrvaDecimal128* sum, uint64_t* count) {
+  return AggMean<DecimalTotal>(src, len, nulls, overflow, sum, count);
+}
+
+OrvaStatus ORVAS_AggMean_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+                                    OrvaDecimal128* sum, uint64_t* count) {
+  return AggMean<DecimalTotal>(src, len, nulls, overflow, sum, count);
+}
