@@ -3,6 +3,7 @@
 //   digest                 print
 //   digest --check FILE    compare with FILE; lists what is missing or differs, exit status 1
 //   digest --write FILE    write FILE
+//   digest --names         the exported names that have a row
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -71,9 +72,15 @@ int Check(const std::map<std::string, std::string>& actual, const char* path) {
 int main(int argc, char** argv) {
   const bool check = argc == 3 && std::strcmp(argv[1], "--check") == 0;
   const bool write = argc == 3 && std::strcmp(argv[1], "--write") == 0;
-  if (argc != 1 && !check && !write) {
-    std::fprintf(stderr, "usage: digest [--check FILE | --write FILE]\n");
+  const bool names = argc == 2 && std::strcmp(argv[1], "--names") == 0;
+  if (argc != 1 && !check && !write && !names) {
+    std::fprintf(stderr, "usage: digest [--check FILE | --write FILE | --names]\n");
     return 2;
+  }
+  if (names) {
+    for (const Member* member : AllMembers())
+      for (const std::string& name : member->covers) std::puts(name.c_str());
+    return 0;
   }
   std::map<std::string, std::string> digests;
   for (const Member* member : AllMembers())
