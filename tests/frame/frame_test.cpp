@@ -83,7 +83,7 @@ class Frame : public testing::TestWithParam<const Member*> {
 TEST_P(Frame, NullPointers) {
   for (int32_t len : {usual.len, 0, -1}) {
     if (len < 1 && member.length_first) continue;
-    for (Role role : {Role::kSource, Role::kDst, Role::kSrcDst, Role::kResult}) {
+    for (Role role : {Role::kSource, Role::kInput, Role::kDst, Role::kSrcDst, Role::kResult}) {
       ForEach(role, [&](size_t i) {
         Setting setting = usual;
         setting.len = std::max(len, 0);

@@ -51,34 +51,39 @@ std::string Describe(const Member& member, const Setting& s) {
 }
 
 Caller::Caller(const Member& member, int32_t max_len)
-    : values(member.arguments.size()), member_(member), arrays_(member.arguments.size()) {
+    : values(member.arguments.size()), member_(member), max_len_(max_len), arrays_(member.arguments.size()) {
   uint64_t source = 0;  // sources of the same order number have the same contents in every member
   for (size_t i = 0; i < arrays_.size(); ++i) {
     const Argument& argument = member.arguments[i];
     if (!IsPointer(argument.role)) continue;
-    const size_t n = Elements(argument, max_len);
-    arrays_[i].bytes = std::make_unique<GuardedBytes>(n * argument.sample.Size());
-    const bool input = argument.role != Role::kDst && argument.role != Role::kResult;
-    if (input) ++source;
-    for (Variety variety : kVarieties) {
-      auto& contents = arrays_[i].contents[static_cast<int>(variety)];
-      contents.resize(n * argument.sample.Size());
-      Random random(source * 16 + static_cast<uint64_t>(variety));
-      if (input) Fill(random, argument.sample, variety, contents.data(), n);
-      else
-        for (size_t j = 0; j < n * argument.sample.parts; ++j)
-          StorePart(argument.sample.kind, contents.data() + j * argument.sample.PartSize(), member.result_start);
-      if (argument.role == Role::kMask)
-        for (auto& byte : contents) byte = byte % 3 == 0 ? byte : 0;
-    }
+    arrays_[i].bytes = std::make_unique<GuardedBytes>(Elements(argument, max_len) * argument.sample.Size());
+    const bool filled = argument.role == Role::kSource || argument.role == Role::kMask || argument.role == Role::kSrcDst;
+    if (filled) arrays_[i].seed = ++source;
   }
+}
+
+const std::vector<unsigned char>& Caller::Contents(size_t i, Variety variety) {
+  const Argument& argument = member_.arguments[i];
+  auto& contents = arrays_[i].contents[static_cast<size_t>(variety)];
+  if (!contents.empty()) return contents;
+  const size_t n = Elements(argument, max_len_);
+  contents.resize(n * argument.sample.Size());
+  if (arrays_[i].seed != 0) {
+    Random random(arrays_[i].seed * 16 + static_cast<uint64_t>(variety));
+    Fill(random, argument.sample, variety, contents.data(), n);
+    if (argument.role == Role::kMask)
+      for (auto& byte : contents) byte = byte % 3 == 0 ? byte : 0;
+  } else {
+    for (size_t at = 0; at < contents.size(); at += argument.sample.PartSize())
+      StorePart(argument.sample.kind, contents.data() + at, member_.start);
+  }
+  return contents;
 }
 
 void Caller::Prepare(const Setting& setting) {
   setting_ = setting;
   size_t number = 0;
   size_t scale = setting.scale;
-  const int variety = static_cast<int>(setting.variety);
   for (size_t i = 0; i < arrays_.size(); ++i) {
     const Argument& argument = member_.arguments[i];
     if (argument.role == Role::kLength) {
@@ -93,7 +98,7 @@ void Caller::Prepare(const Setting& setting) {
       Array& array = arrays_[i];
       const size_t size = Elements(argument, std::max(setting.len, 0)) * argument.sample.Size();
       const bool aliased = setting.alias >= 0 && argument.role == Role::kDst;
-      const auto& from = aliased ? arrays_[static_cast<size_t>(setting.alias)].contents[variety] : array.contents[variety];
+      const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
       array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
       array.data = array.bytes->At(setting.place, size);
       std::memcpy(array.data, array.before.data(), size);

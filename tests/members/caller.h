@@ -45,7 +45,7 @@ class Caller {
   // Number and type of the elements of each.
   std::vector<Argument> OutputArguments() const;
   static size_t Elements(const Argument& argument, int32_t len) {
-    return argument.role == Role::kResult ? 1 : static_cast<size_t>(len);
+    return argument.role == Role::kResult || argument.role == Role::kInput ? 1 : static_cast<size_t>(len);
   }
 
   std::vector<Value> values;
@@ -53,11 +53,15 @@ class Caller {
  private:
   struct Array {
     std::unique_ptr<GuardedBytes> bytes;
-    std::vector<unsigned char> contents[3];  // by variety
+    uint64_t seed = 0;                       // 0 for one that holds the start value
+    std::vector<unsigned char> contents[3];  // by variety, made when it is first asked for
     std::vector<unsigned char> before;       // what Prepare put there
     void* data = nullptr;
   };
+  const std::vector<unsigned char>& Contents(size_t argument, Variety variety);
+
   const Member& member_;
+  const int32_t max_len_;
   std::vector<Array> arrays_;
   Setting setting_;
 };

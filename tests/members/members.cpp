@@ -37,7 +37,8 @@ void Member::DeduceRoles(const ArgumentType* types, size_t n) {
     Argument argument{Role::kConstant, types[i].sample};
     if (types[i].pointer) {
       if (argument.sample.kind == Kind::k16u && Contains(name, "16f")) argument.sample.kind = Kind::k16f;
-      if (types[i].constant) argument.role = i < length ? Role::kSource : Role::kMask;
+      const Role further = argument.sample == SampleOf<Orva8u>() ? Role::kMask : Role::kInput;
+      if (types[i].constant) argument.role = i < length ? Role::kSource : further;
       else if (i > length) argument.role = Role::kResult;
       else argument.role = in_place_name ? Role::kSrcDst : Role::kDst;
     } else if (i == length) {

@@ -18,7 +18,8 @@ namespace tzm_test {
 
 enum class Role {
   kSource,      // const pointer before the length: `len` elements
-  kMask,        // const pointer after the length: `len` elements, may be null
+  kMask,        // const pointer to bytes after the length: `len` elements, may be null
+  kInput,       // any other const pointer after the length: one element
   kDst,         // pointer before the length: `len` elements
   kSrcDst,      // the same in a member whose name ends in _I or _IS
   kLength,      // the first int32_t; in the ...C families, the first one after the destination
@@ -80,10 +81,10 @@ class Member {
   }
 
   // A row for operations that work together on a state object, or whose arrays differ in length:
-  // `run` calls them over fixed inputs and hands statuses and outputs to the digest. The first name
-  // is the one the row goes by.
-  Member(std::initializer_list<const char*> names, void (*run)(Digest&))
-      : name(*names.begin()), covers(names.begin(), names.end()), scenario(run) {}
+  // `run` calls them over fixed inputs and hands statuses and outputs to the digest; without it there is
+  // no digest. The first name is the one the row goes by.
+  Member(std::initializer_list<const char*> names, void (*run)(Digest&) = nullptr)
+      : name(*names.begin()), covers(names.begin(), names.end()), scenario(run), exact(run != nullptr) {}
 
   // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
   Member& Constants(std::initializer_list<std::initializer_list<double>> sets) {
@@ -95,8 +96,8 @@ class Member {
     bad_constants.push_back({set, status});
     return *this;
   }
-  // The value that the single results, and destinations too, hold before the call: for what is also read.
-  Member& ResultStart(double value) { result_start = value; return *this; }
+  // What inputs of one element hold, and results and destinations before the call.
+  Member& Start(double value) { start = value; return *this; }
   Member& MinLength(int32_t n) { min_length = n; return *this; }
   // The member looks at its scale before its constants, at its length before its pointers.
   Member& ScaleFirst() { scale_first = true; return *this; }
@@ -110,7 +111,7 @@ class Member {
   // What to time for a scenario at a length.
   Member& Benchmark(std::function<Timed(int32_t)> make) { timed = std::move(make); return *this; }
 
-  bool IsScenario() const { return scenario != nullptr; }
+  bool IsScenario() const { return invoke == nullptr; }
   bool Has(Role role) const;
   // Number of sets of constants to try.
   size_t ConstantSets() const;
@@ -122,6 +123,7 @@ class Member {
   void (*function)() = nullptr;
   OrvaStatus (*invoke)(void (*)(), const Value*) = nullptr;
   void (*scenario)(Digest&) = nullptr;
+  bool exact = true;
   std::function<Timed(int32_t)> timed;
 
   struct BadSet {
@@ -130,9 +132,9 @@ class Member {
   };
   std::vector<std::vector<double>> constants;
   std::vector<BadSet> bad_constants;
-  double result_start = -77;
+  double start = -77;
   int32_t min_length = 1;
-  bool scale_first = false, length_first = false, in_place = true, exact = true;
+  bool scale_first = false, length_first = false, in_place = true;
   OrvaStatus allocation_status = ORVA_STS_NO_ERR;
 
  private:
