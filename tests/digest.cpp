@@ -1,0 +1,96 @@
+// tests/digest: runs every row of the table over fixed inputs and prints one digest a row, the same on
+// every platform.
+//   digest                 print
+//   digest --check FILE    compare with FILE; lists what is missing or differs, exit status 1
+//   digest --write FILE    write FILE
+//   digest --names         the exported names that have a row
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <string>
+
+#include "members/caller.h"
+
+namespace {
+
+using namespace tzm_test;
+
+void Add(Digest& digest, Caller& caller, const Setting& setting) {
+  digest.AddStatus(caller.Run(setting));
+  const auto outputs = caller.Outputs();
+  const auto arguments = caller.OutputArguments();
+  for (size_t i = 0; i < outputs.size(); ++i)
+    digest.Add(arguments[i].sample, outputs[i].data(), Caller::Elements(arguments[i], setting.len));
+}
+
+std::string DigestOf(const Member& member) {
+  Digest digest;
+  if (member.IsScenario()) {
+    SetCallUnderTest(member.name);
+    member.scenario(digest);
+  } else {
+    Caller caller(member, 1000);
+    const size_t scales = member.Has(Role::kScale) ? std::size(kScales) : 1;
+    size_t turn = 0;
+    for (int32_t len = member.min_length; len <= 1000; len += len < 40 ? 1 : len / 3) {
+      for (Variety variety : kVarieties) {
+        Add(digest, caller, {.len = len, .variety = variety, .constants = turn % member.ConstantSets(),
+                             .scale = turn % scales});
+        ++turn;
+      }
+    }
+    for (Variety variety : kVarieties)
+      for (size_t constants = 0; constants < member.ConstantSets(); ++constants)
+        for (size_t scale = 0; scale < scales; ++scale)
+          Add(digest, caller, {.len = 101, .variety = variety, .constants = constants, .scale = scale});
+  }
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(digest.Value()));
+  return text;
+}
+
+int Check(const std::map<std::string, std::string>& actual, const char* path) {
+  std::ifstream file(path);
+  std::map<std::string, std::string> expected;
+  for (std::string name, digest; file >> name >> digest;) expected[name] = digest;
+  int bad = 0;
+  for (const auto& [name, digest] : actual) {
+    const auto found = expected.find(name);
+    if (found == expected.end()) std::printf("%s: not in %s\n", name.c_str(), path), ++bad;
+    else if (found->second != digest)
+      std::printf("%s: %s, expected %s\n", name.c_str(), digest.c_str(), found->second.c_str()), ++bad;
+  }
+  for (const auto& [name, digest] : expected)
+    if (!actual.contains(name)) std::printf("%s: in %s, but no such row\n", name.c_str(), path), ++bad;
+  std::printf("%zu digests, %d missing or different\n", actual.size(), bad);
+  return bad == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool check = argc == 3 && std::strcmp(argv[1], "--check") == 0;
+  const bool write = argc == 3 && std::strcmp(argv[1], "--write") == 0;
+  const bool names = argc == 2 && std::strcmp(argv[1], "--names") == 0;
+  if (argc != 1 && !check && !write && !names) {
+    std::fprintf(stderr, "usage: digest [--check FILE | --write FILE | --names]\n");
+    return 2;
+  }
+  if (names) {
+    for (const Member* member : AllMembers())
+      for (const std::string& name : member->covers) std::puts(name.c_str());
+    return 0;
+  }
+  std::map<std::string, std::string> digests;
+  for (const Member* member : AllMembers())
+    if (member->exact) digests[member->name] = DigestOf(*member);
+  if (check) return Check(digests, argv[2]);
+  std::FILE* out = write ? std::fopen(argv[2], "w") : stdout;
+  if (out == nullptr) {
+    std::fprintf(stderr, "digest: cannot write %s\n", argv[2]);
+    return 1;
+  }
+  for (const auto& [name, digest] : digests) std::fprintf(out, "%s %s\n", name.c_str(), digest.c_str());
+  return std::fclose(out) == 0 ? 0 : 1;
+}

@@ -1,0 +1,215 @@
+// What every operation of the table owes its caller, whatever it computes: the checks and their order,
+// nothing written before they have passed, no access outside the arrays, no dependence on addresses,
+// in place as out of place, and no allocation that its row does not tell.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "members/caller.h"
+#include "support/compare.h"
+#include "support/faults.h"
+
+namespace tzm_test {
+namespace {
+
+constexpr int32_t kMaxLen = 1100;
+
+bool IsSuccess(OrvaStatus status) {
+  return status == ORVA_STS_NO_ERR || status == ORVA_STS_OVERFLOW_ERR || status == ORVA_STS_UNDERFLOW_ERR ||
+         (status >= 300 && status <= 306);
+}
+
+class Frame : public testing::TestWithParam<const Member*> {
+ protected:
+  const Member& member = *GetParam();
+  Caller caller{member, kMaxLen};
+  const Setting usual{.len = std::max(member.min_length, 21)};
+
+  // Calls with the arguments as they stand: the status, and nothing changed.
+  void ExpectRefused(OrvaStatus expected, const std::string& what) {
+    EXPECT_EQ(caller.Invoke(), expected) << member.name << " " << what;
+    EXPECT_TRUE(caller.Untouched(true)) << member.name << " wrote although it was refused: " << what;
+  }
+
+  template <class Body>
+  void ForEach(Role role, Body body) {
+    for (size_t i = 0; i < member.arguments.size(); ++i)
+      if (member.arguments[i].role == role) body(i);
+  }
+
+  size_t LengthAt() const {
+    size_t i = 0;
+    while (member.arguments[i].role != Role::kLength) ++i;
+    return i;
+  }
+
+  void SetBadScales() {
+    ForEach(Role::kScale, [&](size_t i) { caller.values[i].Set(-1.0); });
+  }
+
+  // Two runs of the same setting: the statuses agree, and so does every bit.
+  void ExpectSame(const std::vector<std::vector<unsigned char>>& expected, OrvaStatus expected_status,
+                  OrvaStatus status, const Setting& setting) {
+    EXPECT_EQ(status, expected_status) << Describe(member, setting);
+    const auto actual = caller.Outputs();
+    const auto types = caller.OutputArguments();
+    for (size_t i = 0; i < types.size(); ++i) {
+      const std::string difference = FirstDifference(types[i].sample, expected[i].data(), actual[i].data(),
+                                                     Caller::Elements(types[i], setting.len));
+      EXPECT_TRUE(difference.empty()) << Describe(member, setting) << " output " << i << " " << difference;
+    }
+  }
+
+  // Every length up to a few blocks and some long ones, with all varieties, and the sets of constants
+  // and the scales in turn.
+  template <class Body>
+  void ForEachSetting(Body body) {
+    size_t turn = 0;
+    std::vector<int32_t> lengths;
+    for (int32_t len = member.min_length; len <= 70; ++len) lengths.push_back(len);
+    for (int32_t len : {127, 128, 131, 255, 517, 1025}) lengths.push_back(len);
+    for (int32_t len : lengths) {
+      for (Variety variety : kVarieties) {
+        body(Setting{.len = len, .variety = variety, .constants = turn % member.ConstantSets(),
+                     .scale = turn % std::size(kScales)});
+        ++turn;
+        if (HasFailure()) return;
+      }
+    }
+  }
+};
+
+TEST_P(Frame, NullPointers) {
+  for (int32_t len : {usual.len, 0, -1}) {
+    const OrvaStatus expected = len < 1 && member.length_first ? ORVA_STS_SIZE_ERR : ORVA_STS_NULL_PTR_ERR;
+    for (Role role : {Role::kSource, Role::kInput, Role::kDst, Role::kSrcDst, Role::kResult}) {
+      ForEach(role, [&](size_t i) {
+        Setting setting = usual;
+        setting.len = std::max(len, 0);
+        caller.Prepare(setting);
+        caller.values[LengthAt()].Set(len);
+        caller.values[i].Set<void*>(nullptr);
+        SetBadScales();
+        ExpectRefused(expected, "argument " + std::to_string(i) + " null, length " + std::to_string(len));
+      });
+    }
+  }
+  ForEach(Role::kMask, [&](size_t i) {
+    caller.Prepare(usual);
+    caller.values[i].Set<void*>(nullptr);
+    EXPECT_TRUE(IsSuccess(caller.Invoke())) << member.name << " with argument " << i << " null";
+  });
+}
+
+TEST_P(Frame, Lengths) {
+  for (int32_t len : {0, -1, std::numeric_limits<int32_t>::min(), member.min_length - 1}) {
+    for (bool also_bad : {false, true}) {
+      caller.Prepare({.len = std::max(len, 0)});
+      caller.values[LengthAt()].Set(len);
+      if (also_bad) {
+        SetBadScales();
+        if (!member.bad_constants.empty()) caller.SetConstants(member.bad_constants[0].set);
+      }
+      ExpectRefused(ORVA_STS_SIZE_ERR, "length " + std::to_string(len));
+    }
+  }
+}
+
+TEST_P(Frame, Scales) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (double scale : {0.0, -0.0, -1.0, kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+    ForEach(Role::kScale, [&](size_t i) {
+      caller.Prepare(usual);
+      caller.values[i].Set(scale);
+      ExpectRefused(ORVA_STS_SCALE_ERR, "scale " + std::to_string(scale));
+    });
+  }
+}
+
+TEST_P(Frame, Constants) {
+  for (const Member::BadSet& bad : member.bad_constants) {
+    caller.Prepare(usual);
+    caller.SetConstants(bad.set);
+    ExpectRefused(bad.status, "bad constants");
+    if (!member.Has(Role::kScale)) continue;
+    SetBadScales();
+    ExpectRefused(member.scale_first ? ORVA_STS_SCALE_ERR : bad.status, "bad constants and scale");
+  }
+}
+
+TEST_P(Frame, ArraysAndAddresses) {
+  ForEachSetting([&](Setting setting) {
+    const OrvaStatus status = caller.Run(setting);
+    EXPECT_TRUE(IsSuccess(status)) << Describe(member, setting) << " returns " << status;
+    EXPECT_TRUE(caller.Untouched(false)) << Describe(member, setting) << " changed a source";
+    const auto expected = caller.Outputs();
+    for (Place place : {Place::kStart, Place::kUnaligned}) {
+      setting.place = place;
+      ExpectSame(expected, status, caller.Run(setting), setting);
+    }
+  });
+}
+
+TEST_P(Frame, EveryConstantAndScale) {
+  const size_t scales = member.Has(Role::kScale) ? std::size(kScales) : 1;
+  for (size_t constants = 0; constants < member.ConstantSets(); ++constants)
+    for (size_t scale = 0; scale < scales; ++scale) {
+      const OrvaStatus status = caller.Run({.len = usual.len, .constants = constants, .scale = scale});
+      EXPECT_TRUE(IsSuccess(status)) << member.name << " constants " << constants << " scale " << kScales[scale]
+                                     << " returns " << status;
+    }
+}
+
+TEST_P(Frame, InPlace) {
+  if (!member.in_place) return;
+  const Argument* dst = nullptr;
+  ForEach(Role::kDst, [&](size_t i) { dst = dst == nullptr ? &member.arguments[i] : nullptr; });
+  if (dst == nullptr) return;
+  ForEach(Role::kSource, [&](size_t source) {
+    if (member.arguments[source].sample != dst->sample) return;
+    ForEachSetting([&](Setting setting) {
+      const OrvaStatus status = caller.Run(setting);
+      const auto expected = caller.Outputs();
+      setting.alias = static_cast<int>(source);
+      ExpectSame(expected, status, caller.Run(setting), setting);
+    });
+  });
+}
+
+TEST_P(Frame, InPlaceTwin) {
+  if (!member.Has(Role::kSrcDst)) return;
+  std::string twin_name = member.name;
+  if (twin_name.ends_with("_IS")) twin_name.erase(twin_name.size() - 2, 1);
+  else twin_name.erase(twin_name.size() - 2);
+  for (const Member* twin : AllMembers()) {
+    if (twin->name != twin_name) continue;
+    Caller twin_caller{*twin, kMaxLen};
+    ForEachSetting([&](const Setting& setting) {
+      const OrvaStatus status = twin_caller.Run(setting);
+      ExpectSame(twin_caller.Outputs(), status, caller.Run(setting), setting);
+    });
+  }
+}
+
+TEST_P(Frame, Allocations) {
+  const int requests = ForEachFault([&] {
+    const OrvaStatus status = caller.Run(usual);
+    return IsSuccess(status) ? ORVA_STS_NO_ERR : status;
+  }, member.allocation_status);
+  EXPECT_EQ(requests > 0, member.allocation_status != ORVA_STS_NO_ERR)
+      << member.name << " makes " << requests << " requests for memory";
+}
+
+std::vector<const Member*> Callable() {
+  std::vector<const Member*> members = AllMembers();
+  std::erase_if(members, [](const Member* member) { return member->IsScenario(); });
+  return members;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Frame, testing::ValuesIn(Callable()),
+                         [](const auto& info) { return info.param->name; });
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Frame);
+
+}  // namespace
+}  // namespace tzm_test

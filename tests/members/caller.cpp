@@ -1,0 +1,151 @@
+#include "caller.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+namespace tzm_test {
+
+namespace {
+
+bool IsPointer(Role role) { return role != Role::kLength && role != Role::kConstant && role != Role::kScale; }
+bool IsOutput(Role role) { return role == Role::kDst || role == Role::kSrcDst || role == Role::kResult; }
+
+template <class T>
+T Saturated(double number) {
+  if (std::is_floating_point_v<T>) return static_cast<T>(number);
+  constexpr double lo = static_cast<double>(std::numeric_limits<T>::min());
+  constexpr double hi = static_cast<double>(std::numeric_limits<T>::max());
+  if (number <= lo) return std::numeric_limits<T>::min();
+  if (number >= hi) return std::numeric_limits<T>::max();
+  return static_cast<T>(number);
+}
+
+template <class T>
+void Put(void* to, double number) {
+  const T value = Saturated<T>(number);
+  std::memcpy(to, &value, sizeof value);
+}
+
+void StorePart(Kind kind, void* to, double number) {
+  switch (kind) {
+    case Kind::k8u: return Put<uint8_t>(to, number);
+    case Kind::k16u: case Kind::k16f: return Put<uint16_t>(to, number);
+    case Kind::k16s: return Put<int16_t>(to, number);
+    case Kind::k32u: return Put<uint32_t>(to, number);
+    case Kind::k32s: return Put<int32_t>(to, number);
+    case Kind::k64u: return Put<uint64_t>(to, number);
+    case Kind::k64s: return Put<int64_t>(to, number);
+    case Kind::k32f: return Put<float>(to, number);
+    case Kind::k64f: return Put<double>(to, number);
+  }
+}
+
+}  // namespace
+
+std::string Describe(const Member& member, const Setting& s) {
+  return member.name + " length " + std::to_string(s.len) + " variety " + std::to_string(static_cast<int>(s.variety)) +
+         " constants " + std::to_string(s.constants) + " scale " + std::to_string(s.scale) + " place " +
+         std::to_string(static_cast<int>(s.place)) + " alias " + std::to_string(s.alias);
+}
+
+Caller::Caller(const Member& member, int32_t max_len)
+    : values(member.arguments.size()), member_(member), max_len_(max_len), arrays_(member.arguments.size()) {
+  uint64_t source = 0;  // sources of the same order number have the same contents in every member
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    const Argument& argument = member.arguments[i];
+    if (!IsPointer(argument.role)) continue;
+    arrays_[i].bytes = std::make_unique<GuardedBytes>(Elements(argument, max_len) * argument.sample.Size());
+    const bool filled = argument.role == Role::kSource || argument.role == Role::kMask || argument.role == Role::kSrcDst;
+    if (filled) arrays_[i].seed = ++source;
+  }
+}
+
+const std::vector<unsigned char>& Caller::Contents(size_t i, Variety variety) {
+  const Argument& argument = member_.arguments[i];
+  auto& contents = arrays_[i].contents[static_cast<size_t>(variety)];
+  if (!contents.empty()) return contents;
+  const size_t n = Elements(argument, max_len_);
+  contents.resize(n * argument.sample.Size());
+  if (arrays_[i].seed != 0) {
+    Random random(arrays_[i].seed * 16 + static_cast<uint64_t>(variety));
+    Fill(random, argument.sample, variety, contents.data(), n);
+    if (argument.role == Role::kMask)
+      for (auto& byte : contents) byte = byte % 3 == 0 ? byte : 0;
+  } else {
+    for (size_t at = 0; at < contents.size(); at += argument.sample.PartSize())
+      StorePart(argument.sample.kind, contents.data() + at, member_.start);
+  }
+  return contents;
+}
+
+void Caller::Prepare(const Setting& setting) {
+  setting_ = setting;
+  size_t number = 0;
+  size_t scale = setting.scale;
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    const Argument& argument = member_.arguments[i];
+    if (argument.role == Role::kLength) {
+      values[i].Set(setting.len);
+    } else if (argument.role == Role::kScale) {
+      values[i].Set(kScales[scale++ % std::size(kScales)]);
+    } else if (argument.role == Role::kConstant) {
+      for (size_t part = 0; part < argument.sample.parts; ++part)
+        StorePart(argument.sample.kind, values[i].bytes + part * argument.sample.PartSize(),
+                  member_.ConstantAt(setting.constants, number++, argument.sample));
+    } else {
+      Array& array = arrays_[i];
+      const size_t size = Elements(argument, std::max(setting.len, 0)) * argument.sample.Size();
+      const bool aliased = setting.alias >= 0 && argument.role == Role::kDst;
+      const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
+      array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
+      array.data = array.bytes->At(setting.place, size);
+      std::memcpy(array.data, array.before.data(), size);
+      values[i].Set(array.data);
+      if (aliased) values[static_cast<size_t>(setting.alias)].Set(array.data);
+    }
+  }
+}
+
+void Caller::SetConstants(const std::vector<double>& set) {
+  size_t number = 0;
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    const Argument& argument = member_.arguments[i];
+    if (argument.role != Role::kConstant) continue;
+    for (size_t part = 0; part < argument.sample.parts; ++part)
+      StorePart(argument.sample.kind, values[i].bytes + part * argument.sample.PartSize(), set.at(number++));
+  }
+}
+
+OrvaStatus Caller::Invoke() {
+  SetCallUnderTest(Describe(member_, setting_));
+  return member_.invoke(member_.function, values.data());
+}
+
+bool Caller::Untouched(bool outputs_too) const {
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    if (!arrays_[i].bytes || (IsOutput(member_.arguments[i].role) && !outputs_too)) continue;
+    if (std::memcmp(arrays_[i].data, arrays_[i].before.data(), arrays_[i].before.size()) != 0) return false;
+  }
+  return true;
+}
+
+std::vector<Argument> Caller::OutputArguments() const {
+  std::vector<Argument> outputs;
+  for (const Argument& argument : member_.arguments)
+    if (IsOutput(argument.role)) outputs.push_back(argument);
+  return outputs;
+}
+
+std::vector<std::vector<unsigned char>> Caller::Outputs() const {
+  std::vector<std::vector<unsigned char>> outputs;
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    if (!IsOutput(member_.arguments[i].role)) continue;
+    const auto* data = static_cast<const unsigned char*>(arrays_[i].data);
+    outputs.emplace_back(data, data + arrays_[i].before.size());
+  }
+  return outputs;
+}
+
+}  // namespace tzm_test

@@ -1,0 +1,24 @@
+// A 64-bit digest of outputs (FNV-1a), in which all NaNs of a type are the same.
+#pragma once
+
+#include <cstdint>
+
+#include "sample.h"
+
+namespace tzm_test {
+
+class Digest {
+ public:
+  void Add(Sample sample, const void* data, size_t n);
+  template <class T>
+  void Add(const T* data, size_t n) {
+    Add(SampleOf<T>(), data, n);
+  }
+  void AddStatus(int32_t status) { Add(&status, 1); }
+  uint64_t Value() const { return value_; }
+
+ private:
+  uint64_t value_ = 0xcbf29ce484222325;
+};
+
+}  // namespace tzm_test

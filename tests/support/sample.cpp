@@ -1,0 +1,57 @@
+#include "sample.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace tzm_test {
+
+namespace {
+
+template <class T>
+T Load(const void* p) {
+  T value;
+  std::memcpy(&value, p, sizeof value);
+  return value;
+}
+
+}  // namespace
+
+size_t Sample::PartSize() const {
+  switch (kind) {
+    case Kind::k8u: return 1;
+    case Kind::k16u: case Kind::k16s: case Kind::k16f: return 2;
+    case Kind::k32u: case Kind::k32s: case Kind::k32f: return 4;
+    default: return 8;
+  }
+}
+
+std::string Print(Kind kind, const void* part) {
+  char text[64];
+  switch (kind) {
+    case Kind::k8u: return std::to_string(Load<uint8_t>(part));
+    case Kind::k16u: return std::to_string(Load<uint16_t>(part));
+    case Kind::k16s: return std::to_string(Load<int16_t>(part));
+    case Kind::k32u: return std::to_string(Load<uint32_t>(part));
+    case Kind::k32s: return std::to_string(Load<int32_t>(part));
+    case Kind::k64u: return std::to_string(Load<uint64_t>(part));
+    case Kind::k64s: return std::to_string(Load<int64_t>(part));
+    case Kind::k16f: std::snprintf(text, sizeof text, "0x%04x", Load<uint16_t>(part)); break;
+    case Kind::k32f: std::snprintf(text, sizeof text, "%.9g (0x%08x)", Load<float>(part), Load<uint32_t>(part)); break;
+    case Kind::k64f:
+      std::snprintf(text, sizeof text, "%.17g (0x%016llx)", Load<double>(part),
+                    static_cast<unsigned long long>(Load<uint64_t>(part)));
+  }
+  return text;
+}
+
+bool IsNaN(Kind kind, const void* part) {
+  switch (kind) {
+    case Kind::k16f: return (Load<uint16_t>(part) & 0x7fff) > 0x7c00;
+    case Kind::k32f: return (Load<uint32_t>(part) & 0x7fffffff) > 0x7f800000;
+    case Kind::k64f: return (Load<uint64_t>(part) & ~(uint64_t{1} << 63)) > uint64_t{0x7ff} << 52;
+    default: return false;
+  }
+}
+
+}  // namespace tzm_test

@@ -1,0 +1,50 @@
+// The sample types at run time: what a type-erased test needs to know to fill, compare and print them.
+#pragma once
+
+#include <signal_tzm/types.h>
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+
+namespace tzm_test {
+
+enum class Kind { k8u, k16u, k16s, k32u, k32s, k64u, k64s, k16f, k32f, k64f };
+
+// A sample is one part, or two for a complex pair. Any other record is a run of 64-bit words.
+struct Sample {
+  Kind kind;
+  size_t parts;
+  size_t PartSize() const;
+  size_t Size() const { return parts * PartSize(); }
+  bool IsFloat() const { return kind >= Kind::k16f; }
+  friend bool operator==(const Sample&, const Sample&) = default;
+};
+
+template <class T>
+constexpr Sample SampleOf() {
+  if constexpr (std::is_same_v<T, float>) return {Kind::k32f, 1};
+  else if constexpr (std::is_same_v<T, double>) return {Kind::k64f, 1};
+  else if constexpr (std::is_integral_v<T>) {
+    constexpr bool u = std::is_unsigned_v<T>;
+    switch (sizeof(T)) {
+      case 1: return {Kind::k8u, 1};
+      case 2: return {u ? Kind::k16u : Kind::k16s, 1};
+      case 4: return {u ? Kind::k32u : Kind::k32s, 1};
+      default: return {u ? Kind::k64u : Kind::k64s, 1};
+    }
+  } else if constexpr (requires(T x) { x.re; }) {
+    return {SampleOf<decltype(T::re)>().kind, 2};
+  } else {
+    static_assert(std::is_trivially_copyable_v<T> && sizeof(T) % 8 == 0, "give this type a Sample");
+    return {Kind::k64u, sizeof(T) / 8};
+  }
+}
+
+// The value of one part, readable, with its bits when it is a floating value.
+std::string Print(Kind kind, const void* part);
+
+// Whether one part of a floating kind is a NaN.
+bool IsNaN(Kind kind, const void* part);
+
+}  // namespace tzm_test
