@@ -9,8 +9,9 @@
 #include <signal_tzm/types.h>
 
 /** @name Core: memory.
- * Null when the block cannot be had or the count is below 1. Both release functions take blocks of
- * every allocator here, and null. @{ */
+ * A block of `bytes` bytes or `count` elements, its contents undefined; null when it cannot be had or the
+ * count is below 1. No alignment beyond that of the element is asked for; tzm_core gives 64 bytes. Both
+ * release functions take blocks of every allocator here, and null. @{ */
 TZM_API void* ORVA_Malloc(int32_t bytes);
 TZM_API Orva8u* ORVAS_Malloc_8u(int32_t count);
 TZM_API Orva16s* ORVAS_Malloc_16s(int32_t count);
@@ -21,7 +22,8 @@ TZM_API void ORVAS_Free(void* ptr);
 /** @} */
 
 /** @name Core: copy `len` elements. Copy: the arrays do not overlap. Move: they may.
- * These and all core operations below return status 1 for a null pointer, then 2 for `len < 1`. @{ */
+ * These and all core operations below work on `len` elements of each array and return status 1 for a null
+ * pointer, then 2 for `len < 1`; nothing is written then. @{ */
 TZM_API OrvaStatus ORVAS_Copy_16s(const Orva16s* src, Orva16s* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Copy_16sc(const Orva16sc* src, Orva16sc* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Copy_32f(const Orva32f* src, Orva32f* dst, int32_t len);
@@ -46,7 +48,9 @@ TZM_API OrvaStatus ORVAS_Set_64f(Orva64f value, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Set_64fc(Orva64fc value, Orva64fc* dst, int32_t len);
 /** @} */
 
-/** @name Core: srcDst[i] += src[i], conj(src[i]), and src[len-1-i]. @{ */
+/** @name Core: sum, conjugate, reversal.
+ * Add: srcDst[i] += src[i]. Conj: dst[i] = conj(src[i]), the sign bit of the imaginary part inverted.
+ * Flip: dst[i] = src[len-1-i]. `dst` may be `src` itself. @{ */
 TZM_API OrvaStatus ORVAS_Add_32f_I(const Orva32f* src, Orva32f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_Add_64f_I(const Orva64f* src, Orva64f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_Conj_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
@@ -60,9 +64,10 @@ TZM_API OrvaStatus ORVAS_Flip_64fc(const Orva64fc* src, Orva64fc* dst, int32_t l
 /** @} */
 
 /** @name Core: conversion by value.
- * The scaled form divides by the power of two of the scale rule, rounds by `roundMode` (0 toward
- * zero, 1 to nearest with ties to even) and saturates; its later statuses are 200 for another mode, then 20 for a scale that is
- * not positive and finite. @{ */
+ * A narrowing to binary32 rounds to nearest, ties to even. The scaled form divides by the power of two of
+ * the scale rule, rounds by `roundMode` (0 toward zero, 1 to nearest with ties to even) and saturates; NaN
+ * gives 0. Its further statuses are 200 for another mode, then 20 for a scale that is not positive and
+ * finite. CplxToReal: dstRe[i] = src[i].re and dstIm[i] = src[i].im; RealToCplx: the reverse. @{ */
 TZM_API OrvaStatus ORVAS_Convert_16s32f(const Orva16s* src, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Convert_32f64f(const Orva32f* src, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Convert_64f32f(const Orva64f* src, Orva32f* dst, int32_t len);
@@ -75,16 +80,21 @@ TZM_API OrvaStatus ORVAS_RealToCplx_32f(const Orva32f* srcRe, const Orva32f* src
 TZM_API OrvaStatus ORVAS_RealToCplx_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64fc* dst, int32_t len);
 /** @} */
 
-/** @name Core: the largest, smallest and largest absolute element. NaN elements are passed over;
- * an array of nothing else gives NaN. @{ */
+/** @name Core: the largest, smallest and largest absolute element.
+ * NaN elements are passed over; an array of nothing else gives NaN. Among zeros of both signs the first
+ * one is the result of Max and Min; MaxAbs gives +0. @{ */
 TZM_API OrvaStatus ORVAS_Max_64f(const Orva64f* src, int32_t len, Orva64f* result);
 TZM_API OrvaStatus ORVAS_Min_64f(const Orva64f* src, int32_t len, Orva64f* result);
 TZM_API OrvaStatus ORVAS_MaxAbs_32f(const Orva32f* src, int32_t len, Orva32f* result);
 TZM_API OrvaStatus ORVAS_MaxAbs_64f(const Orva64f* src, int32_t len, Orva64f* result);
 /** @} */
 
-/** @name Vector math: element-wise over `n` elements, results last. A result array may be a source
- * array. Nothing is reported: `n < 1` does nothing, domain errors give NaN or infinity. @{ */
+/** @name Vector math: element-wise over `n` elements, results last.
+ * A result array may be a source array. Nothing is reported: `n < 1` does nothing, domain errors give NaN
+ * or infinity. Products and square roots are correctly rounded; the functions of tzm_vmath stay within
+ * 1 ulp, give the same bits on every architecture, and depend on no element but their own. `atan2` is that
+ * of a[i] over b[i], `pow` a[i] to the power b[i], `ln` the natural logarithm; `sincos` gives the bits of
+ * `sin` and `cos`. @{ */
 TZM_API void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r);
 TZM_API void vdmul(int32_t n, const Orva64f* a, const Orva64f* b, Orva64f* r);
 TZM_API void vssqrt(int32_t n, const Orva32f* a, Orva32f* r);
