@@ -20,6 +20,7 @@ install(FILES ${PROJECT_BINARY_DIR}/signal_tzmConfig.cmake ${PROJECT_BINARY_DIR}
 # pkg-config finds the prefix from the place of its file.
 file(RELATIVE_PATH TZM_PREFIX_FROM_PC
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" TZM_PREFIX_FROM_PC ${TZM_PREFIX_FROM_PC})
 get_filename_component(TZM_CBLAS_NAME ${TZM_CBLAS_LIBRARY} NAME_WE)
 string(REGEX REPLACE "^lib" "" TZM_CBLAS_NAME ${TZM_CBLAS_NAME})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzm.pc.in ${PROJECT_BINARY_DIR}/signal_tzm.pc @ONLY)

@@ -6,9 +6,10 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
+#include <limits>
 #include <numbers>
-#include <numeric>
 
 #include "audio.h"
 #include "command.h"
@@ -166,10 +167,10 @@ Table SpectrumTable(const Spectrum& spectrum) {
 }
 
 std::string Describe(const Settings& settings, const AudioReader& reader, const Spectrum& spectrum) {
-  return Format("%d Hz, %.2f s, channel %d of %d; %s window, %lld segments of %d samples, %.3g %% overlap, %.3g Hz per bin",
+  return Format("%d Hz, %.2f s, channel %d of %d; %s window, %lld segment%s of %d samples, overlap %.3g %%, %.3g Hz per bin",
                 reader.Rate(), double(spectrum.samples) / reader.Rate(), settings.channel, reader.Channels(),
                 std::string(kWindowNames[settings.window]).c_str(), static_cast<long long>(spectrum.segments),
-                settings.segment, 100 * settings.overlap, spectrum.frequency[1]);
+                spectrum.segments == 1 ? "" : "s", settings.segment, 100 * settings.overlap, spectrum.frequency[1]);
 }
 
 std::string FrequencyText(double hertz) {
