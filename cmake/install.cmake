@@ -1,0 +1,33 @@
+# What is installed, so that find_package(signal_tzm CONFIG) and pkg-config signal_tzm work from any prefix,
+# also after the whole prefix has been moved.
+include(CMakePackageConfigHelpers)
+
+set(tzm_libraries signal_tzm tzm_core tzm_vmath tzm_fft)
+set_target_properties(${tzm_libraries} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+set(tzm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/signal_tzm)
+
+install(TARGETS ${tzm_libraries} EXPORT signal_tzmTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT signal_tzmTargets NAMESPACE signal_tzm:: DESTINATION ${tzm_package_dir})
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzmConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/signal_tzmConfig.cmake INSTALL_DESTINATION ${tzm_package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/signal_tzmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/signal_tzmConfig.cmake ${PROJECT_BINARY_DIR}/signal_tzmConfigVersion.cmake
+  DESTINATION ${tzm_package_dir})
+
+# pkg-config finds the prefix from the place of its file.
+file(RELATIVE_PATH TZM_PREFIX_FROM_PC
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" TZM_PREFIX_FROM_PC ${TZM_PREFIX_FROM_PC})
+get_filename_component(TZM_CBLAS_NAME ${TZM_CBLAS_LIBRARY} NAME_WE)
+string(REGEX REPLACE "^lib" "" TZM_CBLAS_NAME ${TZM_CBLAS_NAME})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzm.pc.in ${PROJECT_BINARY_DIR}/signal_tzm.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/signal_tzm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TARGET tzm)
+  file(RELATIVE_PATH libraries_from_tool ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(tzm PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_tool}")
+  install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

@@ -1,0 +1,87 @@
+// Results on standard output: text, CSV, JSON.
+#include "output.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "text.h"
+
+namespace tzm {
+namespace {
+
+// Nine digits: enough to give every binary32 back.
+std::string Number(double value) { return Format("%.9g", value); }
+
+std::string JsonNumber(double value) { return std::isfinite(value) ? Number(value) : "null"; }
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : CleanText(text)) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+size_t Rows(const Table& table) { return table.empty() ? 0 : table.front().values.size(); }
+
+}  // namespace
+
+void PrintText(const Table& table) {
+  std::vector<size_t> widths;
+  for (const Column& c : table) {
+    size_t width = c.heading.size();
+    for (const double v : c.values) width = std::max(width, Format("%.*f", c.decimals, v).size());
+    widths.push_back(width);
+    std::printf("  %*s", int(width), c.heading.c_str());
+  }
+  std::printf("\n");
+  for (size_t row = 0; row < Rows(table); ++row) {
+    for (size_t i = 0; i < table.size(); ++i) {
+      std::printf("  %*.*f", int(widths[i]), table[i].decimals, table[i].values[row]);
+    }
+    std::printf("\n");
+  }
+}
+
+void PrintCsv(const Table& table) {
+  for (size_t i = 0; i < table.size(); ++i) std::printf("%s%s", i ? "," : "", table[i].name.c_str());
+  std::printf("\n");
+  for (size_t row = 0; row < Rows(table); ++row) {
+    for (size_t i = 0; i < table.size(); ++i) std::printf("%s%s", i ? "," : "", Number(table[i].values[row]).c_str());
+    std::printf("\n");
+  }
+}
+
+void JsonObject::AddRaw(const std::string& name, const std::string& value) {
+  members_ += (members_.empty() ? "" : ", ") + Quoted(name) + ": " + value;
+}
+
+void JsonObject::Add(const char* name, const std::string& text) { AddRaw(name, Quoted(text)); }
+
+void JsonObject::Add(const char* name, double number) { AddRaw(name, JsonNumber(number)); }
+
+void JsonObject::AddRows(const char* name, const Table& table) {
+  std::string array;
+  for (size_t row = 0; row < Rows(table); ++row) {
+    JsonObject object;
+    for (const Column& c : table) object.AddRaw(c.name, JsonNumber(c.values[row]));
+    array += (row ? ", {" : "{") + object.members_ + "}";
+  }
+  AddRaw(name, "[" + array + "]");
+}
+
+void JsonObject::AddColumns(const char* name, const Table& table) {
+  JsonObject object;
+  for (const Column& c : table) {
+    std::string array;
+    for (const double v : c.values) array += (array.empty() ? "" : ", ") + JsonNumber(v);
+    object.AddRaw(c.name, "[" + array + "]");
+  }
+  AddRaw(name, "{" + object.members_ + "}");
+}
+
+void JsonObject::Print() const { std::printf("{%s}\n", members_.c_str()); }
+
+}  // namespace tzm

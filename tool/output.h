@@ -1,0 +1,42 @@
+// Results on standard output: one table, as text for people, as CSV, or inside a JSON object.
+#ifndef TZM_TOOL_OUTPUT_H
+#define TZM_TOOL_OUTPUT_H
+
+#include <string>
+#include <vector>
+
+namespace tzm {
+
+struct Column {
+  std::string name;     // for programs: lower case, with the unit
+  std::string heading;  // for people
+  int decimals;         // for people; programs get every digit that counts
+  std::vector<double> values;
+};
+
+/** Columns of equal length. */
+using Table = std::vector<Column>;
+
+void PrintText(const Table& table);
+void PrintCsv(const Table& table);
+
+/** A JSON object, its members in the order they were added. Numbers that JSON cannot hold become null. */
+class JsonObject {
+ public:
+  void Add(const char* name, const std::string& text);
+  void Add(const char* name, double number);
+  /** Rows as an array of objects. */
+  void AddRows(const char* name, const Table& table);
+  /** Columns as an object of arrays: for long tables. */
+  void AddColumns(const char* name, const Table& table);
+  void Print() const;
+
+ private:
+  void AddRaw(const std::string& name, const std::string& value);
+
+  std::string members_;
+};
+
+}  // namespace tzm
+
+#endif

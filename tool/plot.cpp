@@ -1,0 +1,319 @@
+// Plots, drawn with cairo in points; a PNG has two pixels a point.
+#include "plot.h"
+
+#include <cairo-svg.h>
+#include <cairo.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "command.h"
+#include "text.h"
+
+namespace tzm {
+namespace {
+
+constexpr double kWidth = 960, kHeight = 540, kPixelsPerPoint = 2;
+constexpr double kLeft = 78, kRight = 28, kTop = 66, kBottom = 58;  // margins around the axes
+constexpr double kTickFont = 12, kLabelFont = 13, kTitleFont = 17;
+
+struct Colour {
+  double r, g, b, a = 1;
+};
+constexpr Colour kPaper{1, 1, 1}, kInk{0.13, 0.15, 0.18}, kQuiet{0.38, 0.41, 0.45};
+constexpr Colour kGrid{0.86, 0.88, 0.90}, kFineGrid{0.94, 0.95, 0.96};
+constexpr Colour kCurve{0.10, 0.36, 0.64}, kArea{0.10, 0.36, 0.64, 0.10}, kMark{0.80, 0.22, 0.12};
+
+struct Box {
+  double x, y, width, height;
+  bool Overlaps(const Box& b) const {
+    return x < b.x + b.width && b.x < x + width && y < b.y + b.height && b.y < y + height;
+  }
+};
+
+struct Tick {
+  double value;
+  bool labelled;
+};
+
+// The 1, 2 or 5 times a power of ten at or above the value.
+double RoundStep(double value) {
+  const double power = std::pow(10, std::floor(std::log10(value)));
+  for (const double digit : {1.0, 2.0, 5.0}) {
+    if (digit * power >= value * (1 - 1e-9)) return digit * power;
+  }
+  return 10 * power;
+}
+
+std::vector<Tick> LinearTicks(const Axis& axis, double most) {
+  const double step = RoundStep((axis.high - axis.low) / most);
+  std::vector<Tick> ticks;
+  for (double k = std::ceil(axis.low / step - 1e-9); k * step <= axis.high + 1e-9 * step; ++k) {
+    ticks.push_back({k * step, true});
+  }
+  return ticks;
+}
+
+// Every digit of every decade; 1, 2 and 5 carry labels. Less than a decade and a half is ticked like a linear axis.
+std::vector<Tick> LogarithmicTicks(const Axis& axis, double most) {
+  if (axis.high < 30 * axis.low) return LinearTicks(axis, most);
+  std::vector<Tick> ticks;
+  for (double power = std::pow(10, std::floor(std::log10(axis.low))); power <= axis.high; power *= 10) {
+    for (int digit = 1; digit < 10; ++digit) {
+      const double value = digit * power;
+      if (value >= axis.low && value <= axis.high) ticks.push_back({value, digit == 1 || digit == 2 || digit == 5});
+    }
+  }
+  return ticks;
+}
+
+std::vector<Tick> Ticks(const Axis& axis, double most) {
+  return axis.logarithmic ? LogarithmicTicks(axis, most) : LinearTicks(axis, most);
+}
+
+std::string TickText(double value) {
+  if (std::abs(value) >= 1e6) return Format("%.6gM", value / 1e6);
+  if (std::abs(value) >= 1e3) return Format("%.6gk", value / 1e3);
+  return Format("%.6g", std::abs(value) < 1e-12 ? 0.0 : value);
+}
+
+class Drawing {
+ public:
+  Drawing(cairo_t* cairo, const Plot& plot) : cairo_(cairo), plot_(plot) {}
+
+  void Draw() {
+    Use(kPaper);
+    cairo_paint(cairo_);
+    Titles();
+    Grid();
+    Curve();
+    Markers();
+    Frame();
+  }
+
+ private:
+  enum class Side { kLeft, kCentre, kRight };
+
+  void Use(const Colour& c) { cairo_set_source_rgba(cairo_, c.r, c.g, c.b, c.a); }
+
+  double Fraction(const Axis& axis, double value) const {
+    if (!axis.logarithmic) return (value - axis.low) / (axis.high - axis.low);
+    return std::log(value / axis.low) / std::log(axis.high / axis.low);
+  }
+  double X(double value) const { return kLeft + Fraction(plot_.x, value) * (kWidth - kLeft - kRight); }
+  double Y(double value) const { return kHeight - kBottom - Fraction(plot_.y, value) * (kHeight - kTop - kBottom); }
+
+  void Font(double size, bool bold = false) {
+    cairo_select_font_face(cairo_, "sans-serif", CAIRO_FONT_SLANT_NORMAL,
+                           bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cairo_, size);
+  }
+
+  double TextWidth(const std::string& text) {
+    cairo_text_extents_t extents;
+    cairo_text_extents(cairo_, text.c_str(), &extents);
+    return extents.x_advance;
+  }
+
+  void Text(const std::string& text, double x, double baseline, Side side) {
+    const double back = side == Side::kLeft ? 0 : side == Side::kCentre ? 0.5 : 1;
+    cairo_move_to(cairo_, x - back * TextWidth(text), baseline);
+    cairo_show_text(cairo_, text.c_str());
+  }
+
+  // Text that is cut with an ellipsis where it would pass the right margin.
+  void Heading(std::string text, double baseline) {
+    while (TextWidth(text) > kWidth - kLeft - kRight && text.size() > 4) {
+      text = CleanText(text.substr(0, text.size() - 5));
+      while (!text.empty() && text.back() == '?') text.pop_back();
+      text += "…";
+    }
+    Text(text, kLeft, baseline, Side::kLeft);
+  }
+
+  void Line(double x1, double y1, double x2, double y2) {
+    cairo_move_to(cairo_, x1, y1);
+    cairo_line_to(cairo_, x2, y2);
+    cairo_stroke(cairo_);
+  }
+
+  void Titles() {
+    Use(kInk);
+    Font(kTitleFont, true);
+    Heading(plot_.title, 30);
+    Use(kQuiet);
+    Font(kLabelFont);
+    Heading(plot_.subtitle, 51);
+    Use(kInk);
+    Text(plot_.x.label, kLeft + (kWidth - kLeft - kRight) / 2, kHeight - 16, Side::kCentre);
+    cairo_save(cairo_);
+    cairo_translate(cairo_, 24, kTop + (kHeight - kTop - kBottom) / 2);
+    cairo_rotate(cairo_, -M_PI / 2);
+    Text(plot_.y.label, 0, 0, Side::kCentre);
+    cairo_restore(cairo_);
+  }
+
+  void Grid() {
+    Font(kTickFont);
+    cairo_set_line_width(cairo_, 1);
+    double used = 0;  // where the last label under the x axis ends
+    for (const Tick& tick : Ticks(plot_.x, 12)) {
+      const double x = X(tick.value), half = TextWidth(TickText(tick.value)) / 2;
+      Use(tick.labelled ? kGrid : kFineGrid);
+      Line(x, kTop, x, kHeight - kBottom);
+      if (!tick.labelled || x - half < used) continue;
+      Use(kInk);
+      Text(TickText(tick.value), x, kHeight - kBottom + 19, Side::kCentre);
+      used = x + half + 8;
+    }
+    for (const Tick& tick : Ticks(plot_.y, 9)) {
+      Use(kGrid);
+      Line(kLeft, Y(tick.value), kWidth - kRight, Y(tick.value));
+      Use(kInk);
+      Text(TickText(tick.value), kLeft - 9, Y(tick.value) + kTickFont * 0.36, Side::kRight);
+    }
+  }
+
+  void AxesPath() { cairo_rectangle(cairo_, kLeft, kTop, kWidth - kLeft - kRight, kHeight - kTop - kBottom); }
+
+  // The curve as points on paper: where many fall into one half point of width, the lowest and the highest.
+  std::vector<std::pair<double, double>> Outline() const {
+    std::vector<std::pair<double, double>> points;
+    const double floor = Y(plot_.y.low) + 2;  // below the frame: silence has a level of minus infinity
+    for (size_t i = 0; i < plot_.xs.size();) {
+      if (plot_.x.logarithmic && plot_.xs[i] <= 0) {
+        ++i;
+        continue;
+      }
+      const double column = std::floor(2 * X(plot_.xs[i]));
+      size_t low = i, high = i;
+      for (; i < plot_.xs.size() && std::floor(2 * X(plot_.xs[i])) == column; ++i) {
+        if (plot_.ys[i] < plot_.ys[low]) low = i;
+        if (plot_.ys[i] > plot_.ys[high]) high = i;
+      }
+      const auto add = [&](size_t at) { points.emplace_back(X(plot_.xs[at]), std::min(floor, Y(plot_.ys[at]))); };
+      add(std::min(low, high));
+      if (low != high) add(std::max(low, high));
+    }
+    return points;
+  }
+
+  void Curve() {
+    const auto points = Outline();
+    if (points.empty()) return;
+    cairo_save(cairo_);
+    AxesPath();
+    cairo_clip(cairo_);
+    const auto trace = [&] {
+      for (const auto& [x, y] : points) cairo_line_to(cairo_, x, y);
+    };
+    cairo_move_to(cairo_, points.front().first, kHeight);
+    trace();
+    cairo_line_to(cairo_, points.back().first, kHeight);
+    Use(kArea);
+    cairo_fill(cairo_);
+    trace();
+    Use(kCurve);
+    cairo_set_line_width(cairo_, 1.3);
+    cairo_set_line_join(cairo_, CAIRO_LINE_JOIN_ROUND);
+    cairo_stroke(cairo_);
+    cairo_restore(cairo_);
+  }
+
+  // A ring on each point, its text above; a text that would cover another climbs, and goes when it finds no place.
+  void Markers() {
+    Font(kTickFont);
+    constexpr double kRing = 3.5, kTextHeight = 14, kGap = 2, kClimb = 4;
+    std::vector<Box> taken;
+    for (const Marker& m : plot_.markers) taken.push_back({X(m.x) - kRing, Y(m.y) - kRing, 2 * kRing, 2 * kRing});
+    for (const Marker& m : plot_.markers) {
+      const double x = X(m.x), y = Y(m.y), width = TextWidth(m.text);
+      const double left = std::clamp(x - width / 2, kLeft + 4, kWidth - kRight - width - 4);
+      const double nearest = y - kRing - kGap - kTextHeight;
+      for (double top = nearest; top > kTop; top -= kClimb) {
+        const Box box{left - 3, top, width + 6, kTextHeight};
+        if (std::any_of(taken.begin(), taken.end(), [&](const Box& b) { return b.Overlaps(box); })) continue;
+        taken.push_back(box);
+        if (top < nearest) {
+          Use({kMark.r, kMark.g, kMark.b, 0.45});
+          cairo_set_line_width(cairo_, 1);
+          Line(x, top + kTextHeight, x, y - kRing);
+        }
+        Halo(m.text, left, top + kTickFont - 1);
+        break;
+      }
+      cairo_new_sub_path(cairo_);
+      cairo_arc(cairo_, x, y, kRing, 0, 2 * M_PI);
+      Use(kPaper);
+      cairo_fill_preserve(cairo_);
+      Use(kMark);
+      cairo_set_line_width(cairo_, 1.6);
+      cairo_stroke(cairo_);
+    }
+  }
+
+  void Halo(const std::string& text, double x, double baseline) {
+    cairo_move_to(cairo_, x, baseline);
+    cairo_text_path(cairo_, text.c_str());
+    Use({1, 1, 1, 0.85});
+    cairo_set_line_width(cairo_, 4);
+    cairo_stroke(cairo_);
+    Use(kMark);
+    Text(text, x, baseline, Side::kLeft);
+  }
+
+  void Frame() {
+    AxesPath();
+    Use(kQuiet);
+    cairo_set_line_width(cairo_, 1);
+    cairo_stroke(cairo_);
+  }
+
+  cairo_t* cairo_;
+  const Plot& plot_;
+};
+
+bool EndsIn(const std::string& path, const char* ending) { return path.ends_with(ending); }
+
+cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
+  static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  bool good = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  if (file && std::fclose(file) != 0) good = false;
+  if (!good) throw Failure(Format("cannot write '%s': %s", path.c_str(), std::strerror(errno)));
+}
+
+}  // namespace
+
+void CheckPlotName(const std::string& path) {
+  if (!EndsIn(path, ".png") && !EndsIn(path, ".svg")) {
+    throw UsageError(Format("a plot's name ends in .png or .svg, unlike '%s'", path.c_str()));
+  }
+}
+
+void WritePlot(const Plot& plot, const std::string& path) {
+  std::string bytes;
+  const bool svg = EndsIn(path, ".svg");
+  const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
+      svg ? cairo_svg_surface_create_for_stream(Append, &bytes, kWidth, kHeight)
+          : cairo_image_surface_create(CAIRO_FORMAT_RGB24, int(kWidth * kPixelsPerPoint), int(kHeight * kPixelsPerPoint)),
+      cairo_surface_destroy);
+  const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cairo(cairo_create(surface.get()), cairo_destroy);
+  if (!svg) cairo_scale(cairo.get(), kPixelsPerPoint, kPixelsPerPoint);
+  Drawing(cairo.get(), plot).Draw();
+  if (!svg) cairo_surface_write_to_png_stream(surface.get(), Append, &bytes);
+  cairo_surface_finish(surface.get());
+  const cairo_status_t status = cairo_status(cairo.get());
+  if (status != CAIRO_STATUS_SUCCESS) throw Failure(Format("drawing the plot: %s", cairo_status_to_string(status)));
+  WriteFile(path, bytes);
+}
+
+}  // namespace tzm

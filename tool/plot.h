@@ -1,0 +1,36 @@
+// Plots: one curve over two axes, with marked points, written as PNG or SVG.
+#ifndef TZM_TOOL_PLOT_H
+#define TZM_TOOL_PLOT_H
+
+#include <string>
+#include <vector>
+
+namespace tzm {
+
+struct Axis {
+  std::string label;  // with the unit
+  double low, high;
+  bool logarithmic = false;
+};
+
+struct Marker {
+  double x, y;
+  std::string text;
+};
+
+struct Plot {
+  std::string title, subtitle;
+  Axis x, y;
+  std::vector<double> xs, ys;    // ascending xs; what lies outside the axes is cut off
+  std::vector<Marker> markers;  // the most important first: its text gets the best place
+};
+
+/** Throws UsageError unless the name ends in .png or .svg. */
+void CheckPlotName(const std::string& path);
+
+/** Writes the plot in the format of the name's ending. */
+void WritePlot(const Plot& plot, const std::string& path);
+
+}  // namespace tzm
+
+#endif
