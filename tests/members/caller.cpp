@@ -101,7 +101,7 @@ void Caller::Prepare(const Setting& setting) {
       const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
       array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
       array.data = array.bytes->At(setting.place, size);
-      std::memcpy(array.data, array.before.data(), size);
+      std::copy(array.before.begin(), array.before.end(), static_cast<unsigned char*>(array.data));
       values[i].Set(array.data);
       if (aliased) values[static_cast<size_t>(setting.alias)].Set(array.data);
     }
@@ -126,7 +126,8 @@ OrvaStatus Caller::Invoke() {
 bool Caller::Untouched(bool outputs_too) const {
   for (size_t i = 0; i < arrays_.size(); ++i) {
     if (!arrays_[i].bytes || (IsOutput(member_.arguments[i].role) && !outputs_too)) continue;
-    if (std::memcmp(arrays_[i].data, arrays_[i].before.data(), arrays_[i].before.size()) != 0) return false;
+    const auto& before = arrays_[i].before;
+    if (!std::equal(before.begin(), before.end(), static_cast<const unsigned char*>(arrays_[i].data))) return false;
   }
   return true;
 }
