@@ -260,11 +260,11 @@ void Run(int argc, char** argv) {
                   "one-sided, so that their sum times the width of a bin is the mean square of the recording.",
                   "tzm psd --window blackman --segment 8192 /usr/share/sounds/alsa/Front_Center.wav");
   options.Choice("window", 'w', kWindowNames, "window", settings.window);
-  options.Integer("segment", 's', "samples in a segment (default 4096, less for a short file)", settings.segment,
+  options.Number("segment", 's', "samples in a segment (default 4096, less for a short file)", settings.segment,
                   kShortestSegment, kLongestSegment);
   options.Number("overlap", 'p', "overlap of the segments, as a fraction", settings.overlap, 1e-9, kLargestOverlap);
-  options.Integer("channel", 'c', "channel, counted from 1", settings.channel, 1, 1024);
-  options.Integer("peaks", 'n', "peaks in the table, at most", settings.peaks, 0, 1000);
+  options.Number("channel", 'c', "channel, counted from 1", settings.channel, 1, 1024);
+  options.Number("peaks", 'n', "peaks in the table, at most", settings.peaks, 0, 1000);
   options.Choice("frequency", 'f', kScaleNames, "frequency axis", settings.scale);
   options.Text("output", 'o', "PLOT", "where the plot goes: a name ending in .png or .svg", settings.output);
   options.Flag("no-plot", 0, "print only", settings.noPlot);
