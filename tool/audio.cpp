@@ -1,11 +1,13 @@
 // Sound files through libsndfile.
 #include "audio.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "command.h"
 #include "text.h"
@@ -17,11 +19,9 @@ constexpr size_t kBlockFrames = 1 << 14;
 
 // Why the system will not let us read the file; empty when it will. The sound library does not tell.
 std::string SystemError(const std::string& path) {
-  if (std::filesystem::is_directory(path)) return "it is a folder";
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (!file) return std::strerror(errno);
-  std::fclose(file);
-  return "";
+  std::error_code ignored;  // access tells it as well
+  if (std::filesystem::is_directory(path, ignored)) return "it is a folder";
+  return access(path.c_str(), R_OK) == 0 ? "" : std::strerror(errno);
 }
 
 }  // namespace

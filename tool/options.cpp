@@ -26,11 +26,6 @@ T ParseNumber(const std::string& shown, const std::string& text, T low, T high) 
   return value;
 }
 
-template <class T>
-std::string WithDefault(const char* help, T value) {
-  return value == T{} ? help : Format("%s (default %.10g)", help, double(value));
-}
-
 std::string Joined(std::span<const std::string_view> names) {
   std::string list;
   for (const auto name : names) list.append(list.empty() ? "" : ", ").append(name);
@@ -49,17 +44,16 @@ void Options::Flag(const char* name, char letter, const char* help, bool& target
   options_.push_back({name, letter, "", help, [&target](const std::string&) { target = true; }});
 }
 
-void Options::Integer(const char* name, char letter, const char* help, int32_t& target, int32_t low, int32_t high) {
-  options_.push_back({name, letter, "N", WithDefault(help, target), [=, &target](const std::string& text) {
+template <class T>
+void Options::Number(const char* name, char letter, const char* help, T& target, std::type_identity_t<T> low,
+                     std::type_identity_t<T> high) {
+  const std::string shown = target == T{} ? help : Format("%s (default %.10g)", help, double(target));
+  options_.push_back({name, letter, "N", shown, [=, &target](const std::string& text) {
                         target = ParseNumber(name, text, low, high);
                       }});
 }
-
-void Options::Number(const char* name, char letter, const char* help, double& target, double low, double high) {
-  options_.push_back({name, letter, "X", WithDefault(help, target), [=, &target](const std::string& text) {
-                        target = ParseNumber(name, text, low, high);
-                      }});
-}
+template void Options::Number(const char*, char, const char*, int32_t&, int32_t, int32_t);
+template void Options::Number(const char*, char, const char*, double&, double, double);
 
 void Options::Text(const char* name, char letter, const char* placeholder, const char* help, std::string& target) {
   options_.push_back({name, letter, placeholder, help, [=, &target](const std::string& text) {

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace tzm {
@@ -20,8 +21,9 @@ class Options {
   // The value a target holds when its option is declared is the default that --help shows, save for 0 and "",
   // which stand for "chosen by the command". A letter of 0 means that there is no short form.
   void Flag(const char* name, char letter, const char* help, bool& target);
-  void Integer(const char* name, char letter, const char* help, int32_t& target, int32_t low, int32_t high);
-  void Number(const char* name, char letter, const char* help, double& target, double low, double high);
+  template <class T>  // int32_t or double
+  void Number(const char* name, char letter, const char* help, T& target, std::type_identity_t<T> low,
+              std::type_identity_t<T> high);
   void Text(const char* name, char letter, const char* placeholder, const char* help, std::string& target);
   void Choice(const char* name, char letter, std::span<const std::string_view> names, const char* help, size_t& target);
 

@@ -302,9 +302,10 @@ void CheckPlotName(const std::string& path) {
 void WritePlot(const Plot& plot, const std::string& path) {
   std::string bytes;
   const bool svg = EndsIn(path, ".svg");
+  constexpr int kPixelWidth = int(kWidth * kPixelsPerPoint), kPixelHeight = int(kHeight * kPixelsPerPoint);
   const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
       svg ? cairo_svg_surface_create_for_stream(Append, &bytes, kWidth, kHeight)
-          : cairo_image_surface_create(CAIRO_FORMAT_RGB24, int(kWidth * kPixelsPerPoint), int(kHeight * kPixelsPerPoint)),
+          : cairo_image_surface_create(CAIRO_FORMAT_RGB24, kPixelWidth, kPixelHeight),
       cairo_surface_destroy);
   const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cairo(cairo_create(surface.get()), cairo_destroy);
   if (!svg) cairo_scale(cairo.get(), kPixelsPerPoint, kPixelsPerPoint);

@@ -163,14 +163,18 @@ Table PeakTable(const std::vector<Peak>& peaks) {
 }
 
 Table SpectrumTable(const Spectrum& spectrum) {
-  return {{"frequency_hz", "Frequency (Hz)", 1, spectrum.frequency}, {"density_db", "Density (dB/Hz)", 1, spectrum.density}};
+  return {{"frequency_hz", "Frequency (Hz)", 1, spectrum.frequency},
+          {"density_db", "Density (dB/Hz)", 1, spectrum.density}};
 }
 
 std::string Describe(const Settings& settings, const AudioReader& reader, const Spectrum& spectrum) {
-  return Format("%d Hz, %.2f s, channel %d of %d; %s window, %lld segment%s of %d samples, overlap %.3g %%, %.3g Hz per bin",
-                reader.Rate(), double(spectrum.samples) / reader.Rate(), settings.channel, reader.Channels(),
-                std::string(kWindowNames[settings.window]).c_str(), static_cast<long long>(spectrum.segments),
-                spectrum.segments == 1 ? "" : "s", settings.segment, 100 * settings.overlap, spectrum.frequency[1]);
+  const std::string sound = Format("%d Hz, %.2f s, channel %d of %d", reader.Rate(),
+                                   double(spectrum.samples) / reader.Rate(), settings.channel, reader.Channels());
+  const std::string estimate =
+      Format("%s window, %lld segment%s of %d samples, overlap %.3g %%, %.3g Hz per bin",
+             std::string(kWindowNames[settings.window]).c_str(), static_cast<long long>(spectrum.segments),
+             spectrum.segments == 1 ? "" : "s", settings.segment, 100 * settings.overlap, spectrum.frequency[1]);
+  return sound + "; " + estimate;
 }
 
 std::string FrequencyText(double hertz) {
@@ -250,17 +254,17 @@ void Settle(Settings& settings, const AudioReader& reader) {
 void Run(int argc, char** argv) {
   Settings settings;
   Options options("psd", "FILE",
-                  "Estimates the power spectral density of a sound file by Welch's method, prints its strongest peaks and\n"
-                  "draws it, by default to FILE's name with -psd.png in the current folder. Densities are in dB relative\n"
-                  "to the square of full scale, in a band of one hertz: one-sided, so that their sum times the width of a\n"
-                  "bin is the mean square of the recording.",
-                  "tzm psd --window blackman --segment 8192 --output voice.svg /usr/share/sounds/alsa/Front_Center.wav");
+                  "Estimates the power spectral density of a sound file by Welch's method, prints its\n"
+                  "strongest peaks and draws it, by default to FILE's name with -psd.png in the current\n"
+                  "folder. Densities are in dB relative to the square of full scale, in a band of one hertz:\n"
+                  "one-sided, so that their sum times the width of a bin is the mean square of the recording.",
+                  "tzm psd --window blackman --segment 8192 /usr/share/sounds/alsa/Front_Center.wav");
   options.Choice("window", 'w', kWindowNames, "window", settings.window);
-  options.Integer("segment", 's', "samples in a segment (default 4096, less for a short file)", settings.segment,
+  options.Number("segment", 's', "samples in a segment (default 4096, less for a short file)", settings.segment,
                   kShortestSegment, kLongestSegment);
   options.Number("overlap", 'p', "overlap of the segments, as a fraction", settings.overlap, 1e-9, kLargestOverlap);
-  options.Integer("channel", 'c', "channel, counted from 1", settings.channel, 1, 1024);
-  options.Integer("peaks", 'n', "peaks in the table, at most", settings.peaks, 0, 1000);
+  options.Number("channel", 'c', "channel, counted from 1", settings.channel, 1, 1024);
+  options.Number("peaks", 'n', "peaks in the table, at most", settings.peaks, 0, 1000);
   options.Choice("frequency", 'f', kScaleNames, "frequency axis", settings.scale);
   options.Text("output", 'o', "PLOT", "where the plot goes: a name ending in .png or .svg", settings.output);
   options.Flag("no-plot", 0, "print only", settings.noPlot);

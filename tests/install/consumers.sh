@@ -14,8 +14,9 @@ if grep -rl -e "$scratch/installed" -e "$build" "$prefix/$LIBDIR/cmake" "$prefix
   exit 1
 fi
 
-"$CMAKE" -S "$(dirname "$0")/consumer" -B "$scratch/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DSOURCE="$source" \
-  ${TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN"} -DCMAKE_C_FLAGS="$FLAGS" -DCMAKE_CXX_FLAGS="$FLAGS" >"$scratch/consumer.log"
+"$CMAKE" -S "$(dirname "$0")/consumer" -B "$scratch/consumer" -G Ninja -DSOURCE="$source" \
+  -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_FLAGS="$FLAGS" -DCMAKE_CXX_FLAGS="$FLAGS" \
+  ${TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN"} >"$scratch/consumer.log"
 "$CMAKE" --build "$scratch/consumer" >>"$scratch/consumer.log"
 
 export PKG_CONFIG_PATH=$prefix/$LIBDIR/pkgconfig LD_LIBRARY_PATH=$prefix/$LIBDIR

@@ -37,7 +37,7 @@ near "tone's frequency" "$(jq '.peaks[0].frequency_hz' tone.json)" 1000 0.05
 near "tone's density" "$(jq '.peaks[0].density_db' tone.json)" -20.792 0.01
 near "tone's count of segments" "$(jq .segments tone.json)" 39 0
 near "tone's mean square" "$(jq '[.spectrum.density_db[] | pow(10; . / 10)] | add * 10' tone.json)" 0.125 0.0005
-near "tone's peak in the spectrum" "$(jq '.spectrum | .density_db as $d | .frequency_hz[$d | index(max)]' tone.json)" 1000 0
+near "tone's highest bin" "$(jq '.spectrum | .density_db as $d | .frequency_hz[$d | index(max)]' tone.json)" 1000 0
 near "first channel's peaks" "$("$tzm" psd --json tone.wav | jq '.peaks | length')" 0 0
 
 # Between two bins, and with the other windows.
@@ -45,8 +45,8 @@ near "first channel's peaks" "$("$tzm" psd --json tone.wav | jq '.peaks | length
 for window in hann hamming blackman bartlett rectangular; do
   "$tzm" psd -w "$window" --json between.wav >between.json
   near "frequency through $window" "$(jq '.peaks[0].frequency_hz' between.json)" 1003.1 2.5
-  near "mean square through $window" "$(jq '[.spectrum.density_db[] | pow(10; . / 10)] | add * 48000 / 4096' between.json)" \
-    0.125 0.002
+  near "mean square through $window" \
+    "$(jq '[.spectrum.density_db[] | pow(10; . / 10)] | add * 48000 / 4096' between.json)" 0.125 0.002
 done
 
 # A file of many pieces gives what one call over all of it gives, also when the steps do not divide the pieces.
@@ -68,8 +68,8 @@ rm ./*.png
 
 # Names that are no text, and silence, are no obstacle.
 cp tone.wav $'b\xe4d "name"\n.wav'
-"$tzm" psd --json -o odd.svg $'b\xe4d "name"\n.wav' | jq -e '.file == "b?d \"name\"?.wav" and .spectrum.density_db[9] == null' \
-  >/dev/null || wrong "JSON of an odd name"
+"$tzm" psd --json -o odd.svg $'b\xe4d "name"\n.wav' |
+  jq -e '.file == "b?d \"name\"?.wav" and .spectrum.density_db[9] == null' >/dev/null || wrong "JSON of an odd name"
 
 # Each mistake: its line and its status.
 echo 'no sound' >broken.wav
