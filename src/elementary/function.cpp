@@ -1,0 +1,249 @@
+// Real elementary functions: one call of the vector math companion over the whole array, and a scan of
+// the input that decides the status. The scans are contract, not a full check: callers see the statuses
+// that they give and no others, and the call always runs over every element.
+#include <signal_tzm/companion.h>
+#include <signal_tzm/elementary.h>
+
+#include "frame/call.h"
+#include "frame/vector.h"
+
+using namespace tzm;
+
+namespace {
+
+// Elements of one 128-bit block, the unit of the scans.
+template <class T>
+constexpr int32_t kBlock = 16 / sizeof(T);
+
+template <class T, class Test>
+bool Any(const T* values, int32_t count, Test test) {
+  bool any = false;
+  for (int32_t i = 0; i < count; ++i) any |= test(LoadElement(values + i));
+  return any;
+}
+
+// ---- Exponentials and logarithms ----
+
+// The first block is tested for the first condition in any lane, then for the second; then the elements
+// past the last whole block, of which the last offender decides, the second condition winning within
+// one element. What lies between is deliberately never looked at. `First` and `Second` tell the place
+// by a flag, true in the tail.
+template <class T, class First, class Second>
+OrvaStatus ScanEnds(const T* src, int32_t len, First first, OrvaStatus firstStatus, Second second,
+                    OrvaStatus secondStatus) {
+  const int32_t body = len - len % kBlock<T>;
+  if (body != 0) {
+    if (Any(src, kBlock<T>, [&](T x) { return first(x, false); })) return firstStatus;
+    if (Any(src, kBlock<T>, [&](T x) { return second(x, false); })) return secondStatus;
+  }
+  OrvaStatus status = ORVA_STS_NO_ERR;
+  for (int32_t i = body; i < len; ++i) {
+    const T x = LoadElement(src + i);
+    if (first(x, true)) status = firstStatus;
+    if (second(x, true)) status = secondStatus;
+  }
+  return status;
+}
+
+// Largest and smallest arguments of a finite, normal result. The binary32 pair of the first block and the
+// binary64 pair of the tail are deliberately not the same numbers.
+constexpr float kExpHigh32 = 0x1.62e42ep+6f, kExpLow32 = -0x1.5d589ep+6f;
+constexpr double kExpHigh32Tail = 88.72283, kExpLow32Tail = -87.33654;
+constexpr double kExpHigh64 = 709.78271, kExpLow64 = -708.39641;
+
+OrvaStatus ScanExp(const Orva32f* src, int32_t len) {
+  return ScanEnds(
+      src, len, [](float x, bool tail) { return tail ? x > kExpHigh32Tail : x > kExpHigh32; }, ORVA_STS_OVERFLOW_ERR,
+      [](float x, bool tail) { return tail ? x < kExpLow32Tail : x < kExpLow32; }, ORVA_STS_UNDERFLOW_ERR);
+}
+OrvaStatus ScanExp(const Orva64f* src, int32_t len) {
+  return ScanEnds(
+      src, len, [](double x, bool) { return x > kExpHigh64; }, ORVA_STS_OVERFLOW_ERR,
+      [](double x, bool) { return x < kExpLow64; }, ORVA_STS_UNDERFLOW_ERR);
+}
+
+template <class T>
+OrvaStatus ScanLog(const T* src, int32_t len) {
+  return ScanEnds(
+      src, len, [](T x, bool) { return x == 0; }, ORVA_STS_SINGULARITY_ERR, [](T x, bool) { return x < 0; },
+      ORVA_STS_DOMAIN_ERR);
+}
+
+// The scan comes first, since the call may overwrite what it looks at.
+template <class T, class Scan, class Function>
+OrvaStatus ScanAndCall(const T* src, T* dst, int32_t len, Scan scan, Function function) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  const OrvaStatus status = scan(src, len);
+  function(len, src, dst);
+  return status;
+}
+
+template <class T>
+OrvaStatus NoScan(const T*, int32_t) {
+  return ORVA_STS_NO_ERR;
+}
+
+// By way of a copy. A failed allocation, like a null array, is found by the copy, whose status is the
+// answer: the memory status is deliberately not used here.
+template <class T, class Malloc, class Copy, class Function>
+OrvaStatus CallOnCopy(T* srcDst, int32_t len, Malloc make, Copy copy, Function function) {
+  if (len < 1) return ORVA_STS_SIZE_ERR;
+  T* const scratch = make(len);
+  OrvaStatus status = copy(srcDst, scratch, len);
+  if (status == ORVA_STS_NO_ERR) status = function(scratch, srcDst, len);
+  ORVAS_Free(scratch);
+  return status;
+}
+
+// ---- Tangent ----
+
+// The body looks for the bit patterns of the infinities taken as integers and turned into floating values,
+// two finite numbers, so a true infinity raises nothing there; the tail looks for true infinities. In
+// binary32 the smaller of the two counts in the first half of each body step only. All deliberate.
+template <class T, int32_t kStep, int32_t kFirstPart>
+OrvaStatus ScanTan(const T* src, int32_t len, T everywhere, T inFirstPart) {
+  const int32_t body = len - len % kStep;
+  const hn::FixedTag<T, kBlock<T>> d;
+  const auto both = hn::Set(d, everywhere), part = hn::Set(d, inFirstPart);
+  auto found = hn::Zero(d);
+  for (int32_t i = 0; i < body; i += kStep) {
+    for (int32_t k = 0; k < kStep; k += kBlock<T>) {
+      const auto x = hn::LoadU(d, src + i + k);
+      found = hn::Or(found, hn::VecFromMask(d, hn::Eq(x, both)));
+      if (k < kFirstPart) found = hn::Or(found, hn::VecFromMask(d, hn::Eq(x, part)));
+    }
+  }
+  const bool tail = Any(src + body, len - body, [](T x) { return x - x != 0 && x == x; });
+  return tail || !hn::AllFalse(d, hn::MaskFromVec(found)) ? ORVA_STS_DOMAIN_ERR : ORVA_STS_NO_ERR;
+}
+
+// ---- Powers ----
+
+// Every magnitude of 2^52 (2^23) and above is an integer, infinity too; a NaN is none.
+template <class T>
+bool IsInteger(T x) {
+  const hn::CappedTag<T, 1> one;
+  return hn::GetLane(hn::Trunc(hn::Set(one, x))) == x;
+}
+
+// The last whole block raises a negative base with an integer exponent, the harmless case; the tail
+// raises one with an exponent that is not an integer. Both raise a zero base with a negative exponent.
+// Earlier blocks are not looked at. The two senses are deliberate. An infinite exponent is no integer.
+template <class T>
+OrvaStatus ScanPow(const T* base, const T* exponent, int32_t len) {
+  const int32_t body = len - len % kBlock<T>;
+  for (int32_t i = body != 0 ? body - kBlock<T> : 0; i < len; ++i) {
+    const T x = LoadElement(base + i), y = LoadElement(exponent + i);
+    const bool integer = IsInteger(y) && y - y == 0;
+    if ((x < 0 && integer == (i < body)) || (x == 0 && y < 0)) return ORVA_STS_DOMAIN_ERR;
+  }
+  return ORVA_STS_NO_ERR;
+}
+
+template <class T, class Function>
+OrvaStatus Pow(const T* src1, const T* src2, T* dst, int32_t len, Function function) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  const OrvaStatus status = ScanPow(src1, src2, len);
+  function(len, src1, src2, dst);
+  return status;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Exp_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, [](auto* x, int32_t n) { return ScanExp(x, n); }, vsexp);
+}
+
+OrvaStatus ORVAS_Exp_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, [](auto* x, int32_t n) { return ScanExp(x, n); }, vdexp);
+}
+
+OrvaStatus ORVAS_Exp_32f_I(Orva32f* srcDst, int32_t len) {
+  return CallOnCopy(srcDst, len, ORVAS_Malloc_32f, ORVAS_Copy_32f, ORVAS_Exp_32f);
+}
+
+OrvaStatus ORVAS_Exp_64f_I(Orva64f* srcDst, int32_t len) {
+  return CallOnCopy(srcDst, len, ORVAS_Malloc_64f, ORVAS_Copy_64f, ORVAS_Exp_64f);
+}
+
+OrvaStatus ORVAS_Ln_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, ScanLog<Orva32f>, vsln);
+}
+
+OrvaStatus ORVAS_Ln_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, ScanLog<Orva64f>, vdln);
+}
+
+OrvaStatus ORVAS_Ln_32f_I(Orva32f* srcDst, int32_t len) { return ORVAS_Ln_32f(srcDst, srcDst, len); }
+
+OrvaStatus ORVAS_Ln_64f_I(Orva64f* srcDst, int32_t len) { return ORVAS_Ln_64f(srcDst, srcDst, len); }
+
+OrvaStatus ORVAS_Log10_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, ScanLog<Orva32f>, vslog10);
+}
+
+OrvaStatus ORVAS_Log10_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, ScanLog<Orva64f>, vdlog10);
+}
+
+OrvaStatus ORVAS_Sin_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva32f>, vssin);
+}
+
+OrvaStatus ORVAS_Sin_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva64f>, vdsin);
+}
+
+OrvaStatus ORVAS_Cos_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva32f>, vscos);
+}
+
+OrvaStatus ORVAS_Cos_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva64f>, vdcos);
+}
+
+OrvaStatus ORVAS_Tan_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  // 0xff800000 everywhere, 0x7f800000 in the first 8 of 16.
+  const auto scan = [](auto* x, int32_t n) { return ScanTan<Orva32f, 16, 8>(x, n, 4286578688.0f, 2139095040.0f); };
+  return ScanAndCall(src, dst, len, scan, vstan);
+}
+
+OrvaStatus ORVAS_Tan_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  // 0xfff0000000000000 and 0x7ff0000000000000.
+  const auto scan = [](auto* x, int32_t n) {
+    return ScanTan<Orva64f, 4, 4>(x, n, 18442240474082181120.0, 9218868437227405312.0);
+  };
+  return ScanAndCall(src, dst, len, scan, vdtan);
+}
+
+OrvaStatus ORVAS_Arctan_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva32f>, vsatan);
+}
+
+OrvaStatus ORVAS_Arctan_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
+  return ScanAndCall(src, dst, len, NoScan<Orva64f>, vdatan);
+}
+
+OrvaStatus ORVAS_Arctan_32f_I(Orva32f* srcDst, int32_t len) { return ORVAS_Arctan_32f(srcDst, srcDst, len); }
+
+OrvaStatus ORVAS_Arctan_64f_I(Orva64f* srcDst, int32_t len) { return ORVAS_Arctan_64f(srcDst, srcDst, len); }
+
+OrvaStatus ORVAS_Arctan2_32f(const Orva32f* src1, const Orva32f* src2, Orva32f* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  vsatan2(len, src1, src2, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_Arctan2_64f(const Orva64f* src1, const Orva64f* src2, Orva64f* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  vdatan2(len, src1, src2, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_Pow_32f(const Orva32f* src1, const Orva32f* src2, Orva32f* dst, int32_t len) {
+  return Pow(src1, src2, dst, len, vspow);
+}
+
+OrvaStatus ORVAS_Pow_64f(const Orva64f* src1, const Orva64f* src2, Orva64f* dst, int32_t len) {
+  return Pow(src1, src2, dst, len, vdpow);
+}
