@@ -28,7 +28,7 @@ void Register(const Member& member, const Size& size, size_t scale, const std::s
   const int32_t len = std::max(member.min_length, static_cast<int32_t>(static_cast<int64_t>(size.bytes) / element));
   benchmark::RegisterBenchmark(name.c_str(), [=, &member](benchmark::State& state) {
     Caller caller(member, len);
-    caller.Run({.len = len, .scale = scale, .place = Place::kStart});
+    if (!IsSuccess(caller.Run({.len = len, .scale = scale, .place = Place::kStart}))) state.SkipWithError("refused");
     for (auto _ : state) {
       benchmark::DoNotOptimize(member.invoke(member.function, caller.values.data()));
       benchmark::ClobberMemory();
@@ -41,8 +41,9 @@ void RegisterScenario(const Member& member, int32_t len) {
   benchmark::RegisterBenchmark((member.name + "/" + std::to_string(len)).c_str(),
                                [=, &member](benchmark::State& state) {
     const Timed timed = member.timed(len);
+    if (!IsSuccess(timed.run())) state.SkipWithError("refused");
     for (auto _ : state) {
-      timed.run();
+      benchmark::DoNotOptimize(timed.run());
       benchmark::ClobberMemory();
     }
     Count(state, len, timed.bytes);

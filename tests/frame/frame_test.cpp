@@ -15,11 +15,6 @@ namespace {
 
 constexpr int32_t kMaxLen = 1100;
 
-bool IsSuccess(OrvaStatus status) {
-  return status == ORVA_STS_NO_ERR || status == ORVA_STS_OVERFLOW_ERR || status == ORVA_STS_UNDERFLOW_ERR ||
-         (status >= 300 && status <= 306);
-}
-
 class Frame : public testing::TestWithParam<const Member*> {
  protected:
   const Member& member = *GetParam();

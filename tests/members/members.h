@@ -60,9 +60,15 @@ constexpr ArgumentType ArgumentTypeOf() {
   return {std::is_pointer_v<T>, std::is_const_v<std::remove_pointer_t<T>>, SampleOf<Element>()};
 }
 
+// Success, or a warning that all work was done under.
+constexpr bool IsSuccess(OrvaStatus status) {
+  return status == ORVA_STS_NO_ERR || status == ORVA_STS_OVERFLOW_ERR || status == ORVA_STS_UNDERFLOW_ERR ||
+         (status >= 300 && status <= 306);
+}
+
 // One benchmark: what to time, and how many bytes of arrays it reads and writes.
 struct Timed {
-  std::function<void()> run;
+  std::function<OrvaStatus()> run;
   int64_t bytes;
 };
 
