@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 // For function objects and lambdas on the road of a vector: GCC will not inline a kernel with several
 // call sites by itself.
@@ -246,6 +247,15 @@ struct LaneArray {
 
   Vec<D> v[kRegisters];
 
+  // The array of make(r) for every register r. Unrolled here: GCC keeps arrays of registers in memory
+  // where it leaves a loop over them.
+  template <class Make>
+  static TZM_INLINE LaneArray Each(Make make) {
+    return [&]<size_t... r>(std::index_sequence<r...>) TZM_LAMBDA {
+      return LaneArray{{make(r)...}};
+    }(std::make_index_sequence<kRegisters>());
+  }
+
   static TZM_INLINE LaneArray Set(T value) {
     return Each([&](size_t) TZM_LAMBDA { return hn::Set(D(), value); });
   }
@@ -260,10 +270,17 @@ struct LaneArray {
   }
   // The real and the imaginary parts of N complex elements.
   static TZM_INLINE void LoadComplex(const T* from, LaneArray& re, LaneArray& im) {
-    for (size_t r = 0; r < kRegisters; ++r) hn::LoadInterleaved2(D(), from + 2 * r * kWidth, re.v[r], im.v[r]);
+    re = Each([&](size_t r) TZM_LAMBDA {
+      Vec<D> real;
+      hn::LoadInterleaved2(D(), from + 2 * r * kWidth, real, im.v[r]);
+      return real;
+    });
   }
   TZM_INLINE void Store(T* to) const {
-    for (size_t r = 0; r < kRegisters; ++r) hn::StoreU(v[r], D(), to + r * kWidth);
+    Each([&](size_t r) TZM_LAMBDA {
+      hn::StoreU(v[r], D(), to + r * kWidth);
+      return v[r];
+    });
   }
 
   // One rounding a lane: a*b + c, c - a*b.
@@ -286,12 +303,19 @@ struct LaneArray {
     return Each([&](size_t r) TZM_LAMBDA { return hn::Mul(a.v[r], b.v[r]); });
   }
 
+  // Half as many lanes, each the sum of lane k and lane k + N/2.
+  TZM_INLINE LaneArray<T, N / 2> Halved() const {
+    if constexpr (kRegisters > 1) {
+      return LaneArray<T, N / 2>::Each([&](size_t r) TZM_LAMBDA { return hn::Add(v[r], v[r + kRegisters / 2]); });
+    } else {
+      const hn::Half<D> half;
+      return {{hn::Add(hn::LowerHalf(half, v[0]), hn::UpperHalf(half, v[0]))}};
+    }
+  }
   // Sum of all lanes, lane k and lane k + N/2 first: (l0+l2) + (l1+l3) of four.
   TZM_INLINE T FoldHalves() const {
-    LaneArray sum = *this;
-    for (size_t n = kRegisters / 2; n != 0; n /= 2)
-      for (size_t r = 0; r < n; ++r) sum.v[r] = hn::Add(sum.v[r], sum.v[r + n]);
-    return FoldRegister(D(), sum.v[0]);
+    if constexpr (N == 1) return hn::GetLane(v[0]);
+    else return Halved().FoldHalves();
   }
   // Sum of all lanes, neighbours first: (l0+l1) + (l2+l3) of four.
   TZM_INLINE T FoldPairs() const {
@@ -301,25 +325,10 @@ struct LaneArray {
   }
 
  private:
-  template <class DR>
-  static TZM_INLINE T FoldRegister(DR d, Vec<DR> v) {
-    if constexpr (hn::MaxLanes(d) == 1) {
-      return hn::GetLane(v);
-    } else {
-      const hn::Half<DR> half;
-      return FoldRegister(half, hn::Add(hn::LowerHalf(half, v), hn::UpperHalf(half, v)));
-    }
-  }
   template <size_t kCount>
   static TZM_INLINE T PairSum(const T* lane) {
     if constexpr (kCount == 1) return *lane;
     else return PairSum<kCount / 2>(lane) + PairSum<kCount / 2>(lane + kCount / 2);
-  }
-  template <class Make>
-  static TZM_INLINE LaneArray Each(Make make) {
-    LaneArray result;
-    for (size_t r = 0; r < kRegisters; ++r) result.v[r] = make(r);
-    return result;
   }
 };
 
