@@ -1,5 +1,6 @@
 // The scale rule: a scale becomes a power of two, its mantissa dropped; a result is multiplied by the
-// reciprocal power once, rounded to nearest with ties to even, and saturated.
+// reciprocal power once, rounded to nearest with ties to even, and saturated. On exact integers the same
+// values come from shifts, for every exponent.
 #pragma once
 
 #include "frame/vector.h"
@@ -28,6 +29,117 @@ TZM_INLINE T RoundSaturate(F value) {
   if (value != value) return 0;
   const hn::CappedTag<F, 1> one;
   return static_cast<T>(hn::GetLane(hn::Round(hn::Set(one, value))));
+}
+
+// ---- The rule on exact integers ----
+
+#if HWY_ARCH_ARM_A64
+namespace neon {
+// Shifts by counts below 0 go to the right and round ties up. LessOneIf adds a mask's -1, saturating.
+#define TZM_SHIFTS(utype, stype, type, Lanes, add)                                                             \
+  TZM_INLINE Lanes ShiftSaturating(Lanes v, int count) { return vqshlq_##type(v, vdupq_n_##stype(count)); }     \
+  TZM_INLINE Lanes ShiftRounding(Lanes v, int count) { return vrshlq_##type(v, vdupq_n_##stype(count)); }       \
+  TZM_INLINE Lanes LessOneIfZero(Lanes v, Lanes test) {                                                        \
+    return add##_##type(v, vreinterpretq_##stype##_##utype(vceqzq_##type(test)));                               \
+  }
+TZM_SHIFTS(u16, s16, u16, uint16x8_t, vsqaddq)
+TZM_SHIFTS(u32, s32, u32, uint32x4_t, vsqaddq)
+TZM_SHIFTS(u32, s32, s32, int32x4_t, vqaddq)
+TZM_SHIFTS(u64, s64, s64, int64x2_t, vqaddq)
+#undef TZM_SHIFTS
+}  // namespace neon
+#endif
+
+// Shifts of the integer lanes of D. Each is a function object on vectors, made once before the loop.
+
+// Exponent 0: nothing to do, only the narrowing that follows.
+struct KeepLanes {
+  template <class V>
+  TZM_INLINE V operator()(V v) const { return v; }
+};
+
+// Exponent below 0: shifts left by `count`, saturating.
+template <class D>
+class ShiftLeftSaturating {
+ public:
+  using T = hn::TFromD<D>;
+  static constexpr int kBits = 8 * sizeof(T);
+
+  // From kBits on every lane but 0 saturates. A signed lane does so from kBits - 1 on.
+  explicit ShiftLeftSaturating(int count) : count_(HWY_MIN(count, kBits - std::is_signed_v<T>)) {}
+
+  TZM_INLINE Vec<D> operator()(Vec<D> v) const {
+#if HWY_ARCH_ARM_A64
+    return Vec<D>(neon::ShiftSaturating(v.raw, count_));
+#else
+    const D d;
+    const auto shifted = hn::ShiftLeftSame(v, count_);
+    const auto same = hn::Eq(hn::ShiftRightSame(shifted, count_), v);
+    auto limit = hn::Set(d, std::numeric_limits<T>::max());
+    if constexpr (std::is_signed_v<T>) limit = hn::Xor(limit, hn::BroadcastSignBit(v));
+    return hn::IfThenElse(same, shifted, limit);
+#endif
+  }
+
+ private:
+  int count_;
+};
+
+// Exponent above 0: shifts right by `count`, 1 to the number of bits, and rounds to nearest, ties to even.
+// No lane overflows on the way.
+template <class D>
+class ShiftRightRounding {
+ public:
+  using T = hn::TFromD<D>;
+  static constexpr int kBits = 8 * sizeof(T);
+
+#if HWY_ARCH_ARM_A64
+  // The machine's shift rounds ties up. With 1 taken off where the quotient is even, ties go down there,
+  // and nothing else changes.
+  explicit ShiftRightRounding(int count)
+      : count_(count), odd_(static_cast<T>(count < kBits ? uint64_t{1} << count : 0)) {}
+  TZM_INLINE Vec<D> operator()(Vec<D> v) const {
+    const auto odd = hn::And(v, hn::Set(D(), odd_));
+    return Vec<D>(neon::ShiftRounding(neon::LessOneIfZero(v.raw, odd.raw), -count_));
+  }
+
+ private:
+  int count_;
+  T odd_;  // the lowest bit of the quotient, in its place
+#else
+  explicit ShiftRightRounding(int count)
+      : count_(count),
+        fraction_(static_cast<T>((uint64_t{2} << (count - 1)) - 1)),
+        half_(static_cast<T>(uint64_t{1} << (count - 1))) {}
+  TZM_INLINE Vec<D> operator()(Vec<D> v) const {
+    const D d;
+    const auto quotient = hn::ShiftRightSame(v, count_);
+    const auto fraction = hn::And(v, hn::Set(d, fraction_));
+    const auto limit = hn::Sub(hn::Set(d, half_), hn::And(quotient, hn::Set(d, T{1})));  // half less one where odd
+    return hn::Sub(quotient, hn::VecFromMask(d, hn::Gt(fraction, limit)));
+  }
+
+ private:
+  int count_;
+  T fraction_, half_;
+#endif
+};
+
+// Exponents so large that every lane becomes 0.
+struct ShiftOut {
+  template <class V>
+  TZM_INLINE V operator()(V) const { return hn::Zero(hn::DFromV<V>()); }
+};
+
+// Calls use(shift) with the shift of lanes of D for the exponent.
+template <class D, class Use>
+TZM_INLINE void WithShift(D, int exponent, Use&& use) {
+  // The largest unsigned lane is above half of 2^bits, the largest signed ones are not.
+  constexpr int kLast = ShiftRightRounding<D>::kBits - std::is_signed_v<hn::TFromD<D>>;
+  if (exponent == 0) use(KeepLanes());
+  else if (exponent < 0) use(ShiftLeftSaturating<D>(-exponent));
+  else if (exponent <= kLast) use(ShiftRightRounding<D>(exponent));
+  else use(ShiftOut());
 }
 
 }  // namespace tzm

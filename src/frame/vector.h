@@ -174,6 +174,14 @@ TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
   hn::StoreInterleaved2(re, im, d, to);
 }
 
+// Half a register of binary32 elements from memory, each in two lanes in a row: a real factor for complex
+// elements.
+TZM_INLINE Vec<Full<float>> LoadTwice(Full<float> d, const float* from) {
+  const hn::Repartition<uint64_t, Full<float>> dw;
+  const auto wide = hn::PromoteTo(dw, hn::LoadU(hn::Rebind<uint32_t, decltype(dw)>(), reinterpret_cast<const uint32_t*>(from)));
+  return hn::BitCast(d, hn::Or(wide, hn::ShiftLeft<32>(wide)));
+}
+
 // ---- Products of integers, summed ----
 
 // Exact sums of products of 16-bit integers in two 64-bit lanes: of each four products in a row the

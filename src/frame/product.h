@@ -1,0 +1,229 @@
+// Exact products of narrow integers, real and complex, in lanes of twice the width.
+#pragma once
+
+#include "frame/vector.h"
+
+namespace tzm {
+
+#if HWY_ARCH_X86
+#if HWY_TARGET <= HWY_AVX3
+#define TZM_X86(operation) _mm512_##operation
+#else
+#define TZM_X86(operation) _mm256_##operation
+#endif
+#endif
+
+// ---- Real ----
+// The order of the lanes in the two wide registers is the machine's own: on x86 they stay within their
+// 128-bit blocks. NarrowProducts narrows with saturation and restores the order.
+
+TZM_INLINE auto WideProducts(Vec<Full<uint8_t>> a, Vec<Full<uint8_t>> b) {
+  using D = Full<uint16_t>;
+#if HWY_ARCH_ARM_A64
+  return Widened<D>{Vec<D>(vmull_u8(vget_low_u8(a.raw), vget_low_u8(b.raw))), Vec<D>(vmull_high_u8(a.raw, b.raw))};
+#else
+  const D d;
+  const Full<uint8_t> dn;
+  const auto zero = hn::Zero(dn);
+  const auto low = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::InterleaveLower(dn, v, zero)); };
+  const auto high = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::InterleaveUpper(dn, v, zero)); };
+  return Widened<D>{hn::Mul(low(a), low(b)), hn::Mul(high(a), high(b))};
+#endif
+}
+
+#if HWY_ARCH_X86
+// Wide lanes of the two halves, as the machine multiplies 16-bit lanes.
+template <class D, class V>
+TZM_INLINE Widened<D> JoinHalves(D d, V low, V high) {
+  const hn::DFromV<V> dn;
+  return {hn::BitCast(d, hn::InterleaveLower(dn, low, high)), hn::BitCast(d, hn::InterleaveUpper(dn, low, high))};
+}
+#endif
+
+TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<uint16_t>> b) {
+  using D = Full<uint32_t>;
+#if HWY_ARCH_ARM_A64
+  return Widened<D>{Vec<D>(vmull_u16(vget_low_u16(a.raw), vget_low_u16(b.raw))), Vec<D>(vmull_high_u16(a.raw, b.raw))};
+#else
+  return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
+#endif
+}
+
+TZM_INLINE auto WideProducts(Vec<Full<int16_t>> a, Vec<Full<int16_t>> b) {
+  using D = Full<int32_t>;
+#if HWY_ARCH_ARM_A64
+  return Widened<D>{Vec<D>(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw))), Vec<D>(vmull_high_s16(a.raw, b.raw))};
+#else
+  return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
+#endif
+}
+
+TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<int16_t>> b) {
+  using D = Full<int32_t>;
+#if HWY_ARCH_ARM_A64
+  const D d;
+  const hn::Half<Full<int16_t>> half;
+  const hn::Half<Full<uint16_t>> uhalf;
+  return Widened<D>{hn::Mul(hn::PromoteTo(d, hn::LowerHalf(uhalf, a)), hn::PromoteTo(d, hn::LowerHalf(half, b))),
+                    hn::Mul(hn::PromoteTo(d, hn::UpperHalf(uhalf, a)), hn::PromoteTo(d, hn::UpperHalf(half, b)))};
+#else  // `a` taken as signed is short of 2^16 where its highest bit is set
+  const auto as = hn::BitCast(Full<int16_t>(), a);
+  return JoinHalves(D(), hn::Mul(as, b), hn::Add(hn::MulHigh(as, b), hn::And(hn::BroadcastSignBit(as), b)));
+#endif
+}
+
+TZM_INLINE Vec<Full<int16_t>> NarrowProducts(Full<int16_t>, Vec<Full<int32_t>> low, Vec<Full<int32_t>> high) {
+#if HWY_ARCH_ARM_A64
+  return Vec<Full<int16_t>>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
+#else
+  return Vec<Full<int16_t>>{TZM_X86(packs_epi32)(low.raw, high.raw)};
+#endif
+}
+
+TZM_INLINE Vec<Full<uint16_t>> NarrowProducts(Full<uint16_t>, Vec<Full<uint32_t>> low, Vec<Full<uint32_t>> high) {
+#if HWY_ARCH_ARM_A64
+  return Vec<Full<uint16_t>>(vqmovn_high_u32(vqmovn_u32(low.raw), high.raw));
+#else  // the pack takes signed lanes
+  const auto limit = hn::Set(Full<uint32_t>(), 0xffff);
+  return Vec<Full<uint16_t>>{TZM_X86(packus_epi32)(hn::Min(low, limit).raw, hn::Min(high, limit).raw)};
+#endif
+}
+
+TZM_INLINE Vec<Full<uint8_t>> NarrowProducts(Full<uint8_t>, Vec<Full<uint16_t>> low, Vec<Full<uint16_t>> high) {
+#if HWY_ARCH_ARM_A64
+  return Vec<Full<uint8_t>>(vqmovn_high_u16(vqmovn_u16(low.raw), high.raw));
+#else
+  const auto limit = hn::Set(Full<uint16_t>(), 0xff);
+  return Vec<Full<uint8_t>>{TZM_X86(packus_epi16)(hn::Min(low, limit).raw, hn::Min(high, limit).raw)};
+#endif
+}
+
+// The products of 32-bit lanes, each rounded once to binary64, in order.
+TZM_INLINE Widened<Full<double>> RoundedProducts(Vec<Full<int32_t>> a, Vec<Full<int32_t>> b) {
+  using D = Full<double>;
+#if HWY_ARCH_ARM_A64
+  return {Vec<D>(vcvtq_f64_s64(vmull_s32(vget_low_s32(a.raw), vget_low_s32(b.raw)))),
+          Vec<D>(vcvtq_f64_s64(vmull_high_s32(a.raw, b.raw)))};
+#else  // the factors are exact in binary64, so their product rounds as the integer product would
+  const D d;
+  const hn::Half<Full<int32_t>> half;
+  return {hn::Mul(hn::PromoteTo(d, hn::LowerHalf(a)), hn::PromoteTo(d, hn::LowerHalf(b))),
+          hn::Mul(hn::PromoteTo(d, hn::UpperHalf(half, a)), hn::PromoteTo(d, hn::UpperHalf(half, b)))};
+#endif
+}
+
+// Scales them in binary64, rounds, saturates and stores.
+TZM_INLINE void StoreScaledProducts(Widened<Full<double>> product, Vec<Full<double>> factor, int32_t* to) {
+  const hn::Half<Full<int32_t>> half;
+  hn::StoreU(RoundToInt32(hn::Mul(product.low, factor)), half, to);
+  hn::StoreU(RoundToInt32(hn::Mul(product.high, factor)), half, to + hn::Lanes(half));
+}
+
+// Products of 64-bit lanes modulo 2^64.
+TZM_INLINE Vec<Full<int64_t>> MulWrapping(Vec<Full<int64_t>> a, Vec<Full<int64_t>> b) {
+  const Full<uint64_t> d;
+  const Full<uint32_t> d32;
+  const auto ua = hn::BitCast(d, a), ub = hn::BitCast(d, b);
+  const auto even = [&](auto x, auto y) TZM_LAMBDA { return hn::MulEven(hn::BitCast(d32, x), hn::BitCast(d32, y)); };
+  const auto crossed = hn::Add(even(hn::ShiftRight<32>(ua), ub), even(ua, hn::ShiftRight<32>(ub)));
+  return hn::BitCast(Full<int64_t>(), hn::Add(even(ua, ub), hn::ShiftLeft<32>(crossed)));
+}
+
+// ---- Complex ----
+// a*b of kStep complex elements of 16- or 32-bit integers, scaled by `shift` and narrowed with saturation:
+// re = ar*br - ai*bi, im = ai*br + ar*bi, in lanes of twice the width. The one sum that they cannot hold,
+// `im` of four most negative parts, takes the largest value of the lane, which gives the same result
+// after every shift.
+template <class T>
+class ComplexProduct {
+  static constexpr bool kIs16 = sizeof(T) == 2;
+  using D = Full<T>;
+
+ public:
+  using Wide = Full<std::conditional_t<kIs16, int32_t, int64_t>>;
+#if HWY_ARCH_ARM_A64
+  static constexpr size_t kStep = hn::MaxLanes(D());
+  struct Operand {
+    Vec<D> re, im;
+  };
+  static TZM_INLINE Operand Load(const T* from) {
+    Operand v;
+    LoadParts(D(), from, v.re, v.im);
+    return v;
+  }
+  static TZM_INLINE Operand Set(T re, T im) { return {hn::Set(D(), re), hn::Set(D(), im)}; }
+
+  template <class Shift>
+  static TZM_INLINE void Store(Operand a, Operand b, const Shift& shift, T* to) {
+    const D d;
+    const auto ar = a.re.raw, ai = a.im.raw, br = b.re.raw, bi = b.im.raw;
+    Vec<Wide> re[2], im[2];
+    if constexpr (kIs16) {
+      re[0].raw = vmlsl_s16(vmull_s16(vget_low_s16(ar), vget_low_s16(br)), vget_low_s16(ai), vget_low_s16(bi));
+      re[1].raw = vmlsl_high_s16(vmull_high_s16(ar, br), ai, bi);
+      im[0].raw = vqaddq_s32(vmull_s16(vget_low_s16(ai), vget_low_s16(br)), vmull_s16(vget_low_s16(ar), vget_low_s16(bi)));
+      im[1].raw = vqaddq_s32(vmull_high_s16(ai, br), vmull_high_s16(ar, bi));
+    } else {
+      re[0].raw = vmlsl_s32(vmull_s32(vget_low_s32(ar), vget_low_s32(br)), vget_low_s32(ai), vget_low_s32(bi));
+      re[1].raw = vmlsl_high_s32(vmull_high_s32(ar, br), ai, bi);
+      im[0].raw = vqaddq_s64(vmull_s32(vget_low_s32(ai), vget_low_s32(br)), vmull_s32(vget_low_s32(ar), vget_low_s32(bi)));
+      im[1].raw = vqaddq_s64(vmull_high_s32(ai, br), vmull_high_s32(ar, bi));
+    }
+    StoreParts(Narrow(shift(re[0]), shift(re[1])), Narrow(shift(im[0]), shift(im[1])), d, to);
+  }
+
+ private:
+  static TZM_INLINE Vec<D> Narrow(Vec<Wide> low, Vec<Wide> high) {
+    if constexpr (kIs16) return Vec<D>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
+    else return Vec<D>(vqmovn_high_s64(vqmovn_s64(low.raw), high.raw));
+  }
+#else
+  // One register of interleaved parts, its wide lanes one complex element each.
+  static constexpr size_t kStep = hn::MaxLanes(D()) / 2;
+  using Operand = Vec<D>;
+  static TZM_INLINE Operand Load(const T* from) { return hn::LoadU(D(), from); }
+  static TZM_INLINE Operand Set(T re, T im) { return hn::OddEven(hn::Set(D(), im), hn::Set(D(), re)); }
+
+  template <class Shift>
+  static TZM_INLINE void Store(Operand a, Operand b, const Shift& shift, T* to) {
+    const D d;
+    const Wide wide;
+    Vec<Wide> re, im;
+    if constexpr (kIs16) {
+      // Pairs of products are summed at once; ar*br + ai*(-1-bi) is short of `re` by ai.
+      const auto flipped = hn::Xor(b, hn::BitCast(d, hn::Set(wide, -65536)));
+      const auto swapped = hn::BitCast(d, hn::RotateRight<16>(hn::BitCast(hn::Repartition<uint32_t, D>(), a)));
+      re = hn::Add(Vec<Wide>{TZM_X86(madd_epi16)(a.raw, flipped.raw)}, hn::ShiftRight<16>(hn::BitCast(wide, a)));
+      im.raw = TZM_X86(madd_epi16)(swapped.raw, b.raw);
+    } else {
+      const auto odd = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(hn::RebindToUnsigned<Wide>(), v))); };
+      const auto ai = odd(a), bi = odd(b);
+      re = hn::Sub(hn::MulEven(a, b), hn::MulEven(ai, bi));
+      im = hn::Add(hn::MulEven(ai, b), hn::MulEven(a, bi));
+    }
+    // Only the sum that wrapped is the least value.
+    const auto wrapped = hn::Eq(im, hn::Set(wide, std::numeric_limits<hn::TFromD<Wide>>::min()));
+    im = hn::Xor(im, hn::VecFromMask(wide, wrapped));
+    hn::StoreU(Interleave(shift(re), shift(im)), d, to);
+  }
+
+ private:
+  static TZM_INLINE Vec<D> Interleave(Vec<Wide> re, Vec<Wide> im) {
+    const D d;
+    const Wide wide;
+    if constexpr (kIs16) {
+      return NarrowProducts(d, hn::InterleaveLower(wide, re, im), hn::InterleaveUpper(wide, re, im));
+    } else {
+      const auto least = hn::Set(wide, std::numeric_limits<T>::min()), most = hn::Set(wide, std::numeric_limits<T>::max());
+      const auto saturated = [&](auto v) TZM_LAMBDA { return hn::Min(hn::Max(v, least), most); };
+      return hn::OddEven(hn::BitCast(d, hn::ShiftLeft<32>(saturated(im))), hn::BitCast(d, saturated(re)));
+    }
+  }
+#endif
+};
+
+#if HWY_ARCH_X86
+#undef TZM_X86
+#endif
+
+}  // namespace tzm
