@@ -11,6 +11,71 @@
 
 /* ---- Division ---- */
 
+/* dst[i] = src2[i] / src1[i], or srcDst[i] / src[i] in place: the first array holds the divisors. A zero
+ * divisor (0.0 or -0.0) gives the infinity or the NaN of IEEE division. Statuses: null pointer (1), len
+ * below 1 (2); warning: a divisor is zero (300), all elements are written. Here and below, the
+ * destination may be the same array as either source. */
+TZM_API OrvaStatus ORVAS_Div_32f(const Orva32f* src1, const Orva32f* src2, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_64f(const Orva64f* src1, const Orva64f* src2, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_32f_I(const Orva32f* src, Orva32f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_64f_I(const Orva64f* src, Orva64f* srcDst, int32_t len);
+
+/* The same for complex elements, with c + di the divisor and a + bi the dividend. Statuses as above, but
+ * for the warning of the tail of 32fc.
+ * 64fc: t = 1 / (c*c + d*d), re = (c*a + d*b) * t, im = (c*b - d*a) * t, nothing fused; c*c + d*d equal to
+ * zero warns.
+ * 32fc: den = c*c + d*d, nr = fma(c, a, d*b), ni = b*c - a*d, re = nr / den, im = ni / den; a den of zero
+ * warns. The tail, len % 16 elements, deliberately differs: den = fma(c, c, d*d), ni = fma(c, b, -(d*a)),
+ * and an nr of zero warns, which a zero divisor gives, but also a zero dividend over any divisor. */
+TZM_API OrvaStatus ORVAS_Div_32fc(const Orva32fc* src1, const Orva32fc* src2, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_32fc_I(const Orva32fc* src, Orva32fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Div_64fc_I(const Orva64fc* src, Orva64fc* srcDst, int32_t len);
+
+/* dst[i] = src2[i] / src1[i] / 2^s, rounded to nearest, ties to even, and saturated; s is log2(scale)
+ * truncated toward zero. Statuses: null pointer (1), len below 1 (2), scale not positive and finite (20);
+ * warning: a divisor is zero (300), all elements are written. A zero divisor gives, at any scale, the
+ * largest value for a positive dividend, the smallest for a negative one, and 0 for 0 by 0.
+ * The result is that of the exact quotient, except where binary floating formats are named:
+ * 8u, 16u: in the tail, len % 48 and len % 24 elements, 0 by 0 deliberately gives the largest value.
+ * 32s: the quotient is rounded to binary64 first; in the tail, len % 4 elements, both operands and the
+ * quotient deliberately are rounded to binary32.
+ * 32s16s: operands and quotient are rounded to binary32.
+ * 16sc: a zero divisor has zero numerators, and so gives 0 in both parts. In the tail, len % 8 elements,
+ * c*c + d*d and the two numerators deliberately are 32-bit integers that wrap around: both parts of the
+ * divisor -32768 turn the sign of the result there. */
+TZM_API OrvaStatus ORVAS_Div_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_32s16s_S(const Orva16s* src1, const Orva32s* src2, Orva16s* dst, int32_t len,
+                                      double scale);
+TZM_API OrvaStatus ORVAS_Div_16sc_S(const Orva16sc* src1, const Orva16sc* src2, Orva16sc* dst, int32_t len,
+                                    double scale);
+TZM_API OrvaStatus ORVAS_Div_8u_IS(const Orva8u* src, Orva8u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_16u_IS(const Orva16u* src, Orva16u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_32s_IS(const Orva32s* src, Orva32s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Div_16sc_IS(const Orva16sc* src, Orva16sc* srcDst, int32_t len, double scale);
+
+/* The same scaled quotients, exact, with the rounding chosen: roundMode 0 toward zero, 1 to nearest with
+ * ties to even, 2 to nearest with ties away from zero. 0 by 0 gives 0 everywhere. Statuses as above; a
+ * zero divisor in the tail of 8u, len % 32 elements, deliberately does not warn. Any other roundMode is
+ * no error: the elements of the body (len without len % 32 for 8u, len % 16 for 16u, len % 8 for 16s)
+ * become 0, with the warning for their divisors, and those of the tail are left alone. */
+TZM_API OrvaStatus ORVAS_Div_Round_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len,
+                                        int32_t roundMode, double scale);
+TZM_API OrvaStatus ORVAS_Div_Round_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len,
+                                         int32_t roundMode, double scale);
+TZM_API OrvaStatus ORVAS_Div_Round_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len,
+                                         int32_t roundMode, double scale);
+TZM_API OrvaStatus ORVAS_Div_Round_8u_IS(const Orva8u* src, Orva8u* srcDst, int32_t len, int32_t roundMode,
+                                         double scale);
+TZM_API OrvaStatus ORVAS_Div_Round_16u_IS(const Orva16u* src, Orva16u* srcDst, int32_t len, int32_t roundMode,
+                                          double scale);
+TZM_API OrvaStatus ORVAS_Div_Round_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, int32_t roundMode,
+                                          double scale);
+
 /* ---- Division by a constant ---- */
 
 /* dst[i] = src[i] * (1 / value), the reciprocal rounded once in the type of the samples: the last bit can
