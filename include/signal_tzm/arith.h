@@ -86,12 +86,85 @@ TZM_API OrvaStatus ORVAS_DivC_64f(const Orva64f* src, Orva64f value, Orva64f* ds
 TZM_API OrvaStatus ORVAS_DivC_32f_I(Orva32f value, Orva32f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_64f_I(Orva64f value, Orva64f* srcDst, int32_t len);
 
+/* The same with a complex constant: the constant multiplication of src by (r*re, -(r*im)), where re and im
+ * are the parts of value and r = 1 / fma(re, re, im*im). Statuses: null pointer (1), len below 1 (2),
+ * fma(re, re, im*im) equal to zero (3), so also a value whose square underflows. */
+TZM_API OrvaStatus ORVAS_DivC_32fc(const Orva32fc* src, Orva32fc value, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivC_64fc(const Orva64fc* src, Orva64fc value, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivC_32fc_I(Orva32fc value, Orva32fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivC_64fc_I(Orva64fc value, Orva64fc* srcDst, int32_t len);
+
+/* dst[i] = src[i] / value / 2^s, rounded to nearest, ties to even, and saturated; s is log2(scale)
+ * truncated toward zero. Exact for 8u and 16u; the others deliberately multiply by a reciprocal, with f =
+ * 2^-s: 16s rounds (src[i] * (1 / value)) * f in binary32, 64s the same in binary64, the element rounded
+ * to it first; 16sc rounds fma(xr, re, xi*im) * t and fma(xi, re, -(xr*im)) * t in binary64, with
+ * t = (1 / (re*re + im*im)) * f. Statuses: null pointer (1), len below 1 (2); then value equal to zero (3)
+ * and scale not positive and finite (20), in this order for 16s and 64s, and deliberately the other way
+ * round for 8u, 16u and 16sc. */
+TZM_API OrvaStatus ORVAS_DivC_8u_S(const Orva8u* src, Orva8u value, Orva8u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16u_S(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_8u_IS(Orva8u value, Orva8u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16u_IS(Orva16u value, Orva16u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16s_IS(Orva16s value, Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_16sc_IS(Orva16sc value, Orva16sc* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_DivC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len, double scale);
+
+/* dst[i] = value / src[i]. Statuses: null pointer (1), len below 1 (2); warning: an element is zero (300),
+ * all elements are written. Body and tail deliberately differ.
+ * 32f: the body multiplies value by an estimate of the reciprocal, to eight bits, refined by two Newton
+ * steps: AArch64's instructions for both, the same bits everywhere. It is not correctly rounded, and its
+ * infinities have the opposite sign: 1 over +0 is -infinity. The tail, len % 4 elements, divides.
+ * 16u: rounded to nearest, ties to even, from the quotient in binary32; a zero element gives 65535, but 0
+ * by 0 gives 0 in the body and 65535 in the tail, len % 48 elements. */
+TZM_API OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivCRev_16u(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivCRev_32f_I(Orva32f value, Orva32f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_DivCRev_16u_I(Orva16u value, Orva16u* srcDst, int32_t len);
+
 /* ---- Squares ---- */
 
 /* ---- Square and cube roots ---- */
 
 /* ---- Half-precision conversion ---- */
 
+/* dst[i] = src[i] in another format. roundMode: 0 toward zero, 1 to nearest with ties to even, whatever
+ * the rounding mode of the caller, which is left as it is. A value beyond the range of binary16 becomes
+ * the largest finite value in mode 0, infinity in mode 1. To Orva16s: f * src[i] in binary32, rounded and
+ * saturated, NaN giving 0, with f = 2^-s, s being log2(scale) truncated toward zero. Statuses: null pointer
+ * (1), len below 1 (2), roundMode above 1 (200), scale not positive and finite (20). */
+TZM_API OrvaStatus ORVAS_Convert_16s16f(const Orva16s* src, Orva16f* dst, int32_t len, uint32_t roundMode);
+TZM_API OrvaStatus ORVAS_Convert_32f16f(const Orva32f* src, Orva16f* dst, int32_t len, uint32_t roundMode);
+TZM_API OrvaStatus ORVAS_Convert_16f32f(const Orva16f* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Convert_16f16s_S(const Orva16f* src, Orva16s* dst, int32_t len, uint32_t roundMode,
+                                          double scale);
+
 /* ---- Normalisation ---- */
+
+/* dst[i] = (src[i] - vSub) / vDiv, by r = 1 / vDiv and for each part of a complex element. Statuses: null
+ * pointer (1), len below 1 (2), vDiv equal to zero (3), scale not positive and finite (20). The source
+ * and the destination may be the same array.
+ * 64f, 64fc: fma(x, r, -(vSub / vDiv)). 32f, 32fc: the same from len 64 and 128 on; shorter arrays
+ * deliberately take (x - vSub) * r, which rounds differently.
+ * 16s, 16sc: f * fma(x, r, -(vSub / vDiv)) in binary32, rounded to nearest, ties to even, and saturated,
+ * with f = 2^-s, s being log2(scale) truncated toward zero. */
+TZM_API OrvaStatus ORVAS_Normalize_32f(const Orva32f* src, Orva32f* dst, int32_t len, Orva32f vSub, Orva32f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_64f(const Orva64f* src, Orva64f* dst, int32_t len, Orva64f vSub, Orva64f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32fc vSub,
+                                        Orva32f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len, Orva64fc vSub,
+                                        Orva64f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, Orva16s vSub, Orva32f vDiv,
+                                         double scale);
+TZM_API OrvaStatus ORVAS_Normalize_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, Orva16sc vSub,
+                                          Orva32f vDiv, double scale);
+TZM_API OrvaStatus ORVAS_Normalize_32f_I(Orva32f* srcDst, int32_t len, Orva32f vSub, Orva32f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_64f_I(Orva64f* srcDst, int32_t len, Orva64f vSub, Orva64f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_32fc_I(Orva32fc* srcDst, int32_t len, Orva32fc vSub, Orva32f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_64fc_I(Orva64fc* srcDst, int32_t len, Orva64fc vSub, Orva64f vDiv);
+TZM_API OrvaStatus ORVAS_Normalize_16s_IS(Orva16s* srcDst, int32_t len, Orva16s vSub, Orva32f vDiv, double scale);
+TZM_API OrvaStatus ORVAS_Normalize_16sc_IS(Orva16sc* srcDst, int32_t len, Orva16sc vSub, Orva32f vDiv,
+                                           double scale);
 
 #endif

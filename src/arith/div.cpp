@@ -67,12 +67,6 @@ bool DivideComplex32(const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc
 
 enum class Rounding { kToZero, kToEven, kFromZero, kUnknown };
 
-// The power of two of the scale rule. Quotients of integers lie within 2^32 of 1, so beyond 2^64 either
-// way they are 0 or saturate; there the factor stays, so that infinity times it is never a NaN.
-float QuotientFactor(double scale) {
-  return static_cast<float>(ScaleFactor(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64))));
-}
-
 // b/a of 16-bit integers, rounded to odd: an inexact quotient is the odd one of its two neighbours, and
 // so neither an integer nor a tie, at any scale. Rounding it again is rounding the exact quotient, as
 // rounding the quotient of binary64 would be, for half the divisions.
