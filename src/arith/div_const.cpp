@@ -3,8 +3,12 @@
 
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/estimate.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
+
+TZM_API OrvaStatus ORVAS_MulC_32fc(const Orva32fc* src, Orva32fc value, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_MulC_64fc(const Orva64fc* src, Orva64fc value, Orva64fc* dst, int32_t len);
 
 using namespace tzm;
 
@@ -23,6 +27,66 @@ OrvaStatus MulReciprocal(const T* src, T value, T* dst, int32_t len) {
   return ORVA_STS_NO_ERR;
 }
 
+// The squared modulus, as the complex members form it: the product written first in the fused step.
+template <class T>
+T SquaredModulus(T re, T im) {
+  return Fma(re, re, im * im);
+}
+
+// 1 / value as a factor of complex products: the conjugate over the squared modulus, which is not zero.
+template <class Complex>
+Complex Reciprocal(Complex value) {
+  const auto reciprocal = 1 / SquaredModulus(value.re, value.im);
+  return {reciprocal * value.re, -(reciprocal * value.im)};
+}
+
+// src[i] / divisor in lanes of F without dividing: the remainder corrects the product with the reciprocal
+// (rounded once), so that integers and ties come out exact and all else stays on its side of them.
+template <class V>
+TZM_INLINE V Quotient(V x, V divisor, V reciprocal) {
+  const auto quotient = hn::Mul(x, reciprocal);
+  return hn::MulAdd(hn::NegMulAdd(quotient, divisor, x), reciprocal, quotient);
+}
+
+// round(kernel(src[i])), saturated, with `kernel` on binary64 lanes; an even element is in an even lane.
+template <class T, class Kernel>
+TZM_INLINE void RoundWide(size_t len, Kernel kernel, const T* src, T* dst) {
+  const Full<double> d;
+  const Full<int32_t> d32;
+  const hn::Half<decltype(d32)> half;
+  ForEach<hn::MaxLanes(d32)>(len, [&](const T* from, T* to) TZM_LAMBDA {
+    const auto x = hn::PromoteTo(d32, hn::LoadU(hn::Rebind<T, decltype(d32)>(), from));
+    const auto low = RoundToInt32(kernel(hn::PromoteTo(d, hn::LowerHalf(half, x))));
+    const auto high = RoundToInt32(kernel(hn::PromoteTo(d, hn::UpperHalf(half, x))));
+    StoreSaturated(hn::Combine(d32, high, low), to);
+  }, src, dst);
+}
+
+// round(kernel(src[i])), saturated, with `kernel` on binary32 lanes.
+template <class T, class Kernel>
+TZM_INLINE void RoundNarrow(size_t len, Kernel kernel, const T* src, T* dst) {
+  const Full<float> d;
+  ForEach<hn::MaxLanes(d), 4>(len, [&](const T* from, T* to) TZM_LAMBDA {
+    StoreSaturated(RoundToInt(kernel(LoadAsFloat(d, from))), to);
+  }, src, dst);
+}
+
+// round(value / src[i]), saturated, the quotient in binary32. In the tail a zero element gives the largest
+// value even when `value` is zero. Gives whether a zero was met.
+template <bool kTail>
+bool DivideInto(const Orva16u* src, Orva16u value, Orva16u* dst, size_t len) {
+  const Full<float> d;
+  const auto dividend = hn::Set(d, value);
+  AnyLane<Full<float>> zero;
+  RoundNarrow(len, [&](auto x) TZM_LAMBDA {
+    const auto isZero = hn::Eq(x, hn::Zero(d));
+    zero.See(isZero);
+    const auto quotient = hn::Div(dividend, x);
+    return kTail ? hn::IfThenElse(isZero, hn::Inf(d), quotient) : quotient;
+  }, src, dst);
+  return zero.Seen();
+}
+
 }  // namespace
 
 OrvaStatus ORVAS_DivC_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
@@ -39,4 +103,149 @@ OrvaStatus ORVAS_DivC_32f_I(Orva32f value, Orva32f* srcDst, int32_t len) {
 
 OrvaStatus ORVAS_DivC_64f_I(Orva64f value, Orva64f* srcDst, int32_t len) {
   return ORVAS_DivC_64f(srcDst, value, srcDst, len);
+}
+
+OrvaStatus ORVAS_DivC_32fc(const Orva32fc* src, Orva32fc value, Orva32fc* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (SquaredModulus(value.re, value.im) == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  return ORVAS_MulC_32fc(src, Reciprocal(value), dst, len);
+}
+
+OrvaStatus ORVAS_DivC_64fc(const Orva64fc* src, Orva64fc value, Orva64fc* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (SquaredModulus(value.re, value.im) == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  return ORVAS_MulC_64fc(src, Reciprocal(value), dst, len);
+}
+
+OrvaStatus ORVAS_DivC_32fc_I(Orva32fc value, Orva32fc* srcDst, int32_t len) {
+  return ORVAS_DivC_32fc(srcDst, value, srcDst, len);
+}
+
+OrvaStatus ORVAS_DivC_64fc_I(Orva64fc value, Orva64fc* srcDst, int32_t len) {
+  return ORVAS_DivC_64fc(srcDst, value, srcDst, len);
+}
+
+OrvaStatus ORVAS_DivC_8u_S(const Orva8u* src, Orva8u value, Orva8u* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  const Full<float> d;
+  const float divisor = value / QuotientFactor(scale);
+  RoundNarrow(len, [divisors = hn::Set(d, divisor), reciprocals = hn::Set(d, 1 / divisor)](auto x) TZM_LAMBDA {
+    return Quotient(x, divisors, reciprocals);
+  }, src, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_DivC_16u_S(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  const Full<double> d;
+  const double divisor = value / QuotientFactor(scale);
+  RoundWide(len, [divisors = hn::Set(d, divisor), reciprocals = hn::Set(d, 1 / divisor)](auto x) TZM_LAMBDA {
+    return Quotient(x, divisors, reciprocals);
+  }, src, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+// Deliberately the product with the reciprocal in binary32, not the quotient. The factor, a power of two,
+// commutes with the rounding.
+OrvaStatus ORVAS_DivC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const auto factor = hn::Set(Full<float>(), 1.0f / value * QuotientFactor(scale));
+  RoundNarrow(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, src, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+// Deliberately the product with the reciprocal of the squared modulus, not the quotient.
+OrvaStatus ORVAS_DivC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const double re = value.re, im = value.im, modulus = SquaredModulus(re, im);
+  if (modulus == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  const Full<double> d;
+  const auto factor = hn::Set(d, 1.0 / modulus * ScaleFactor(ScaleExponent(scale)));
+  const auto straight = hn::Set(d, re);
+  const auto crossed = hn::OddEven(hn::Set(d, -im), hn::Set(d, im));
+  RoundWide(2 * static_cast<size_t>(len), [=](auto x) TZM_LAMBDA {
+    return hn::Mul(hn::MulAdd(x, straight, hn::Mul(hn::Reverse2(d, x), crossed)), factor);
+  }, Parts(src), Parts(dst));
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_DivC_8u_IS(Orva8u value, Orva8u* srcDst, int32_t len, double scale) {
+  return ORVAS_DivC_8u_S(srcDst, value, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_DivC_16u_IS(Orva16u value, Orva16u* srcDst, int32_t len, double scale) {
+  return ORVAS_DivC_16u_S(srcDst, value, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_DivC_16s_IS(Orva16s value, Orva16s* srcDst, int32_t len, double scale) {
+  return ORVAS_DivC_16s_S(srcDst, value, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_DivC_16sc_IS(Orva16sc value, Orva16sc* srcDst, int32_t len, double scale) {
+  return ORVAS_DivC_16sc_S(srcDst, value, srcDst, len, scale);
+}
+
+// Deliberately in binary64, into which the element is rounded first, and by the reciprocal.
+OrvaStatus ORVAS_DivC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, srcDst)) return status;
+  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const Full<double> d;
+  const Full<int64_t> d64;
+  const auto reciprocal = hn::Set(d, 1.0 / static_cast<double>(value));
+  const auto factor = hn::Set(d, ScaleFactor(ScaleExponent(scale)));
+  const Orva64s* src = srcDst;
+  ForEach<hn::MaxLanes(d)>(len, [=](const Orva64s* from, Orva64s* to) TZM_LAMBDA {
+    const auto x = hn::ConvertTo(d, hn::LoadU(d64, from));
+    hn::StoreU(RoundToInt64(hn::Mul(hn::Mul(x, reciprocal), factor)), d64, to);
+  }, src, srcDst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  const Full<float> d;
+  const auto dividend = hn::Set(d, value);
+  AnyLane<Full<float>> zero;
+  const size_t body = len - len % 4;
+  ForEach<hn::MaxLanes(d)>(body, [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
+    const auto x = hn::LoadU(d, from);
+    zero.See(hn::Eq(x, hn::Zero(d)));
+    auto reciprocal = ReciprocalEstimate(x);
+    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
+    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
+    // Deliberate: the two infinities are exchanged, so that 1 over +0 is negative here.
+    reciprocal = hn::IfThenElse(hn::IsInf(reciprocal), hn::Neg(reciprocal), reciprocal);
+    hn::StoreU(hn::Mul(dividend, reciprocal), d, to);
+  }, src, dst);
+  bool zeroInTail = false;
+  for (size_t i = body; i < static_cast<size_t>(len); ++i) {
+    const Orva32f x = LoadElement(src + i);
+    zeroInTail |= x == 0;
+    StoreElement(value / x, dst + i);
+  }
+  return zero.Seen() || zeroInTail ? ORVA_STS_DIV_ZERO_WARN : ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_DivCRev_16u(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  const size_t body = len - len % 48;
+  bool zero = DivideInto<false>(src, value, dst, body);
+  zero |= DivideInto<true>(src + body, value, dst + body, len - body);
+  return zero ? ORVA_STS_DIV_ZERO_WARN : ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_DivCRev_32f_I(Orva32f value, Orva32f* srcDst, int32_t len) {
+  return ORVAS_DivCRev_32f(srcDst, value, srcDst, len);
+}
+
+OrvaStatus ORVAS_DivCRev_16u_I(Orva16u value, Orva16u* srcDst, int32_t len) {
+  return ORVAS_DivCRev_16u(srcDst, value, srcDst, len);
 }

@@ -19,6 +19,12 @@ inline int ScaleExponent(double scale) {
 // 2^-exponent: above 1 the scale shrinks, below 1 it enlarges. Infinite for the smallest scales.
 inline double ScaleFactor(int exponent) { return pow(2.0, -exponent); }
 
+// The same in binary32, for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either
+// way they are 0 or saturate; there the factor stays, and infinity times it is never a NaN.
+inline float QuotientFactor(double scale) {
+  return static_cast<float>(ScaleFactor(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64))));
+}
+
 // Rounds one value to the nearest integer, ties to even, and saturates it to the range of T; NaN gives
 // 0. The bounds are those of T as values of F.
 template <class T, class F>

@@ -50,6 +50,17 @@ TZM_INLINE void StoreElement(T value, T* to) {
 TZM_INLINE float Fma(float a, float b, float c) { return __builtin_fmaf(a, b, c); }
 TZM_INLINE double Fma(double a, double b, double c) { return __builtin_fma(a, b, c); }
 
+// Whether a condition has held in any lane so far: what a warning is made of.
+template <class D>
+class AnyLane {
+ public:
+  TZM_INLINE void See(Mask<D> condition) { seen_ = hn::Or(seen_, condition); }
+  TZM_INLINE bool Seen() const { return !hn::AllFalse(D(), seen_); }
+
+ private:
+  Mask<D> seen_ = hn::MaskFromVec(hn::Zero(D()));
+};
+
 // ---- Minimum and maximum with one meaning ----
 // `b` where `a` is NaN or the comparison fails: the second operand wins ties of signed zeros too.
 template <class V>
@@ -134,6 +145,21 @@ TZM_INLINE Widened<D> LoadWidened(D d, const T* from) {
   const auto all = hn::LoadU(dn, from);
   return {hn::PromoteTo(d, hn::LowerHalf(all)), hn::PromoteTo(d, hn::UpperHalf(hn::Half<decltype(dn)>(), all))};
 #endif
+}
+
+// Integers of up to 32 bits as lanes of binary32, rounded where they have more than 24.
+template <class D, class T>
+TZM_INLINE Vec<D> LoadAsFloat(D d, const T* from) {
+  const hn::RebindToSigned<D> d32;
+  if constexpr (sizeof(T) == 4) return hn::ConvertTo(d, hn::LoadU(d32, from));
+  else return hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<T, D>(), from)));
+}
+// Lanes of 32-bit integers as integers of up to 32 bits, saturated.
+template <class V, class T>
+TZM_INLINE void StoreSaturated(V v, T* to) {
+  const hn::Rebind<T, hn::DFromV<V>> dn;
+  if constexpr (sizeof(T) == 4) hn::StoreU(v, dn, to);
+  else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
 
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of

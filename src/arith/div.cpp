@@ -1,0 +1,351 @@
+// Division: quotients of two arrays, element by element, the divisor first.
+#include <signal_tzm/arith.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/scale.h"
+#include "frame/vector.h"
+
+using namespace tzm;
+
+namespace {
+
+// The kernels of this file give whether a zero divisor was met.
+OrvaStatus Status(bool zero) { return zero ? ORVA_STS_DIV_ZERO_WARN : ORVA_STS_NO_ERR; }
+
+// ---- Floating ----
+
+template <class T>
+OrvaStatus Divide(const T* divisor, const T* dividend, T* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
+  const Full<T> d;
+  AnyLane<decltype(d)> zero;
+  ForEach<hn::MaxLanes(d), 4>(len, [&](const T* divisors, const T* dividends, T* to) TZM_LAMBDA {
+    const auto a = hn::LoadU(d, divisors);
+    zero.See(hn::Eq(a, hn::Zero(d)));
+    hn::StoreU(hn::Div(hn::LoadU(d, dividends), a), d, to);
+  }, divisor, dividend, dst);
+  return Status(zero.Seen());
+}
+
+// Loops over complex elements with their parts apart: kernel(c, d, a, b, re, im) of c + di, the divisor,
+// and a + bi, the dividend.
+template <class Complex, class Kernel>
+TZM_INLINE void ForEachParts(size_t len, Kernel kernel, const Complex* divisor, const Complex* dividend,
+                             Complex* dst) {
+  const Full<std::remove_pointer_t<decltype(Parts(dst))>> real;
+  using V = Vec<decltype(real)>;
+  ForEach<hn::MaxLanes(real)>(len, [&](const Complex* divisors, const Complex* dividends, Complex* to) TZM_LAMBDA {
+    V c, d, a, b, re, im;
+    LoadParts(real, Parts(divisors), c, d);
+    LoadParts(real, Parts(dividends), a, b);
+    kernel(c, d, a, b, re, im);
+    StoreParts(re, im, real, Parts(to));
+  }, divisor, dividend, dst);
+}
+
+// Body and tail deliberately differ in what is fused and in what warns: in the tail a real numerator of
+// zero, which a zero divisor has, and so has a zero dividend over any divisor.
+template <bool kBody>
+bool DivideComplex32(const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst, size_t len) {
+  const Full<float> real32;
+  using V = Vec<Full<float>>;
+  AnyLane<Full<float>> zero;
+  ForEachParts(len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
+    const V squares = hn::Mul(d, d), product = hn::Mul(d, a);
+    const V denominator = kBody ? hn::Add(hn::Mul(c, c), squares) : hn::MulAdd(c, c, squares);
+    const V real = hn::MulAdd(c, a, hn::Mul(d, b));
+    const V imaginary = kBody ? hn::Sub(hn::Mul(b, c), product) : hn::MulSub(c, b, product);
+    zero.See(hn::Eq(kBody ? denominator : real, hn::Zero(real32)));
+    re = hn::Div(real, denominator);
+    im = hn::Div(imaginary, denominator);
+  }, divisor, dividend, dst);
+  return zero.Seen();
+}
+
+// ---- Integers of 8 and 16 bits, and 32 by 16, in binary32 ----
+
+enum class Rounding { kToZero, kToEven, kFromZero, kUnknown };
+
+// b/a of 16-bit integers, rounded to odd: an inexact quotient is the odd one of its two neighbours, and
+// so neither an integer nor a tie, at any scale. Rounding it again is rounding the exact quotient, as
+// rounding the quotient of binary64 would be, for half the divisions.
+template <class D>
+TZM_INLINE Vec<D> OddQuotient(D d, Vec<D> a, Vec<D> b) {
+  const hn::RebindToSigned<D> bits;
+  const auto nearest = hn::Div(b, a);
+  const auto remainder = hn::NegMulAdd(nearest, a, b);  // exact; NaN for an infinite quotient, which stays
+  const auto away = hn::ShiftRight<31>(hn::BitCast(bits, hn::Xor(remainder, b)));  // -1: too large
+  const auto odd = hn::Or(hn::Add(hn::BitCast(bits, nearest), away), hn::Set(bits, 1));
+  const auto inexact = hn::Gt(hn::Abs(remainder), hn::Zero(d));
+  return hn::IfThenElse(inexact, hn::BitCast(d, odd), nearest);
+}
+
+template <Rounding kRounding, class V>
+TZM_INLINE auto RoundBy(V y) {
+  const hn::DFromV<V> d;
+  if constexpr (kRounding == Rounding::kToEven) return RoundToInt(y);
+  // The number just below 0.5 carries ties, and nothing below a tie, to the next integer.
+  if constexpr (kRounding == Rounding::kFromZero)
+    y = hn::Add(y, hn::CopySignToAbs(hn::Set(d, 0.49999997f), y));
+  return RoundToInt(hn::Trunc(y));
+}
+
+// What the members that share this kernel differ in.
+struct Way {
+  Rounding rounding = Rounding::kToEven;
+  bool maximumAtZero = false;  // a zero divisor gives the largest value, also for a zero dividend
+  bool warns = true;
+};
+
+// round(b/a * factor), saturated; a zero divisor gives infinity by the dividend's sign, or NaN and so 0.
+template <Way kWay, class Divisor, class Dividend, class T>
+bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t len, float factor) {
+  const Full<float> d;
+  const auto scale = hn::Set(d, factor);
+  AnyLane<decltype(d)> zero;
+  ForEach<hn::MaxLanes(d), 4>(len, [&](const Divisor* divisors, const Dividend* dividends, T* to) TZM_LAMBDA {
+    const auto a = LoadAsFloat(d, divisors);
+    if constexpr (kWay.warns) zero.See(hn::Eq(a, hn::Zero(d)));
+    if constexpr (kWay.rounding == Rounding::kUnknown) {
+      StoreSaturated(hn::Zero(hn::RebindToSigned<decltype(d)>()), to);
+    } else {
+      const auto b = LoadAsFloat(d, dividends);
+      auto y = sizeof(Dividend) == 2 ? OddQuotient(d, a, b) : hn::Div(b, a);
+      if constexpr (kWay.maximumAtZero) y = hn::IfThenElse(hn::Eq(a, hn::Zero(d)), hn::Inf(d), y);
+      StoreSaturated(RoundBy<kWay.rounding>(hn::Mul(y, scale)), to);
+    }
+  }, divisor, dividend, dst);
+  return zero.Seen();
+}
+
+// The unsigned members: in the tail of a body of kStep elements a zero divisor gives the largest value
+// without any division, and so does 0 by 0, which gives 0 in the body.
+template <size_t kStep, class T>
+OrvaStatus DivideUnsigned(const T* divisor, const T* dividend, T* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const float factor = QuotientFactor(scale);
+  const size_t body = len - len % kStep;
+  bool zero = Quotients<Way{}>(divisor, dividend, dst, body, factor);
+  zero |= Quotients<Way{.maximumAtZero = true}>(divisor + body, dividend + body, dst + body, len - body, factor);
+  return Status(zero);
+}
+
+// An unknown rounding mode deliberately is no error: it clears the body, whose zero divisors warn as
+// ever, and leaves the tail as it was. Of the tails, that of 8 bits never warns.
+template <size_t kStep, class T>
+OrvaStatus DivideRounded(const T* divisor, const T* dividend, T* dst, int32_t len, int32_t roundMode, double scale) {
+  if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const float factor = QuotientFactor(scale);
+  const size_t body = len - len % kStep;
+  const auto run = [&]<Rounding kRounding>() {
+    constexpr Way kTail = {.rounding = kRounding, .warns = sizeof(T) > 1};
+    bool zero = Quotients<Way{.rounding = kRounding}>(divisor, dividend, dst, body, factor);
+    if constexpr (kRounding != Rounding::kUnknown)
+      zero |= Quotients<kTail>(divisor + body, dividend + body, dst + body, len - body, factor);
+    return Status(zero);
+  };
+  switch (roundMode) {
+    case 0: return run.template operator()<Rounding::kToZero>();
+    case 1: return run.template operator()<Rounding::kToEven>();
+    case 2: return run.template operator()<Rounding::kFromZero>();
+    default: return run.template operator()<Rounding::kUnknown>();
+  }
+}
+
+// ---- 32-bit integers and complex 16-bit integers, in binary64 ----
+
+bool WideQuotients(const Orva32s* divisor, const Orva32s* dividend, Orva32s* dst, size_t len, double factor) {
+  const Full<double> d;
+  const hn::Rebind<int32_t, decltype(d)> d32;
+  const auto scale = hn::Set(d, factor);
+  AnyLane<decltype(d)> zero;
+  ForEach<hn::MaxLanes(d), 4>(len, [&](const Orva32s* divisors, const Orva32s* dividends, Orva32s* to) TZM_LAMBDA {
+    const auto a = hn::PromoteTo(d, hn::LoadU(d32, divisors));
+    const auto b = hn::PromoteTo(d, hn::LoadU(d32, dividends));
+    zero.See(hn::Eq(a, hn::Zero(d)));
+    hn::StoreU(RoundToInt32(hn::Mul(hn::Div(b, a), scale)), d32, to);
+  }, divisor, dividend, dst);
+  return zero.Seen();
+}
+
+// The body is exact. The tail deliberately has denominator and numerators in wrapping 32-bit integers: a
+// divisor of two parts of -32768 has the denominator -2^31 there, which turns the sign of the result.
+template <bool kBody>
+bool DivideComplex16(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len,
+                           double factor) {
+  const Full<double> d64;
+  const hn::Rebind<int32_t, decltype(d64)> d32;
+  const auto scale = hn::Set(d64, factor);
+  AnyLane<decltype(d64)> zero;
+  const auto split = [=](const Orva16sc* from, auto& re, auto& im) TZM_LAMBDA {
+    const auto both = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
+    const auto low = hn::ShiftRight<16>(hn::ShiftLeft<16>(both)), high = hn::ShiftRight<16>(both);
+    if constexpr (kBody) re = hn::PromoteTo(d64, low), im = hn::PromoteTo(d64, high);
+    else re = low, im = high;
+  };
+  const auto wide = [=](auto v) TZM_LAMBDA {
+    if constexpr (kBody) return v;
+    else return hn::PromoteTo(d64, v);
+  };
+  ForEach<hn::MaxLanes(d64)>(len, [&](const Orva16sc* divisors, const Orva16sc* dividends, Orva16sc* to) TZM_LAMBDA {
+    std::conditional_t<kBody, Vec<decltype(d64)>, Vec<decltype(d32)>> a, b, c, d;
+    split(divisors, c, d);
+    split(dividends, a, b);
+    const auto denominator = wide(hn::Add(hn::Mul(c, c), hn::Mul(d, d)));
+    zero.See(hn::Eq(denominator, hn::Zero(d64)));
+    const auto reciprocal = hn::Div(hn::Set(d64, 1.0), denominator);
+    // One division for both parts: the remainder corrects the product with the reciprocal, so that
+    // quotients that are integers or ties come out exact and all others stay on their side of them.
+    const auto part = [&](auto numerator) TZM_LAMBDA {
+      const auto quotient = hn::Mul(numerator, reciprocal);
+      const auto remainder = hn::NegMulAdd(quotient, denominator, numerator);
+      const auto rounded = RoundToInt32(hn::Mul(hn::MulAdd(remainder, reciprocal, quotient), scale));
+      return hn::Min(hn::Max(rounded, hn::Set(d32, -32768)), hn::Set(d32, 32767));
+    };
+    const auto re = part(wide(hn::Add(hn::Mul(c, a), hn::Mul(d, b))));
+    const auto im = part(wide(hn::Sub(hn::Mul(c, b), hn::Mul(d, a))));
+    const auto both = hn::Or(hn::And(re, hn::Set(d32, 0xffff)), hn::ShiftLeft<16>(im));
+    hn::StoreU(both, d32, reinterpret_cast<int32_t*>(to));
+  }, divisor, dividend, dst);
+  return zero.Seen();
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Div_32f(const Orva32f* src1, const Orva32f* src2, Orva32f* dst, int32_t len) {
+  return Divide(src1, src2, dst, len);
+}
+
+OrvaStatus ORVAS_Div_64f(const Orva64f* src1, const Orva64f* src2, Orva64f* dst, int32_t len) {
+  return Divide(src1, src2, dst, len);
+}
+
+OrvaStatus ORVAS_Div_32f_I(const Orva32f* src, Orva32f* srcDst, int32_t len) {
+  return ORVAS_Div_32f(src, srcDst, srcDst, len);
+}
+
+OrvaStatus ORVAS_Div_64f_I(const Orva64f* src, Orva64f* srcDst, int32_t len) {
+  return ORVAS_Div_64f(src, srcDst, srcDst, len);
+}
+
+OrvaStatus ORVAS_Div_32fc(const Orva32fc* src1, const Orva32fc* src2, Orva32fc* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  const size_t body = len - len % 16;
+  bool zero = DivideComplex32<true>(src1, src2, dst, body);
+  zero |= DivideComplex32<false>(src1 + body, src2 + body, dst + body, len - body);
+  return Status(zero);
+}
+
+OrvaStatus ORVAS_Div_32fc_I(const Orva32fc* src, Orva32fc* srcDst, int32_t len) {
+  return ORVAS_Div_32fc(src, srcDst, srcDst, len);
+}
+
+OrvaStatus ORVAS_Div_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  using V = Vec<Full<double>>;
+  const Full<double> real;
+  AnyLane<Full<double>> zero;
+  ForEachParts(len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {  // deliberately nothing fused
+    const V denominator = hn::Add(hn::Mul(c, c), hn::Mul(d, d));
+    zero.See(hn::Eq(denominator, hn::Zero(real)));
+    const V reciprocal = hn::Div(hn::Set(real, 1.0), denominator);
+    re = hn::Mul(hn::Add(hn::Mul(c, a), hn::Mul(d, b)), reciprocal);
+    im = hn::Mul(hn::Sub(hn::Mul(c, b), hn::Mul(d, a)), reciprocal);
+  }, src1, src2, dst);
+  return Status(zero.Seen());
+}
+
+OrvaStatus ORVAS_Div_64fc_I(const Orva64fc* src, Orva64fc* srcDst, int32_t len) {
+  return ORVAS_Div_64fc(src, srcDst, srcDst, len);
+}
+
+OrvaStatus ORVAS_Div_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len, double scale) {
+  return DivideUnsigned<48>(src1, src2, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len, double scale) {
+  return DivideUnsigned<24>(src1, src2, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  return Status(Quotients<Way{}>(src1, src2, dst, len, QuotientFactor(scale)));
+}
+
+// The tail of up to three elements deliberately divides in binary32, coarser than the body.
+OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const float factor = QuotientFactor(scale);
+  const size_t body = len - len % 4;
+  bool zero = WideQuotients(src1, src2, dst, body, factor);
+  zero |= Quotients<Way{}>(src1 + body, src2 + body, dst + body, len - body, factor);
+  return Status(zero);
+}
+
+OrvaStatus ORVAS_Div_32s16s_S(const Orva16s* src1, const Orva32s* src2, Orva16s* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  return Status(Quotients<Way{}>(src1, src2, dst, len, QuotientFactor(scale)));
+}
+
+OrvaStatus ORVAS_Div_16sc_S(const Orva16sc* src1, const Orva16sc* src2, Orva16sc* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const float factor = QuotientFactor(scale);
+  const size_t body = len - len % 8;
+  bool zero = DivideComplex16<true>(src1, src2, dst, body, factor);
+  zero |= DivideComplex16<false>(src1 + body, src2 + body, dst + body, len - body, factor);
+  return Status(zero);
+}
+
+OrvaStatus ORVAS_Div_8u_IS(const Orva8u* src, Orva8u* srcDst, int32_t len, double scale) {
+  return ORVAS_Div_8u_S(src, srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_16u_IS(const Orva16u* src, Orva16u* srcDst, int32_t len, double scale) {
+  return ORVAS_Div_16u_S(src, srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, double scale) {
+  return ORVAS_Div_16s_S(src, srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_32s_IS(const Orva32s* src, Orva32s* srcDst, int32_t len, double scale) {
+  return ORVAS_Div_32s_S(src, srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_16sc_IS(const Orva16sc* src, Orva16sc* srcDst, int32_t len, double scale) {
+  return ORVAS_Div_16sc_S(src, srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len, int32_t roundMode,
+                                double scale) {
+  return DivideRounded<32>(src1, src2, dst, len, roundMode, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len,
+                                 int32_t roundMode, double scale) {
+  return DivideRounded<16>(src1, src2, dst, len, roundMode, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len,
+                                 int32_t roundMode, double scale) {
+  return DivideRounded<8>(src1, src2, dst, len, roundMode, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_8u_IS(const Orva8u* src, Orva8u* srcDst, int32_t len, int32_t roundMode, double scale) {
+  return ORVAS_Div_Round_8u_S(src, srcDst, srcDst, len, roundMode, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_16u_IS(const Orva16u* src, Orva16u* srcDst, int32_t len, int32_t roundMode, double scale) {
+  return ORVAS_Div_Round_16u_S(src, srcDst, srcDst, len, roundMode, scale);
+}
+
+OrvaStatus ORVAS_Div_Round_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, int32_t roundMode, double scale) {
+  return ORVAS_Div_Round_16s_S(src, srcDst, srcDst, len, roundMode, scale);
+}

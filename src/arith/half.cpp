@@ -1,0 +1,98 @@
+// Conversion to and from binary16.
+#include <signal_tzm/arith.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/half.h"
+#include "frame/scale.h"
+
+using namespace tzm;
+
+namespace {
+
+constexpr uint32_t kModeToNearest = 1;  // the other mode, 0, is toward zero
+
+OrvaStatus CheckRoundMode(uint32_t roundMode) {
+  return roundMode > kModeToNearest ? ORVA_STS_ROUND_MODE_ERR : ORVA_STS_NO_ERR;
+}
+
+constexpr Full<float> kReal;
+
+template <class T>
+TZM_INLINE Vec<Full<float>> Widen(const T* from) {
+  if constexpr (std::is_same_v<T, Orva32f>) return hn::LoadU(kReal, from);
+  else return LoadAsFloat(kReal, from);
+}
+
+TZM_INLINE Vec<Full<float>> WidenHalf(const Orva16f* from) {
+  const hn::Rebind<hwy::float16_t, Full<float>> half;
+  const hn::RebindToUnsigned<decltype(half)> bits;
+  return hn::PromoteTo(kReal, hn::BitCast(half, hn::LoadU(bits, from)));
+}
+
+// Every source value is exact in binary32, so that the narrowing is the only rounding.
+template <bool kTowardZero, class T>
+void Narrow(const T* src, Orva16f* dst, size_t len) {
+  const HalfNarrowing<kTowardZero> narrowing;
+  ForEach<hn::MaxLanes(kReal), 4>(len, [&](const T* from, Orva16f* to) TZM_LAMBDA {
+    narrowing.Store(Widen(from), to);
+  }, src, dst);
+}
+
+template <class T>
+OrvaStatus ConvertToHalf(const T* src, Orva16f* dst, int32_t len, uint32_t roundMode) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckRoundMode(roundMode)) return status;
+  if (roundMode == kModeToNearest) Narrow<false>(src, dst, len);
+  else Narrow<true>(src, dst, len);
+  return ORVA_STS_NO_ERR;
+}
+
+// The factor of the scale rule rounded to binary32, made of its bits: the same in every rounding mode.
+float FactorBits(int exponent) {
+  constexpr int kBias = 127, kFraction = 23;
+  const int field = HWY_MIN(kBias - exponent, 2 * kBias + 1);  // the largest one is infinity
+  uint32_t bits = 0;
+  if (field > 0) bits = static_cast<uint32_t>(field) << kFraction;
+  else if (field > -kFraction) bits = 1u << (kFraction - 1 + field);
+  float factor;
+  std::memcpy(&factor, &bits, sizeof(factor));
+  return factor;
+}
+
+template <bool kTowardZero>
+void RoundHalf(const Orva16f* src, Orva16s* dst, size_t len, float factor) {
+  ForEach<hn::MaxLanes(kReal), 4>(len, [&](const Orva16f* from, Orva16s* to) TZM_LAMBDA {
+    const auto y = hn::Mul(hn::Set(kReal, factor), WidenHalf(from));
+    // Integers go into the conversion, so that the caller's rounding mode does not matter there.
+    StoreSaturated(RoundToInt(kTowardZero ? hn::Trunc(y) : hn::Round(y)), to);
+  }, src, dst);
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Convert_16s16f(const Orva16s* src, Orva16f* dst, int32_t len, uint32_t roundMode) {
+  return ConvertToHalf(src, dst, len, roundMode);
+}
+
+OrvaStatus ORVAS_Convert_32f16f(const Orva32f* src, Orva16f* dst, int32_t len, uint32_t roundMode) {
+  return ConvertToHalf(src, dst, len, roundMode);
+}
+
+OrvaStatus ORVAS_Convert_16f32f(const Orva16f* src, Orva32f* dst, int32_t len) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  ForEach<hn::MaxLanes(kReal), 4>(len, [](const Orva16f* from, Orva32f* to) TZM_LAMBDA {
+    hn::StoreU(WidenHalf(from), kReal, to);
+  }, src, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_Convert_16f16s_S(const Orva16f* src, Orva16s* dst, int32_t len, uint32_t roundMode, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckRoundMode(roundMode)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const float factor = FactorBits(ScaleExponent(scale));
+  if (roundMode == kModeToNearest) RoundHalf<false>(src, dst, len, factor);
+  else RoundHalf<true>(src, dst, len, factor);
+  return ORVA_STS_NO_ERR;
+}
