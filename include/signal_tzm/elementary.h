@@ -78,6 +78,20 @@ TZM_API OrvaStatus ORVAS_Pow_64f(const Orva64f* src1, const Orva64f* src2, Orva6
 
 /* ---- Magnitude, phase and power spectrum ---- */
 
+/** @name Power spectrum
+ * dst[i] = re[i]^2 + im[i]^2 of `len` complex samples, given as two arrays of parts or as one complex array.
+ * 32f: re^2 + im^2 with one rounding on top of the product im^2; 64f, 32fc and 64fc: two rounded products and
+ * a rounded sum, deliberately, so 32f and 32fc may differ in the last bit. 16s32f, 16sc32f: the exact sum
+ * rounded to binary32.
+ * Status: 1 null pointer; 2 `len < 1`. `dst` may be a source array. @{ */
+TZM_API OrvaStatus ORVAS_PowerSpectr_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_PowerSpectr_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_PowerSpectr_32fc(const Orva32fc* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_PowerSpectr_64fc(const Orva64fc* src, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_PowerSpectr_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_PowerSpectr_16sc32f(const Orva16sc* src, Orva32f* dst, int32_t len);
+/** @} */
+
 /* ---- Polar forms ---- */
 
 /* ---- Scaled integer exponentials and logarithms ---- */

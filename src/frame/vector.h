@@ -188,6 +188,23 @@ TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
 #endif
   hn::LoadInterleaved2(d, from, re, im);
 }
+// The order of memory for what was computed from the parts.
+template <class V>
+TZM_INLINE V PartsInOrder(V v) {
+#if HWY_ARCH_X86
+  if constexpr (sizeof(hn::TFromV<V>) >= 4) {
+#if HWY_TARGET <= HWY_AVX3
+    const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+    const __m512i evenFirst = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
+    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{_mm512_permutexvar_epi64(evenFirst, hn::BitCast(d64, v).raw)});
+#else
+    const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{_mm256_permute4x64_epi64(hn::BitCast(d64, v).raw, 0xd8)});
+#endif
+  }
+#endif
+  return v;
+}
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
 #if HWY_ARCH_X86

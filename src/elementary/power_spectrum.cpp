@@ -1,0 +1,66 @@
+// Power spectrum: re^2 + im^2 of complex samples, given as two arrays of parts or as one interleaved array.
+#include <signal_tzm/elementary.h>
+
+#include "frame/call.h"
+#include "frame/complex_source.h"
+#include "frame/drive.h"
+#include "frame/vector.h"
+
+using namespace tzm;
+
+namespace {
+
+enum class Sum { kFused, kRounded };
+
+// kFused: one rounding for re*re and the sum. kRounded: each product and the sum rounded.
+template <Sum kSum, class T, class... Source>
+OrvaStatus PowerSpectrum(T* dst, int32_t len, const Source*... src) {
+  if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
+  const Full<T> d;
+  ForEach<hn::MaxLanes(d)>(len, [&](T* to, const Source*... from) TZM_LAMBDA {
+    const auto z = LoadSplit(d, from...);
+    const auto im2 = hn::Mul(z.im, z.im);
+    const auto sum = kSum == Sum::kFused ? hn::MulAdd(z.re, z.re, im2) : hn::Add(hn::Mul(z.re, z.re), im2);
+    hn::StoreU(InOrder<sizeof...(Source)>(sum), d, to);
+  }, dst, src...);
+  return ORVA_STS_NO_ERR;
+}
+
+// The exact sum, rounded once to binary32.
+template <class... Source>
+OrvaStatus IntegerPowerSpectrum(Orva32f* dst, int32_t len, const Source*... src) {
+  if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
+  const Full<float> d;
+  ForEach<2 * hn::MaxLanes(d)>(len, [&](Orva32f* to, const Source*... from) TZM_LAMBDA {
+    const SquareSums sums = LoadSquareSums(from...);
+    hn::StoreU(SquareSumToFloat(sums.low), d, to);
+    hn::StoreU(SquareSumToFloat(sums.high), d, to + hn::Lanes(d));
+  }, dst, src...);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_PowerSpectr_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len) {
+  return PowerSpectrum<Sum::kFused>(dst, len, srcRe, srcIm);
+}
+
+OrvaStatus ORVAS_PowerSpectr_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len) {
+  return PowerSpectrum<Sum::kRounded>(dst, len, srcRe, srcIm);
+}
+
+OrvaStatus ORVAS_PowerSpectr_32fc(const Orva32fc* src, Orva32f* dst, int32_t len) {
+  return PowerSpectrum<Sum::kRounded>(dst, len, src);
+}
+
+OrvaStatus ORVAS_PowerSpectr_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) {
+  return PowerSpectrum<Sum::kRounded>(dst, len, src);
+}
+
+OrvaStatus ORVAS_PowerSpectr_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len) {
+  return IntegerPowerSpectrum(dst, len, srcRe, srcIm);
+}
+
+OrvaStatus ORVAS_PowerSpectr_16sc32f(const Orva16sc* src, Orva32f* dst, int32_t len) {
+  return IntegerPowerSpectrum(dst, len, src);
+}
