@@ -1,28 +1,43 @@
-// The reciprocal estimate of AArch64's vector unit and the step that refines it, with the same bits on
-// every machine: some results are defined by these instructions.
+// The reciprocal and reciprocal square root estimates of AArch64's vector unit and the steps that refine
+// them, with the same bits on every machine: some results are defined by these instructions.
 #pragma once
 
 #include "frame/vector.h"
 
+#include <array>
+
 namespace tzm {
 
-// 1/x of binary32 lanes to eight bits of fraction: the reciprocal of the middle of the interval of x that
-// share their eight leading bits of fraction. Infinite for zero and below 2^-128 in magnitude.
+#if HWY_ARCH_ARM_A64
+namespace neon {
+TZM_INLINE float32x4_t Recpe(float32x4_t x) { return vrecpeq_f32(x); }
+TZM_INLINE float64x2_t Recpe(float64x2_t x) { return vrecpeq_f64(x); }
+TZM_INLINE float32x4_t Recps(float32x4_t a, float32x4_t b) { return vrecpsq_f32(a, b); }
+TZM_INLINE float64x2_t Recps(float64x2_t a, float64x2_t b) { return vrecpsq_f64(a, b); }
+}  // namespace neon
+#endif
+
+// 1/x to eight bits of fraction: the reciprocal of the middle of the interval of x that share their eight
+// leading bits of fraction. Infinite for zero and below the reciprocal of the largest power of two.
 template <class V>
 TZM_INLINE V ReciprocalEstimate(V x) {
 #if HWY_ARCH_ARM_A64
-  return V(vrecpeq_f32(x.raw));
+  return V(neon::Recpe(x.raw));
 #else
+  using T = hn::TFromV<V>;
   const hn::DFromV<V> d;
   const hn::RebindToUnsigned<decltype(d)> bits;
+  using Bits = hn::TFromD<decltype(bits)>;
+  constexpr int kDropped = (sizeof(T) == 4 ? 23 : 52) - 8;
+  const auto kept = hn::Set(bits, static_cast<Bits>(~Bits{0} << kDropped));
+  const auto half = hn::Set(bits, static_cast<Bits>(Bits{1} << (kDropped - 1)));
   // An exact factor to both x and the result keeps what is between away from subnormal numbers.
-  const auto factor = hn::IfThenElse(hn::Lt(hn::Abs(x), hn::Set(d, 1.0f)), hn::Set(d, 4.0f), hn::Set(d, 0.25f));
-  const auto leading = hn::And(hn::BitCast(bits, hn::Mul(x, factor)), hn::Set(bits, 0xffff8000));
-  const auto middle = hn::BitCast(d, hn::Or(leading, hn::Set(bits, 0x4000)));
+  const auto factor = hn::IfThenElse(hn::Lt(hn::Abs(x), hn::Set(d, T{1})), hn::Set(d, T{4}), hn::Set(d, T{0.25}));
+  const auto middle = hn::BitCast(d, hn::Or(hn::And(hn::BitCast(bits, hn::Mul(x, factor)), kept), half));
   const auto finite = hn::IsFinite(x);
-  const auto quotient = hn::Div(hn::Set(d, 1.0f), hn::IfThenElse(finite, middle, x));
+  const auto quotient = hn::Div(hn::Set(d, T{1}), hn::IfThenElse(finite, middle, x));
   // To nearest; a tie cannot be, since the odd denominator does not divide a power of two.
-  const auto rounded = hn::And(hn::Add(hn::BitCast(bits, quotient), hn::Set(bits, 0x4000)), hn::Set(bits, 0xffff8000));
+  const auto rounded = hn::And(hn::Add(hn::BitCast(bits, quotient), half), kept);
   return hn::IfThenElse(finite, hn::Mul(hn::BitCast(d, rounded), factor), quotient);
 #endif
 }
@@ -31,13 +46,55 @@ TZM_INLINE V ReciprocalEstimate(V x) {
 template <class V>
 TZM_INLINE V ReciprocalStep(V a, V b) {
 #if HWY_ARCH_ARM_A64
-  return V(vrecpsq_f32(a.raw, b.raw));
+  return V(neon::Recps(a.raw, b.raw));
 #else
   const hn::DFromV<V> d;
-  const auto two = hn::Set(d, 2.0f);
+  const auto two = hn::Set(d, hn::TFromV<V>{2});
   const auto step = hn::NegMulAdd(a, b, two);
   const auto zeroByInfinity = hn::AndNot(hn::Or(hn::IsNaN(a), hn::IsNaN(b)), hn::IsNaN(step));
   return hn::IfThenElse(zeroByInfinity, two, step);
+#endif
+}
+
+// The eight bits of fraction of the reciprocal square root of a number in [1, 4), by the lowest bit of its
+// biased exponent (1 below 2) and its leading fraction bits: eight from 2 on, seven below. It is the
+// rounded root of the middle of the interval that shares them.
+inline constexpr auto kRootFractions = [] {
+  std::array<int32_t, 512> table{};
+  for (int index = 0; index < 512; ++index) {
+    const bool odd = index >= 256;
+    // In units of 1/512 of [1/4, 1), the middle of the interval.
+    const int64_t a = odd ? 2 * (128 + (index - 256) / 2) + 1 : 2 * (256 + index / 2 * 2 + 1);
+    int64_t b = 512;
+    while (a * (b + 1) * (b + 1) < int64_t{1} << 28) ++b;
+    table[static_cast<size_t>(index)] = static_cast<int32_t>((b + 1) / 2 & 0xff);
+  }
+  return table;
+}();
+
+// 1/sqrt(x) of binary32 lanes to eight bits of fraction, for normal positive x.
+template <class V>
+TZM_INLINE V ReciprocalRootEstimate(V x) {
+#if HWY_ARCH_ARM_A64
+  return V(vrsqrteq_f32(x.raw));
+#else
+  const hn::DFromV<V> d;
+  const hn::RebindToSigned<decltype(d)> bits;
+  const auto index = hn::And(hn::ShiftRight<15>(hn::BitCast(bits, x)), hn::Set(bits, 0x1ff));
+  const auto fraction = hn::GatherIndex(bits, kRootFractions.data(), index);
+  const auto exponent = hn::ShiftRight<1>(hn::Sub(hn::Set(bits, 380), hn::ShiftRight<23>(hn::BitCast(bits, x))));
+  return hn::BitCast(d, hn::Or(hn::ShiftLeft<23>(exponent), hn::ShiftLeft<15>(fraction)));
+#endif
+}
+
+// (3 - a*b) / 2 with one rounding, the factor of a Newton step towards 1/sqrt(x) for a = x*e and b = e.
+template <class V>
+TZM_INLINE V ReciprocalRootStep(V a, V b) {
+#if HWY_ARCH_ARM_A64
+  return V(vrsqrtsq_f32(a.raw, b.raw));
+#else
+  const hn::DFromV<V> d;
+  return hn::Mul(hn::NegMulAdd(a, b, hn::Set(d, 3.0f)), hn::Set(d, 0.5f));
 #endif
 }
 

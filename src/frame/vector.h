@@ -80,6 +80,28 @@ TZM_INLINE V MaxOrSecond(V a, V b) {
 #endif
 }
 
+// AArch64's own: NaN where either operand is NaN, and -0 below +0.
+template <class V>
+TZM_INLINE V MinOrNaN(V a, V b) {
+#if HWY_ARCH_X86
+  const auto least = hn::IfThenElse(hn::Eq(a, b), hn::Or(a, b), hn::Min(a, b));
+  return hn::IfThenElse(hn::Or(hn::IsNaN(a), hn::IsNaN(b)), hn::Add(a, b), least);
+#else
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V(vminq_f32(a.raw, b.raw));
+  else return V(vminq_f64(a.raw, b.raw));
+#endif
+}
+template <class V>
+TZM_INLINE V MaxOrNaN(V a, V b) {
+#if HWY_ARCH_X86
+  const auto most = hn::IfThenElse(hn::Eq(a, b), hn::And(a, b), hn::Max(a, b));
+  return hn::IfThenElse(hn::Or(hn::IsNaN(a), hn::IsNaN(b)), hn::Add(a, b), most);
+#else
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V(vmaxq_f32(a.raw, b.raw));
+  else return V(vmaxq_f64(a.raw, b.raw));
+#endif
+}
+
 // ---- Floating to integer ----
 // To nearest, ties to even; beyond the range the nearest end; NaN to 0. AArch64's conversion does all
 // of that by itself, x86's gives the least integer for whatever it cannot represent.
@@ -173,7 +195,7 @@ TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
     re = hn::InterleaveLower(d, first, second);
     im = hn::InterleaveUpper(d, first, second);
     return;
-  } else if constexpr (sizeof(T) == 4) {
+  } else if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) == hn::MaxLanes(Full<T>())) {
     const hn::RebindToFloat<D> df;
     const auto first = hn::BitCast(df, hn::LoadU(d, from)), second = hn::BitCast(df, hn::LoadU(d, from + hn::Lanes(d)));
 #if HWY_TARGET <= HWY_AVX3

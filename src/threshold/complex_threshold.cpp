@@ -1,0 +1,227 @@
+// Thresholds of complex samples: magnitudes are compared with a real level, and an element is scaled along
+// its own direction or replaced.
+#include <signal_tzm/threshold.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/estimate.h"
+
+#include <cmath>
+
+using namespace tzm;
+
+namespace {
+
+constexpr int32_t kLess = 0, kGreater = 4;
+
+OrvaStatus Check(const Orva32fc* src, const Orva32fc* dst, int32_t len, Orva32f level) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  return level < 0 ? ORVA_STS_THRESH_NEG_ERR : ORVA_STS_NO_ERR;
+}
+
+// rule(d, re, im) replaces the parts of one register's worth of elements, in the machine's order.
+template <class D, class Rule>
+void Apply(D d, const Orva32fc* src, Orva32fc* dst, size_t len, Rule&& rule) {
+  ForEach<hn::MaxLanes(d)>(len, [&](const Orva32fc* x, Orva32fc* out) TZM_LAMBDA {
+    Vec<D> re, im;
+    LoadParts(d, Parts(x), re, im);
+    rule(d, re, im);
+    StoreParts(re, im, d, Parts(out));
+  }, src, dst);
+}
+
+// Where a squared magnitude is a subnormal number its exact root stands for the estimated one.
+template <class D>
+TZM_INLINE Vec<D> ExactIfSubnormal(D d, Vec<D> square, Vec<D> magnitude) {
+  const hn::RebindToSigned<D> bits;
+  const auto subnormal = hn::And(hn::Gt(hn::BitCast(bits, square), hn::Zero(bits)),
+                                 hn::Lt(hn::BitCast(bits, square), hn::Set(bits, 0x00800000)));
+  return hn::IfThenElse(hn::RebindMask(d, subnormal), hn::Sqrt(square), magnitude);
+}
+
+// One part times the level and a factor or its divisor, in binary64.
+template <class D, class Turn>
+TZM_INLINE Vec<D> Rescaled(D d, Vec<D> part, Vec<D> magnitude, Turn turn) {
+  const hn::Half<D> half;
+  const hn::RepartitionToWide<D> wide;
+  const auto low = turn(hn::PromoteTo(wide, hn::LowerHalf(half, part)),
+                        hn::PromoteTo(wide, hn::LowerHalf(half, magnitude)));
+  const auto high = turn(hn::PromoteTo(wide, hn::UpperHalf(half, part)),
+                         hn::PromoteTo(wide, hn::UpperHalf(half, magnitude)));
+  return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+}
+
+// Elements whose magnitude is caught(magnitude, level) are brought to the level. The body (pairs of
+// elements) takes the magnitude and its reciprocal from the vector unit's estimates, each refined by two
+// steps; the tail divides. A zero element has a NaN magnitude and is never scaled.
+template <class Caught>
+OrvaStatus Limit(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, Caught caught) {
+  if (OrvaStatus status = Check(src, dst, len, level)) return status;
+  const Full<float> dAll;
+  const hn::RepartitionToWide<decltype(dAll)> wide;
+  const auto limit = hn::Set(dAll, level);
+  const auto wideLimit = hn::Set(wide, static_cast<double>(level));
+  const auto apply = [&](auto d, auto& re, auto& im, auto magnitude, auto turn) TZM_LAMBDA {
+    const auto mask = caught(magnitude, limit);
+    if (hn::AllFalse(d, mask)) return;
+    re = hn::IfThenElse(mask, Rescaled(d, re, magnitude, turn), re);
+    im = hn::IfThenElse(mask, Rescaled(d, im, magnitude, turn), im);
+  };
+  const size_t body = len - len % 2;
+  Apply(dAll, src, dst, body, [&](auto d, auto& re, auto& im) TZM_LAMBDA {
+    const auto square = hn::MulAdd(im, im, hn::Mul(re, re));
+    auto root = ReciprocalRootEstimate(square);
+    for (int step = 0; step < 2; ++step) root = hn::Mul(root, ReciprocalRootStep(hn::Mul(square, root), root));
+    // The machine's estimate is not defined here for what is neither normal nor subnormal.
+    const auto normal = hn::And(hn::Gt(square, hn::Zero(d)), hn::IsFinite(square));
+    const auto magnitude = hn::IfThenElse(normal, hn::Mul(root, square), hn::NaN(d));
+    apply(d, re, im, ExactIfSubnormal(d, square, magnitude), [&](auto part, auto mag) TZM_LAMBDA {
+      auto reciprocal = ReciprocalEstimate(mag);
+      for (int step = 0; step < 2; ++step) reciprocal = hn::Mul(reciprocal, ReciprocalStep(mag, reciprocal));
+      return hn::Mul(hn::Mul(part, wideLimit), reciprocal);
+    });
+  });
+  Apply(dAll, src + body, dst + body, len - body, [&](auto d, auto& re, auto& im) TZM_LAMBDA {
+    const auto square = hn::MulAdd(re, re, hn::Mul(im, im));
+    const auto magnitude = hn::Mul(hn::Div(hn::Set(d, 1.0f), hn::Sqrt(square)), square);
+    apply(d, re, im, ExactIfSubnormal(d, square, magnitude), [&](auto part, auto mag) TZM_LAMBDA {
+      return hn::Div(hn::Mul(part, wideLimit), mag);
+    });
+  });
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus Lt(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  return Limit(src, dst, len, level, [](auto magnitude, auto limit) TZM_LAMBDA { return hn::Lt(magnitude, limit); });
+}
+
+OrvaStatus Gt(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  return Limit(src, dst, len, level, [](auto magnitude, auto limit) TZM_LAMBDA { return hn::Gt(magnitude, limit); });
+}
+
+OrvaStatus ByRelation(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, int32_t relOp) {
+  if (relOp == kLess) return Lt(src, dst, len, level);
+  if (relOp == kGreater) return Gt(src, dst, len, level);
+  return ORVA_STS_BAD_ARG_ERR;
+}
+
+// Squares are compared, no root is taken.
+template <class Caught>
+OrvaStatus Replace(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, Orva32fc value, Caught caught) {
+  if (OrvaStatus status = Check(src, dst, len, level)) return status;
+  const Full<float> dAll;
+  const auto limit = hn::Set(dAll, level * level), withRe = hn::Set(dAll, value.re), withIm = hn::Set(dAll, value.im);
+  Apply(dAll, src, dst, len, [&](auto, auto& re, auto& im) TZM_LAMBDA {
+    const auto mask = caught(hn::MulAdd(re, re, hn::Mul(im, im)), limit);
+    re = hn::IfThenElse(mask, withRe, re);
+    im = hn::IfThenElse(mask, withIm, im);
+  });
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus LtVal(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, Orva32fc value) {
+  return Replace(src, dst, len, level, value, [](auto square, auto limit) TZM_LAMBDA { return hn::Lt(square, limit); });
+}
+
+OrvaStatus GtVal(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, Orva32fc value) {
+  return Replace(src, dst, len, level, value, [](auto square, auto limit) TZM_LAMBDA { return hn::Gt(square, limit); });
+}
+
+// The reciprocal, limited in magnitude to 1/level. In the body (steps of 4) `parts` are multiplied by
+// reciprocals, in the tail divided. A NaN magnitude gives NaN by way of the plain reciprocal.
+OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  if (OrvaStatus status = Check(src, dst, len, level)) return status;
+  const hn::FixedTag<float, 4> dStep;
+  using V = Vec<decltype(dStep)>;
+  const V limit = hn::Set(dStep, level), one = hn::Set(dStep, 1.0f), zero = hn::Zero(dStep);
+  const bool limited = level > 0;
+  const size_t body = len - len % 4;
+  V met = zero;  // lanes where the body or the tail met a zero, at level 0
+
+  // `plain` and `scaled` give one part (of the conjugate) over the square, and at the limit.
+  const auto rule = [&](V& re, V& im, V magnitude, auto plain, auto scaled) TZM_LAMBDA {
+    const auto isZero = hn::Eq(magnitude, zero);
+    const V conjugate = hn::Neg(im);
+    const V plainRe = plain(re), plainIm = plain(conjugate);
+    if (limited) {
+      const auto small = hn::Lt(magnitude, limit);
+      const V zeroRe = hn::CopySign(hn::Div(one, limit), re), zeroIm = hn::Div(conjugate, limit);
+      re = hn::IfThenElse(isZero, zeroRe, hn::IfThenElse(small, scaled(re), plainRe));
+      im = hn::IfThenElse(isZero, zeroIm, hn::IfThenElse(small, scaled(conjugate), plainIm));
+    } else {
+      const V zeroRe = hn::CopySign(hn::Inf(dStep), re), zeroIm = hn::Mul(im, hn::Set(dStep, -0.5f));
+      re = hn::IfThenElse(isZero, zeroRe, plainRe);
+      im = hn::IfThenElse(isZero, zeroIm, plainIm);
+    }
+  };
+  Apply(dStep, src, dst, body, [&](auto d, V& re, V& im) TZM_LAMBDA {
+    const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
+    // Deliberately coarse: a zero real part and a zero imaginary part anywhere in one step raise the
+    // status, an element whose square underflows does not.
+    const auto zeroRe = hn::Eq(re, zero), zeroIm = hn::Eq(im, zero);
+    if (!limited && !hn::AllFalse(d, zeroRe) && !hn::AllFalse(d, zeroIm)) met = one;
+    const V reciprocal = hn::Div(one, square), mostReciprocal = hn::Div(one, limit);
+    rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Mul(part, reciprocal); },
+         [&](V part) TZM_LAMBDA { return hn::Mul(hn::Mul(magnitude, hn::Mul(part, reciprocal)), mostReciprocal); });
+  });
+  Apply(dStep, src + body, dst + body, len - body, [&](auto d, V& re, V& im) TZM_LAMBDA {
+    const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
+    if (!limited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = one;
+    const V ratio = hn::Div(magnitude, square);
+    rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Div(part, square); },
+         [&](V part) TZM_LAMBDA { return hn::Div(hn::Mul(ratio, part), limit); });
+  });
+  return hn::GetLane(met) == 0 ? ORVA_STS_NO_ERR : ORVA_STS_INV_ZERO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Threshold_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, int32_t relOp) {
+  return ByRelation(src, dst, len, level, relOp);
+}
+
+OrvaStatus ORVAS_Threshold_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level, int32_t relOp) {
+  return ByRelation(srcDst, srcDst, len, level, relOp);
+}
+
+OrvaStatus ORVAS_Threshold_LT_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  return Lt(src, dst, len, level);
+}
+
+OrvaStatus ORVAS_Threshold_LT_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level) {
+  return Lt(srcDst, srcDst, len, level);
+}
+
+OrvaStatus ORVAS_Threshold_GT_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  return Gt(src, dst, len, level);
+}
+
+OrvaStatus ORVAS_Threshold_GT_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level) {
+  return Gt(srcDst, srcDst, len, level);
+}
+
+OrvaStatus ORVAS_Threshold_LTVal_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
+                                      Orva32fc value) {
+  return LtVal(src, dst, len, level, value);
+}
+
+OrvaStatus ORVAS_Threshold_LTVal_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level, Orva32fc value) {
+  return LtVal(srcDst, srcDst, len, level, value);
+}
+
+OrvaStatus ORVAS_Threshold_GTVal_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
+                                      Orva32fc value) {
+  return GtVal(src, dst, len, level, value);
+}
+
+OrvaStatus ORVAS_Threshold_GTVal_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level, Orva32fc value) {
+  return GtVal(srcDst, srcDst, len, level, value);
+}
+
+OrvaStatus ORVAS_Threshold_LTInv_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  return LtInv(src, dst, len, level);
+}
+
+OrvaStatus ORVAS_Threshold_LTInv_32fc_I(Orva32fc* srcDst, int32_t len, Orva32f level) {
+  return LtInv(srcDst, srcDst, len, level);
+}
