@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "exact.h"
-#include "guarded.h"
+#include "support/exact.h"
+#include "support/guarded.h"
 
 namespace tzm_test {
 namespace {
