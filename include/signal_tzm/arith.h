@@ -222,7 +222,84 @@ TZM_API OrvaStatus ORVAS_DivCRev_16u_I(Orva16u value, Orva16u* srcDst, int32_t l
 
 /* ---- Squares ---- */
 
+/** @name Squares
+ * dst[i] = src[i] * src[i], `len` elements each.
+ *
+ * - 32f, 64f: IEEE products. 32fc, 64fc: re = fma(a, a, -(b*b)), im = b*a + b*a, the product rounded once.
+ * - Scaled: the exact square times 2^-s, where s is log2(scale) truncated toward zero, rounded to nearest
+ *   with ties to even, saturated; 16sc_S as Mul_16sc_S of the array and itself.
+ *
+ * Body and tail give the same values. `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 20
+ * scale not positive and finite (scaled members). Saturation, overflow and NaN are not reported. @{ */
+TZM_API OrvaStatus ORVAS_Sqr_32f(const Orva32f* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_64f(const Orva64f* src, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_8u_S(const Orva8u* src, Orva8u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16u_S(const Orva16u* src, Orva16u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_32f_I(Orva32f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_64f_I(Orva64f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_32fc_I(Orva32fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_64fc_I(Orva64fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqr_8u_IS(Orva8u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16u_IS(Orva16u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16s_IS(Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqr_16sc_IS(Orva16sc* srcDst, int32_t len, double scale);
+/** @} */
+
 /* ---- Square and cube roots ---- */
+
+/** @name Square roots
+ * The square root of each of `len` elements; f = 2^-s, where s is log2(scale) truncated toward zero. Integer
+ * results are rounded to nearest with ties to even and saturated; NaN, and so the root of a negative
+ * element, gives 0.
+ *
+ * | Member | Value | Status 305 |
+ * |---|---|---|
+ * | 32f | by the vector math companion | a negative among elements 4 to 7 of a whole block of 8, or behind the whole blocks. Elements 0 to 3 of a block are deliberately not looked at |
+ * | 64f | the same | any negative element |
+ * | 32fc | m = sqrt(b*b + a*a); re = sqrt(abs((m + a) * 0.5)), im = sqrt(abs((m - a) * 0.5)) with the sign bit of b; every operation rounded | never |
+ * | 64fc | x = a/2, y = b/2, t = sqrt(abs(x) + sqrt(x*x + y*y)), q = (1/t) * y; re = t if x >= 0, else abs(q); im = q if x > 0, else -t if y < 0, else t; every operation rounded | never |
+ * | 8u_S, 16u_S | sqrt(x) in binary32, times f in binary32 | never |
+ * | 16s_S | sqrt(x) * f in binary64 | any negative element |
+ * | 32s16s_S | up to the last multiple of 4 elements the root of binary32(x) in binary32, behind it the root in binary64 rounded to binary32: the tail is deliberately finer. Times f in binary32 | any negative element |
+ * | 16sc_S | as 32fc, in binary64, times f; the sign of a zero b is + | never |
+ *
+ * `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite (scaled
+ * members); 305 is a warning: every element is written. @{ */
+TZM_API OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_8u_S(const Orva8u* src, Orva8u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16u_S(const Orva16u* src, Orva16u* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_32f_I(Orva32f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_64f_I(Orva64f* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_32fc_I(Orva32fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_64fc_I(Orva64fc* srcDst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sqrt_8u_IS(Orva8u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16u_IS(Orva16u* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16s_IS(Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Sqrt_16sc_IS(Orva16sc* srcDst, int32_t len, double scale);
+/** @} */
+
+/** @name Cube roots
+ * The cube root of each of `len` elements, with the sign of the element.
+ *
+ * - 32f: within 1 ulp. Zeros, infinities and NaN pass through. The last len % 4 elements go through the
+ *   system's cbrtf.
+ * - 32s16s_S: the root in binary64 times 2^-s, where s is log2(scale) truncated toward zero, rounded to
+ *   nearest with ties to even, saturated. The last len % 4 elements go through the system's cbrt.
+ *
+ * Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite (32s16s_S). @{ */
+TZM_API OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale);
+/** @} */
 
 /* ---- Half-precision conversion ---- */
 

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <type_traits>
 
-#include "exact.h"
-#include "guarded.h"
+#include "support/exact.h"
+#include "support/guarded.h"
 
 namespace tzm_test {
 namespace {
