@@ -7,9 +7,6 @@
 #include "frame/scale.h"
 #include "frame/vector.h"
 
-TZM_API OrvaStatus ORVAS_MulC_32fc(const Orva32fc* src, Orva32fc value, Orva32fc* dst, int32_t len);
-TZM_API OrvaStatus ORVAS_MulC_64fc(const Orva64fc* src, Orva64fc value, Orva64fc* dst, int32_t len);
-
 using namespace tzm;
 
 namespace {

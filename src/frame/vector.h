@@ -180,6 +180,9 @@ TZM_INLINE Vec<D> LoadAsFloat(D d, const T* from) {
 template <class V, class T>
 TZM_INLINE void StoreSaturated(V v, T* to) {
   const hn::Rebind<T, hn::DFromV<V>> dn;
+#if HWY_ARCH_X86  // Highway's narrowing to 8 bits does not saturate what has more than 15
+  if constexpr (sizeof(T) == 1) v = hn::Min(v, hn::Set(hn::DFromV<V>(), std::numeric_limits<T>::max()));
+#endif
   if constexpr (sizeof(T) == 4) hn::StoreU(v, dn, to);
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
