@@ -1,0 +1,503 @@
+// Single-rate FIR filter: y[n] = sum over i of h[i] * x[n-i], directly or by fast convolution.
+#include <signal_tzm/arith.h>
+#include <signal_tzm/fir.h>
+#include <signal_tzm/reduce.h>
+
+#include "fir/samples.h"
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/fft.h"
+#include "frame/scale.h"
+
+#include <algorithm>
+#include <bit>
+
+using namespace tzm;
+
+// One block: the record, the taps in reversed order, on the FFT route the spectrum. A second one: work.
+struct FIRSRState {
+  int32_t tapsLen;
+  int32_t fftLen;
+  int32_t route;
+  void* taps;
+  void* spectrum;
+  Orva8u* work;
+  void* forwardPlan;
+  void* inversePlan;
+};
+
+namespace {
+
+enum Kind : int32_t { kAutomatic, kDirect, kFft };
+
+constexpr int32_t kMostTaps = 0x1fffffff;
+
+// Outputs of the direct route that are computed together; the rest of a call is its tail.
+template <class Sample>
+constexpr int32_t kBlock = sizeof(PartOf<Sample>) == 8 ? 8 : 16;
+
+// ---- Direct route: blocks ----
+
+// Calls run(at, integral_constant) for as many vectors at once as still fit, until `len` lanes are done;
+// `len` is a multiple of kLeast vectors.
+template <size_t kVectors, size_t kLeast, class Run>
+TZM_INLINE void ForLanes(size_t at, size_t len, size_t lanes, Run&& run) {
+  for (; len - at >= kVectors * lanes; at += kVectors * lanes) run(at, std::integral_constant<size_t, kVectors>());
+  if constexpr (kVectors > kLeast) ForLanes<kVectors / 2, kLeast>(at, len, lanes, run);
+}
+
+// Chains that fill the pipelines of two fused units, and leave registers for what is loaded.
+template <class T>
+constexpr size_t kChains = HWY_MAX(size_t{8}, 256 / (hn::MaxLanes(Full<T>()) * sizeof(T)));
+
+// sum over j of taps[j] * x[n + j*kStride], n = 0 to len-1, a chain a lane; store(d, n, sums). A stride of
+// 2 filters both parts of complex samples by real taps.
+template <size_t kStride, class T, class Store>
+void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store store) {
+  const Full<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d), kLag = kLanes / kStride;
+  constexpr size_t kLeast = HWY_MAX(size_t{1}, kStride * kBlock<T> / kLanes);
+  ForLanes<kChains<T>, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+    constexpr size_t kVectors = vectors;
+    const T* const from = x + n;
+    Vec<decltype(d)> sum[kVectors];
+    for (size_t v = 0; v < kVectors; ++v) sum[v] = hn::Zero(d);
+    const auto step = [&](size_t v, size_t j) TZM_LAMBDA {
+      sum[v] = hn::MulAdd(hn::Set(d, taps[j]), hn::LoadU(d, from + v * kLanes + j * kStride), sum[v]);
+    };
+    if (kVectors >= 4 && tapsLen >= 4 * kLag) {
+      // Loads are the limit, half of them cross a cache line: let every other vector lag so many taps
+      // behind its neighbour that both want the same samples.
+      for (size_t j = 0; j < kLag; ++j)
+        for (size_t v = 0; v < kVectors; v += 2) step(v, j);
+      for (size_t j = kLag; j < tapsLen; ++j) {
+        const auto ahead = hn::Set(d, taps[j]), behind = hn::Set(d, taps[j - kLag]);
+        for (size_t v = 0; v + 1 < kVectors; v += 2) {
+          const auto samples = hn::LoadU(d, from + v * kLanes + j * kStride);
+          sum[v] = hn::MulAdd(ahead, samples, sum[v]);
+          sum[v + 1] = hn::MulAdd(behind, samples, sum[v + 1]);
+        }
+      }
+      for (size_t j = tapsLen - kLag; j < tapsLen; ++j)
+        for (size_t v = 1; v < kVectors; v += 2) step(v, j);
+    } else {
+      for (size_t j = 0; j < tapsLen; ++j)
+        for (size_t v = 0; v < kVectors; ++v) step(v, j);
+    }
+    for (size_t v = 0; v < kVectors; ++v) store(d, n + v * kLanes, sum[v]);
+  });
+}
+
+// The same with complex taps, the parts of the samples in arrays of their own; store(d, n, re, im).
+template <class Complex, class T, class Store>
+void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
+  const Full<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  ForLanes<kChains<T> / 2, HWY_MAX(size_t{1}, kBlock<T> / kLanes)>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+    constexpr size_t kVectors = vectors;
+    Vec<decltype(d)> re[kVectors], im[kVectors];
+    for (size_t v = 0; v < kVectors; ++v) re[v] = im[v] = hn::Zero(d);
+    for (size_t j = 0; j < tapsLen; ++j) {
+      const auto tr = hn::Set(d, taps[j].re), ti = hn::Set(d, taps[j].im);
+      for (size_t v = 0; v < kVectors; ++v) {
+        const auto r = hn::LoadU(d, xr + n + v * kLanes + j), i = hn::LoadU(d, xi + n + v * kLanes + j);
+        re[v] = hn::NegMulAdd(ti, i, hn::MulAdd(tr, r, re[v]));
+        im[v] = hn::MulAdd(ti, r, hn::MulAdd(tr, i, im[v]));
+      }
+    }
+    for (size_t v = 0; v < kVectors; ++v) store(d, n + v * kLanes, re[v], im[v]);
+  });
+}
+
+// ---- Direct route: tail ----
+
+// Which NaN AArch64 makes of a*b + c: the addend before the factors, and a positive one where the
+// operation itself has no result. Signalling NaN go first.
+float NanOfFma(float a, float b, float c) {
+  const auto signalling = [](float v) { return v != v && !(std::bit_cast<uint32_t>(v) & 0x400000); };
+  for (float v : {c, a, b})
+    if (signalling(v)) return v;
+  const float infinity = std::numeric_limits<float>::infinity(), positive = std::numeric_limits<float>::quiet_NaN();
+  const auto infinite = [=](float v) { return v == infinity || v == -infinity; };
+  if ((infinite(a) && b == 0) || (infinite(b) && a == 0)) return positive;
+  for (float v : {c, a, b})
+    if (v != v) return v;
+  return positive;
+}
+
+// a*b + c where the sign of a NaN is part of the result.
+TZM_INLINE float SignedFma(float a, float b, float c) {
+  const float sum = Fma(a, b, c);
+  return HWY_LIKELY(sum == sum) ? sum : NanOfFma(a, b, c);
+}
+
+// What the rounding of the tail and of the FFT route makes of NaN: a value beyond the range, on the side
+// of its sign bit.
+template <class V>
+TZM_INLINE V NanBySign(V v) {
+  const hn::DFromV<V> d;
+  return hn::IfThenElse(hn::IsNaN(v), hn::CopySign(hn::Set(d, 65536.0f), v), v);
+}
+TZM_INLINE Orva16s RoundBySign(float v) {
+  const hn::CappedTag<float, 1> one;
+  return RoundSaturate<Orva16s>(hn::GetLane(NanBySign(hn::Set(one, v))));
+}
+
+TZM_INLINE void DotProduct(const Orva32f* taps, const Orva32f* line, int32_t len, Orva32f* dst) {
+  ORVAS_DotProd_32f(taps, line, len, dst);
+}
+TZM_INLINE void DotProduct(const Orva64f* taps, const Orva64f* line, int32_t len, Orva64f* dst) {
+  ORVAS_DotProd_64f(taps, line, len, dst);
+}
+TZM_INLINE void DotProduct(const Orva32fc* taps, const Orva32fc* line, int32_t len, Orva32fc* dst) {
+  ORVAS_DotProd_32fc(taps, line, len, dst);
+}
+TZM_INLINE void DotProduct(const Orva64fc* taps, const Orva64fc* line, int32_t len, Orva64fc* dst) {
+  ORVAS_DotProd_64fc(taps, line, len, dst);
+}
+TZM_INLINE void DotProduct(const Orva32f* taps, const Orva32fc* line, int32_t len, Orva32fc* dst) {
+  ORVAS_DotProd_32f32fc(taps, line, len, dst);
+}
+TZM_INLINE void DotProduct(const Orva32f* taps, const Orva16s* line, int32_t len, Orva16s* dst) {
+  float sum = 0;
+  for (int32_t j = 0; j < len; ++j) sum = SignedFma(taps[j], LoadElement(line + j), sum);
+  StoreElement(RoundBySign(sum), dst);
+}
+TZM_INLINE void DotProduct(const Orva32fc* taps, const Orva16sc* line, int32_t len, Orva16sc* dst) {
+  Orva32fc sum = {0, 0};
+  for (int32_t j = 0; j < len; ++j) {
+    const Orva16sc sample = LoadElement(line + j);
+    const Orva32fc tap = taps[j];
+    const float xr = sample.re, xi = sample.im;
+    const float re = SignedFma(-tap.im, xi, SignedFma(tap.re, xr, -0.0f));  // adding -0 leaves the product
+    const float im = SignedFma(tap.im, xr, SignedFma(tap.re, xi, -0.0f));
+    sum = {SignedFma(re, 1, sum.re), SignedFma(im, 1, sum.im)};
+  }
+  StoreElement(Orva16sc{RoundBySign(sum.re), RoundBySign(sum.im)}, dst);
+}
+
+// ---- Direct route ----
+
+// The line: T-1 samples from before the call, then those of the call. Behind it in the work block, where
+// the blocks need one, stands a copy in the form that they read: binary32, and complex parts apart.
+template <class Tap, class Sample>
+void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state, const Sample* delaySrc,
+               Sample* delayDst) {
+  const auto* const taps = static_cast<const Tap*>(state.taps);
+  const int32_t kept = state.tapsLen - 1, lineLen = kept + len;
+  auto* const line = reinterpret_cast<Sample*>(state.work);
+  BeginLine(delaySrc, line, kept);
+  Copy(src, line + kept, len);
+
+  const int32_t body = len - len % kBlock<Sample>;
+  const int32_t used = kept + body;
+  Orva8u* const behind = state.work + RoundUp16(int64_t{lineLen} * sizeof(Sample));
+  PartOf<Sample>* const out = Reals(dst);
+  if (body == 0) {
+    // nothing but a tail
+  } else if constexpr (std::is_same_v<Sample, Orva16s>) {
+    auto* const wide = reinterpret_cast<Orva32f*>(behind);
+    Copy(line, wide, used);
+    RealBlocks<1>(taps, state.tapsLen, wide, body, [=](auto d, size_t n, auto sum) TZM_LAMBDA {
+      const hn::Rebind<Orva16s, decltype(d)> narrow;
+      hn::StoreU(hn::DemoteTo(narrow, RoundToInt(sum)), narrow, out + n);
+    });
+  } else if constexpr (!kIsComplex<Tap>) {
+    constexpr size_t kStride = kIsComplex<Sample> ? 2 : 1;
+    RealBlocks<kStride>(taps, state.tapsLen, Reals(line), kStride * body,
+                        [=](auto d, size_t n, auto sum) TZM_LAMBDA { hn::StoreU(sum, d, out + n); });
+  } else if constexpr (std::is_same_v<Sample, Orva16sc>) {
+    auto* const re = reinterpret_cast<Orva32f*>(behind);
+    Orva32f* const im = re + used;
+    auto* const narrowRe = reinterpret_cast<Orva16s*>(im + used);
+    Orva16s* const narrowIm = narrowRe + used;
+    ORVAS_CplxToReal_16sc(line, narrowRe, narrowIm, used);
+    Copy(narrowRe, re, used);
+    Copy(narrowIm, im, used);
+    ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
+      const hn::Rebind<Orva16s, decltype(d)> narrow;
+      hn::StoreInterleaved2(hn::DemoteTo(narrow, RoundToInt(sumRe)), hn::DemoteTo(narrow, RoundToInt(sumIm)), narrow,
+                            out + 2 * n);
+    });
+  } else {
+    auto* const re = reinterpret_cast<PartOf<Sample>*>(behind);
+    PartOf<Sample>* const im = re + used;
+    if constexpr (sizeof(Sample) == 8) ORVAS_CplxToReal_32fc(line, re, im, used);
+    else ORVAS_CplxToReal_64fc(line, re, im, used);
+    ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
+      hn::StoreInterleaved2(sumRe, sumIm, d, out + 2 * n);
+    });
+  }
+  for (int32_t n = body; n < len; ++n) DotProduct(taps, line + n, state.tapsLen, dst + n);
+  if (delayDst != nullptr) Copy(line + len, delayDst, kept);
+}
+
+// ---- FFT route ----
+
+TZM_INLINE void Multiply(const Orva32fc* a, const Orva32fc* b, Orva32fc* dst, int32_t len) {
+  ORVAS_Mul_32fc(a, b, dst, len);
+}
+TZM_INLINE void Multiply(const Orva64fc* a, const Orva64fc* b, Orva64fc* dst, int32_t len) {
+  ORVAS_Mul_64fc(a, b, dst, len);
+}
+TZM_INLINE void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
+  ORVAS_DivC_32f(src, value, dst, len);
+}
+TZM_INLINE void Divide(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
+  ORVAS_DivC_64f(src, value, dst, len);
+}
+TZM_INLINE void Divide(Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
+  ORVAS_DivC_32f(src, value, src, len);
+  const Full<Orva32f> d;
+  ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
+    const hn::Rebind<Orva16s, decltype(d)> narrow;
+    hn::StoreU(hn::DemoteTo(narrow, RoundToInt(NanBySign(hn::LoadU(d, from)))), narrow, to);
+  }, static_cast<const Orva32f*>(src), dst);
+}
+
+// The forward transform of the reversed taps, so prepared that multiplying a spectrum by it correlates
+// with them. Of a real filter only the half that transforms give and take is made.
+template <class Tap, class Sample>
+struct Overlap {
+  using Real = PartOf<Sample>;
+  static constexpr bool kComplex = kIsComplex<Sample>;
+  using F = Fft<Real>;
+  using Complex = typename F::Complex;
+  using Line = std::conditional_t<kComplex, Complex, Real>;  // what the transform takes
+  using Plan = typename F::Plan;
+
+  const int32_t points, bins;
+  Plan forward, inverse;
+  Complex *spectrum, *block, *product;
+  Line* line;
+
+  explicit Overlap(const FIRSRState& state)
+      : points(state.fftLen),
+        bins(kComplex ? points : points / 2 + 1),
+        forward(static_cast<Plan>(state.forwardPlan)),
+        inverse(static_cast<Plan>(state.inversePlan)),
+        spectrum(static_cast<Complex*>(state.spectrum)),
+        block(reinterpret_cast<Complex*>((reinterpret_cast<uintptr_t>(state.work) + 15) / 16 * 16)),
+        product(block + points),
+        line(reinterpret_cast<Line*>(product + points)) {}
+
+  void Forward(Complex* to) const {
+    if constexpr (kComplex) F::Execute(forward, line, to);
+    else F::ExecuteRealToComplex(forward, line, to);
+  }
+  void Inverse() const {
+    if constexpr (kComplex) F::Execute(inverse, product, line);
+    else F::ExecuteComplexToReal(inverse, product, line);
+  }
+
+  void Prepare(const Tap* taps, int32_t tapsLen) const {
+    Zero(line, points);
+    if constexpr (std::is_same_v<Tap, Line>) {
+      Copy(taps, line, tapsLen);
+      if constexpr (kComplex) Conjugate(line, tapsLen);
+    } else {
+      for (int32_t j = 0; j < tapsLen; ++j) line[j].re = taps[j];
+    }
+    Forward(spectrum);
+    Conjugate(spectrum, bins);
+  }
+  static void Conjugate(Orva32fc* srcDst, int32_t len) { ORVAS_Conj_32fc_I(srcDst, len); }
+  static void Conjugate(Orva64fc* srcDst, int32_t len) { ORVAS_Conj_64fc_I(srcDst, len); }
+
+  // Outputs from `points` samples that begin T-1 before the first of them.
+  template <class Out>
+  void Filter(Out* dst, int32_t count) const {
+    Forward(block);
+    Multiply(spectrum, block, product, bins);
+    Inverse();
+    Divide(Reals(line), static_cast<Real>(points), Reals(dst), kComplex ? 2 * count : count);
+  }
+};
+
+// `Sample` is what the caller holds, `Wide` what the state was made for.
+template <class Tap, class Wide, class Sample>
+void RunFft(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state, const Sample* delaySrc,
+            Sample* delayDst) {
+  const Overlap<Tap, Wide> overlap(state);
+  const int32_t kept = state.tapsLen - 1;
+  const int64_t step = overlap.points - state.tapsLen;
+  for (int64_t at = 0; at < len; at += step) {
+    const int32_t filled = static_cast<int32_t>(std::min<int64_t>(kept + (len - at), overlap.points));
+    if (at == 0) {
+      BeginLine(delaySrc, overlap.line, kept);
+      Copy(src, overlap.line + kept, filled - kept);
+    } else {
+      Copy(src + (at - kept), overlap.line, filled);
+    }
+    Zero(overlap.line + filled, overlap.points - filled);
+    overlap.Filter(dst + at, static_cast<int32_t>(std::min<int64_t>(step, len - at)));
+  }
+  HandOn(delaySrc, src, len, delayDst, kept);
+}
+
+// ---- Init, run, release ----
+
+template <class Real>
+OrvaStatus Release(FIRSRState* state) {
+  if (state == nullptr) return ORVA_STS_NO_ERR;
+  if (state->route == kFft) {
+    using Plan = typename Fft<Real>::Plan;
+    Fft<Real>::Destroy(static_cast<Plan>(state->forwardPlan));
+    Fft<Real>::Destroy(static_cast<Plan>(state->inversePlan));
+  }
+  ORVAS_Free(state->work);
+  state->work = nullptr;
+  ORVAS_Free(state);
+  return ORVA_STS_NO_ERR;
+}
+
+void Flip(const Orva32f* src, void* dst, int32_t len) { ORVAS_Flip_32f(src, static_cast<Orva32f*>(dst), len); }
+void Flip(const Orva64f* src, void* dst, int32_t len) { ORVAS_Flip_64f(src, static_cast<Orva64f*>(dst), len); }
+void Flip(const Orva32fc* src, void* dst, int32_t len) { ORVAS_Flip_32fc(src, static_cast<Orva32fc*>(dst), len); }
+void Flip(const Orva64fc* src, void* dst, int32_t len) { ORVAS_Flip_64fc(src, static_cast<Orva64fc*>(dst), len); }
+
+// Bytes of the direct route's line for T + maxLen = `samples`.
+template <class Tap>
+constexpr int64_t DirectBytes(int64_t samples) {
+  if constexpr (sizeof(Tap) == 4) return (8 * samples + 75) / 16 * 16;
+  else if constexpr (sizeof(Tap) == 8) return 16 * samples + 128;
+  else return 32 * samples + 240;
+}
+
+template <class Tap, class Sample>
+OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, FIRSRState** stateOut) {
+  using F = Fft<PartOf<Sample>>;
+  using Complex = typename F::Complex;
+  constexpr bool kComplex = kIsComplex<Sample>;
+  constexpr int32_t kMostDirectTaps = kComplex ? 31 : 95, kMostDirectLen = 5119;
+  constexpr int64_t kMostPoints = sizeof(PartOf<Sample>) == 4 ? 44739241 : 22369620;
+  constexpr int64_t kMostBytes = std::numeric_limits<int32_t>::max();
+
+  if (OrvaStatus status = CheckPointers(taps, stateOut)) return status;
+  if (tapsLen < 1) return ORVA_STS_SIZE_ERR;
+  if (tapsLen > kMostTaps) return ORVA_STS_OVERFLOW_ERR;
+  if (maxLen < 1) return ORVA_STS_SIZE_ERR;
+  if (kind < kAutomatic || kind > kFft) return ORVA_STS_FIR_ALG_ERR;
+
+  int64_t power = 1;
+  while (power < tapsLen) power *= 2;
+  const int64_t points = maxLen - 1 <= 2 * power - tapsLen ? 2 * power : 4 * power;
+  const int64_t spectrumAt = RoundUp16(sizeof(FIRSRState)) + RoundUp16(int64_t{tapsLen} * sizeof(Tap));
+  const int64_t spectrumEnd = spectrumAt + 2 * points * sizeof(Complex);
+  const bool possible = power <= kMostTaps && points <= kMostPoints && spectrumEnd <= kMostBytes;
+  if (kind == kFft && !possible) return ORVA_STS_OVERFLOW_ERR;
+  if (kind == kAutomatic)
+    kind = possible && tapsLen > kMostDirectTaps && maxLen > kMostDirectLen ? kFft : kDirect;
+
+  if (maxLen >= kMostTaps - tapsLen) return ORVA_STS_OVERFLOW_ERR;
+  const int64_t stateBytes = kind == kFft ? spectrumEnd : spectrumAt;
+  const int64_t workBytes =
+      kind == kFft ? 3 * points * sizeof(Complex) + 15 : DirectBytes<Tap>(int64_t{tapsLen} + maxLen);
+  if (stateBytes > kMostBytes || workBytes > kMostBytes) return ORVA_STS_OVERFLOW_ERR;
+
+  Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
+  Orva8u* const work = ORVAS_Malloc_8u(static_cast<int32_t>(workBytes));
+  if (CheckPointers(block, work)) {
+    ORVAS_Free(block);
+    ORVAS_Free(work);
+    return ORVA_STS_MEM_ALLOC_ERR;
+  }
+  auto* const state = reinterpret_cast<FIRSRState*>(block);
+  *state = {};
+  state->tapsLen = tapsLen;
+  state->route = kind;
+  state->taps = block + RoundUp16(sizeof(FIRSRState));
+  state->work = work;
+  Flip(taps, state->taps, tapsLen);
+  if (kind == kFft) {
+    state->fftLen = static_cast<int32_t>(points);
+    state->spectrum = block + spectrumAt;
+    if constexpr (kComplex) {
+      state->forwardPlan = F::PlanComplex(state->fftLen, kForward);
+      state->inversePlan = F::PlanComplex(state->fftLen, kInverse);
+    } else {
+      state->forwardPlan = F::PlanRealToComplex(state->fftLen);
+      state->inversePlan = F::PlanComplexToReal(state->fftLen);
+    }
+    if (CheckPointers(state->forwardPlan, state->inversePlan)) {
+      Release<PartOf<Sample>>(state);
+      return ORVA_STS_MEM_ALLOC_ERR;
+    }
+    Overlap<Tap, Sample>(*state).Prepare(static_cast<const Tap*>(state->taps), tapsLen);
+  }
+  *stateOut = state;
+  return ORVA_STS_NO_ERR;
+}
+
+template <class Tap, class Wide, class Sample>
+OrvaStatus Run(const Sample* src, Sample* dst, int32_t len, const FIRSRState* state, const Sample* delaySrc,
+               Sample* delayDst) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckPointers(state)) return status;
+  if (state->route == kFft) {
+    if (OrvaStatus status = CheckPointers(state->forwardPlan, state->inversePlan, state->spectrum)) return status;
+  }
+  if (OrvaStatus status = CheckPointers(state->taps, state->work)) return status;
+  if constexpr (!std::is_same_v<Sample, Wide>) Zero(dst, len);
+  if (state->route == kFft) RunFft<Tap, Wide>(src, dst, len, *state, delaySrc, delayDst);
+  else RunDirect<Tap>(src, dst, len, *state, delaySrc, delayDst);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_FIRSRInit_32f(const Orva32f* taps, int32_t tapsLen, int32_t maxLen, int32_t kind,
+                               FIRSRState** stateOut) {
+  return Init<Orva32f, Orva32f>(taps, tapsLen, maxLen, kind, stateOut);
+}
+OrvaStatus ORVAS_FIRSRInit_64f(const Orva64f* taps, int32_t tapsLen, int32_t maxLen, int32_t kind,
+                               FIRSRState** stateOut) {
+  return Init<Orva64f, Orva64f>(taps, tapsLen, maxLen, kind, stateOut);
+}
+OrvaStatus ORVAS_FIRSRInit_32fc(const Orva32fc* taps, int32_t tapsLen, int32_t maxLen, int32_t kind,
+                                FIRSRState** stateOut) {
+  return Init<Orva32fc, Orva32fc>(taps, tapsLen, maxLen, kind, stateOut);
+}
+OrvaStatus ORVAS_FIRSRInit_64fc(const Orva64fc* taps, int32_t tapsLen, int32_t maxLen, int32_t kind,
+                                FIRSRState** stateOut) {
+  return Init<Orva64fc, Orva64fc>(taps, tapsLen, maxLen, kind, stateOut);
+}
+OrvaStatus ORVAS_FIRSRInit32f_32fc(const Orva32f* taps, int32_t tapsLen, int32_t maxLen, int32_t kind,
+                                   FIRSRState** stateOut) {
+  return Init<Orva32f, Orva32fc>(taps, tapsLen, maxLen, kind, stateOut);
+}
+
+OrvaStatus ORVAS_FIRSR_32f(const Orva32f* src, Orva32f* dst, int32_t len, FIRSRState* state, const Orva32f* delaySrc,
+                           Orva32f* delayDst) {
+  return Run<Orva32f, Orva32f>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR_16s(const Orva16s* src, Orva16s* dst, int32_t len, FIRSRState* state, const Orva16s* delaySrc,
+                           Orva16s* delayDst) {
+  return Run<Orva32f, Orva32f>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR_64f(const Orva64f* src, Orva64f* dst, int32_t len, FIRSRState* state, const Orva64f* delaySrc,
+                           Orva64f* delayDst) {
+  return Run<Orva64f, Orva64f>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, FIRSRState* state,
+                            const Orva32fc* delaySrc, Orva32fc* delayDst) {
+  return Run<Orva32fc, Orva32fc>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR_16sc(const Orva16sc* src, Orva16sc* dst, int32_t len, FIRSRState* state,
+                            const Orva16sc* delaySrc, Orva16sc* delayDst) {
+  return Run<Orva32fc, Orva32fc>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len, FIRSRState* state,
+                            const Orva64fc* delaySrc, Orva64fc* delayDst) {
+  return Run<Orva64fc, Orva64fc>(src, dst, len, state, delaySrc, delayDst);
+}
+OrvaStatus ORVAS_FIRSR32f_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, FIRSRState* state,
+                               const Orva32fc* delaySrc, Orva32fc* delayDst) {
+  return Run<Orva32f, Orva32fc>(src, dst, len, state, delaySrc, delayDst);
+}
+
+OrvaStatus ORVAS_FIRSRRelease_32f(FIRSRState* state) { return Release<Orva32f>(state); }
+OrvaStatus ORVAS_FIRSRRelease_64f(FIRSRState* state) { return Release<Orva64f>(state); }
+OrvaStatus ORVAS_FIRSRRelease_32fc(FIRSRState* state) { return Release<Orva32f>(state); }
+OrvaStatus ORVAS_FIRSRRelease_64fc(FIRSRState* state) { return Release<Orva64f>(state); }
+OrvaStatus ORVAS_FIRSRRelease32f_32fc(FIRSRState* state) { return ORVAS_FIRSRRelease_32f(state); }
