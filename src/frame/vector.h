@@ -67,16 +67,16 @@ TZM_INLINE V MaxOrSecond(V a, V b) {
   return hn::IfThenElse(hn::Gt(a, b), a, b);
 #endif
 }
-// The larger of two magnitudes, that is of floats without a sign; NaN where either is NaN.
+// The larger of a magnitude, which starts at +0, and another; NaN where either is NaN.
 template <class V>
-TZM_INLINE V MaxMagnitude(V a, V b) {
-#if HWY_ARCH_X86  // as integers magnitudes keep their order, and NaN stands above infinity
+TZM_INLINE V MaxMagnitude(V best, V magnitude) {
+#if HWY_ARCH_X86  // as integers magnitudes keep their order; NaN, less its sign, stands above infinity
   const hn::DFromV<V> d;
   const hn::RebindToSigned<decltype(d)> bits;
-  return hn::BitCast(d, hn::Max(hn::BitCast(bits, a), hn::BitCast(bits, b)));
+  return hn::BitCast(d, hn::Max(hn::BitCast(bits, best), hn::BitCast(bits, hn::Abs(magnitude))));
 #else
-  if constexpr (sizeof(hn::TFromV<V>) == 4) return V(vmaxq_f32(a.raw, b.raw));
-  else return V(vmaxq_f64(a.raw, b.raw));
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V(vmaxq_f32(best.raw, magnitude.raw));
+  else return V(vmaxq_f64(best.raw, magnitude.raw));
 #endif
 }
 
