@@ -79,6 +79,18 @@ TZM_INLINE V MaxOrSecond(V a, V b) {
   return hn::IfThenElse(hn::Gt(a, b), a, b);
 #endif
 }
+// The larger of a magnitude, which starts at +0, and another; NaN where either is NaN.
+template <class V>
+TZM_INLINE V MaxMagnitude(V best, V magnitude) {
+#if HWY_ARCH_X86  // as integers magnitudes keep their order; NaN, less its sign, stands above infinity
+  const hn::DFromV<V> d;
+  const hn::RebindToSigned<decltype(d)> bits;
+  return hn::BitCast(d, hn::Max(hn::BitCast(bits, best), hn::BitCast(bits, hn::Abs(magnitude))));
+#else
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V(vmaxq_f32(best.raw, magnitude.raw));
+  else return V(vmaxq_f64(best.raw, magnitude.raw));
+#endif
+}
 
 // AArch64's own: NaN where either operand is NaN, and -0 below +0.
 template <class V>
@@ -295,6 +307,37 @@ class ProductSums16 {
 #endif
 };
 
+// Adds the sum of each two neighbours to a lane of twice their width. The lanes have room for
+// kPairSums registers.
+constexpr size_t kPairSums = size_t{1} << 15;
+TZM_INLINE Vec<Full<int32_t>> AddPairs(Vec<Full<int32_t>> sums, Vec<Full<int16_t>> v) {
+#if HWY_ARCH_ARM_A64
+  return Vec<Full<int32_t>>(vpadalq_s16(sums.raw, v.raw));
+#elif HWY_TARGET <= HWY_AVX3
+  return hn::Add(sums, Vec<Full<int32_t>>{_mm512_madd_epi16(v.raw, _mm512_set1_epi16(1))});
+#else
+  return hn::Add(sums, Vec<Full<int32_t>>{_mm256_madd_epi16(v.raw, _mm256_set1_epi16(1))});
+#endif
+}
+TZM_INLINE Vec<Full<uint32_t>> AddPairs(Vec<Full<uint32_t>> sums, Vec<Full<uint16_t>> v) {
+#if HWY_ARCH_ARM_A64
+  return Vec<Full<uint32_t>>(vpadalq_u16(sums.raw, v.raw));
+#else
+  const Full<uint32_t> d;
+  const auto pairs = hn::BitCast(d, v);
+  return hn::Add(hn::Add(sums, hn::And(pairs, hn::Set(d, 0xffff))), hn::ShiftRight<16>(pairs));
+#endif
+}
+
+// The sum of 32-bit lanes as a 64-bit integer.
+template <class V>
+TZM_INLINE auto WideSum(V v) {
+  const hn::Half<hn::DFromV<V>> half;
+  const hn::RepartitionToWide<hn::DFromV<V>> wide;
+  const auto low = hn::PromoteTo(wide, hn::LowerHalf(half, v)), high = hn::PromoteTo(wide, hn::UpperHalf(half, v));
+  return hn::GetLane(hn::SumOfLanes(wide, hn::Add(low, high)));
+}
+
 // {a0*b0 + a1*b1, a2*b2 + a3*b3} in binary64, each product rounded and then each sum.
 using FourInts = hn::FixedTag<int32_t, 4>;
 using TwoDoubles = hn::FixedTag<double, 2>;
@@ -379,6 +422,16 @@ struct LaneArray {
     return Each([&](size_t r) TZM_LAMBDA { return hn::Mul(a.v[r], b.v[r]); });
   }
 
+  friend TZM_INLINE LaneArray operator/(const LaneArray& a, const LaneArray& b) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Div(a.v[r], b.v[r]); });
+  }
+  friend TZM_INLINE LaneArray Abs(const LaneArray& a) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Abs(a.v[r]); });
+  }
+  friend TZM_INLINE LaneArray Sqrt(const LaneArray& a) {
+    return Each([&](size_t r) TZM_LAMBDA { return hn::Sqrt(a.v[r]); });
+  }
+
   // Half as many lanes, each the sum of lane k and lane k + N/2.
   TZM_INLINE LaneArray<T, N / 2> Halved() const {
     if constexpr (kRegisters > 1) {
@@ -393,18 +446,20 @@ struct LaneArray {
     if constexpr (N == 1) return hn::GetLane(v[0]);
     else return Halved().FoldHalves();
   }
-  // Sum of all lanes, neighbours first: (l0+l1) + (l2+l3) of four.
-  TZM_INLINE T FoldPairs() const {
+  // Sum of all lanes, neighbours first: (l0+l1) + (l2+l3) of four. Of interleaved parts, the sum of the
+  // lanes of one of them.
+  template <size_t kParts = 1>
+  TZM_INLINE T FoldPairs(size_t part = 0) const {
     T lane[N];
     Store(lane);
-    return PairSum<N>(lane);
+    return PairSum<N / kParts, kParts>(lane + part);
   }
 
  private:
-  template <size_t kCount>
+  template <size_t kCount, size_t kStride>
   static TZM_INLINE T PairSum(const T* lane) {
     if constexpr (kCount == 1) return *lane;
-    else return PairSum<kCount / 2>(lane) + PairSum<kCount / 2>(lane + kCount / 2);
+    else return PairSum<kCount / 2, kStride>(lane) + PairSum<kCount / 2, kStride>(lane + kCount / 2 * kStride);
   }
 };
 

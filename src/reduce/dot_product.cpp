@@ -2,17 +2,13 @@
 #include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
+#include "frame/result.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 
 using namespace tzm;
 
 namespace {
-
-template <class Real>
-struct Complex {
-  Real re, im;
-};
 
 // ---- One accumulator ----
 
@@ -242,18 +238,6 @@ Complex<int64_t> IntegerComplexDot(const A* a, const Orva16sc* b, size_t len) {
     }
   }
   return {static_cast<int64_t>(re), static_cast<int64_t>(im)};
-}
-
-// Stores one value, real or complex, through a pointer that need not be aligned.
-template <class Result, class Sum>
-OrvaStatus Give(Complex<Sum> sum, Result* result) {
-  StoreElement(Result{sum.re, sum.im}, result);
-  return ORVA_STS_NO_ERR;
-}
-template <class Result>
-OrvaStatus Give(Result sum, Result* result) {
-  StoreElement(sum, result);
-  return ORVA_STS_NO_ERR;
 }
 
 }  // namespace

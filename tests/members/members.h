@@ -105,9 +105,10 @@ class Member {
   // What inputs of one element hold, and results and destinations before the call.
   Member& Start(double value) { start = value; return *this; }
   Member& MinLength(int32_t n) { min_length = n; return *this; }
-  // The member looks at its scale before its constants, at its length before its pointers.
+  // The member looks at its scale before its constants, at its length before its pointers (but after the
+  // pointer at position `but`).
   Member& ScaleFirst() { scale_first = true; return *this; }
-  Member& LengthFirst() { length_first = true; return *this; }
+  Member& LengthFirst(size_t but = -1) { length_first = true; before_length = but; return *this; }
   // The destination may not be a source array.
   Member& NotInPlace() { in_place = false; return *this; }
   // Results come from the FFT companion: no digest.
@@ -141,6 +142,7 @@ class Member {
   double start = -77;
   int32_t min_length = 1;
   bool scale_first = false, length_first = false, in_place = true;
+  size_t before_length = -1;
   OrvaStatus allocation_status = ORVA_STS_NO_ERR;
 
  private:

@@ -1,0 +1,353 @@
+// Sums, means and sample standard deviations of whole arrays, in a fixed order.
+#include <signal_tzm/reduce.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/result.h"
+#include "frame/scale.h"
+
+using namespace tzm;
+
+namespace {
+
+constexpr int32_t kFast = 1;  // the hint that asks for binary32 arithmetic
+
+// ---- Floating sums ----
+
+// What is done to each sample before it is added: nothing, or a division.
+struct Keep {
+  template <class X>
+  TZM_INLINE X operator()(X x) const { return x; }
+};
+struct DivideBy {
+  Orva32f divisor;
+  TZM_INLINE Orva32f operator()(Orva32f x) const { return x / divisor; }
+  template <size_t kLanes>
+  TZM_INLINE auto operator()(const LaneArray<Orva32f, kLanes>& x) const {
+    return x / LaneArray<Orva32f, kLanes>::Set(divisor);
+  }
+};
+
+// Sum of samples of kParts interleaved parts. The samples up to the last multiple of kStep go to kLanes
+// lanes a part, sample i to lane i mod kLanes; the others are added to the folded lanes one by one.
+// Lanes that start at +0 never become -0, so that no zero need be added to the folded sum.
+template <class Sum, size_t kLanes, size_t kParts, size_t kStep, class Src, class Map = Keep>
+Complex<Sum> LaneSum(const Src* src, size_t len, Map map = {}, Sum start = 0) {
+  using Lanes = LaneArray<Sum, kLanes * kParts>;
+  const auto load = [](const Src* from) TZM_LAMBDA {
+    if constexpr (std::is_same_v<Src, Sum>) return Lanes::Load(from);
+    else return Lanes::LoadWiden(from);
+  };
+  const size_t body = len - len % kStep;
+  Sum sum[2] = {0, 0};
+  if (body != 0) {
+    Lanes acc = Lanes::Set(start);
+    for (size_t i = 0; i < body; i += kLanes) acc = acc + map(load(src + kParts * i));
+    for (size_t part = 0; part < kParts; ++part) sum[part] = acc.template FoldPairs<kParts>(part);
+  }
+  for (size_t i = body; i < len; ++i)
+    for (size_t part = 0; part < kParts; ++part) sum[part] += map(Sum(LoadElement(src + kParts * i + part)));
+  return {sum[0], sum[1]};
+}
+
+// Sums of binary32 samples, real and complex, in binary32 and in binary64.
+template <class Map = Keep>
+Complex<Orva32f> FastSum(const Orva32f* src, size_t len, Map map = {}) {
+  return LaneSum<Orva32f, 4, 1, 4>(src, len, map);
+}
+template <class Map = Keep>
+Complex<Orva32f> FastSum(const Orva32fc* src, size_t len, Map map = {}) {
+  return LaneSum<Orva32f, 4, 2, 4>(Parts(src), len, map);
+}
+Complex<double> AccurateSum(const Orva32f* src, size_t len) { return LaneSum<double, 2, 1, 4>(src, len); }
+Complex<double> AccurateSum(const Orva32fc* src, size_t len) { return LaneSum<double, 2, 2, 4>(Parts(src), len); }
+
+// Two lanes of complex numbers: of each 8 samples, lane 0 takes 0 and 1 before and 4 and 5 after its
+// sum so far, lane 1 the others.
+Complex<double> ComplexSum64(const double* src, size_t len) {
+  using Number = LaneArray<double, 2>;  // one complex number
+  constexpr size_t kStep = 8, kAhead = 4096, kLine = 64;
+  const size_t body = len - len % kStep;
+  Number sum = Number::Set(0);
+  if (body != 0) {
+    Number lane[2] = {sum, sum};
+    for (size_t i = 0; i < body; i += kStep) {
+      const double* from = src + 2 * i;
+      for (size_t line = 0; line < kStep * sizeof(Orva64fc); line += kLine)
+        __builtin_prefetch(reinterpret_cast<const char*>(from) + kAhead + line, 0, 0);
+      const auto pair = [&](size_t k) TZM_LAMBDA { return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2); };
+      lane[0] = (pair(0) + lane[0]) + pair(4);
+      lane[1] = (pair(2) + lane[1]) + pair(6);
+    }
+    sum = lane[0] + lane[1];
+  }
+  for (size_t i = body; i < len; ++i) sum = sum + Number::Load(src + 2 * i);
+  double part[2];
+  sum.Store(part);
+  return {part[0], part[1]};
+}
+
+// ---- Exact integer sums ----
+
+int64_t IntegerSum(const Orva16s* src, size_t len) {
+  const auto zero = hn::Zero(Full<int32_t>());
+  auto pairs = zero;
+  int64_t sum = 0;
+  ForRegisters<kPairSums>(
+      len, [&](auto v) TZM_LAMBDA { pairs = AddPairs(pairs, v); },
+      [&]() TZM_LAMBDA {
+        sum += WideSum(pairs);
+        pairs = zero;
+      },
+      src);
+  return sum;
+}
+
+// The real sum is that of both parts less the imaginary one.
+Complex<int64_t> IntegerSum(const Orva16sc* src, size_t len) {
+  const Full<int32_t> d;
+  const auto zero = hn::Zero(d);
+  auto pairs = zero, imaginary = zero;
+  int64_t both = 0, im = 0;
+  ForRegisters<kPairSums>(
+      2 * len,
+      [&](auto v) TZM_LAMBDA {
+        pairs = AddPairs(pairs, v);
+        imaginary = hn::Add(imaginary, hn::ShiftRight<16>(hn::BitCast(d, v)));
+      },
+      [&]() TZM_LAMBDA {
+        both += WideSum(pairs);
+        im += WideSum(imaginary);
+        pairs = imaginary = zero;
+      },
+      Parts(src));
+  return {both - im, im};
+}
+
+int64_t IntegerSum(const Orva32s* src, size_t len) {
+  const Full<int64_t> d;
+  const size_t step = 2 * hn::Lanes(d);
+  auto low = hn::Zero(d), high = low;
+  size_t i = 0;
+  for (; i + step <= len; i += step) {
+    const auto v = LoadWidened(d, src + i);
+    low = hn::Add(low, v.low);
+    high = hn::Add(high, v.high);
+  }
+  int64_t sum = hn::GetLane(hn::SumOfLanes(d, hn::Add(low, high)));
+  for (; i < len; ++i) sum += LoadElement(src + i);
+  return sum;
+}
+
+// The scaled sum, divided by `divisor` after the scaling, as an integer.
+template <class Part>
+Part Scaled(int64_t sum, double factor, double divisor) {
+  return RoundSaturate<Part>(static_cast<double>(sum) * factor / divisor);
+}
+template <class Part>
+Complex<Part> Scaled(Complex<int64_t> sum, double factor, double divisor) {
+  return {Scaled<Part>(sum.re, factor, divisor), Scaled<Part>(sum.im, factor, divisor)};
+}
+
+// Sum over `divisor` of `len` integers, with the checks of a scaled member.
+template <class Part, class Src, class Result>
+OrvaStatus ScaledSum(const Src* src, int32_t len, int32_t divisor, Result* result, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, result)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  return Give(Scaled<Part>(IntegerSum(src, len), ScaleFactor(ScaleExponent(scale)), divisor), result);
+}
+
+// ---- Deviations ----
+
+// Calls add(v) for each two neighbours of a step of samples, in order, widened to binary64.
+template <size_t kStep, class Src, class Add>
+TZM_INLINE void ForPairs(const Src* from, Add add) {
+  if constexpr (std::is_same_v<Src, Orva16s>) {  // the whole step in one register
+    const TwoDoubles d;
+    const hn::FixedTag<int16_t, kStep> d16;
+    const hn::Half<decltype(d16)> half16;
+    const FourInts d32;
+    const hn::Half<FourInts> half32;
+    const auto four = [&](auto v) TZM_LAMBDA {
+      const auto wide = hn::PromoteTo(d32, v);
+      add(LaneArray<double, 2>{{hn::PromoteTo(d, hn::LowerHalf(half32, wide))}});
+      add(LaneArray<double, 2>{{hn::PromoteTo(d, hn::UpperHalf(half32, wide))}});
+    };
+    const auto v = hn::LoadU(d16, from);
+    four(hn::LowerHalf(half16, v));
+    four(hn::UpperHalf(half16, v));
+  } else {
+    for (size_t k = 0; k < kStep; k += 2) {
+      if constexpr (std::is_same_v<Src, double>) add(LaneArray<double, 2>::Load(from + k));
+      else add(LaneArray<double, 2>::LoadWiden(from + k));
+    }
+  }
+}
+
+// Sample standard deviation about `mean`: squares in two lanes, then one by one.
+template <size_t kStep, class Src>
+double Deviation(const Src* src, size_t len, double mean) {
+  using Lanes = LaneArray<double, 2>;
+  const size_t body = len - len % kStep;
+  const Lanes means = Lanes::Set(mean);
+  Lanes acc = Lanes::Set(0);
+  for (size_t i = 0; i < body; i += kStep) {
+    ForPairs<kStep>(src + i, [&](const Lanes& x) TZM_LAMBDA {
+      const Lanes deviation = x - means;
+      acc = MulAdd(deviation, deviation, acc);
+    });
+  }
+  double sum = acc.FoldPairs();
+  for (size_t i = body; i < len; ++i) {
+    const double deviation = LoadElement(src + i) - mean;
+    sum = Fma(deviation, deviation, sum);
+  }
+  return sqrt(sum / static_cast<double>(len - 1));
+}
+
+// The deviation about the mean that the caller was given; 0 if that is not finite.
+template <class Real>
+Real DeviationFromGiven(const Real* src, int32_t len, const Real* mean) {
+  const double center = LoadElement(mean);
+  if (!std::isfinite(center)) return 0;
+  return static_cast<Real>(Deviation<4>(src, len, center));
+}
+
+// Unscaled throughout; mean and deviation are scaled and rounded at the end.
+template <class Result>
+OrvaStatus ScaledMeanStdDev(const Orva16s* src, int32_t len, Result* mean, Result* stdDev, double scale) {
+  if (OrvaStatus status = CheckPointers(src, mean, stdDev)) return status;
+  if (len < 2) return ORVA_STS_SIZE_ERR;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const double factor = ScaleFactor(ScaleExponent(scale));
+  const double center = static_cast<double>(IntegerSum(src, len)) / len;
+  const double deviation = Deviation<8>(src, len, center);
+  Give(RoundSaturate<Result>(center * factor), mean);
+  return Give(RoundSaturate<Result>(deviation * factor), stdDev);
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Sum_32f(const Orva32f* src, int32_t len, Orva32f* sum, int32_t hint) {
+  if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
+  if (hint == kFast) return Give(FastSum(src, len).re, sum);
+  return Give(static_cast<Orva32f>(AccurateSum(src, len).re), sum);
+}
+
+OrvaStatus ORVAS_Sum_32fc(const Orva32fc* src, int32_t len, Orva32fc* sum, int32_t hint) {
+  if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
+  if (hint == kFast) return Give(FastSum(src, len), sum);
+  return Give(AccurateSum(src, len), sum);
+}
+
+OrvaStatus ORVAS_Sum_64f(const Orva64f* src, int32_t len, Orva64f* sum) {
+  if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
+  // Lanes that start at -0 are those that start with the first samples: -0 throughout stays -0.
+  return Give(LaneSum<double, 2, 1, 2>(src, len, Keep(), -0.0).re, sum);
+}
+
+OrvaStatus ORVAS_Sum_64fc(const Orva64fc* src, int32_t len, Orva64fc* sum) {
+  if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
+  return Give(ComplexSum64(Parts(src), len), sum);
+}
+
+OrvaStatus ORVAS_Sum_16s_S(const Orva16s* src, int32_t len, Orva16s* sum, double scale) {
+  return ScaledSum<Orva16s>(src, len, 1, sum, scale);
+}
+
+OrvaStatus ORVAS_Sum_32s_S(const Orva32s* src, int32_t len, Orva32s* sum, double scale) {
+  return ScaledSum<Orva32s>(src, len, 1, sum, scale);
+}
+
+OrvaStatus ORVAS_Sum_16s32s_S(const Orva16s* src, int32_t len, Orva32s* sum, double scale) {
+  return ScaledSum<Orva32s>(src, len, 1, sum, scale);
+}
+
+OrvaStatus ORVAS_Sum_16sc_S(const Orva16sc* src, int32_t len, Orva16sc* sum, double scale) {
+  return ScaledSum<Orva16s>(src, len, 1, sum, scale);
+}
+
+OrvaStatus ORVAS_Sum_16sc32sc_S(const Orva16sc* src, int32_t len, Orva32sc* sum, double scale) {
+  return ScaledSum<Orva32s>(src, len, 1, sum, scale);
+}
+
+OrvaStatus ORVAS_Mean_32f(const Orva32f* src, int32_t len, Orva32f* mean, int32_t hint) {
+  if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
+  if (hint == kFast) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}).re, mean);
+  return Give(static_cast<Orva32f>(AccurateSum(src, len).re / len), mean);
+}
+
+OrvaStatus ORVAS_Mean_32fc(const Orva32fc* src, int32_t len, Orva32fc* mean, int32_t hint) {
+  if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
+  if (hint == kFast) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}), mean);
+  const Complex<double> sum = AccurateSum(src, len);
+  return Give(Complex<double>{sum.re / len, sum.im / len}, mean);
+}
+
+OrvaStatus ORVAS_Mean_64f(const Orva64f* src, int32_t len, Orva64f* mean) {
+  if (OrvaStatus status = CheckPointers(mean)) return status;
+  Orva64f sum;
+  if (OrvaStatus status = ORVAS_Sum_64f(src, len, &sum)) return status;
+  return Give(sum / len, mean);
+}
+
+OrvaStatus ORVAS_Mean_64fc(const Orva64fc* src, int32_t len, Orva64fc* mean) {
+  if (OrvaStatus status = CheckPointers(mean)) return status;
+  Orva64fc sum;
+  if (OrvaStatus status = ORVAS_Sum_64fc(src, len, &sum)) return status;
+  return Give(Orva64fc{sum.re / len, sum.im / len}, mean);
+}
+
+OrvaStatus ORVAS_Mean_16s_S(const Orva16s* src, int32_t len, Orva16s* mean, double scale) {
+  return ScaledSum<Orva16s>(src, len, len, mean, scale);
+}
+
+OrvaStatus ORVAS_Mean_32s_S(const Orva32s* src, int32_t len, Orva32s* mean, double scale) {
+  return ScaledSum<Orva32s>(src, len, len, mean, scale);
+}
+
+OrvaStatus ORVAS_Mean_16sc_S(const Orva16sc* src, int32_t len, Orva16sc* mean, double scale) {
+  return ScaledSum<Orva16s>(src, len, len, mean, scale);
+}
+
+OrvaStatus ORVAS_StdDev_32f(const Orva32f* src, int32_t len, Orva32f* stdDev, int32_t hint) {
+  Orva32f mean;
+  return ORVAS_MeanStdDev_32f(src, len, &mean, stdDev, hint);
+}
+
+OrvaStatus ORVAS_StdDev_64f(const Orva64f* src, int32_t len, Orva64f* stdDev) {
+  Orva64f mean;
+  return ORVAS_MeanStdDev_64f(src, len, &mean, stdDev);
+}
+
+OrvaStatus ORVAS_StdDev_16s_S(const Orva16s* src, int32_t len, Orva16s* stdDev, double scale) {
+  Orva16s mean;
+  return ORVAS_MeanStdDev_16s_S(src, len, &mean, stdDev, scale);
+}
+
+OrvaStatus ORVAS_StdDev_16s32s_S(const Orva16s* src, int32_t len, Orva32s* stdDev, double scale) {
+  Orva32s mean;
+  return ORVAS_MeanStdDev_16s32s_S(src, len, &mean, stdDev, scale);
+}
+
+OrvaStatus ORVAS_MeanStdDev_32f(const Orva32f* src, int32_t len, Orva32f* mean, Orva32f* stdDev, int32_t hint) {
+  if (OrvaStatus status = CheckPointers(stdDev)) return status;
+  if (len < 2) return ORVA_STS_SIZE_ERR;
+  if (OrvaStatus status = ORVAS_Mean_32f(src, len, mean, hint)) return status;
+  return Give(DeviationFromGiven(src, len, mean), stdDev);
+}
+
+OrvaStatus ORVAS_MeanStdDev_64f(const Orva64f* src, int32_t len, Orva64f* mean, Orva64f* stdDev) {
+  if (OrvaStatus status = CheckPointers(stdDev)) return status;
+  if (len < 2) return ORVA_STS_SIZE_ERR;
+  if (OrvaStatus status = ORVAS_Mean_64f(src, len, mean)) return status;
+  return Give(DeviationFromGiven(src, len, mean), stdDev);
+}
+
+OrvaStatus ORVAS_MeanStdDev_16s_S(const Orva16s* src, int32_t len, Orva16s* mean, Orva16s* stdDev, double scale) {
+  return ScaledMeanStdDev(src, len, mean, stdDev, scale);
+}
+
+OrvaStatus ORVAS_MeanStdDev_16s32s_S(const Orva16s* src, int32_t len, Orva32s* mean, Orva32s* stdDev, double scale) {
+  return ScaledMeanStdDev(src, len, mean, stdDev, scale);
+}
