@@ -155,6 +155,15 @@ TZM_INLINE auto RoundToInt64(V x) {
 
 // ---- Widths ----
 
+// {first, first + 1, ...} in floating lanes, rounded from the integers.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Vec<D> Indices(D d, size_t first) {
+  const hn::Rebind<int32_t, D> di;
+  const auto index = hn::Iota(di, static_cast<int32_t>(first));
+  if constexpr (sizeof(T) == 8) return hn::PromoteTo(d, index);
+  else return hn::ConvertTo(d, index);
+}
+
 // Two registers of wide integers to one of half their width, saturating, in order.
 template <class D, class V>
 TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
