@@ -202,10 +202,25 @@ template <class V, class T>
 TZM_INLINE void StoreSaturated(V v, T* to) {
   const hn::Rebind<T, hn::DFromV<V>> dn;
 #if HWY_ARCH_X86  // Highway's narrowing to 8 bits does not saturate what has more than 15
-  if constexpr (sizeof(T) == 1) v = hn::Min(v, hn::Set(hn::DFromV<V>(), std::numeric_limits<T>::max()));
+  static_assert(sizeof(T) > 1);
 #endif
   if constexpr (sizeof(T) == 4) hn::StoreU(v, dn, to);
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
+}
+
+// binary32 lanes as integers of up to 32 bits, rounded as above. Where the conversion does not saturate,
+// narrow ones are clamped first.
+template <class V, class T>
+TZM_INLINE void StoreRounded(V x, T* to) {
+  if constexpr (HWY_ARCH_X86 && sizeof(T) < 4) {
+    const hn::DFromV<V> d;
+    const hn::Rebind<T, decltype(d)> dn;
+    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
+    else x = MaxOrSecond(x, hn::Zero(d));
+    hn::StoreU(hn::DemoteTo(dn, hn::NearestInt(MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max())))), dn, to);
+  } else {
+    StoreSaturated(RoundToInt(x), to);
+  }
 }
 
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
