@@ -81,14 +81,13 @@ TZM_INLINE Vec<D> OddQuotient(D d, Vec<D> a, Vec<D> b) {
   return hn::IfThenElse(inexact, hn::BitCast(d, odd), nearest);
 }
 
+// What a rounding to nearest, ties to even, makes the wanted one of.
 template <Rounding kRounding, class V>
-TZM_INLINE auto RoundBy(V y) {
-  const hn::DFromV<V> d;
-  if constexpr (kRounding == Rounding::kToEven) return RoundToInt(y);
+TZM_INLINE V BeforeRounding(V y) {
   // The number just below 0.5 carries ties, and nothing below a tie, to the next integer.
   if constexpr (kRounding == Rounding::kFromZero)
-    y = hn::Add(y, hn::CopySignToAbs(hn::Set(d, 0.49999997f), y));
-  return RoundToInt(hn::Trunc(y));
+    y = hn::Add(y, hn::CopySignToAbs(hn::Set(hn::DFromV<V>(), 0.49999997f), y));
+  return kRounding == Rounding::kToEven ? y : hn::Trunc(y);
 }
 
 // What the members that share this kernel differ in.
@@ -108,12 +107,12 @@ bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t 
     const auto a = LoadAsFloat(d, divisors);
     if constexpr (kWay.warns) zero.See(hn::Eq(a, hn::Zero(d)));
     if constexpr (kWay.rounding == Rounding::kUnknown) {
-      StoreSaturated(hn::Zero(hn::RebindToSigned<decltype(d)>()), to);
+      StoreRounded(hn::Zero(d), to);
     } else {
       const auto b = LoadAsFloat(d, dividends);
       auto y = sizeof(Dividend) == 2 ? OddQuotient(d, a, b) : hn::Div(b, a);
       if constexpr (kWay.maximumAtZero) y = hn::IfThenElse(hn::Eq(a, hn::Zero(d)), hn::Inf(d), y);
-      StoreSaturated(RoundBy<kWay.rounding>(hn::Mul(y, scale)), to);
+      StoreRounded(BeforeRounding<kWay.rounding>(hn::Mul(y, scale)), to);
     }
   }, divisor, dividend, dst);
   return zero.Seen();

@@ -64,7 +64,7 @@ template <class T, class Kernel>
 TZM_INLINE void RoundNarrow(size_t len, Kernel kernel, const T* src, T* dst) {
   const Full<float> d;
   ForEach<hn::MaxLanes(d), 4>(len, [&](const T* from, T* to) TZM_LAMBDA {
-    StoreSaturated(RoundToInt(kernel(LoadAsFloat(d, from))), to);
+    StoreRounded(kernel(LoadAsFloat(d, from)), to);
   }, src, dst);
 }
 

@@ -65,7 +65,7 @@ void RoundHalf(const Orva16f* src, Orva16s* dst, size_t len, float factor) {
   ForEach<hn::MaxLanes(kReal), 4>(len, [&](const Orva16f* from, Orva16s* to) TZM_LAMBDA {
     const auto y = hn::Mul(hn::Set(kReal, factor), WidenHalf(from));
     // Integers go into the conversion, so that the caller's rounding mode does not matter there.
-    StoreSaturated(RoundToInt(kTowardZero ? hn::Trunc(y) : hn::Round(y)), to);
+    StoreRounded(kTowardZero ? hn::Trunc(y) : hn::Round(y), to);
   }, src, dst);
 }
 

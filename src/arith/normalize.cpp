@@ -53,7 +53,7 @@ OrvaStatus NormalizeScaled(const Orva16s* src, Orva16s* dst, size_t len, Pair<fl
   const auto reciprocal = hn::Set(d, 1 / vDiv), addend = Addend(vSub, vDiv).Lanes();
   const auto factor = hn::Set(d, static_cast<float>(ScaleFactor(ScaleExponent(scale))));
   ForEach<hn::MaxLanes(d), 4>(len, [&](const Orva16s* from, Orva16s* to) TZM_LAMBDA {
-    StoreSaturated(RoundToInt(hn::Mul(factor, hn::MulAdd(LoadAsFloat(d, from), reciprocal, addend))), to);
+    StoreRounded(hn::Mul(factor, hn::MulAdd(LoadAsFloat(d, from), reciprocal, addend)), to);
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }

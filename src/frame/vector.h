@@ -118,6 +118,19 @@ TZM_INLINE V MaxOrNaN(V a, V b) {
 // To nearest, ties to even; beyond the range the nearest end; NaN to 0. AArch64's conversion does all
 // of that by itself, x86's gives the least integer for whatever it cannot represent.
 
+#if HWY_ARCH_X86
+// The instruction alone; Highway's form of it repairs what our callers see to themselves.
+template <class V>
+TZM_INLINE auto ConvertNearest(V x) {
+  using Integers = Vec<hn::RebindToSigned<hn::DFromV<V>>>;
+  if constexpr (sizeof(x.raw) == 16) return Integers{_mm_cvtps_epi32(x.raw)};
+#if HWY_TARGET <= HWY_AVX3
+  else if constexpr (sizeof(x.raw) == 64) return Integers{_mm512_cvtps_epi32(x.raw)};
+#endif
+  else return Integers{_mm256_cvtps_epi32(x.raw)};
+}
+#endif
+
 // binary32 lanes to 32-bit integer lanes.
 template <class V>
 TZM_INLINE auto RoundToInt(V x) {
@@ -125,7 +138,7 @@ TZM_INLINE auto RoundToInt(V x) {
   const hn::DFromV<V> df;
   const hn::RebindToSigned<decltype(df)> d32;
   const auto above = hn::RebindMask(d32, hn::Ge(x, hn::Set(df, 2147483648.0f)));
-  const auto fixed = hn::IfThenElse(above, hn::Set(d32, std::numeric_limits<int32_t>::max()), hn::NearestInt(x));
+  const auto fixed = hn::IfThenElse(above, hn::Set(d32, std::numeric_limits<int32_t>::max()), ConvertNearest(x));
   return hn::IfThenZeroElse(hn::RebindMask(d32, hn::IsNaN(x)), fixed);
 #else
   return hn::NearestInt(x);
@@ -202,10 +215,30 @@ template <class V, class T>
 TZM_INLINE void StoreSaturated(V v, T* to) {
   const hn::Rebind<T, hn::DFromV<V>> dn;
 #if HWY_ARCH_X86  // Highway's narrowing to 8 bits does not saturate what has more than 15
-  if constexpr (sizeof(T) == 1) v = hn::Min(v, hn::Set(hn::DFromV<V>(), std::numeric_limits<T>::max()));
+  static_assert(sizeof(T) > 1);
 #endif
   if constexpr (sizeof(T) == 4) hn::StoreU(v, dn, to);
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
+}
+
+// binary32 lanes as integers of up to 32 bits, rounded as above. Where the conversion does not saturate,
+// narrow ones are clamped first.
+template <class V, class T>
+TZM_INLINE void StoreRounded(V x, T* to) {
+#if HWY_ARCH_X86
+  if constexpr (sizeof(T) < 4) {
+    const hn::DFromV<V> d;
+    const hn::Rebind<T, decltype(d)> dn;
+    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
+    else x = MaxOrSecond(x, hn::Zero(d));
+    x = MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max()));
+    hn::StoreU(hn::DemoteTo(dn, ConvertNearest(x)), dn, to);
+  } else {
+    StoreSaturated(RoundToInt(x), to);
+  }
+#else
+  StoreSaturated(RoundToInt(x), to);
+#endif
 }
 
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
