@@ -97,15 +97,15 @@ struct Windows {
 
   // x[i] = sample `row + i` of each window.
   static TZM_INLINE void ReadRows(const Sample* const* window, size_t row, V (&x)[kRows]) {
-    for (size_t k = 0; k < kRows; ++k) x[k] = Widen(Read<kOutputs>(window + k, row));
     const D d;
+    Unrolled<kRows>([&](size_t k) TZM_LAMBDA { x[k] = Widen(Read<kOutputs>(window + k, row)); });
     if constexpr (kRows == 4) {  // 4 by 4 within blocks
       const V even[2] = {hn::InterleaveLower(d, x[0], x[2]), hn::InterleaveUpper(d, x[0], x[2])};
       const V odd[2] = {hn::InterleaveLower(d, x[1], x[3]), hn::InterleaveUpper(d, x[1], x[3])};
-      for (size_t k = 0; k < 2; ++k) {
+      Unrolled<2>([&](size_t k) TZM_LAMBDA {
         x[2 * k] = hn::InterleaveLower(d, even[k], odd[k]);
         x[2 * k + 1] = hn::InterleaveUpper(d, even[k], odd[k]);
-      }
+      });
     } else if constexpr (kRows == 2) {
       const hn::Repartition<double, D> d64;
       const auto first = hn::BitCast(d64, x[0]), second = hn::BitCast(d64, x[1]);
@@ -145,19 +145,23 @@ struct Windows {
   // kBlock outputs; their taps begin at column `column` of the rows.
   static void Run(const Sample* const* window, const Tap* const* rows, size_t rowCount, size_t column, Sample* dst) {
     V sum[kVectors];
-    for (V& each : sum) each = hn::Zero(D());
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { sum[v] = hn::Zero(D()); });
     size_t r = 0;
     for (; rowCount - r >= kRows; r += kRows) {
-      for (size_t v = 0; v < kVectors; ++v) {
+      Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
         V x[kRows];
         ReadRows(window + v * kOutputs, r, x);
-        for (size_t k = 0; k < kRows; ++k) sum[v] = Step(x[k], rows[r + k] + column + v * kOutputs, sum[v]);
-      }
+        Unrolled<kRows>([&](size_t k) TZM_LAMBDA {
+          sum[v] = Step(x[k], rows[r + k] + column + v * kOutputs, sum[v]);
+        });
+      });
     }
-    for (; r < rowCount; ++r)
-      for (size_t v = 0; v < kVectors; ++v)
+    for (; r < rowCount; ++r) {
+      Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
         sum[v] = Step(ReadRow(window + v * kOutputs, r), rows[r] + column + v * kOutputs, sum[v]);
-    for (size_t v = 0; v < kVectors; ++v) Store(sum[v], Reals(dst + v * kOutputs));
+      });
+    }
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { Store(sum[v], Reals(dst + v * kOutputs)); });
   }
 };
 

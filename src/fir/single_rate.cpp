@@ -61,30 +61,38 @@ void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store sto
     constexpr size_t kVectors = vectors;
     const T* const from = x + n;
     Vec<decltype(d)> sum[kVectors];
-    for (size_t v = 0; v < kVectors; ++v) sum[v] = hn::Zero(d);
-    const auto step = [&](size_t v, size_t j) TZM_LAMBDA {
-      sum[v] = hn::MulAdd(hn::Set(d, taps[j]), hn::LoadU(d, from + v * kLanes + j * kStride), sum[v]);
-    };
-    if (kVectors >= 4 && tapsLen >= 4 * kLag) {
-      // Loads are the limit, half of them cross a cache line: let every other vector lag so many taps
-      // behind its neighbour that both want the same samples.
-      for (size_t j = 0; j < kLag; ++j)
-        for (size_t v = 0; v < kVectors; v += 2) step(v, j);
-      for (size_t j = kLag; j < tapsLen; ++j) {
-        const auto ahead = hn::Set(d, taps[j]), behind = hn::Set(d, taps[j - kLag]);
-        for (size_t v = 0; v + 1 < kVectors; v += 2) {
-          const auto samples = hn::LoadU(d, from + v * kLanes + j * kStride);
-          sum[v] = hn::MulAdd(ahead, samples, sum[v]);
-          sum[v + 1] = hn::MulAdd(behind, samples, sum[v + 1]);
-        }
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { sum[v] = hn::Zero(d); });
+    // Loads are the limit, and many cross a cache line. So vectors share them in groups of kDepth: each
+    // lags as many taps behind its neighbour as make both want the same samples. From time t to `end`,
+    // members kFirst to kLast - 1 of every group take their next tap.
+    const auto advance = [&]<size_t kDepth, size_t kFirst, size_t kLast>(size_t t, size_t end) TZM_LAMBDA {
+      for (; t < end; ++t) {
+        Vec<decltype(d)> tap[kDepth];
+        Unrolled<kLast - kFirst>([&](size_t i) TZM_LAMBDA {
+          tap[kFirst + i] = hn::Set(d, taps[t - (kFirst + i) * kLag]);
+        });
+        Unrolled<kVectors / kDepth>([&](size_t group) TZM_LAMBDA {
+          const auto samples = InRegister(hn::LoadU(d, from + group * kDepth * kLanes + t * kStride));
+          Unrolled<kLast - kFirst>([&](size_t i) TZM_LAMBDA {
+            auto& own = sum[group * kDepth + kFirst + i];
+            own = hn::MulAdd(tap[kFirst + i], samples, own);
+          });
+        });
       }
-      for (size_t j = tapsLen - kLag; j < tapsLen; ++j)
-        for (size_t v = 1; v < kVectors; v += 2) step(v, j);
+    };
+    constexpr size_t kDepth = HWY_MIN(kVectors, size_t{2});
+    if (kDepth > 1 && tapsLen >= 2 * kDepth * kLag) {
+      Unrolled<kDepth - 1>([&](auto s) TZM_LAMBDA {
+        advance.template operator()<kDepth, 0, s + 1>(s * kLag, (s + 1) * kLag);
+      });
+      advance.template operator()<kDepth, 0, kDepth>((kDepth - 1) * kLag, tapsLen);
+      Unrolled<kDepth - 1>([&](auto s) TZM_LAMBDA {
+        advance.template operator()<kDepth, s + 1, kDepth>(tapsLen + s * kLag, tapsLen + (s + 1) * kLag);
+      });
     } else {
-      for (size_t j = 0; j < tapsLen; ++j)
-        for (size_t v = 0; v < kVectors; ++v) step(v, j);
+      advance.template operator()<1, 0, 1>(0, tapsLen);
     }
-    for (size_t v = 0; v < kVectors; ++v) store(d, n + v * kLanes, sum[v]);
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { store(d, n + v * kLanes, sum[v]); });
   });
 }
 
@@ -96,16 +104,17 @@ void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi
   ForLanes<kChains<T> / 2, HWY_MAX(size_t{1}, kBlock<T> / kLanes)>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
-    for (size_t v = 0; v < kVectors; ++v) re[v] = im[v] = hn::Zero(d);
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { re[v] = im[v] = hn::Zero(d); });
     for (size_t j = 0; j < tapsLen; ++j) {
       const auto tr = hn::Set(d, taps[j].re), ti = hn::Set(d, taps[j].im);
-      for (size_t v = 0; v < kVectors; ++v) {
-        const auto r = hn::LoadU(d, xr + n + v * kLanes + j), i = hn::LoadU(d, xi + n + v * kLanes + j);
+      Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
+        const auto r = InRegister(hn::LoadU(d, xr + n + v * kLanes + j));
+        const auto i = InRegister(hn::LoadU(d, xi + n + v * kLanes + j));
         re[v] = hn::NegMulAdd(ti, i, hn::MulAdd(tr, r, re[v]));
         im[v] = hn::MulAdd(ti, r, hn::MulAdd(tr, i, im[v]));
-      }
+      });
     }
-    for (size_t v = 0; v < kVectors; ++v) store(d, n + v * kLanes, re[v], im[v]);
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { store(d, n + v * kLanes, re[v], im[v]); });
   });
 }
 

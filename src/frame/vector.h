@@ -61,6 +61,24 @@ class AnyLane {
   Mask<D> seen_ = hn::MaskFromVec(hn::Zero(D()));
 };
 
+// f(0), f(1), ... f(N-1), written out, the number being a constant expression: GCC leaves loops over arrays
+// of registers rolled, and the arrays in memory.
+template <size_t N, class F>
+TZM_INLINE void Unrolled(F&& f) {
+  [&]<size_t... i>(std::index_sequence<i...>) TZM_LAMBDA {
+    (f(std::integral_constant<size_t, i>()), ...);
+  }(std::make_index_sequence<N>());
+}
+
+// Keeps a value that was loaded once in its register: GCC on x86 rather loads it again in each operation.
+template <class V>
+TZM_INLINE V InRegister(V v) {
+#if HWY_ARCH_X86
+  asm("" : "+x"(v.raw));
+#endif
+  return v;
+}
+
 // ---- Minimum and maximum with one meaning ----
 // `b` where `a` is NaN or the comparison fails: the second operand wins ties of signed zeros too.
 template <class V>
