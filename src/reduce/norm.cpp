@@ -69,7 +69,7 @@ auto Of(const T* src1, const T* src2) {
 
 // Real part squared onto the rounded square of the imaginary part.
 template <class X>
-auto SquaredMagnitude(const X& x, size_t i) {
+TZM_INLINE auto SquaredMagnitude(const X& x, size_t i) {
   const auto re = x.At(2 * i), im = x.At(2 * i + 1);
   return Fma(re, re, im * im);
 }
@@ -83,11 +83,14 @@ T BodyMaximum(size_t body, Load load) {
   const Full<T> d;
   const hn::CappedTag<T, kStep> step;
   constexpr size_t kWide = hn::MaxLanes(d), kNarrow = hn::MaxLanes(step), kUnroll = 4;
-  Vec<decltype(d)> best[kUnroll];
-  for (auto& b : best) b = hn::Zero(d);
+  const auto zero = hn::Zero(d);
+  Vec<decltype(d)> best[kUnroll] = {zero, zero, zero, zero};
   size_t i = 0;
-  for (; body - i >= kUnroll * kWide; i += kUnroll * kWide)
-    for (size_t k = 0; k < kUnroll; ++k) best[k] = MaxMagnitude(best[k], load(d, i + k * kWide));
+  for (; body - i >= kUnroll * kWide; i += kUnroll * kWide) {
+    [&]<size_t... k>(std::index_sequence<k...>) TZM_LAMBDA {
+      ((best[k] = MaxMagnitude(best[k], load(d, i + k * kWide))), ...);
+    }(std::make_index_sequence<kUnroll>());
+  }
   for (; body - i >= kWide; i += kWide) best[0] = MaxMagnitude(best[0], load(d, i));
   T lane[kWide + kNarrow];
   hn::StoreU(MaxMagnitude(MaxMagnitude(best[0], best[1]), MaxMagnitude(best[2], best[3])), d, lane);

@@ -19,7 +19,7 @@ constexpr double kLn2 = 0x1.62e42fefa39efp-1;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 // ln(1 + i/256) rounded to binary64, proven: the long double is farther from a tie than its own error.
-double TableLn(int i) {
+double DeriveLn(int i) {
   const long double exact = logl(1 + i / 256.0L);
   const double rounded = static_cast<double>(exact);
   const long double half = (std::nextafter(rounded, 1.0) - static_cast<long double>(rounded)) / 2;
@@ -27,6 +27,15 @@ double TableLn(int i) {
   EXPECT_LT(error, half / 8);
   EXPECT_TRUE(i == 0 || half - std::fabs(exact - rounded) > error) << "row " << i << " cannot be decided";
   return rounded;
+}
+
+double TableLn(int i) {
+  static const std::vector<double> table = [] {
+    std::vector<double> rows;
+    for (int row = 0; row < 256; ++row) rows.push_back(DeriveLn(row));
+    return rows;
+  }();
+  return table[i];
 }
 
 struct Reduced {
@@ -113,7 +122,7 @@ TEST(SumLn, Values) {
 
 TEST(SumLn, LogarithmsAboveOne) {
   Random random(2);
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 600; ++round) {
     const float x = std::ldexp(static_cast<float>(1 + random.Unit()), random.Below(8));
     const long double exact = logl(x);
     EXPECT_NEAR(One(ORVAS_SumLn_32f, x), exact, 0x1p-22) << x;
