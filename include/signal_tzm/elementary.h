@@ -182,8 +182,66 @@ TZM_API OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* p
 
 /* ---- Scaled integer exponentials and logarithms ---- */
 
+/** @name Scaled exponentials and logarithms of integers
+ * dst[i] = e^src[i] or ln src[i], computed in binary64, times 2^-s, where s is log2(scale) truncated toward
+ * zero, rounded to nearest, ties to even, and saturated; saturation is not reported. A scale below 1 keeps
+ * fraction bits of a logarithm: with scale 2^-10, ln 2 gives 710. Beyond the range of binary64 e^x is infinite
+ * (x > 709), and so the largest value at every scale, or 0.
+ *
+ * Status: 1 null pointer; 2 `len < 1`; 20 `scale` not positive and finite; then, with `dst` written in full,
+ * Ln: 301 a zero element, whose result is the least value of the type; 302 a negative element, whose result
+ * is 0. Every element is looked at, and the last one of the two kinds decides. `dst` may be `src`. @{ */
+TZM_API OrvaStatus ORVAS_Exp_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Exp_32s_S(const Orva32s* src, Orva32s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Exp_16s_IS(Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Exp_32s_IS(Orva32s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Ln_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Ln_32s_S(const Orva32s* src, Orva32s* dst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Ln_16s_IS(Orva16s* srcDst, int32_t len, double scale);
+TZM_API OrvaStatus ORVAS_Ln_32s_IS(Orva32s* srcDst, int32_t len, double scale);
+/** @} */
+
 /* ---- Complex logarithm, sine and cosine ---- */
 
+/** @name Complex logarithm, sine and cosine
+ * With z = x + i y = src[i]:
+ *   Log10: log10 |z| + i atan2(y, x) / ln 10, the principal branch, cut along the negative real axis, where the
+ *     sign of a zero y tells the side;
+ *   Sin: sin x cosh y + i cos x sinh y;
+ *   Cos: cos x cosh y - i sin x sinh y.
+ * Each part is accurate by itself over the whole plane (docs/accuracy.md): there is no overflow before the result
+ * overflows, and no cancellation near |z| = 1. 32fc is computed in binary64 and rounded. Signed zeros,
+ * infinities and NaN give what C's clog (divided by ln 10), csin and ccos give.
+ *
+ * Status: 1 null pointer; 2 `len < 1`; Log10: 303 with `dst` written in full, some element is zero, whose result
+ * is -infinity + i atan2(y, x) / ln 10. Every element is looked at. `dst` may be `src`. @{ */
+TZM_API OrvaStatus ORVAS_Log10_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Log10_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sin_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Sin_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Cos_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Cos_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
+/** @} */
+
 /* ---- Powers by accuracy class ---- */
+
+/** @name Powers by accuracy class
+ * dst[i] = src[i] to the power `value`. The class names the least number of good bits; where more come at no
+ * cost they are given. The binary32 classes A11, A21 and A24 are one computation, e^(value ln src[i]) by
+ * ORVAS_Ln_64f and ORVAS_Exp_64f in binary64, rounded once (within 0.501 units in the last place). A26 is the
+ * same in binary64, good to 41 bits. A50 and A53 are the companion's power, within 1 unit in the last place.
+ * Signed zeros, infinities and NaN give what C's pow gives: 1 for an exponent of 0 and a base of 1, signs for
+ * odd integer exponents, NaN for a negative finite base with a finite exponent that is no integer.
+ *
+ * Status: 1 null pointer; 2 `len < 1`; then, with `dst` written in full: 303 a zero base with a negative
+ * exponent (result infinite); 304 a negative finite base with a finite exponent that is no integer. Every
+ * element is looked at, and the last one of the two kinds decides. `dst` may be `src`. @{ */
+TZM_API OrvaStatus ORVAS_Powx_32f_A11(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Powx_32f_A21(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Powx_32f_A24(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Powx_64f_A26(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Powx_64f_A50(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len);
+TZM_API OrvaStatus ORVAS_Powx_64f_A53(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len);
+/** @} */
 
 #endif
