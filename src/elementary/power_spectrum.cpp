@@ -4,6 +4,7 @@
 #include "frame/call.h"
 #include "frame/complex_source.h"
 #include "frame/drive.h"
+#include "frame/scale.h"
 #include "frame/vector.h"
 
 using namespace tzm;
@@ -39,6 +40,26 @@ OrvaStatus IntegerPowerSpectrum(Orva32f* dst, int32_t len, const Source*... src)
   return ORVA_STS_NO_ERR;
 }
 
+// The exact sum put through the scale rule.
+template <class... Source>
+OrvaStatus ScaledPowerSpectrum(Orva16s* dst, int32_t len, double scale, const Source*... src) {
+  if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const Full<uint32_t> d32;
+  const Full<int16_t> d16;
+  const auto limit = hn::Set(d32, 32767);
+  WithShift(d32, ScaleExponent(scale), [&](const auto& shift) TZM_LAMBDA {
+    const auto narrow = [&](Vec<Full<uint32_t>> sum) TZM_LAMBDA {
+      return hn::BitCast(Full<int32_t>(), hn::Min(shift(sum), limit));
+    };
+    ForEach<hn::MaxLanes(d16)>(len, [&](Orva16s* to, const Source*... from) TZM_LAMBDA {
+      const SquareSums sums = LoadSquareSums(from...);
+      hn::StoreU(NarrowPair(d16, narrow(sums.low), narrow(sums.high)), d16, to);
+    }, dst, src...);
+  });
+  return ORVA_STS_NO_ERR;
+}
+
 }  // namespace
 
 OrvaStatus ORVAS_PowerSpectr_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len) {
@@ -63,4 +84,13 @@ OrvaStatus ORVAS_PowerSpectr_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, 
 
 OrvaStatus ORVAS_PowerSpectr_16sc32f(const Orva16sc* src, Orva32f* dst, int32_t len) {
   return IntegerPowerSpectrum(dst, len, src);
+}
+
+OrvaStatus ORVAS_PowerSpectr_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orva16s* dst, int32_t len,
+                                   double scale) {
+  return ScaledPowerSpectrum(dst, len, scale, srcRe, srcIm);
+}
+
+OrvaStatus ORVAS_PowerSpectr_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len, double scale) {
+  return ScaledPowerSpectrum(dst, len, scale, src);
 }

@@ -1,0 +1,96 @@
+// Scaled exponential and logarithm of integers, computed in binary64 in blocks on the stack.
+#include <signal_tzm/companion.h>
+#include <signal_tzm/elementary.h>
+
+#include "frame/call.h"
+#include "frame/drive.h"
+#include "frame/scale.h"
+#include "frame/vector.h"
+
+using namespace tzm;
+
+namespace {
+
+using F64 = Full<double>;
+using I32 = hn::Rebind<int32_t, F64>;
+constexpr int32_t kBlock = 256;
+
+TZM_INLINE Vec<F64> LoadAsDouble(const Orva32s* from) { return hn::PromoteTo(F64(), hn::LoadU(I32(), from)); }
+TZM_INLINE Vec<F64> LoadAsDouble(const Orva16s* from) {
+  return hn::PromoteTo(F64(), hn::PromoteTo(I32(), hn::LoadU(hn::Rebind<int16_t, F64>(), from)));
+}
+
+// The status of a block that holds elements not above 0 is see(block, count, status so far).
+template <class T, class See>
+OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*function)(int32_t, const double*, double*),
+                  See see) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  const auto factor = hn::Set(F64(), ScaleFactor(ScaleExponent(scale)));
+  OrvaStatus status = ORVA_STS_NO_ERR;
+  alignas(64) double value[kBlock];
+  for (int32_t i = 0; i < len; i += kBlock) {
+    const int32_t count = HWY_MIN(kBlock, len - i);
+    AnyLane<F64> notPositive;
+    ForEach<hn::MaxLanes(F64())>(count, [&](const T* from, double* to) TZM_LAMBDA {
+      const auto x = LoadAsDouble(from);
+      notPositive.See(hn::Le(x, hn::Zero(F64())));
+      hn::StoreU(x, F64(), to);
+    }, src + i, &value[0]);
+    if (notPositive.Seen()) status = see(src + i, count, status);
+    function(count, value, value);
+    ForEach<hn::MaxLanes(F64())>(count, [&](const double* from, T* to) TZM_LAMBDA {
+      StoreSaturated(RoundToInt32(hn::Mul(hn::LoadU(F64(), from), factor)), to);
+    }, static_cast<const double*>(value), dst + i);
+  }
+  return status;
+}
+
+template <class T>
+OrvaStatus ScaledExp(const T* src, T* dst, int32_t len, double scale) {
+  return Scaled(src, dst, len, scale, vdexp, [](const T*, int32_t, OrvaStatus status) { return status; });
+}
+
+// The last element without a logarithm decides the status.
+template <class T>
+OrvaStatus ScaledLn(const T* src, T* dst, int32_t len, double scale) {
+  return Scaled(src, dst, len, scale, vdln, [](const T* block, int32_t count, OrvaStatus) {
+    int32_t last = count - 1;
+    while (LoadElement(block + last) > 0) --last;
+    return LoadElement(block + last) == 0 ? ORVA_STS_LN_ZERO_WARN : ORVA_STS_LN_NEG_WARN;
+  });
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Exp_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale) {
+  return ScaledExp(src, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Exp_32s_S(const Orva32s* src, Orva32s* dst, int32_t len, double scale) {
+  return ScaledExp(src, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Exp_16s_IS(Orva16s* srcDst, int32_t len, double scale) {
+  return ORVAS_Exp_16s_S(srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Exp_32s_IS(Orva32s* srcDst, int32_t len, double scale) {
+  return ORVAS_Exp_32s_S(srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Ln_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale) {
+  return ScaledLn(src, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Ln_32s_S(const Orva32s* src, Orva32s* dst, int32_t len, double scale) {
+  return ScaledLn(src, dst, len, scale);
+}
+
+OrvaStatus ORVAS_Ln_16s_IS(Orva16s* srcDst, int32_t len, double scale) {
+  return ORVAS_Ln_16s_S(srcDst, srcDst, len, scale);
+}
+
+OrvaStatus ORVAS_Ln_32s_IS(Orva32s* srcDst, int32_t len, double scale) {
+  return ORVAS_Ln_32s_S(srcDst, srcDst, len, scale);
+}
