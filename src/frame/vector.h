@@ -133,8 +133,8 @@ TZM_INLINE V MaxOrNaN(V a, V b) {
 }
 
 // ---- Floating to integer ----
-// To nearest, ties to even; beyond the range the nearest end; NaN to 0. AArch64's conversion does all
-// of that by itself, x86's gives the least integer for whatever it cannot represent.
+// To nearest, ties to even, unless told otherwise; beyond the range the nearest end; NaN to 0. AArch64's
+// conversion does all of that by itself, x86's gives the least integer for whatever it cannot represent.
 
 #if HWY_ARCH_X86
 // The instruction alone; Highway's form of it repairs what our callers see to themselves.
@@ -163,15 +163,19 @@ TZM_INLINE auto RoundToInt(V x) {
 #endif
 }
 
-// binary64 lanes to half as many 32-bit integer lanes.
+// binary64 lanes to half as many 32-bit integer lanes, toward zero and to nearest.
 template <class V>
-TZM_INLINE auto RoundToInt32(V x) {
+TZM_INLINE auto TruncateToInt32(V x) {
   const hn::DFromV<V> df;
   const hn::Rebind<int32_t, decltype(df)> d32;
 #if HWY_ARCH_X86
   x = hn::IfThenZeroElse(hn::IsNaN(x), x);
 #endif
-  return hn::DemoteTo(d32, hn::Round(x));
+  return hn::DemoteTo(d32, x);
+}
+template <class V>
+TZM_INLINE auto RoundToInt32(V x) {
+  return TruncateToInt32(hn::Round(x));
 }
 
 // binary64 lanes to 64-bit integer lanes.

@@ -1,4 +1,4 @@
-// Hann, Hamming, Blackman and Bartlett windows against a restatement, one value at a time, and against
+// Hann, Hamming, Blackman, Bartlett and Kaiser windows against a restatement, one value at a time, and against
 // their formulas.
 #include <gtest/gtest.h>
 #include <signal_tzm/generate.h>
@@ -23,7 +23,7 @@ constexpr bool kDouble = SampleOf<Sample>().kind == Kind::k64f;
 template <class Sample>
 using Value = std::conditional_t<kDouble<Sample>, double, float>;
 
-enum Shape { kHann, kHamming, kBartlett, kBlackman, kBlackmanOpt };
+enum Shape { kHann, kHamming, kBartlett, kBlackman, kBlackmanOpt, kKaiser };
 
 // Sine (quarter 0) or cosine (quarter 1) as the seed makes it.
 double Seed(double x, int quarter) {
@@ -85,6 +85,31 @@ float HammingTail(int i, double s) {
   return static_cast<float>(std::fma(-static_cast<double>(value), 0.46, 0.54));
 }
 
+// The series of I0(x) as a function of x/2.
+float Bessel(float half) {
+  float sum = 1, term = 1;
+  for (int k = 1; k <= 32; ++k) {
+    term = term * (half * half / static_cast<float>(k * k));
+    sum = sum + term;
+  }
+  return sum;
+}
+double Bessel(double half) {
+  double sum = 1, term = 1, last = 0;
+  for (int k = 1; sum != last && sum == sum; ++k) {
+    term = term * (half * half / (k * k));
+    last = sum;
+    sum = sum + term;
+  }
+  return sum;
+}
+
+template <class T>
+T Kaiser(int i, int len, T alpha) {
+  const T n = static_cast<T>(len - 1), index = static_cast<T>(i);
+  return Bessel(std::sqrt((n - index) * index) * alpha * T(0.5)) / Bessel(alpha * n * T(0.5) * T(0.5));
+}
+
 // The window of indices below len / 2, by the arithmetic of Sample.
 template <class Sample>
 std::vector<Value<Sample>> Window(Shape shape, int len, double alpha) {
@@ -105,7 +130,9 @@ std::vector<Value<Sample>> Window(Shape shape, int len, double alpha) {
     const float cf = static_cast<float>(c), af = static_cast<float>(alpha);
     const double hann = std::fma(-c, 0.5, 0.5);
     double value = 0;
-    if (shape == kBartlett) {
+    if (shape == kKaiser) {
+      value = Kaiser(i, len, static_cast<T>(alpha));
+    } else if (shape == kBartlett) {
       value = static_cast<T>(i) * (T(2) / static_cast<T>(len - 1));
     } else if (shape == kHamming && kDouble<Sample>) {
       value = std::fma(-std::cos(i * w), 0.46, 0.54);
@@ -162,9 +189,9 @@ std::vector<Sample> Expected(const std::vector<Sample>& src, Shape shape, double
 
 template <class Sample, class Call>
 void CheckBits(const char* name, Shape shape, double alpha, Call call) {
-  for (int len : {3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 30, 31, 32, 33, 36,
+  for (int len : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 30, 31, 32, 33, 36,
                   37, 47, 48, 49, 63, 64, 65, 66, 67, 71, 100, 127, 129, 514, 777}) {
-    if (shape == kBlackmanOpt && len < 4) continue;
+    if (len < (shape == kBlackmanOpt ? 4 : shape == kKaiser ? 1 : 3)) continue;
     const uint64_t seed = static_cast<uint64_t>(len);
     for (Variety variety : {Variety::kModerate, kInteger<Sample> ? Variety::kWide : Variety::kSpecial}) {
       const auto src = RandomArray<Sample>(static_cast<size_t>(len), seed, variety);
@@ -180,13 +207,20 @@ void CheckBits(const char* name, Shape shape, double alpha, Call call) {
   CheckBits<Orva##type>("Blackman_" #type, kBlackman, alpha, [](auto* src, auto* dst, int32_t len) { \
     return ORVAS_WinBlackman_##type(src, dst, len, alpha);                                            \
   })
+#define CHECK_KAISER(type, alpha)                                                                   \
+  CheckBits<Orva##type>("Kaiser_" #type, kKaiser, alpha, [](auto* src, auto* dst, int32_t len) { \
+    return ORVAS_WinKaiser_##type(src, dst, len, alpha);                                            \
+  })
 #define CHECK_ALL(type)                           \
   CHECK_BITS(Hann, kHann, type);                  \
   CHECK_BITS(Hamming, kHamming, type);            \
   CHECK_BITS(Bartlett, kBartlett, type);          \
   CHECK_BITS(BlackmanStd, kBlackman, type);       \
   CHECK_BITS(BlackmanOpt, kBlackmanOpt, type);    \
-  CHECK_BLACKMAN(type, 0.3f)
+  CHECK_BLACKMAN(type, 0.3f);                     \
+  CHECK_KAISER(type, 0.0f);                       \
+  CHECK_KAISER(type, -0.09f);                     \
+  CHECK_KAISER(type, 1e-4f)
 
 TEST(Window, Bits16s) { CHECK_ALL(16s); }
 TEST(Window, Bits16sc) { CHECK_ALL(16sc); }
@@ -229,6 +263,46 @@ TEST(Window, Formulas) {
   // Between its 64 entries the table's polynomial, of the third degree, errs by up to 5e-7 (4e-6 where n is truncated).
   CheckFormulas<Orva32f>(ORVAS_WinHann_32f_I, ORVAS_WinHamming_32f_I, ORVAS_WinBartlett_32f_I,
                          ORVAS_WinBlackmanStd_32f_I, ORVAS_WinBlackmanOpt_32f_I, 4e-6L);
+}
+
+// alpha N / 2 from next to nothing to the limits, against I0 in long double.
+template <class T, class Call>
+void CheckKaiser(Call call, std::vector<double> betas, long double bound) {
+  const auto bessel = [](long double x) {
+    long double sum = 1, term = 1;
+    for (int k = 1; k < 500; ++k) sum += term *= x * x / (4.0L * k * k);
+    return sum;
+  };
+  for (double beta : betas) {
+    const int len = 73, n = len - 1;
+    std::vector<T> w(static_cast<size_t>(len), 1);
+    const T alpha = static_cast<T>(beta * 2 / n);
+    ASSERT_EQ(call(w.data(), len, alpha), ORVA_STS_NO_ERR);
+    for (int i = 0; i < n / 2; ++i) {
+      const long double x = alpha * sqrtl(static_cast<long double>(n - i) * i);
+      const T expected = static_cast<T>(bessel(x) / bessel(alpha * static_cast<long double>(n) / 2));
+      ASSERT_NEAR(w[static_cast<size_t>(i)], expected, static_cast<double>(bound)) << beta << " index " << i;
+    }
+  }
+}
+
+TEST(Window, Kaiser) {
+  CheckKaiser<Orva64f>(ORVAS_WinKaiser_64f_I, {1e-9, 0.1, 3, 8.6, 40, 307.9}, 1e-13L);
+  CheckKaiser<Orva32f>(ORVAS_WinKaiser_32f_I, {1e-9, 0.1, 3, 8.6, 20}, 5e-6L);  // beta roundings or so
+  CheckKaiser<Orva32f>(ORVAS_WinKaiser_32f_I, {37.9}, 1e-4L);  // 32 terms are not quite enough
+}
+
+TEST(Window, KaiserLimits) {
+  Orva32f x[] = {2, 3};
+  EXPECT_EQ(ORVAS_WinKaiser_32f_I(x, 2, std::nextafter(-76.0f, -77.0f)), ORVA_STS_KAISER_ALPHA_ERR);
+  EXPECT_EQ(x[1], 3);
+  EXPECT_EQ(ORVAS_WinKaiser_32f_I(x, 2, 76), ORVA_STS_NO_ERR);
+  EXPECT_LT(x[0], 1e-14f);
+  Orva64f y[] = {2, 3};
+  EXPECT_EQ(ORVAS_WinKaiser_64f_I(y, 2, std::nextafter(616.0, 617.0)), ORVA_STS_KAISER_ALPHA_ERR);
+  EXPECT_EQ(ORVAS_WinKaiser_64f_I(y, 2, -616), ORVA_STS_NO_ERR);
+  EXPECT_EQ(ORVAS_WinKaiser_64f_I(y, 2, NAN), ORVA_STS_NO_ERR);
+  EXPECT_TRUE(std::isnan(y[0]));
 }
 
 TEST(Window, EndsAndMiddle) {

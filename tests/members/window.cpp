@@ -77,6 +77,18 @@ static const Rows rows("generate", {
     MEMBER(ORVAS_WinBlackmanOpt_64f_I).MinLength(4),
     MEMBER(ORVAS_WinBlackmanOpt_64fc).MinLength(4),
     MEMBER(ORVAS_WinBlackmanOpt_64fc_I).MinLength(4),
+    MEMBER(ORVAS_WinKaiser_16s).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_16s_I).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_16sc).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_16sc_I).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_32f).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_32f_I).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_32fc).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_32fc_I).Constants({{0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_64f).Constants({{0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_64f_I).Constants({{0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_64fc).Constants({{0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBER(ORVAS_WinKaiser_64fc_I).Constants({{0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
 });
 
 }  // namespace tzm_test

@@ -1,0 +1,108 @@
+// Kaiser window, by the power series of the modified Bessel function I0.
+#include <signal_tzm/generate.h>
+
+#include "frame/call.h"
+#include "frame/window.h"
+
+#include <array>
+
+using namespace tzm;
+
+namespace {
+
+// I0(x) = 1 + sum over k of t(k) with t(0) = 1 and t(k) = t(k - 1) * (y / k^2) of y = (x/2)^2, in each lane;
+// 32 terms in binary32.
+//
+// The quotients are those of a division: multiplied by the reciprocal, with one step of correction. That
+// gives the division's bits for each of these divisors and every y (tested over all fractions) but for y so
+// small, below 2^-100, that no term changes the sum.
+constexpr size_t kTerms32 = 32;
+constexpr auto kReciprocals = [] {
+  std::array<float, kTerms32> reciprocals{};
+  for (size_t k = 1; k <= kTerms32; ++k) reciprocals[k - 1] = 1.0f / static_cast<float>(k * k);
+  return reciprocals;
+}();
+
+template <class D, class V = Vec<D>>
+TZM_INLINE V Bessel(D d, V y, float) {
+  auto sum = hn::Set(d, 1.0f), term = sum;
+  for (size_t k = 1; k <= kTerms32; ++k) {
+    const auto reciprocal = hn::Set(d, kReciprocals[k - 1]);
+    const auto estimate = hn::Mul(y, reciprocal);
+    const auto rest = hn::NegMulAdd(estimate, hn::Set(d, static_cast<float>(k * k)), y);
+    term = hn::Mul(term, hn::MulAdd(rest, reciprocal, estimate));
+    sum = hn::Add(sum, term);
+  }
+  return sum;
+}
+
+// In binary64 until no sum changes any more; a NaN counts as unchanged. The terms of a lane that stands still
+// only shrink, so it does not matter how long other lanes keep it going.
+template <class D, class V = Vec<D>>
+TZM_INLINE V Bessel(D d, V y, double) {
+  auto sum = hn::Set(d, 1.0), term = sum, last = sum;
+  double k = 0;
+  do {
+    ++k;
+    last = sum;
+    term = hn::Mul(term, hn::Div(y, hn::Set(d, k * k)));
+    sum = hn::Add(sum, term);
+  } while (!hn::AllTrue(d, hn::Or(hn::Eq(sum, last), hn::IsNaN(sum))));
+  return sum;
+}
+
+template <class Real>
+class Kaiser {
+ public:
+  using D = Full<Real>;
+
+  Kaiser(int32_t len, Real alpha) : n_(static_cast<Real>(len - 1)), alpha_(alpha) {
+    const hn::CappedTag<Real, 1> one;
+    whole_ = hn::GetLane(Series(one, hn::Set(one, alpha * n_ * Real(0.5))));
+  }
+  // I0(alpha sqrt((n - i) i)) / I0(alpha n / 2)
+  template <class DB>
+  TZM_INLINE Vec<DB> Block(DB d, size_t i) const {
+    const auto index = Indices(d, i);
+    const auto root = hn::Sqrt(hn::Mul(hn::Sub(hn::Set(d, n_), index), index));
+    return hn::Div(Series(d, hn::Mul(root, hn::Set(d, alpha_))), hn::Set(d, whole_));
+  }
+
+ private:
+  template <class DB>
+  static TZM_INLINE Vec<DB> Series(DB d, Vec<DB> x) {
+    const auto half = hn::Mul(x, hn::Set(d, Real(0.5)));
+    return Bessel(d, hn::Mul(half, half), Real());
+  }
+
+  Real n_, alpha_, whole_;
+};
+
+template <class Sample, class Real>
+OrvaStatus ApplyKaiser(const Sample* src, Sample* dst, int32_t len, Real alpha) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  // The largest argument whose series stays in the range of the type, squared terms included.
+  constexpr double kLimit = std::is_same_v<Real, double> ? 308.0 : 38.0;
+  if (__builtin_fabs(static_cast<double>(alpha)) * (len - 1) * 0.5 > kLimit) return ORVA_STS_KAISER_ALPHA_ERR;
+  ApplyWindow(src, dst, len, 0, Kaiser<Real>(len, alpha));
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+// A member and its twin in place.
+#define KAISER(type, Alpha)                                                                             \
+  OrvaStatus ORVAS_WinKaiser_##type(const Orva##type* src, Orva##type* dst, int32_t len, Alpha alpha) { \
+    return ApplyKaiser(src, dst, len, alpha);                                                           \
+  }                                                                                                     \
+  OrvaStatus ORVAS_WinKaiser_##type##_I(Orva##type* srcDst, int32_t len, Alpha alpha) {                 \
+    return ORVAS_WinKaiser_##type(srcDst, srcDst, len, alpha);                                          \
+  }
+
+KAISER(16s, Orva32f)
+KAISER(16sc, Orva32f)
+KAISER(32f, Orva32f)
+KAISER(32fc, Orva32f)
+KAISER(64f, Orva64f)
+KAISER(64fc, Orva64f)
+#undef KAISER

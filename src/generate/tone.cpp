@@ -1,0 +1,144 @@
+// Tones: a sampled sinusoid by a linear recurrence in binary64, two samples apart.
+#include <signal_tzm/elementary.h>
+#include <signal_tzm/generate.h>
+
+#include "frame/call.h"
+#include "frame/vector.h"
+
+#include <cmath>
+
+using namespace tzm;
+
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+
+// Four values as four parts of samples in a row; the integers are truncated and saturated.
+template <class Part, class V = Vec<TwoDoubles>>
+TZM_INLINE void StoreFour(V low, V high, Part* to) {
+  if constexpr (std::is_same_v<Part, Orva64f>) {
+    hn::StoreU(low, TwoDoubles(), to);
+    hn::StoreU(high, TwoDoubles(), to + 2);
+  } else if constexpr (std::is_same_v<Part, Orva32f>) {
+    const hn::FixedTag<float, 4> d;
+    const hn::Half<decltype(d)> half;
+    hn::StoreU(hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low)), d, to);
+  } else {
+    const hn::FixedTag<Part, 4> d;
+    hn::StoreU(hn::DemoteTo(d, hn::Combine(FourInts(), TruncateToInt32(high), TruncateToInt32(low))), d, to);
+  }
+}
+
+// One value; an integer is truncated and loses what is above its 16 bits.
+template <class Part>
+TZM_INLINE void StoreOne(double value, Part* to) {
+  if constexpr (std::is_integral_v<Part>) {
+    const hn::CappedTag<double, 1> one;
+    StoreElement(static_cast<Part>(hn::GetLane(TruncateToInt32(hn::Set(one, value)))), to);
+  } else {
+    StoreElement(static_cast<Part>(value), to);
+  }
+}
+
+template <class Sample, class Magnitude, class Real>
+OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real* phase, Real bound) {
+  if (OrvaStatus status = CheckPointers(dst, phase)) return status;
+  const auto readPhase = [=] { return static_cast<double>(LoadElement(phase)); };
+  const double p = readPhase();
+  if (p < 0 || p >= kTwoPi) return ORVA_STS_RANGE_ERR;
+  if (len < 1) return ORVA_STS_SIZE_ERR;
+  if (magn <= 0 || rFreq < 0 || rFreq >= bound) return ORVA_STS_RANGE_ERR;
+
+  using Part = std::conditional_t<std::is_integral_v<Magnitude>, Orva16s, Real>;
+  constexpr int kParts = sizeof(Sample) / sizeof(Part);
+  constexpr int kStep = std::is_integral_v<Part> ? 4 : 2;
+  Part* const to = reinterpret_cast<Part*>(dst);
+  const size_t n = static_cast<size_t>(len), body = n & ~size_t{kStep - 1};
+  const double w = static_cast<double>(rFreq) * kTwoPi, m = magn;
+
+  // The first four samples of the cosine and, in complex tones, of the sine: y[i] = 2 cos(w) y[i-1] - y[i-2].
+  const double angles[] = {p, p + w, w};
+  double cosines[3], y[kParts][4];
+  ORVAS_Cos_64f(angles, cosines, 3);
+  std::memcpy(y[0], cosines, 2 * sizeof(double));
+  if constexpr (kParts == 2) ORVAS_Sin_64f(angles, y[1], 2);
+  const double twiceCos = 2 * cosines[2];
+  Vec<TwoDoubles> last[kParts], now[kParts];
+  for (int part = 0; part < kParts; ++part) {
+    y[part][2] = Fma(twiceCos, y[part][1], -y[part][0]);
+    y[part][3] = Fma(twiceCos, y[part][2], -y[part][1]);
+    last[part] = hn::LoadU(TwoDoubles(), y[part]);
+    now[part] = hn::LoadU(TwoDoubles(), y[part] + 2);
+  }
+  const size_t head = n < 4 ? n : 4;
+  for (size_t i = 0; i < head; ++i)
+    for (int part = 0; part < kParts; ++part) StoreOne(y[part][i] * m, to + i * kParts + part);
+
+  // The bulk, two samples on: y[i] = 2 cos(2w) y[i-2] - y[i-4]. It is never seeded anew, so that its drift
+  // grows with the length.
+  const auto factor = hn::Set(TwoDoubles(), Fma(twiceCos, twiceCos, -2.0)), scale = hn::Set(TwoDoubles(), m);
+  const auto next = [&](int part) TZM_LAMBDA {
+    const auto value = hn::MulSub(factor, now[part], last[part]);
+    last[part] = now[part];
+    now[part] = value;
+    return hn::Mul(value, scale);
+  };
+  size_t i = head;
+  if constexpr (kParts == 2) {
+    for (; i < body; i += 2) {
+      const auto re = next(0), im = next(1);
+      StoreFour(hn::InterleaveLower(TwoDoubles(), re, im), hn::InterleaveUpper(TwoDoubles(), re, im), to + 2 * i);
+    }
+  } else {
+    for (; i + 4 <= body; i += 4) {
+      const auto low = next(0);
+      StoreFour(low, next(0), to + i);
+    }
+    if (i < body) {  // a step of two
+      double pair[2];
+      hn::StoreU(next(0), TwoDoubles(), pair);
+      StoreOne(pair[0], to + i);
+      StoreOne(pair[1], to + i + 1);
+      i += 2;
+    }
+  }
+
+  for (; i < n; ++i) {
+    const double angle = Fma(w, static_cast<double>(i), readPhase());
+    if constexpr (kParts == 2) {
+      double sine, cosine;
+      sincos(angle, &sine, &cosine);
+      StoreOne(cosine * m, to + 2 * i);
+      StoreOne(sine * m, to + 2 * i + 1);
+    } else {
+      StoreOne(cos(angle) * m, to + i);
+    }
+  }
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_Tone_16s(Orva16s* dst, int32_t len, Orva16s magn, Orva32f rFreq, const Orva32f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 0.5f);
+}
+
+OrvaStatus ORVAS_Tone_32f(Orva32f* dst, int32_t len, Orva32f magn, Orva32f rFreq, const Orva32f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 0.5f);
+}
+
+OrvaStatus ORVAS_Tone_64f(Orva64f* dst, int32_t len, Orva64f magn, Orva64f rFreq, const Orva64f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 0.5);
+}
+
+OrvaStatus ORVAS_Tone_16sc(Orva16sc* dst, int32_t len, Orva16s magn, Orva32f rFreq, const Orva32f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 1.0f);
+}
+
+OrvaStatus ORVAS_Tone_32fc(Orva32fc* dst, int32_t len, Orva32f magn, Orva32f rFreq, const Orva32f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 1.0f);
+}
+
+OrvaStatus ORVAS_Tone_64fc(Orva64fc* dst, int32_t len, Orva64f magn, Orva64f rFreq, const Orva64f* phase) {
+  return Tone(dst, len, magn, rFreq, phase, 1.0);
+}
