@@ -154,7 +154,8 @@ OrvaStatus ORVAS_MulC_32sc_S(const Orva32sc* src, Orva32sc value, Orva32sc* dst,
   const int32_t body = len - tail;
   if (body != 0) ScaledComplexProducts(src, value, dst, body, exponent);
   const double factor = ScaleFactor(exponent);
-  for (int32_t i = body; i < len; ++i) StoreElement(RoundedComplexProduct(LoadElement(src + i), value, factor), dst + i);
+  for (int32_t i = body; i < len; ++i)
+    StoreElement(RoundedComplexProduct(LoadElement(src + i), value, factor), dst + i);
   return ORVA_STS_NO_ERR;
 }
 

@@ -168,7 +168,8 @@ OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, doubl
   // The result is that of binary64. Up to a left shift by 3, a root that is not itself a tie is at least
   // 2^-8 / 2^9 away from one, and binary32 roots, 2^-17 from the true ones, round the same way.
   const int exponent = ScaleExponent(scale);
-  return exponent >= -3 ? ScaledRoots(src, dst, len, FactorOf(scale)) : ScaledRoots(src, dst, len, ScaleFactor(exponent));
+  return exponent >= -3 ? ScaledRoots(src, dst, len, FactorOf(scale))
+                        : ScaledRoots(src, dst, len, ScaleFactor(exponent));
 }
 
 OrvaStatus ORVAS_Sqrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale) {

@@ -161,12 +161,14 @@ class ComplexProduct {
     if constexpr (kIs16) {
       re[0].raw = vmlsl_s16(vmull_s16(vget_low_s16(ar), vget_low_s16(br)), vget_low_s16(ai), vget_low_s16(bi));
       re[1].raw = vmlsl_high_s16(vmull_high_s16(ar, br), ai, bi);
-      im[0].raw = vqaddq_s32(vmull_s16(vget_low_s16(ai), vget_low_s16(br)), vmull_s16(vget_low_s16(ar), vget_low_s16(bi)));
+      im[0].raw = vqaddq_s32(vmull_s16(vget_low_s16(ai), vget_low_s16(br)),
+                             vmull_s16(vget_low_s16(ar), vget_low_s16(bi)));
       im[1].raw = vqaddq_s32(vmull_high_s16(ai, br), vmull_high_s16(ar, bi));
     } else {
       re[0].raw = vmlsl_s32(vmull_s32(vget_low_s32(ar), vget_low_s32(br)), vget_low_s32(ai), vget_low_s32(bi));
       re[1].raw = vmlsl_high_s32(vmull_high_s32(ar, br), ai, bi);
-      im[0].raw = vqaddq_s64(vmull_s32(vget_low_s32(ai), vget_low_s32(br)), vmull_s32(vget_low_s32(ar), vget_low_s32(bi)));
+      im[0].raw = vqaddq_s64(vmull_s32(vget_low_s32(ai), vget_low_s32(br)),
+                             vmull_s32(vget_low_s32(ar), vget_low_s32(bi)));
       im[1].raw = vqaddq_s64(vmull_high_s32(ai, br), vmull_high_s32(ar, bi));
     }
     StoreParts(Narrow(shift(re[0]), shift(re[1])), Narrow(shift(im[0]), shift(im[1])), d, to);
@@ -196,7 +198,9 @@ class ComplexProduct {
       re = hn::Add(Vec<Wide>{TZM_X86(madd_epi16)(a.raw, flipped.raw)}, hn::ShiftRight<16>(hn::BitCast(wide, a)));
       im.raw = TZM_X86(madd_epi16)(swapped.raw, b.raw);
     } else {
-      const auto odd = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(hn::RebindToUnsigned<Wide>(), v))); };
+      const auto odd = [&](auto v) TZM_LAMBDA {
+        return hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(hn::RebindToUnsigned<Wide>(), v)));
+      };
       const auto ai = odd(a), bi = odd(b);
       re = hn::Sub(hn::MulEven(a, b), hn::MulEven(ai, bi));
       im = hn::Add(hn::MulEven(ai, b), hn::MulEven(a, bi));
@@ -214,7 +218,8 @@ class ComplexProduct {
     if constexpr (kIs16) {
       return NarrowProducts(d, hn::InterleaveLower(wide, re, im), hn::InterleaveUpper(wide, re, im));
     } else {
-      const auto least = hn::Set(wide, std::numeric_limits<T>::min()), most = hn::Set(wide, std::numeric_limits<T>::max());
+      const auto least = hn::Set(wide, std::numeric_limits<T>::min());
+      const auto most = hn::Set(wide, std::numeric_limits<T>::max());
       const auto saturated = [&](auto v) TZM_LAMBDA { return hn::Min(hn::Max(v, least), most); };
       return hn::OddEven(hn::BitCast(d, hn::ShiftLeft<32>(saturated(im))), hn::BitCast(d, saturated(re)));
     }

@@ -41,7 +41,8 @@ TZM_INLINE T RoundSaturate(F value) {
 
 #if HWY_ARCH_ARM_A64
 namespace neon {
-// Shifts by counts below 0 go to the right and round ties up. LessOneIf adds a mask's -1, saturating.
+// Shifts by counts below 0 go to the right and round ties up. LessOneIfZero takes 1 off, saturating,
+// where `test` is 0.
 #define TZM_SHIFTS(utype, stype, type, Lanes, add)                                                             \
   TZM_INLINE Lanes ShiftSaturating(Lanes v, int count) { return vqshlq_##type(v, vdupq_n_##stype(count)); }     \
   TZM_INLINE Lanes ShiftRounding(Lanes v, int count) { return vrshlq_##type(v, vdupq_n_##stype(count)); }       \

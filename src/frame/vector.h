@@ -322,7 +322,8 @@ TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
 // elements.
 TZM_INLINE Vec<Full<float>> LoadTwice(Full<float> d, const float* from) {
   const hn::Repartition<uint64_t, Full<float>> dw;
-  const auto wide = hn::PromoteTo(dw, hn::LoadU(hn::Rebind<uint32_t, decltype(dw)>(), reinterpret_cast<const uint32_t*>(from)));
+  const auto narrow = hn::LoadU(hn::Rebind<uint32_t, decltype(dw)>(), reinterpret_cast<const uint32_t*>(from));
+  const auto wide = hn::PromoteTo(dw, narrow);
   return hn::BitCast(d, hn::Or(wide, hn::ShiftLeft<32>(wide)));
 }
 

@@ -19,7 +19,7 @@ const int kLengths[] = {1, 2, 7, 8, 9, 15, 16, 17, 31, 33, 63, 64, 65, 130};
 // Parts from all over the range, many at its ends, few small ones that meet ties.
 template <class T>
 std::vector<T> Operands(size_t n, uint64_t seed) {
-  return RandomArray<T>(n, seed, seed % 3 == 0 ? Variety::kWide : seed % 3 == 1 ? Variety::kModerate : Variety::kSpecial);
+  return RandomArray<T>(n, seed, kVarieties[seed % 3]);
 }
 
 template <class T>
@@ -78,7 +78,7 @@ void CompareConstant(const char* name, OrvaStatus (*member)(const T*, V, Dst*, i
 
 const auto exact = [](auto a, auto b, int exponent, auto...) {
   if constexpr (std::is_class_v<decltype(a)>) return Scaled<decltype(a)>(Product(a, b), exponent);
-  else return Scaled<std::conditional_t<std::is_same_v<decltype(a), decltype(b)>, decltype(a), decltype(b)>>(Int128{a} * b, exponent);
+  else return Scaled<decltype(b)>(Int128{a} * b, exponent);
 };
 const auto plain = [](auto a, auto b, auto...) { return Plain(a, b); };
 
@@ -158,8 +158,10 @@ TEST(MulC, IntegersAreExact) {
 }
 
 TEST(MulC, Coarser) {
-  COMPARE_CONSTANT(ORVAS_MulC_16s_S, [](Orva16s a, Orva16s b, int exponent, auto...) { return Coarse<float>(a, b, exponent); });
-  COMPARE_CONSTANT(ORVAS_MulC_32s_S, [](Orva32s a, Orva32s b, int exponent, auto...) { return Coarse<double>(a, b, exponent); });
+  COMPARE_CONSTANT(ORVAS_MulC_16s_S,
+                   [](Orva16s a, Orva16s b, int exponent, auto...) { return Coarse<float>(a, b, exponent); });
+  COMPARE_CONSTANT(ORVAS_MulC_32s_S,
+                   [](Orva32s a, Orva32s b, int exponent, auto...) { return Coarse<double>(a, b, exponent); });
   COMPARE_CONSTANT(ORVAS_MulC_32sc_S, [](Orva32sc a, Orva32sc b, int exponent, int i, int len) {
     if (exponent < 23 || exponent > 63 || i < len - len % 8) return exact(a, b, exponent);
     const Exact product = Product(a, b);

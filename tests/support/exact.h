@@ -23,7 +23,8 @@ T Saturated(Int128 value) {
 template <class T>
 T Scaled(Int128 value, int exponent) {
   if (value == 0 || exponent > 100) return 0;
-  if (exponent <= 0) return Saturated<T>(exponent < -60 ? (value < 0 ? -1 : 1) * (Int128{1} << 100) : value * (Int128{1} << -exponent));
+  if (exponent < -60) return Saturated<T>(value < 0 ? -(Int128{1} << 100) : Int128{1} << 100);
+  if (exponent <= 0) return Saturated<T>(value * (Int128{1} << -exponent));
   const Int128 unit = Int128{1} << exponent;
   Int128 quotient = value / unit, rest = value % unit;
   if (rest < 0) rest += unit, --quotient;
