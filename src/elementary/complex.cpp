@@ -48,8 +48,12 @@ const double* Read(const double* block) { return block; }
 
 // Where e^|y| might overflow it is taken as 2^1536 e^(|y| - kShift) (1 + kShiftError), and the products
 // take in the power of two piece by piece. |y| - kShift is exact: kShift is 1536 ln 2 on 42 fraction bits.
-constexpr double kLarge = 700, kShift = 0x1.0a2b23f3bab73p+10;
+// Still larger, even the least sine overflows.
+constexpr double kShift = 0x1.0a2b23f3bab73p+10;
 constexpr double kShiftError = -0x1.a06bb56358ec5p-44;  // e^(kShift - 1536 ln 2) - 1
+TZM_INLINE Mask<D> IsLarge(V magnitude) {
+  return hn::And(hn::Gt(magnitude, Constant(700)), hn::Lt(magnitude, Constant(1700)));
+}
 
 // sinh y = y + y^3 (1/3! + y^2/5! + ...), to binary64's accuracy for |y| < 1.
 TZM_INLINE V SmallSinh(V y) {
@@ -83,7 +87,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
     ForEach<kStep>(count, [&](const Complex* from, double* x, double* e) TZM_LAMBDA {
       const auto z = Load(from);
       const V magnitude = hn::Abs(z.im);
-      const V shift = hn::IfThenElseZero(hn::Gt(magnitude, Constant(kLarge)), Constant(kShift));
+      const V shift = hn::IfThenElseZero(IsLarge(magnitude), Constant(kShift));
       hn::StoreU(z.re, D(), x);
       hn::StoreU(hn::Sub(magnitude, shift), D(), e);
     }, src + i, &angle[0], &power[0]);
@@ -92,7 +96,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
     ForEach<kStep>(count, [&](const Complex* from, const double* s, const double* c, const double* e, Complex* to) TZM_LAMBDA {
       const auto z = Load(from);
       const V magnitude = hn::Abs(z.im), raw = hn::LoadU(D(), e);
-      const auto large = hn::Gt(magnitude, Constant(kLarge));
+      const auto large = IsLarge(magnitude);
       const V shifted = hn::MulAdd(raw, Constant(kShiftError), raw);
       const V half = hn::Mul(raw, Constant(0.5)), reciprocal = hn::Div(Constant(0.5), raw);
       const V cosh = hn::IfThenElse(large, shifted, hn::Add(half, reciprocal));
@@ -147,7 +151,8 @@ TZM_INLINE SquaredMagnitude SquareMagnitude(Parts64 z) {
   const V beside = hn::Add(exact.sum, lost);
   const auto near = hn::And(hn::Gt(sum, Constant(0.9)), hn::Lt(sum, Constant(1.1)));
   const V nearHigh = hn::Add(one, beside);
-  const V high = hn::IfThenElse(near, nearHigh, sum);
+  const V parts = hn::Add(re, im);  // NaN where one is, which the larger and the smaller need not be
+  const V high = hn::IfThenElse(hn::IsNaN(parts), parts, hn::IfThenElse(near, nearHigh, sum));
   const V low = hn::IfThenElse(near, hn::Sub(beside, hn::Sub(nearHigh, one)), hn::Add(error, hn::Add(a2Error, b2Error)));
 
   const auto zero = hn::And(hn::Eq(absRe, hn::Zero(D())), hn::Eq(absIm, hn::Zero(D())));
