@@ -83,7 +83,7 @@ struct Windows {
     else return hn::ConvertTo(D(), hn::PromoteTo(hn::RebindToSigned<D>(), v));
   }
 
-  // kRows samples each of every kRows-th window, side by side.
+  // kRows samples each of the first of every kRows windows, side by side.
   template <size_t kWindows>
   static TZM_INLINE auto Read(const Sample* const* window, size_t row) {
     const hn::FixedTag<Narrow, kWindows * kParts> d;

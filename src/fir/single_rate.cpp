@@ -101,7 +101,8 @@ template <class Complex, class T, class Store>
 void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  ForLanes<kChains<T> / 2, HWY_MAX(size_t{1}, kBlock<T> / kLanes)>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+  constexpr size_t kLeast = HWY_MAX(size_t{1}, kBlock<T> / kLanes);
+  ForLanes<kChains<T> / 2, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
     Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { re[v] = im[v] = hn::Zero(d); });
@@ -264,8 +265,8 @@ TZM_INLINE void Divide(Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
   }, static_cast<const Orva32f*>(src), dst);
 }
 
-// The forward transform of the reversed taps, so prepared that multiplying a spectrum by it correlates
-// with them. Of a real filter only the half that transforms give and take is made.
+// Overlap-save with the spectrum of the reversed taps, so prepared that multiplying another spectrum by it
+// correlates with them. Of real signals only the half that transforms give and take is used.
 template <class Tap, class Sample>
 struct Overlap {
   using Real = PartOf<Sample>;

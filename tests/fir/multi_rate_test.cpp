@@ -73,17 +73,20 @@ std::vector<typename K::Sample> Polyphase(const std::vector<typename K::Tap>& ta
 }
 
 TEST(FIRMR, IsTheDefiningSumInOrder) {
-  constexpr Rates kRates[] = {{1, 1, 0, 1, 0},  {5, 1, 0, 1, 0},   {40, 1, 0, 1, 0}, {17, 1, 0, 3, 2},  {64, 1, 0, 4, 0},
-                              {9, 3, 1, 1, 0},  {31, 2, 1, 3, 2},  {50, 3, 2, 2, 1}, {1, 100, 99, 1, 0}, {7, 40, 39, 3, 2},
-                              {33, 7, 0, 5, 4}, {100, 5, 4, 16, 3}, {130, 16, 3, 1, 0}, {12, 17, 16, 40, 39}};
+  constexpr Rates kRates[] = {{1, 1, 0, 1, 0},   {5, 1, 0, 1, 0},    {40, 1, 0, 1, 0},   {17, 1, 0, 3, 2},
+                              {64, 1, 0, 4, 0},  {9, 3, 1, 1, 0},    {31, 2, 1, 3, 2},   {50, 3, 2, 2, 1},
+                              {7, 40, 39, 3, 2}, {1, 100, 99, 1, 0}, {33, 7, 0, 5, 4},   {100, 5, 4, 16, 3},
+                              {130, 16, 3, 1, 0}, {12, 17, 16, 40, 39}};
   ForEachKind([&]<class K>(const K& kind) {
     using Sample = typename K::Sample;
     constexpr bool kFloat = std::is_same_v<Sample, Wide<Sample>>;
     for (const Rates& rates : kRates) {
-      for (Variety variety : kFloat ? std::vector{Variety::kModerate, Variety::kSpecial} : std::vector{Variety::kWide}) {
+      using enum Variety;
+      for (Variety variety : kFloat ? std::vector{kModerate, kSpecial} : std::vector{kWide}) {
         const auto taps = RandomArray<typename K::Tap>(rates.taps, rates.taps, kFloat ? variety : Variety::kModerate);
         FIRMRState* state = nullptr;
-        ASSERT_EQ(kind.init(taps.data(), rates.taps, rates.up, rates.up_phase, rates.down, rates.down_phase, &state), 0);
+        ASSERT_EQ(kind.init(taps.data(), rates.taps, rates.up, rates.up_phase, rates.down, rates.down_phase, &state),
+                  0);
         const size_t rows = rates.Rows();
         std::vector<Sample> history(rows, Sample{});
         GuardedArray<Sample> delay(rows);
@@ -93,8 +96,8 @@ TEST(FIRMR, IsTheDefiningSumInOrder) {
           const auto line = Join(history, samples);
           const auto expected = Polyphase<K>(taps, rates, line, iterations);
           GuardedArray<Sample> src(samples, seed % 2 ? Place::kEnd : Place::kStart), dst(expected.size());
-          ASSERT_EQ(kind.run(src.data(), dst.data(), iterations, state, seed == 1 ? nullptr : delay.data(), delay.data()),
-                    0);
+          const Sample* const before = seed == 1 ? nullptr : delay.data();
+          ASSERT_EQ(kind.run(src.data(), dst.data(), iterations, state, before, delay.data()), 0);
           ASSERT_TRUE(SameBits(kind.name, expected.data(), dst.data(), expected.size(), seed))
               << rates.taps << " taps, up " << rates.up << ", down " << rates.down << ", iterations " << iterations;
           history.assign(line.end() - rows, line.end());

@@ -99,7 +99,8 @@ TEST(FIRSR, DirectRouteIsTheChainThenTheDotProduct) {
     constexpr bool kFloat = std::is_same_v<Sample, Wide<Sample>>;
     constexpr int32_t kLengths[] = {1, 7, 8, 9, 15, 16, 17, 31, 33, 48, 64, 65, 100, 127, 128, 145, 200, 257, 300};
     for (int32_t taps_len : {1, 2, 3, 8, 15, 16, 32, 33, 40, 67, 130}) {
-      for (Variety variety : kFloat ? std::vector{Variety::kModerate, Variety::kSpecial} : std::vector{Variety::kWide}) {
+      using enum Variety;
+      for (Variety variety : kFloat ? std::vector{kModerate, kSpecial} : std::vector{kWide}) {
         const auto taps = RandomArray<typename K::Tap>(taps_len, taps_len, kFloat ? variety : Variety::kModerate);
         FIRSRState* state = nullptr;
         ASSERT_EQ(kind.init(taps.data(), taps_len, 300, 1, &state), 0);
@@ -128,7 +129,8 @@ TEST(FIRSR, DirectRouteIsTheChainThenTheDotProduct) {
 TEST(FIRSR, NanOfTheIntegerMembersDependsOnItsPlace) {
   const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   struct { std::vector<float> taps; Orva16s tail; } cases[] = {
-      {{1, nan}, 32767}, {{-nan, 1}, -32768}, {{inf, -inf}, 32767}, {{nan, 1, -nan}, -32768}, {{-nan, inf, -inf}, 32767}};
+      {{1, nan}, 32767}, {{-nan, 1}, -32768}, {{inf, -inf}, 32767}, {{nan, 1, -nan}, -32768},
+      {{-nan, inf, -inf}, 32767}};
   for (const auto& [taps, tail] : cases) {
     const int32_t taps_len = static_cast<int32_t>(taps.size());
     const std::vector<Orva16s> before(taps_len - 1, 1), src(17, 1);

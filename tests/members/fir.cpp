@@ -7,7 +7,7 @@ namespace tzm_test {
 
 namespace {
 
-// Two runs of the direct route, the second in the delay line's debt to the first, with special values.
+// Two runs of the direct route, the second with the delay line of the first.
 template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
 void DigestSingleRate(Digest& digest) {
   for (int32_t taps_len : {1, 5, 40, 131}) {
@@ -53,7 +53,8 @@ std::function<Timed(int32_t)> Time(auto make, auto run, OrvaStatus (*release)(St
     State* made = nullptr;
     make(taps->data(), len, &made);
     const std::shared_ptr<State> state(made, release);
-    const auto src = SharedArray<Sample>(in * len), dst = SharedArray<Sample>(out * len), delay = SharedArray<Sample>(kTaps);
+    const auto src = SharedArray<Sample>(in * len), dst = SharedArray<Sample>(out * len);
+    const auto delay = SharedArray<Sample>(kTaps);
     return Timed{[=] { return run(src->data(), dst->data(), len, state.get(), delay->data(), delay->data()); },
                  static_cast<int64_t>(sizeof(Sample)) * (in + out) * len};
   };
