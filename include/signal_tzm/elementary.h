@@ -229,7 +229,7 @@ TZM_API OrvaStatus ORVAS_Cos_64fc(const Orva64fc* src, Orva64fc* dst, int32_t le
  * dst[i] = src[i] to the power `value`. The class names the least number of good bits; where more come at no
  * cost they are given. The binary32 classes A11, A21 and A24 are one computation, e^(value ln src[i]) by
  * ORVAS_Ln_64f and ORVAS_Exp_64f in binary64, rounded once (within 0.501 units in the last place). A26 is the
- * same in binary64, good to 41 bits. A50 and A53 are the companion's power, within 1 unit in the last place.
+ * same in binary64, good to 42 bits. A50 and A53 are the companion's power, within 1 unit in the last place.
  * Signed zeros, infinities and NaN give what C's pow gives: 1 for an exponent of 0 and a base of 1, signs for
  * odd integer exponents, NaN for a negative finite base with a finite exponent that is no integer.
  *
