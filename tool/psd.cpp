@@ -271,9 +271,9 @@ void Run(int argc, char** argv) {
   options.Flag("csv", 0, "print the whole spectrum as CSV, not the peaks; plot only with --output", settings.csv);
   options.Flag("json", 0, "print settings, peaks and spectrum as JSON; plot only with --output", settings.json);
 
-  const std::vector<std::string> operands = options.Parse(argc, argv, 1);
-  if (operands.empty()) return;
-  settings.file = operands[0];
+  const auto operands = options.Parse(argc, argv, 1);
+  if (!operands) return;
+  settings.file = operands->front();
   if (settings.csv && settings.json) throw UsageError("--csv and --json exclude each other");
   if (settings.noPlot && !settings.output.empty()) throw UsageError("--no-plot and --output exclude each other");
   if (!settings.output.empty()) CheckPlotName(settings.output);
