@@ -12,6 +12,7 @@
 #include "options.h"
 #include "output.h"
 #include "progress.h"
+#include "results.h"
 #include "text.h"
 
 namespace tzm {
@@ -86,23 +87,22 @@ Table LevelTable(const std::vector<Levels>& levels) {
 }
 
 void Run(int argc, char** argv) {
-  bool csv = false, json = false;
+  DataOptions results;
   Options options("stats", "FILE",
                   "Measures every channel of a sound file: root mean square and peak in dB relative to full scale\n"
                   "(a sine at full scale has an RMS of -3.01 dB), the crest factor between them, mean, standard\n"
                   "deviation, lowest and highest sample, full scale being 1.",
                   "tzm stats /usr/share/sounds/alsa/Front_Center.wav");
-  options.Flag("csv", 0, "print as CSV", csv);
-  options.Flag("json", 0, "print as JSON", json);
+  results.Declare(options, "print as CSV", "print as JSON");
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
-  if (csv && json) throw UsageError("--csv and --json exclude each other");
+  results.Check();
 
   const std::string& file = operands->front();
   AudioReader reader(file);
   const std::vector<Levels> levels = Measure(reader, file);
-  if (csv) return PrintCsv(LevelTable(levels));
-  if (!json) {
+  if (results.csv) return PrintCsv(LevelTable(levels));
+  if (!results.json) {
     std::printf("%s: %d Hz, %.2f s\n\n", CleanText(BaseName(file)).c_str(), reader.Rate(),
                 levels[0].count / reader.Rate());
     return PrintText(LevelTable(levels));

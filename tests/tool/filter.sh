@@ -23,8 +23,9 @@ near 'bandpass, at its upper edge' "$(gain 6000 -k bandpass -f 3000 -u 6000)" -6
 near 'bandstop, inside' "$(gain 4500 -k bandstop -f 3000 -u 6000)" -70 20
 near 'bandstop, above' "$(gain 12000 -k bandstop -f 3000 -u 6000)" 0 0.02
 
-# The output lies in time as the input, whatever the length of the filter: after taking it out by hand, silence is
-# left, save for the ripple of the pass band (0.0022 with hamming). A file of many blocks, so that their edges are in it too; both ends, which a filter blurs, are left aside.
+# The output lies in time as the input, whatever the length of the filter: sample by sample they differ by no more
+# than the ripple of the pass band (0.0022 with hamming). A file of many blocks, so that their edges are in it too;
+# both ends, which a filter blurs, are left aside.
 "$make_sound" long.wav 2 300000 500 0.5 0
 values() { tail -c $((8 * 290000)) "$1" | head -c $((8 * 280000)) | od -An -v -w8 -tf4; }
 for taps in 5 63 1023; do
