@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -37,12 +39,14 @@ AudioReader::AudioReader(const std::string& path, int32_t channel) : path_(path)
   frames_.resize(kBlockFrames * size_t(info_.channels));
 }
 
-size_t AudioReader::Read(std::span<float> dst) {
+// Calls take(at, count) for every block: frames_ holds `count` frames, which follow the `at` before them.
+template <class Take>
+size_t AudioReader::ReadFrames(size_t count, const Take& take) {
   size_t done = 0;
-  while (done < dst.size()) {
-    const size_t wanted = std::min(kBlockFrames, dst.size() - done);
+  while (done < count) {
+    const size_t wanted = std::min(kBlockFrames, count - done);
     const auto got = size_t(sf_readf_float(file_.get(), frames_.data(), sf_count_t(wanted)));
-    for (size_t i = 0; i < got; ++i) dst[done + i] = frames_[i * size_t(info_.channels) + size_t(channel_ - 1)];
+    take(done, got);
     done += got;
     if (got < wanted) {
       if (sf_error(file_.get())) throw Failure(Format("reading '%s': %s", path_.c_str(), sf_strerror(file_.get())));
@@ -50,6 +54,84 @@ size_t AudioReader::Read(std::span<float> dst) {
     }
   }
   return done;
+}
+
+size_t AudioReader::Read(std::span<float> dst) {
+  const auto channels = size_t(info_.channels), from = size_t(channel_ - 1);
+  return ReadFrames(dst.size(), [&](size_t at, size_t count) {
+    for (size_t i = 0; i < count; ++i) dst[at + i] = frames_[i * channels + from];
+  });
+}
+
+size_t AudioReader::Read(Planes& dst) {
+  return ReadFrames(dst[0].size(), [&](size_t at, size_t count) {
+    for (size_t c = 0; c < dst.size(); ++c) {
+      for (size_t i = 0; i < count; ++i) dst[c][at + i] = frames_[i * dst.size() + c];
+    }
+  });
+}
+
+AudioWriter::AudioWriter(const std::string& path, int32_t rate, int32_t channels, int format)
+    : path_(path), part_(path + ".part") {
+  std::error_code ignored;  // a file that is not there is none of another kind either
+  if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored)) {
+    throw Failure(Format("cannot write '%s': it is no plain file", path.c_str()));
+  }
+  info_.samplerate = rate;
+  info_.channels = channels;
+  info_.format = SF_FORMAT_RF64 | format;  // WAV without its limit of 4 GB; below that it becomes WAV
+  if (!sf_format_check(&info_)) info_.format = SF_FORMAT_RF64 | SF_FORMAT_FLOAT;
+  const int held = info_.format & SF_FORMAT_SUBMASK;
+  integer_ = held != SF_FORMAT_FLOAT && held != SF_FORMAT_DOUBLE;
+  std::FILE* probe = std::fopen(part_.c_str(), "wb");  // the sound library does not tell why it cannot
+  if (!probe) Fail(std::strerror(errno));
+  std::fclose(probe);
+  file_ = sf_open(part_.c_str(), SFM_WRITE, &info_);
+  if (!file_) {
+    std::remove(part_.c_str());
+    Fail(sf_strerror(nullptr));
+  }
+  sf_command(file_, SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
+  sf_command(file_, SFC_SET_CLIPPING, nullptr, SF_TRUE);
+}
+
+AudioWriter::~AudioWriter() {
+  if (!file_) return;
+  sf_close(file_);
+  std::remove(part_.c_str());
+}
+
+void AudioWriter::Fail(const char* reason) const {
+  throw Failure(Format("cannot write '%s': %s", path_.c_str(), reason));
+}
+
+void AudioWriter::Write(const Planes& src, size_t first, size_t count) {
+  frames_.resize(count * src.size());
+  for (size_t c = 0; c < src.size(); ++c) {
+    for (size_t i = 0; i < count; ++i) {
+      const float value = src[c][first + i];
+      frames_[i * src.size() + c] = value;
+      if (integer_ && !(std::abs(value) <= 1)) ++saturated_;
+    }
+  }
+  if (sf_writef_float(file_, frames_.data(), sf_count_t(count)) != sf_count_t(count)) Fail(sf_strerror(file_));
+  written_ += int64_t(count);
+}
+
+void AudioWriter::Finish() {
+  const int error = sf_close(file_);
+  file_ = nullptr;
+  std::error_code failed;
+  if (error == 0) std::filesystem::rename(part_, path_, failed);
+  if (error != 0 || failed) {
+    std::remove(part_.c_str());
+    Fail(error != 0 ? sf_error_number(error) : failed.message().c_str());
+  }
+  std::printf("%s: %d Hz, %d channel%s, %.2f s\n", CleanText(path_).c_str(), info_.samplerate, info_.channels,
+              info_.channels == 1 ? "" : "s", double(written_) / info_.samplerate);
+  if (saturated_ > 0) {
+    std::printf("%lld samples were beyond full scale and are saturated.\n", static_cast<long long>(saturated_));
+  }
 }
 
 }  // namespace tzm

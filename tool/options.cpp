@@ -75,7 +75,7 @@ void Options::Choice(const char* name, char letter, std::span<const std::string_
                       }});
 }
 
-std::vector<std::string> Options::Parse(int argc, char** argv, size_t count) const {
+std::optional<std::vector<std::string>> Options::Parse(int argc, char** argv, size_t count) const {
   std::vector<option> table;
   std::string letters = ":h";  // the colon: a missing value is told apart from an unknown option
   for (size_t i = 0; i < options_.size(); ++i) {
@@ -90,7 +90,7 @@ std::vector<std::string> Options::Parse(int argc, char** argv, size_t count) con
   opterr = 0;
   optind = 1;
   for (int found; (found = getopt_long(argc, argv, letters.c_str(), table.data(), nullptr)) != -1;) {
-    if (found == 'h') return PrintHelp(), std::vector<std::string>();
+    if (found == 'h') return PrintHelp(), std::nullopt;
     // A short option stands alone in optopt; of a long one getopt has just passed the whole word.
     const std::string word = optopt > 0 && optopt < kFirstOption ? Format("-%c", optopt) : argv[optind - 1];
     if (found == ':') throw UsageError(Format("option '%s' needs a value", word.c_str()));
@@ -101,11 +101,12 @@ std::vector<std::string> Options::Parse(int argc, char** argv, size_t count) con
   }
   if (size_t(argc - optind) < count) throw UsageError(Format("missing operand: %s", operands_.c_str()));
   if (size_t(argc - optind) > count) throw UsageError(Format("one operand too many: '%s'", argv[optind + int(count)]));
-  return {argv + optind, argv + argc};
+  return std::vector<std::string>(argv + optind, argv + argc);
 }
 
 void Options::PrintHelp() const {
-  std::printf("Usage: tzm %s [OPTION...] %s\n\n%s\n\nOptions:\n", command_.c_str(), operands_.c_str(), about_.c_str());
+  std::printf("Usage: tzm %s [OPTION...]%s%s\n\n%s\n\nOptions:\n", command_.c_str(), operands_.empty() ? "" : " ",
+              operands_.c_str(), about_.c_str());
   const auto line = [](const std::string& option, const std::string& help) {
     std::printf("  %-24s %s\n", option.c_str(), help.c_str());
   };

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,7 +16,7 @@ namespace tzm {
 
 class Options {
  public:
-  /** `operands` as in "FILE", `about` and `example` are paragraphs of the --help text. */
+  /** `operands` as in "FILE" or "", `about` and `example` are paragraphs of the --help text. */
   Options(std::string command, std::string operands, std::string about, std::string example);
 
   // The value a target holds when its option is declared is the default that --help shows, save for 0 and "",
@@ -28,8 +29,8 @@ class Options {
   void Choice(const char* name, char letter, std::span<const std::string_view> names, const char* help, size_t& target);
 
   /** Sets the targets and gives the operands, exactly `count` of them; after --help it has printed the text and
-   * gives none. Throws UsageError. */
-  std::vector<std::string> Parse(int argc, char** argv, size_t count) const;
+   * gives nothing. Throws UsageError. */
+  std::optional<std::vector<std::string>> Parse(int argc, char** argv, size_t count) const;
 
  private:
   struct Option {

@@ -24,7 +24,20 @@ std::string Quoted(const std::string& text) {
   return quoted + '"';
 }
 
-size_t Rows(const Table& table) { return table.empty() ? 0 : table.front().values.size(); }
+bool HasWords(const Column& column) { return !column.words.empty(); }
+
+size_t Rows(const Table& table) {
+  if (table.empty()) return 0;
+  return HasWords(table.front()) ? table.front().words.size() : table.front().values.size();
+}
+
+std::string ShownCell(const Column& c, size_t row) {
+  return HasWords(c) ? CleanText(c.words[row]) : Format("%.*f", c.decimals, c.values[row]);
+}
+
+std::string JsonCell(const Column& c, size_t row) {
+  return HasWords(c) ? Quoted(c.words[row]) : JsonNumber(c.values[row]);
+}
 
 }  // namespace
 
@@ -32,14 +45,14 @@ void PrintText(const Table& table) {
   std::vector<size_t> widths;
   for (const Column& c : table) {
     size_t width = c.heading.size();
-    for (const double v : c.values) width = std::max(width, Format("%.*f", c.decimals, v).size());
+    for (size_t row = 0; row < Rows(table); ++row) width = std::max(width, ShownCell(c, row).size());
     widths.push_back(width);
     std::printf("  %*s", int(width), c.heading.c_str());
   }
   std::printf("\n");
   for (size_t row = 0; row < Rows(table); ++row) {
     for (size_t i = 0; i < table.size(); ++i) {
-      std::printf("  %*.*f", int(widths[i]), table[i].decimals, table[i].values[row]);
+      std::printf("  %*s", int(widths[i]), ShownCell(table[i], row).c_str());
     }
     std::printf("\n");
   }
@@ -49,7 +62,10 @@ void PrintCsv(const Table& table) {
   for (size_t i = 0; i < table.size(); ++i) std::printf("%s%s", i ? "," : "", table[i].name.c_str());
   std::printf("\n");
   for (size_t row = 0; row < Rows(table); ++row) {
-    for (size_t i = 0; i < table.size(); ++i) std::printf("%s%s", i ? "," : "", Number(table[i].values[row]).c_str());
+    for (size_t i = 0; i < table.size(); ++i) {
+      const Column& c = table[i];
+      std::printf("%s%s", i ? "," : "", HasWords(c) ? c.words[row].c_str() : Number(c.values[row]).c_str());
+    }
     std::printf("\n");
   }
 }
@@ -62,11 +78,13 @@ void JsonObject::Add(const char* name, const std::string& text) { AddRaw(name, Q
 
 void JsonObject::Add(const char* name, double number) { AddRaw(name, JsonNumber(number)); }
 
+void JsonObject::Add(const char* name, const JsonObject& object) { AddRaw(name, "{" + object.members_ + "}"); }
+
 void JsonObject::AddRows(const char* name, const Table& table) {
   std::string array;
   for (size_t row = 0; row < Rows(table); ++row) {
     JsonObject object;
-    for (const Column& c : table) object.AddRaw(c.name, JsonNumber(c.values[row]));
+    for (const Column& c : table) object.AddRaw(c.name, JsonCell(c, row));
     array += (row ? ", {" : "{") + object.members_ + "}";
   }
   AddRaw(name, "[" + array + "]");
@@ -76,10 +94,10 @@ void JsonObject::AddColumns(const char* name, const Table& table) {
   JsonObject object;
   for (const Column& c : table) {
     std::string array;
-    for (const double v : c.values) array += (array.empty() ? "" : ", ") + JsonNumber(v);
+    for (size_t row = 0; row < Rows(table); ++row) array += (row ? ", " : "") + JsonCell(c, row);
     object.AddRaw(c.name, "[" + array + "]");
   }
-  AddRaw(name, "{" + object.members_ + "}");
+  Add(name, object);
 }
 
 void JsonObject::Print() const { std::printf("{%s}\n", members_.c_str()); }

@@ -12,6 +12,7 @@ struct Column {
   std::string heading;  // for people
   int decimals;         // for people; programs get every digit that counts
   std::vector<double> values;
+  std::vector<std::string> words = {};  // in place of values, where the cells are words
 };
 
 /** Columns of equal length. */
@@ -25,6 +26,7 @@ class JsonObject {
  public:
   void Add(const char* name, const std::string& text);
   void Add(const char* name, double number);
+  void Add(const char* name, const JsonObject& object);
   /** Rows as an array of objects. */
   void AddRows(const char* name, const Table& table);
   /** Columns as an object of arrays: for long tables. */

@@ -7,7 +7,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <numbers>
 
@@ -17,6 +16,7 @@
 #include "output.h"
 #include "plot.h"
 #include "progress.h"
+#include "results.h"
 #include "text.h"
 
 namespace tzm {
@@ -37,11 +37,11 @@ constexpr int32_t kSamplesAtOnce = 1 << 20;
 constexpr double kLeastProminence = 3;  // dB; lesser maxima are the estimate's own roughness
 
 struct Settings {
-  std::string file, output;
+  std::string file;
   size_t window = 0, scale = kLogarithmic;
   int32_t segment = 0, channel = 1, peaks = 8;
   double overlap = 0.5;
-  bool csv = false, json = false, noPlot = false;
+  PlotOptions results;
 };
 
 struct Spectrum {
@@ -208,8 +208,8 @@ Plot MakePlot(const Settings& settings, const AudioReader& reader, const Spectru
 
 void Print(const Settings& settings, const AudioReader& reader, const Spectrum& spectrum,
            const std::vector<Peak>& peaks) {
-  if (settings.csv) return PrintCsv(SpectrumTable(spectrum));
-  if (!settings.json) {
+  if (settings.results.csv) return PrintCsv(SpectrumTable(spectrum));
+  if (!settings.results.json) {
     std::printf("%s: %s\n\n", CleanText(BaseName(settings.file)).c_str(), Describe(settings, reader, spectrum).c_str());
     if (peaks.empty()) return static_cast<void>(std::puts("  No peak stands out."));
     return PrintText(PeakTable(peaks));
@@ -246,9 +246,6 @@ void Settle(Settings& settings, const AudioReader& reader) {
     throw UsageError(
         Format("--overlap %g leaves no step between segments of %d samples", settings.overlap, settings.segment));
   }
-  if (settings.output.empty() && !settings.noPlot && !settings.csv && !settings.json) {
-    settings.output = std::filesystem::path(settings.file).stem().string() + "-psd.png";
-  }
 }
 
 void Run(int argc, char** argv) {
@@ -266,26 +263,21 @@ void Run(int argc, char** argv) {
   options.Number("channel", 'c', "channel, counted from 1", settings.channel, 1, 1024);
   options.Number("peaks", 'n', "peaks in the table, at most", settings.peaks, 0, 1000);
   options.Choice("frequency", 'f', kScaleNames, "frequency axis", settings.scale);
-  options.Text("output", 'o', "PLOT", "where the plot goes: a name ending in .png or .svg", settings.output);
-  options.Flag("no-plot", 0, "print only", settings.noPlot);
-  options.Flag("csv", 0, "print the whole spectrum as CSV, not the peaks; plot only with --output", settings.csv);
-  options.Flag("json", 0, "print settings, peaks and spectrum as JSON; plot only with --output", settings.json);
-
-  const std::vector<std::string> operands = options.Parse(argc, argv, 1);
-  if (operands.empty()) return;
-  settings.file = operands[0];
-  if (settings.csv && settings.json) throw UsageError("--csv and --json exclude each other");
-  if (settings.noPlot && !settings.output.empty()) throw UsageError("--no-plot and --output exclude each other");
-  if (!settings.output.empty()) CheckPlotName(settings.output);
+  settings.results.Declare(options, "print the whole spectrum as CSV, not the peaks; plot only with --output",
+                           "print settings, peaks and spectrum as JSON; plot only with --output");
+  const auto operands = options.Parse(argc, argv, 1);
+  if (!operands) return;
+  settings.file = operands->front();
+  settings.results.Settle(settings.file, "psd");
 
   AudioReader reader(settings.file, settings.channel);
   Settle(settings, reader);
   const Spectrum spectrum = Estimate(reader, settings);
   const std::vector<Peak> peaks = FindPeaks(spectrum, size_t(settings.peaks));
   Print(settings, reader, spectrum, peaks);
-  if (settings.output.empty()) return;
-  WritePlot(MakePlot(settings, reader, spectrum, peaks), settings.output);
-  if (!settings.csv && !settings.json) std::printf("\nPlot: %s\n", settings.output.c_str());
+  if (settings.results.output.empty()) return;
+  WritePlot(MakePlot(settings, reader, spectrum, peaks), settings.results.output);
+  settings.results.PrintPlotName();
 }
 
 const Registration registration({"psd", "power spectral density by Welch's method", Run});

@@ -1,33 +1,8 @@
 #!/usr/bin/env bash
 # psd.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm psd` end to end.
-set -euo pipefail
-tzm=$1 make_sound=$2 one_call=$3
-scratch=$4/scratch recordings=/usr/share/sounds/alsa
-rm -rf "$scratch"
-mkdir -p "$scratch"
-cd "$scratch"
-failures=0
-
-wrong() {
-  echo "WRONG: $*"
-  failures=$((failures + 1))
-}
-
-# near WHAT VALUE EXPECTED TOLERANCE
-near() {
-  awk -v v="$2" -v e="$3" -v t="$4" 'BEGIN { exit !(v != "" && v >= e - t && v <= e + t) }' || wrong "$1 is $2, not $3"
-}
-
-# refuses STATUS TEXT ARGUMENT...: one line on standard error that has TEXT, nothing on standard output, no plot.
-refuses() {
-  local status=$1 text=$2 got=0
-  shift 2
-  "$tzm" "$@" >said.out 2>said.err || got=$?
-  [ "$got" = "$status" ] || wrong "'$*': exit status $got, not $status"
-  [ ! -s said.out ] || wrong "'$*' printed $(cat said.out)"
-  { [ "$(wc -l <said.err)" = 1 ] && grep -qF -- "$text" said.err; } || wrong "'$*' said: $(cat said.err)"
-  if compgen -G '*.png' >/dev/null; then wrong "'$*' left a plot"; fi
-}
+# shellcheck source=common.sh
+. "$(dirname "$0")/common.sh"
+one_call=$3
 
 # A sine of amplitude a on a bin, through a Hann window of N points: density a^2/2 over its noise bandwidth of
 # 1.5 rate/(N - 1).
@@ -102,9 +77,7 @@ status=0
 status=0
 "$tzm" psd --csv -o absent/plot.png tone.wav >/dev/null 2>said.err || status=$?
 { [ "$status" = 1 ] && grep -q 'absent/plot.png' said.err; } || wrong "an absent folder: $status, $(cat said.err)"
-for help in '--help' 'psd --help'; do
-  # shellcheck disable=SC2086
-  "$tzm" $help | grep -q '^Example:' || wrong "$help"
-done
+explains ''
+explains psd
 
 [ "$failures" = 0 ]
