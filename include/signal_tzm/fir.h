@@ -155,7 +155,7 @@ TZM_API OrvaStatus ORVAS_FIRMRRelease32f_32fc(FIRMRState* state);
  * Init takes null `taps` (all zero) and a null delay line (zeros); `dlyIndex` is reduced modulo `tapsLen`
  * and says where in the given line, of `tapsLen` samples, the oldest stands. A run leaves the last
  * `tapsLen` inputs at the line's start and index 0. GetDlyLine gives the line as it lies and its index,
- * SetDlyLine replaces both, GetTaps gives the taps.
+ * SetDlyLine replaces both, GetTaps gives the taps. `dst` may be `ref`, but not `src`.
  *
  * Status of Init: 1 null `state`; 403 `tapsLen < 1`; 9 `tapsLen` above 67108864, or no memory. Of the
  * others: 1 null pointer; 2 `len < 1`; 21 the state is not of this member. Release takes null and always

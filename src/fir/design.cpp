@@ -6,15 +6,11 @@
 #include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
+#include "frame/vector.h"
 
 #include <cmath>
 
 using namespace tzm;
-
-// T window values, and room for tables of as many sines and cosines.
-struct FIRGenState {
-  Orva64f window[1];
-};
 
 namespace {
 
@@ -28,10 +24,7 @@ class Oscillator {
   Oscillator(double frequency, int32_t tapsLen) {
     sincos(2 * kPi * frequency, &sin_, &cos_);
     twice_ = 2 * cos_;
-    double sine, cosine;
-    sincos(kPi * frequency * (tapsLen - 1), &sine, &cosine);
-    middleSin = sine;
-    middleCos = cosine;
+    sincos(kPi * frequency * (tapsLen - 1), &middleSin, &middleCos);
   }
   // (c, s) . (cos kb, sin kb)
   double Turn(double c, double s) const { return c * lastCos_ + s * lastSin_; }
@@ -62,6 +55,9 @@ class Tone {
   double cos_, sin_;
 };
 
+// The work buffer's first entries: the window's values.
+Orva64f* Window(FIRGenState* buffer) { return reinterpret_cast<Orva64f*>(buffer); }
+
 OrvaStatus CheckDesign(const Orva64f* taps, int32_t tapsLen, const FIRGenState* buffer) {
   if (OrvaStatus status = CheckPointers(taps, buffer)) return status;
   return tapsLen < kFewestTaps ? ORVA_STS_SIZE_ERR : ORVA_STS_NO_ERR;
@@ -73,36 +69,37 @@ OrvaStatus CheckFrequency(double frequency) {
 }
 
 OrvaStatus MakeWindow(FIRGenState* buffer, int32_t len, int32_t kind) {
-  ORVAS_Set_64f(1.0, buffer->window, len);
+  ORVAS_Set_64f(1.0, Window(buffer), len);
   switch (kind) {
-    case 0: return ORVAS_WinBartlett_64f_I(buffer->window, len);
-    case 1: return ORVAS_WinBlackmanOpt_64f_I(buffer->window, len);
-    case 2: return ORVAS_WinHamming_64f_I(buffer->window, len);
-    case 3: return ORVAS_WinHann_64f_I(buffer->window, len);
+    case 0: return ORVAS_WinBartlett_64f_I(Window(buffer), len);
+    case 1: return ORVAS_WinBlackmanOpt_64f_I(Window(buffer), len);
+    case 2: return ORVAS_WinHamming_64f_I(Window(buffer), len);
+    case 3: return ORVAS_WinHann_64f_I(Window(buffer), len);
     default: return ORVA_STS_FIRGEN_WINDOW_ERR;
   }
 }
 
 // taps[k] = window[k] * value(k) / m for the first half; the centre, where there is one, has no window.
 template <class Value>
-void FillHalf(Orva64f* taps, int32_t tapsLen, const FIRGenState* buffer, double centre, Value value) {
+void FillHalf(Orva64f* taps, int32_t tapsLen, FIRGenState* buffer, double centre, Value value) {
   const double middle = (tapsLen - 1) / 2.0;
-  for (int32_t k = 0; k < tapsLen / 2; ++k) taps[k] = buffer->window[k] * value(k) / (k - middle);
-  if (tapsLen % 2 != 0) taps[tapsLen / 2] = centre;
+  for (int32_t k = 0; k < tapsLen / 2; ++k) StoreElement(Window(buffer)[k] * value() / (k - middle), taps + k);
+  if (tapsLen % 2 != 0) StoreElement(centre, taps + tapsLen / 2);
 }
 
 // Scales so that `total`, the gain at one frequency, becomes 1 or -1.
 void Normalise(Orva64f* taps, int32_t tapsLen, double total) {
   const double by = total < 0 ? -total : total;
   ORVAS_DivC_64f(taps, by, taps, tapsLen / 2);
-  if (tapsLen % 2 != 0) taps[tapsLen / 2] /= by;
+  if (tapsLen % 2 != 0) StoreElement(LoadElement(taps + tapsLen / 2) / by, taps + tapsLen / 2);
 }
 
 // Twice a sum over the first half, and the centre tap, with its sign at that frequency.
 double Total(const Orva64f* taps, int32_t tapsLen, double half, bool negativeCentre) {
   const double total = 2 * half;
   if (tapsLen % 2 == 0) return total;
-  return negativeCentre ? total - taps[tapsLen / 2] : total + taps[tapsLen / 2];
+  const double centre = LoadElement(taps + tapsLen / 2);
+  return negativeCentre ? total - centre : total + centre;
 }
 
 double GainAtZero(const Orva64f* taps, int32_t tapsLen) {
@@ -113,19 +110,23 @@ double GainAtZero(const Orva64f* taps, int32_t tapsLen) {
 
 double GainAtNyquist(const Orva64f* taps, int32_t tapsLen) {
   double sums[2] = {0, 0};
-  for (int32_t k = 0; k < tapsLen / 2; ++k) sums[k % 2] += taps[k];
+  for (int32_t k = 0; k < tapsLen / 2; ++k) sums[k % 2] += LoadElement(taps + k);
   return Total(taps, tapsLen, sums[0] - sums[1], tapsLen / 2 % 2 != 0);
 }
 
 double GainAt(double frequency, const Orva64f* taps, int32_t tapsLen) {
   Oscillator turn(frequency, tapsLen);
   double half = 0;
-  for (int32_t k = 0; k < tapsLen / 2; ++k, turn.Next()) half += taps[k] * turn.Turn(turn.middleCos, turn.middleSin);
+  for (int32_t k = 0; k < tapsLen / 2; ++k, turn.Next())
+    half += LoadElement(taps + k) * turn.Turn(turn.middleCos, turn.middleSin);
   return Total(taps, tapsLen, half, false);
 }
 
 void Mirror(Orva64f* taps, int32_t tapsLen, bool odd) {
-  for (int32_t k = 0; k < tapsLen / 2; ++k) taps[tapsLen - 1 - k] = odd ? -taps[k] : taps[k];
+  for (int32_t k = 0; k < tapsLen / 2; ++k) {
+    const double tap = LoadElement(taps + k);
+    StoreElement(odd ? -tap : tap, taps + (tapsLen - 1 - k));
+  }
 }
 
 }  // namespace
@@ -147,7 +148,7 @@ OrvaStatus ORVAS_FIRGenLowpass_64f(Orva64f relFreq, Orva64f* taps, int32_t tapsL
   if (OrvaStatus status = CheckFrequency(relFreq)) return status;
   if (OrvaStatus status = MakeWindow(buffer, tapsLen, winType)) return status;
   Tone tone(relFreq, tapsLen);
-  FillHalf(taps, tapsLen, buffer, 2 * relFreq, [&](int32_t) {
+  FillHalf(taps, tapsLen, buffer, 2 * relFreq, [&] {
     const double value = tone.Sine();
     tone.Next();
     return value;
@@ -165,7 +166,7 @@ OrvaStatus ORVAS_FIRGenHighpass_64f(Orva64f relFreq, Orva64f* taps, int32_t taps
   // An even number of taps has no gain at the Nyquist frequency unless the taps are odd.
   const bool even = tapsLen % 2 == 0;
   Tone tone(relFreq, tapsLen);
-  FillHalf(taps, tapsLen, buffer, 1 - 2 * relFreq, [&](int32_t) {
+  FillHalf(taps, tapsLen, buffer, 1 - 2 * relFreq, [&] {
     const double value = even ? -tone.Cosine() : -tone.Sine();
     tone.Next();
     return value;
@@ -183,7 +184,7 @@ OrvaStatus ORVAS_FIRGenBandpass_64f(Orva64f relFreqLow, Orva64f relFreqHigh, Orv
   if (relFreqLow >= relFreqHigh) return ORVA_STS_SIZE_ERR;
   if (OrvaStatus status = MakeWindow(buffer, tapsLen, winType)) return status;
   Tone low(relFreqLow, tapsLen), high(relFreqHigh, tapsLen);
-  FillHalf(taps, tapsLen, buffer, 2 * (relFreqHigh - relFreqLow), [&](int32_t) {
+  FillHalf(taps, tapsLen, buffer, 2 * (relFreqHigh - relFreqLow), [&] {
     const double value = high.Sine() - low.Sine();
     low.Next();
     high.Next();
@@ -204,7 +205,7 @@ OrvaStatus ORVAS_FIRGenBandstop_64f(Orva64f relFreqLow, Orva64f relFreqHigh, Orv
   // sin(pi m)/pi, which vanishes for an odd number of taps and alternates for an even one.
   double whole = tapsLen % 2 != 0 ? 0 : tapsLen % 4 == 0 ? 1 / kPi : -1 / kPi;
   Tone low(relFreqLow, tapsLen), high(relFreqHigh, tapsLen);
-  FillHalf(taps, tapsLen, buffer, 1 + 2 * (relFreqLow - relFreqHigh), [&](int32_t) {
+  FillHalf(taps, tapsLen, buffer, 1 + 2 * (relFreqLow - relFreqHigh), [&] {
     const double value = low.Sine() - high.Sine() + whole;
     whole = -whole;
     low.Next();

@@ -84,36 +84,54 @@ using Lanes = LaneArray<float, 8>;
 
 template <class Sample>
 TZM_INLINE Lanes LoadLanes(const Sample* from) {
-  if constexpr (std::is_same_v<Sample, Orva32f>) {
-    return Lanes::Load(from);
-  } else {
-    const hn::Rebind<int32_t, Lanes::D> d32;
-    const hn::Rebind<int16_t, Lanes::D> d16;
-    return Lanes::Each([&](size_t r) TZM_LAMBDA {
-      return hn::ConvertTo(Lanes::D(), hn::PromoteTo(d32, hn::LoadU(d16, from + r * Lanes::kWidth)));
-    });
+  if constexpr (std::is_same_v<Sample, Orva32f>) return Lanes::Load(from);
+  else return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadAsFloat(Lanes::D(), from + r * Lanes::kWidth); });
+}
+
+// Moves the taps by `error` along `window` and gives the output of the window one sample later, in one
+// pass over the taps.
+template <class Sample>
+TZM_INLINE float MoveAndSum(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
+  const size_t body = tapsLen - tapsLen % 8;
+  const Lanes by = Lanes::Set(error);
+  Lanes sum = Lanes::Set(0);
+  for (size_t j = 0; j < body; j += 8) {
+    const Lanes moved = MulAdd(by, LoadLanes(window + j), Lanes::Load(taps + j));
+    moved.Store(taps + j);
+    sum = MulAdd(moved, LoadLanes(window + j + 1), sum);
   }
+  float y = sum.Halved().FoldPairs();
+  for (size_t j = body; j < tapsLen; ++j) {
+    taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
+    y = Fma(taps[j], float(LoadElement(window + j + 1)), y);
+  }
+  return y;
+}
+
+// The same without a move first, and without an output after it.
+template <class Sample>
+float Sum(const Orva32f* taps, size_t tapsLen, const Sample* window) {
+  const size_t body = tapsLen - tapsLen % 8;
+  Lanes sum = Lanes::Set(0);
+  for (size_t j = 0; j < body; j += 8) sum = MulAdd(Lanes::Load(taps + j), LoadLanes(window + j), sum);
+  float y = sum.Halved().FoldPairs();
+  for (size_t j = body; j < tapsLen; ++j) y = Fma(taps[j], float(LoadElement(window + j)), y);
+  return y;
+}
+template <class Sample>
+void Move(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
+  for (size_t j = 0; j < tapsLen; ++j) taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
 }
 
 template <class Sample>
 void Adapt(Orva32f* taps, size_t tapsLen, const Sample* window, const Sample* ref, Sample* dst, int32_t len,
            float step) {
-  const size_t body = tapsLen - tapsLen % 8;
+  float y = Sum(taps, tapsLen, window);
   for (int32_t n = 0; n < len; ++n, ++window) {
-    float y = 0;
-    if (body != 0) {
-      Lanes sum = Lanes::Set(0);
-      for (size_t j = 0; j < body; j += 8) sum = MulAdd(Lanes::Load(taps + j), LoadLanes(window + j), sum);
-      y = sum.Halved().FoldPairs();
-    }
-    for (size_t j = body; j < tapsLen; ++j) y = Fma(taps[j], float(LoadElement(window + j)), y);
-
     const float error = (static_cast<float>(LoadElement(ref + n)) - y) * step;
     StoreElement(Kind<Sample>::Output(y), dst + n);
-
-    const Lanes by = Lanes::Set(error);
-    for (size_t j = 0; j < body; j += 8) MulAdd(by, LoadLanes(window + j), Lanes::Load(taps + j)).Store(taps + j);
-    for (size_t j = body; j < tapsLen; ++j) taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
+    if (n < len - 1) y = MoveAndSum(taps, tapsLen, window, error);
+    else Move(taps, tapsLen, window, error);
   }
 }
 
