@@ -47,7 +47,8 @@ struct Worst {
     if (fabsq(exact) > std::numeric_limits<T>::max() || fabsq(exact) < std::numeric_limits<T>::min()) return;
     int exponent;
     frexpq(exact, &exponent);
-    const double ulps = static_cast<double>(fabsq(actual - exact) * ldexpq(1, std::numeric_limits<T>::digits - exponent));
+    const double ulps =
+        static_cast<double>(fabsq(actual - exact) * ldexpq(1, std::numeric_limits<T>::digits - exponent));
     if (!(ulps <= error)) {
       char text[100];
       std::snprintf(text, sizeof text, format, a, b);
@@ -62,7 +63,8 @@ struct Worst {
 };
 
 template <class T>
-void Real(const char* name, OrvaStatus (*member)(const T*, T*, int32_t), Quad (*exact)(Quad), Range range, const char* text) {
+void Real(const char* name, OrvaStatus (*member)(const T*, T*, int32_t), Quad (*exact)(Quad), Range range,
+          const char* text) {
   Worst worst;
   std::vector<T> x(kBatch), y(kBatch);
   for (int k = 0; k < batches; ++k) {
@@ -91,8 +93,8 @@ void Two(const char* name, Call call, Quad (*exact)(Quad, Quad), Range first, Ra
 }
 
 template <class Complex>
-void Plane(const char* name, OrvaStatus (*member)(const Complex*, Complex*, int32_t), __complex128 (*exact)(__complex128),
-           Range re, Range im, const char* text) {
+void Plane(const char* name, OrvaStatus (*member)(const Complex*, Complex*, int32_t),
+           __complex128 (*exact)(__complex128), Range re, Range im, const char* text) {
   using T = decltype(Complex::re);
   Worst worst;
   std::vector<Complex> z(kBatch), w(kBatch);
@@ -140,10 +142,14 @@ int main(int argc, char** argv) {
 #define TWO(T, name, q, first, second, text)                                                        \
   Two<T>(#name, [](const T* a, const T* b, T, T* y) { ORVAS_##name(a, b, y, kBatch); return false; }, q, \
          Range first, Range second, text)
-  TWO(float, Arctan2_32f, atan2q, ({Range::kSigned, 0x1p-20, 0x1p20}), ({Range::kSigned, 0x1p-20, 0x1p20}), "2^-20 to 2^20, all quadrants");
-  TWO(double, Arctan2_64f, atan2q, ({Range::kSigned, 0x1p-60, 0x1p60}), ({Range::kSigned, 0x1p-60, 0x1p60}), "2^-60 to 2^60, all quadrants");
-  TWO(float, Pow_32f, powq, ({Range::kPositive, 0x1p-20, 0x1p20}), ({Range::kEven, -8, 8}), "2^-20 to 2^20, to -8 to 8");
-  TWO(double, Pow_64f, powq, ({Range::kPositive, 0x1p-20, 0x1p20}), ({Range::kEven, -60, 60}), "2^-20 to 2^20, to -60 to 60");
+  TWO(float, Arctan2_32f, atan2q, ({Range::kSigned, 0x1p-20, 0x1p20}), ({Range::kSigned, 0x1p-20, 0x1p20}),
+      "2^-20 to 2^20, all quadrants");
+  TWO(double, Arctan2_64f, atan2q, ({Range::kSigned, 0x1p-60, 0x1p60}), ({Range::kSigned, 0x1p-60, 0x1p60}),
+      "2^-60 to 2^60, all quadrants");
+  TWO(float, Pow_32f, powq, ({Range::kPositive, 0x1p-20, 0x1p20}), ({Range::kEven, -8, 8}),
+      "2^-20 to 2^20, to -8 to 8");
+  TWO(double, Pow_64f, powq, ({Range::kPositive, 0x1p-20, 0x1p20}), ({Range::kEven, -60, 60}),
+      "2^-20 to 2^20, to -60 to 60");
 #undef TWO
 #define POWX(T, name, most, text)                                                                            \
   Two<T>(#name, [](const T* a, const T*, T y, T* r) { ORVAS_##name(a, y, r, kBatch); return true; }, powq,   \
@@ -154,13 +160,18 @@ int main(int argc, char** argv) {
 #undef POWX
 #define PLANE(name, q, re, im, text) Plane(#name, ORVAS_##name, q, Range re, Range im, text)
   PLANE(Log10_32fc, clog10q, ({Range::kSigned, 0x1p-30, 0x1p30}), ({Range::kSigned, 0x1p-30, 0x1p30}), "2^-30 to 2^30");
-  PLANE(Log10_64fc, clog10q, ({Range::kSigned, 0x1p-1000, 0x1p1000}), ({Range::kSigned, 0x1p-1000, 0x1p1000}), "2^-1000 to 2^1000");
+  PLANE(Log10_64fc, clog10q, ({Range::kSigned, 0x1p-1000, 0x1p1000}), ({Range::kSigned, 0x1p-1000, 0x1p1000}),
+        "2^-1000 to 2^1000");
   PLANE(Log10_64fc, clog10q, ({Range::kEven, 0.5, 0.9}), ({Range::kEven, 0.5, 0.8}), "near the unit circle");
-  PLANE(Sin_32fc, csinq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -100, 100}), "2^-60 to 2^20, -100 to 100");
+  PLANE(Sin_32fc, csinq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -100, 100}),
+        "2^-60 to 2^20, -100 to 100");
   PLANE(Sin_64fc, csinq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -2, 2}), "2^-60 to 2^20, -2 to 2");
-  PLANE(Sin_64fc, csinq, ({Range::kSigned, 0x1p-1000, 0x1p20}), ({Range::kEven, -1400, 1400}), "2^-1000 to 2^20, -1400 to 1400");
-  PLANE(Cos_32fc, ccosq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -100, 100}), "2^-60 to 2^20, -100 to 100");
+  PLANE(Sin_64fc, csinq, ({Range::kSigned, 0x1p-1000, 0x1p20}), ({Range::kEven, -1400, 1400}),
+        "2^-1000 to 2^20, -1400 to 1400");
+  PLANE(Cos_32fc, ccosq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -100, 100}),
+        "2^-60 to 2^20, -100 to 100");
   PLANE(Cos_64fc, ccosq, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -2, 2}), "2^-60 to 2^20, -2 to 2");
-  PLANE(Cos_64fc, ccosq, ({Range::kSigned, 0x1p-1000, 0x1p20}), ({Range::kEven, -1400, 1400}), "2^-1000 to 2^20, -1400 to 1400");
+  PLANE(Cos_64fc, ccosq, ({Range::kSigned, 0x1p-1000, 0x1p20}), ({Range::kEven, -1400, 1400}),
+        "2^-1000 to 2^20, -1400 to 1400");
 #undef PLANE
 }

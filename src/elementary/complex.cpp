@@ -93,7 +93,8 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
     }, src + i, &angle[0], &power[0]);
     vdsincos(count, angle, sine, cosine);
     vdexp(count, power, power);
-    ForEach<kStep>(count, [&](const Complex* from, const double* s, const double* c, const double* e, Complex* to) TZM_LAMBDA {
+    const auto combine = [&](const Complex* from, const double* s, const double* c, const double* e,
+                             Complex* to) TZM_LAMBDA {
       const auto z = Load(from);
       const V magnitude = hn::Abs(z.im), raw = hn::LoadU(D(), e);
       const auto large = IsLarge(magnitude);
@@ -109,7 +110,8 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
       const V cos = hn::IfThenElse(nowhere, Constant(1), hn::LoadU(D(), c));
       if constexpr (kFunction == Function::kSin) Store(Product(sin, cosh, large), Product(cos, sinh, large), to);
       else Store(Product(cos, cosh, large), hn::Neg(Product(sin, sinh, large)), to);
-    }, src + i, Read(sine), Read(cosine), Read(power), dst + i);
+    };
+    ForEach<kStep>(count, combine, src + i, Read(sine), Read(cosine), Read(power), dst + i);
   }
   return ORVA_STS_NO_ERR;
 }
@@ -136,7 +138,8 @@ TZM_INLINE SquaredMagnitude SquareMagnitude(Parts64 z) {
   const V absRe = hn::Abs(z.re), absIm = hn::Abs(z.im), most = hn::Max(absRe, absIm), one = Constant(1);
   const auto small = hn::Lt(most, Constant(0x1p-450)), large = hn::Gt(most, Constant(0x1p500));
   const V factor = hn::IfThenElse(small, Constant(0x1p600), hn::IfThenElse(large, Constant(0x1p-600), one));
-  const V logOfScale = hn::IfThenElse(small, Constant(-kLog10Of2To600), hn::IfThenElseZero(large, Constant(kLog10Of2To600)));
+  const V logOfLarge = hn::IfThenElseZero(large, Constant(kLog10Of2To600));
+  const V logOfScale = hn::IfThenElse(small, Constant(-kLog10Of2To600), logOfLarge);
   const V re = hn::Mul(absRe, factor), im = hn::Mul(absIm, factor);
   const V a = hn::Max(re, im), b = hn::Min(re, im);
   const V a2 = hn::Mul(a, a), b2 = hn::Mul(b, b), a2Error = hn::MulSub(a, a, a2), b2Error = hn::MulSub(b, b, b2);
@@ -153,7 +156,8 @@ TZM_INLINE SquaredMagnitude SquareMagnitude(Parts64 z) {
   const V nearHigh = hn::Add(one, beside);
   const V parts = hn::Add(re, im);  // NaN where one is, which the larger and the smaller need not be
   const V high = hn::IfThenElse(hn::IsNaN(parts), parts, hn::IfThenElse(near, nearHigh, sum));
-  const V low = hn::IfThenElse(near, hn::Sub(beside, hn::Sub(nearHigh, one)), hn::Add(error, hn::Add(a2Error, b2Error)));
+  const V nearLow = hn::Sub(beside, hn::Sub(nearHigh, one));
+  const V low = hn::IfThenElse(near, nearLow, hn::Add(error, hn::Add(a2Error, b2Error)));
 
   const auto zero = hn::And(hn::Eq(absRe, hn::Zero(D())), hn::Eq(absIm, hn::Zero(D())));
   const auto infinite = hn::Or(hn::IsInf(absRe), hn::IsInf(absIm));  // also beside a NaN

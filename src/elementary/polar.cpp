@@ -111,13 +111,15 @@ void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* dst, int32_t
   const hn::CappedTag<float, kBlock> d;
   const hn::Rebind<int16_t, decltype(d)> d16;
   const auto factor = hn::Set(d, magFactor);
-  ForEach<hn::MaxLanes(d), 1>(count, [&](const Orva16s* m, const Orva32f* s, const Orva32f* c, Orva16sc* to) TZM_LAMBDA {
+  const auto turn = [&](const Orva16s* m, const Orva32f* s, const Orva32f* c, Orva16sc* to) TZM_LAMBDA {
     const auto magnitude = hn::ConvertTo(d, hn::PromoteTo(hn::RebindToSigned<decltype(d)>(), hn::LoadU(d16, m)));
     const auto part = [&](const Orva32f* from) TZM_LAMBDA {
       return hn::DemoteTo(d16, RoundToInt(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), factor)));
     };
     hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
-  }, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine), dst);
+  };
+  ForEach<hn::MaxLanes(d), 1>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine),
+                              dst);
 }
 
 }  // namespace

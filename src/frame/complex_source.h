@@ -34,7 +34,8 @@ using SquareSums = Widened<Full<uint32_t>>;
 
 #if HWY_ARCH_ARM_A64
 TZM_INLINE SquareSums SumSquares(Vec<Full<int16_t>> re, Vec<Full<int16_t>> im) {
-  const auto low = vmlal_s16(vmull_s16(vget_low_s16(re.raw), vget_low_s16(re.raw)), vget_low_s16(im.raw), vget_low_s16(im.raw));
+  const auto lowRe = vget_low_s16(re.raw), lowIm = vget_low_s16(im.raw);
+  const auto low = vmlal_s16(vmull_s16(lowRe, lowRe), lowIm, lowIm);
   const auto high = vmlal_high_s16(vmull_high_s16(re.raw, re.raw), im.raw, im.raw);
   return {Vec<Full<uint32_t>>(vreinterpretq_u32_s32(low)), Vec<Full<uint32_t>>(vreinterpretq_u32_s32(high))};
 }
@@ -66,7 +67,8 @@ TZM_INLINE SquareSums LoadSquareSums(const Orva16s* re, const Orva16s* im) {
 }
 TZM_INLINE SquareSums LoadSquareSums(const Orva16sc* from) {
   const Full<int16_t> d;
-  return {SumNeighbourSquares(hn::LoadU(d, Parts(from))), SumNeighbourSquares(hn::LoadU(d, Parts(from) + hn::Lanes(d)))};
+  const auto first = hn::LoadU(d, Parts(from)), second = hn::LoadU(d, Parts(from) + hn::Lanes(d));
+  return {SumNeighbourSquares(first), SumNeighbourSquares(second)};
 }
 #endif
 

@@ -20,15 +20,17 @@ using Wide = std::complex<long double>;
 // |actual - exact| in units of the last place of the type. Beyond the type's range only infinity will do.
 template <class T>
 double Ulps(T actual, long double exact) {
-  if (std::fabs(exact) > std::numeric_limits<T>::max()) return std::isinf(actual) && std::signbit(actual) == std::signbit(exact) ? 0 : 1e9;
+  if (std::fabs(exact) > std::numeric_limits<T>::max())
+    return std::isinf(actual) && std::signbit(actual) == std::signbit(exact) ? 0 : 1e9;
   if (std::isnan(actual) || std::isinf(actual)) return 1e9;
   const int exponent = std::max(std::ilogb(exact), std::numeric_limits<T>::min_exponent - 1);
-  return static_cast<double>(std::fabs(actual - exact) / std::ldexp(1.0L, exponent - std::numeric_limits<T>::digits + 1));
+  return static_cast<double>(std::fabs(actual - exact) /
+                             std::ldexp(1.0L, exponent - std::numeric_limits<T>::digits + 1));
 }
 
 template <class Complex>
-void CheckAccuracy(OrvaStatus (*member)(const Complex*, Complex*, int32_t), Wide (*exact)(Wide), std::vector<Complex> values,
-                   double bound) {
+void CheckAccuracy(OrvaStatus (*member)(const Complex*, Complex*, int32_t), Wide (*exact)(Wide),
+                   std::vector<Complex> values, double bound) {
   std::vector<Complex> dst(values.size());
   ASSERT_EQ(member(values.data(), dst.data(), static_cast<int32_t>(values.size())), ORVA_STS_NO_ERR);
   for (size_t i = 0; i < values.size(); ++i) {
@@ -99,7 +101,8 @@ testing::AssertionResult SameSpecial(std::complex<double> expected, T re, T im) 
 }
 
 template <class Complex>
-void CheckSpecial(OrvaStatus (*log)(const Complex*, Complex*, int32_t), OrvaStatus (*sin)(const Complex*, Complex*, int32_t),
+void CheckSpecial(OrvaStatus (*log)(const Complex*, Complex*, int32_t),
+                  OrvaStatus (*sin)(const Complex*, Complex*, int32_t),
                   OrvaStatus (*cos)(const Complex*, Complex*, int32_t)) {
   using T = decltype(Complex::re);
   const T values[] = {0, T(-0.0), T(0.75), T(-2.5), T(HUGE_VAL), T(-HUGE_VAL), T(NAN)};
@@ -111,7 +114,8 @@ void CheckSpecial(OrvaStatus (*log)(const Complex*, Complex*, int32_t), OrvaStat
       const bool zero = re == 0 && im == 0;
       EXPECT_EQ(log(&z, &dst, 1), zero ? ORVA_STS_SINGULARITY_ERR : ORVA_STS_NO_ERR);
       const std::complex<double> logarithm = std::log(wide);
-      EXPECT_TRUE(SameSpecial({logarithm.real() / M_LN10, logarithm.imag() / M_LN10}, dst.re, dst.im)) << "log10 of " << wide;
+      EXPECT_TRUE(SameSpecial({logarithm.real() / M_LN10, logarithm.imag() / M_LN10}, dst.re, dst.im))
+          << "log10 of " << wide;
       EXPECT_EQ(sin(&z, &dst, 1), ORVA_STS_NO_ERR);
       EXPECT_TRUE(SameSpecial(std::sin(wide), dst.re, dst.im)) << "sin of " << wide;
       EXPECT_EQ(cos(&z, &dst, 1), ORVA_STS_NO_ERR);
@@ -133,19 +137,25 @@ void CheckPowx(OrvaStatus (*member)(const T*, T, T*, int32_t), double bound) {
     for (T& x : src) x = static_cast<T>(std::ldexp(random.Unit() + 1e-9, static_cast<int>(random.Below(40)) - 20));
     ASSERT_EQ(member(src.data(), y, dst.data(), 1000), ORVA_STS_NO_ERR);
     for (size_t i = 0; i < src.size(); ++i)
-      ASSERT_LE(Ulps(dst[i], std::pow(static_cast<long double>(src[i]), static_cast<long double>(y))), bound) << src[i] << " to " << y;
+      ASSERT_LE(Ulps(dst[i], std::pow(static_cast<long double>(src[i]), static_cast<long double>(y))), bound)
+          << src[i] << " to " << y;
   }
   const T values[] = {0, T(-0.0), T(0.5), T(-0.5), 1, -1, 3, -3, T(HUGE_VAL), T(-HUGE_VAL), T(NAN)};
   for (T x : values) {
-    for (T y : {T(0), T(-0.0), T(2), T(3), T(-2), T(-3), T(0.5), T(-0.5), T(1e20), T(-1e20), T(HUGE_VAL), T(-HUGE_VAL), T(NAN)}) {
+    for (T y : {T(0), T(-0.0), T(2), T(3), T(-2), T(-3), T(0.5), T(-0.5), T(1e20), T(-1e20), T(HUGE_VAL), T(-HUGE_VAL),
+                T(NAN)}) {
       T dst;
       const OrvaStatus status = member(&x, y, &dst, 1);
       const T expected = std::pow(x, y);
-      EXPECT_TRUE((std::isnan(expected) && std::isnan(dst)) ||
-                  (std::signbit(expected) == std::signbit(dst) && (expected == dst || Ulps<T>(dst, expected) <= 1 + bound)))
+      EXPECT_TRUE(
+          (std::isnan(expected) && std::isnan(dst)) ||
+          (std::signbit(expected) == std::signbit(dst) && (expected == dst || Ulps<T>(dst, expected) <= 1 + bound)))
           << x << " to " << y << " gives " << dst << ", not " << expected;
       const bool outside = x < 0 && std::isfinite(x) && std::isfinite(y) && y != std::trunc(y);
-      EXPECT_EQ(status, x == 0 && y < 0 ? ORVA_STS_SINGULARITY_ERR : outside ? ORVA_STS_DOMAIN_ERR : ORVA_STS_NO_ERR) << x << " to " << y;
+      EXPECT_EQ(status, x == 0 && y < 0 ? ORVA_STS_SINGULARITY_ERR
+                        : outside       ? ORVA_STS_DOMAIN_ERR
+                                        : ORVA_STS_NO_ERR)
+          << x << " to " << y;
     }
   }
 }
@@ -183,15 +193,18 @@ void CheckScaled(OrvaStatus (*exp)(const T*, T*, int32_t, double), OrvaStatus (*
     const auto expected = [&](long double value) {
       const long double scaled = std::ldexp(value, -exponent);
       if (std::isnan(scaled)) return T(0);
-      return static_cast<T>(std::clamp(std::nearbyint(scaled), static_cast<long double>(Limits::min()), static_cast<long double>(Limits::max())));
+      return static_cast<T>(std::clamp(std::nearbyint(scaled), static_cast<long double>(Limits::min()),
+                                       static_cast<long double>(Limits::max())));
     };
     ASSERT_EQ(exp(src.data(), dst.data(), len, scale), ORVA_STS_NO_ERR);
     // Of the largest and smallest exponents one factor is infinite and the other subnormal.
     for (int32_t i = 0; i < len && exponent > -1074; ++i)
-      ASSERT_EQ(dst[i], expected(src[i] > 709 ? HUGE_VALL : std::exp(static_cast<long double>(src[i])))) << src[i] << " " << exponent;
+      ASSERT_EQ(dst[i], expected(src[i] > 709 ? HUGE_VALL : std::exp(static_cast<long double>(src[i]))))
+          << src[i] << " " << exponent;
     ASSERT_EQ(log(src.data(), dst.data(), len, scale), ORVA_STS_LN_NEG_WARN);  // the last one
     for (int32_t i = 0; i < len && exponent > -1074; ++i)
-      ASSERT_EQ(dst[i], src[i] < 0 ? T(0) : expected(std::log(static_cast<long double>(src[i])))) << src[i] << " " << exponent;
+      ASSERT_EQ(dst[i], src[i] < 0 ? T(0) : expected(std::log(static_cast<long double>(src[i]))))
+          << src[i] << " " << exponent;
   }
 }
 

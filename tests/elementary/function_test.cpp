@@ -132,7 +132,9 @@ TEST(Tan, InfinityCountsInTheTailAndTwoFiniteNumbersInTheBody) {
     EXPECT_EQ(tan(35, at, 2139095040.0f), body && at % 16 < 8 ? kDomain : kNone) << at;
     EXPECT_EQ(tan(35, at, NAN), kNone) << at;
   }
-  const auto tan64 = [](size_t len, size_t at, double x) { return Status<double>(ORVAS_Tan_64f, vdtan, At(len, at, x)); };
+  const auto tan64 = [](size_t len, size_t at, double x) {
+    return Status<double>(ORVAS_Tan_64f, vdtan, At(len, at, x));
+  };
   for (size_t at = 0; at < 11; ++at) {
     const bool body = at < 8;
     EXPECT_EQ(tan64(11, at, HUGE_VAL), body ? kNone : kDomain) << at;

@@ -69,9 +69,10 @@ struct Scale {
   double scale;
   int exponent;
 };
-constexpr Scale kScales[] = {{1, 0},        {1.9, 0},       {2, 1},          {3, 1},         {0.3, -1},      {0.25, -2},
-                             {0x1p15, 15},  {0x1p16, 16},   {0x1p17, 17},    {0x1p31, 31},   {0x1p32, 32},   {0x1p-16, -16},
-                             {0x1p-40, -40}, {0x1p200, 200}, {0x1p-200, -200}, {0x1p1023, 1023}, {0x1p-1074, -1074}};
+constexpr Scale kScales[] = {{1, 0},           {1.9, 0},          {2, 1},         {3, 1},         {0.3, -1},
+                             {0.25, -2},       {0x1p15, 15},      {0x1p16, 16},   {0x1p17, 17},   {0x1p31, 31},
+                             {0x1p32, 32},     {0x1p-16, -16},    {0x1p-40, -40}, {0x1p200, 200}, {0x1p-200, -200},
+                             {0x1p1023, 1023}, {0x1p-1074, -1074}};
 
 TEST(PowerSpectrum, OnlyTheBinary32PairIsFused) {
   CheckPair<1>(ORVAS_PowerSpectr_32f, [](float re, float im, bool) { return Fused(re, im); });
@@ -87,7 +88,8 @@ TEST(PowerSpectrum, IntegersAreExact) {
   for (Scale s : kScales) {
     const auto scaled = [&](int16_t re, int16_t im, bool) {
       // An integer times a power of two is exact in binary64; beyond its range only the sign matters.
-      return RoundSaturated<int16_t>(std::ldexp(static_cast<double>(Exact(re, im)), std::clamp(-s.exponent, -900, 900)));
+      return RoundSaturated<int16_t>(
+          std::ldexp(static_cast<double>(Exact(re, im)), std::clamp(-s.exponent, -900, 900)));
     };
     CheckPair<1>(ORVAS_PowerSpectr_16s_S, scaled, s.scale);
     CheckComplex<1>(ORVAS_PowerSpectr_16sc_S, scaled, s.scale);
@@ -171,7 +173,9 @@ TEST(Magnitude, InfinityBesideNaN) {
 }
 
 TEST(Magnitude, IntegersToFloat) {
-  const auto tail32 = [](int16_t re, int16_t im) { return static_cast<float>(std::sqrt(static_cast<double>(Exact(re, im)))); };
+  const auto tail32 = [](int16_t re, int16_t im) {
+    return static_cast<float>(std::sqrt(static_cast<double>(Exact(re, im))));
+  };
   CheckPair<4>(ORVAS_Magnitude_16s32f, [&](int16_t re, int16_t im, bool tail) {
     return tail ? tail32(re, im) : std::sqrt(static_cast<float>(Exact(re, im)));
   });

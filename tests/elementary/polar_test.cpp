@@ -47,7 +47,8 @@ struct Source {  // one set of samples in both forms
 
 template <class Complex, class Result, class Value, class... Scale>
 void CheckPhase(OrvaStatus (*complex)(const Complex*, Result*, int32_t, Scale...),
-                OrvaStatus (*pair)(const decltype(Complex::re)*, const decltype(Complex::re)*, Result*, int32_t, Scale...),
+                OrvaStatus (*pair)(const decltype(Complex::re)*, const decltype(Complex::re)*, Result*, int32_t,
+                                   Scale...),
                 Value value, Scale... scale) {
   for (Variety variety : kVarieties) {
     for (int32_t len = 1; len <= 40; ++len) {
@@ -104,7 +105,8 @@ TEST(Phase, FailedAllocationLeavesTheDestination) {
 }
 
 template <class T, class Complex>
-void CheckPolar(OrvaStatus (*pair)(const T*, const T*, T*, T*, int32_t), OrvaStatus (*complex)(const Complex*, T*, T*, int32_t),
+void CheckPolar(OrvaStatus (*pair)(const T*, const T*, T*, T*, int32_t),
+                OrvaStatus (*complex)(const Complex*, T*, T*, int32_t),
                 OrvaStatus (*magnitude)(const T*, const T*, T*, int32_t),
                 OrvaStatus (*complexMagnitude)(const Complex*, T*, int32_t),
                 OrvaStatus (*back)(const T*, const T*, T*, T*, int32_t),
@@ -147,10 +149,10 @@ void CheckPolar(OrvaStatus (*pair)(const T*, const T*, T*, T*, int32_t), OrvaSta
 }
 
 TEST(PolarForms, Floats) {
-  CheckPolar<Orva32f, Orva32fc>(ORVAS_CartToPolar_32f, ORVAS_CartToPolar_32fc, ORVAS_Magnitude_32f, ORVAS_Magnitude_32fc,
-                                ORVAS_PolarToCart_32f, ORVAS_PolarToCart_32fc, vssincos);
-  CheckPolar<Orva64f, Orva64fc>(ORVAS_CartToPolar_64f, ORVAS_CartToPolar_64fc, ORVAS_Magnitude_64f, ORVAS_Magnitude_64fc,
-                                ORVAS_PolarToCart_64f, ORVAS_PolarToCart_64fc, vdsincos);
+  CheckPolar<Orva32f, Orva32fc>(ORVAS_CartToPolar_32f, ORVAS_CartToPolar_32fc, ORVAS_Magnitude_32f,
+                                ORVAS_Magnitude_32fc, ORVAS_PolarToCart_32f, ORVAS_PolarToCart_32fc, vssincos);
+  CheckPolar<Orva64f, Orva64fc>(ORVAS_CartToPolar_64f, ORVAS_CartToPolar_64fc, ORVAS_Magnitude_64f,
+                                ORVAS_Magnitude_64fc, ORVAS_PolarToCart_64f, ORVAS_PolarToCart_64fc, vdsincos);
 }
 
 TEST(PolarForms, Integers) {
@@ -166,7 +168,8 @@ TEST(PolarForms, Integers) {
       for (int32_t i = 0; i < len; ++i)
         expectedPhase[i] = RoundSaturated(Arctan2<float>(src.im[i], src.re[i]) * phaseFactor);
       ORVAS_Magnitude_16sc_S(src.z.data(), expectedMag.data(), len, s.magScale);
-      ASSERT_EQ(ORVAS_CartToPolar_16sc_S(src.z.data(), mag.data(), phase.data(), len, s.magScale, s.phaseScale), ORVA_STS_NO_ERR);
+      ASSERT_EQ(ORVAS_CartToPolar_16sc_S(src.z.data(), mag.data(), phase.data(), len, s.magScale, s.phaseScale),
+                ORVA_STS_NO_ERR);
       ASSERT_TRUE(SameBits("phase", expectedPhase.data(), phase.data(), len, len));
       ASSERT_TRUE(SameBits("magnitude", expectedMag.data(), mag.data(), len, len));
 
@@ -178,7 +181,8 @@ TEST(PolarForms, Integers) {
         vssincos(1, &angle, &sine, &cosine);
         expected[i] = {RoundSaturated((m * cosine) * magFactor), RoundSaturated((m * sine) * magFactor)};
       }
-      ASSERT_EQ(ORVAS_PolarToCart_16sc_S(src.re.data(), src.im.data(), z.data(), len, s.magScale, s.phaseScale), ORVA_STS_NO_ERR);
+      ASSERT_EQ(ORVAS_PolarToCart_16sc_S(src.re.data(), src.im.data(), z.data(), len, s.magScale, s.phaseScale),
+                ORVA_STS_NO_ERR);
       ASSERT_TRUE(SameBits("ORVAS_PolarToCart_16sc_S", expected.data(), z.data(), len, len));
     }
   }
