@@ -194,7 +194,7 @@ TZM_INLINE auto RoundToInt64(V x) {
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Vec<D> Indices(D d, size_t first) {
   const hn::Rebind<int32_t, D> di;
-  const auto index = hn::Iota(di, static_cast<int32_t>(first));
+  const auto index = hn::Add(hn::Set(di, static_cast<int32_t>(first)), hn::Iota(di, 0));
   if constexpr (sizeof(T) == 8) return hn::PromoteTo(d, index);
   else return hn::ConvertTo(d, index);
 }

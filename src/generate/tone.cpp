@@ -40,6 +40,18 @@ TZM_INLINE void StoreOne(double value, Part* to) {
   }
 }
 
+// The recurrence of two samples at a time: y[i] = 2 cos(2w) y[i-2] - y[i-4].
+struct Chain {
+  Vec<TwoDoubles> last, now;
+
+  explicit Chain(const double (&y)[4]) : last(hn::LoadU(TwoDoubles(), y)), now(hn::LoadU(TwoDoubles(), y + 2)) {}
+  TZM_INLINE Vec<TwoDoubles> Next(Vec<TwoDoubles> factor) {
+    const auto next = hn::MulSub(factor, now, last);
+    last = now;
+    return now = next;
+  }
+};
+
 template <class Sample, class Magnitude, class Real>
 OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real* phase, Real bound) {
   if (OrvaStatus status = CheckPointers(dst, phase)) return status;
@@ -63,40 +75,33 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
   std::memcpy(y[0], cosines, 2 * sizeof(double));
   if constexpr (kParts == 2) ORVAS_Sin_64f(angles, y[1], 2);
   const double twiceCos = 2 * cosines[2];
-  Vec<TwoDoubles> last[kParts], now[kParts];
-  for (int part = 0; part < kParts; ++part) {
-    y[part][2] = Fma(twiceCos, y[part][1], -y[part][0]);
-    y[part][3] = Fma(twiceCos, y[part][2], -y[part][1]);
-    last[part] = hn::LoadU(TwoDoubles(), y[part]);
-    now[part] = hn::LoadU(TwoDoubles(), y[part] + 2);
+  for (auto& part : y) {
+    part[2] = Fma(twiceCos, part[1], -part[0]);
+    part[3] = Fma(twiceCos, part[2], -part[1]);
   }
   const size_t head = n < 4 ? n : 4;
   for (size_t i = 0; i < head; ++i)
     for (int part = 0; part < kParts; ++part) StoreOne(y[part][i] * m, to + i * kParts + part);
 
-  // The bulk, two samples on: y[i] = 2 cos(2w) y[i-2] - y[i-4]. It is never seeded anew, so that its drift
-  // grows with the length.
+  // The bulk is never seeded anew, so that its drift grows with the length.
   const auto factor = hn::Set(TwoDoubles(), Fma(twiceCos, twiceCos, -2.0)), scale = hn::Set(TwoDoubles(), m);
-  const auto next = [&](int part) TZM_LAMBDA {
-    const auto value = hn::MulSub(factor, now[part], last[part]);
-    last[part] = now[part];
-    now[part] = value;
-    return hn::Mul(value, scale);
-  };
+  const auto next = [=](Chain& chain) TZM_LAMBDA { return hn::Mul(chain.Next(factor), scale); };
+  Chain re(y[0]);
   size_t i = head;
   if constexpr (kParts == 2) {
+    Chain im(y[1]);
     for (; i < body; i += 2) {
-      const auto re = next(0), im = next(1);
-      StoreFour(hn::InterleaveLower(TwoDoubles(), re, im), hn::InterleaveUpper(TwoDoubles(), re, im), to + 2 * i);
+      const auto c = next(re), s = next(im);
+      StoreFour(hn::InterleaveLower(TwoDoubles(), c, s), hn::InterleaveUpper(TwoDoubles(), c, s), to + 2 * i);
     }
   } else {
     for (; i + 4 <= body; i += 4) {
-      const auto low = next(0);
-      StoreFour(low, next(0), to + i);
+      const auto low = next(re);
+      StoreFour(low, next(re), to + i);
     }
     if (i < body) {  // a step of two
       double pair[2];
-      hn::StoreU(next(0), TwoDoubles(), pair);
+      hn::StoreU(next(re), TwoDoubles(), pair);
       StoreOne(pair[0], to + i);
       StoreOne(pair[1], to + i + 1);
       i += 2;
