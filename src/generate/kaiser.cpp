@@ -1,6 +1,7 @@
 // Kaiser window, by the power series of the modified Bessel function I0.
 #include <signal_tzm/generate.h>
 
+#include "frame/bessel.h"
 #include "frame/call.h"
 #include "frame/window.h"
 
@@ -10,8 +11,7 @@ using namespace tzm;
 
 namespace {
 
-// I0(x) = 1 + sum over k of t(k) with t(0) = 1 and t(k) = t(k - 1) * (y / k^2) of y = (x/2)^2, in each lane;
-// 32 terms in binary32.
+// I0(x) = 1 + sum over k of t(k) with t(0) = 1 and t(k) = t(k - 1) * (y / k^2) of y = (x/2)^2, in each lane.
 //
 // The quotients are those of a division: multiplied by the reciprocal, with one step of correction. That
 // gives the division's bits for each of these divisors and every y (tested over all fractions) but for y so
@@ -24,7 +24,8 @@ constexpr auto kReciprocals = [] {
 }();
 
 template <class D, class V = Vec<D>>
-TZM_INLINE V Bessel(D d, V y, float) {
+TZM_INLINE V BesselI0Of32Terms(D d, V x) {
+  const auto half = hn::Mul(x, hn::Set(d, 0.5f)), y = hn::Mul(half, half);
   auto sum = hn::Set(d, 1.0f), term = sum;
   for (size_t k = 1; k <= kTerms32; ++k) {
     const auto reciprocal = hn::Set(d, kReciprocals[k - 1]);
@@ -33,21 +34,6 @@ TZM_INLINE V Bessel(D d, V y, float) {
     term = hn::Mul(term, hn::MulAdd(rest, reciprocal, estimate));
     sum = hn::Add(sum, term);
   }
-  return sum;
-}
-
-// In binary64 until no sum changes any more; a NaN counts as unchanged. The terms of a lane that stands still
-// only shrink, so it does not matter how long other lanes keep it going.
-template <class D, class V = Vec<D>>
-TZM_INLINE V Bessel(D d, V y, double) {
-  auto sum = hn::Set(d, 1.0), term = sum, last = sum;
-  double k = 0;
-  do {
-    ++k;
-    last = sum;
-    term = hn::Mul(term, hn::Div(y, hn::Set(d, k * k)));
-    sum = hn::Add(sum, term);
-  } while (!hn::AllTrue(d, hn::Or(hn::Eq(sum, last), hn::IsNaN(sum))));
   return sum;
 }
 
@@ -71,8 +57,8 @@ class Kaiser {
  private:
   template <class DB>
   static TZM_INLINE Vec<DB> Series(DB d, Vec<DB> x) {
-    const auto half = hn::Mul(x, hn::Set(d, Real(0.5)));
-    return Bessel(d, hn::Mul(half, half), Real());
+    if constexpr (std::is_same_v<Real, float>) return BesselI0Of32Terms(d, x);
+    else return BesselI0(d, x);
   }
 
   Real n_, alpha_, whole_;

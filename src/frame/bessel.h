@@ -1,0 +1,25 @@
+// The modified Bessel function I0 in binary64, by its power series: what a Kaiser window is made of.
+#pragma once
+
+#include "frame/vector.h"
+
+namespace tzm {
+
+// 1 + sum over k of t(k) with t(0) = 1 and t(k) = t(k - 1) * ((x/2)^2 / k^2), until no sum changes any more; a
+// NaN counts as unchanged. The terms of a lane that stands still only shrink, so it does not matter how long
+// other lanes keep it going.
+template <class D>
+TZM_INLINE Vec<D> BesselI0(D d, Vec<D> x) {
+  const auto half = hn::Mul(x, hn::Set(d, 0.5)), square = hn::Mul(half, half);
+  auto sum = hn::Set(d, 1.0), term = sum, last = sum;
+  double k = 0;
+  do {
+    ++k;
+    last = sum;
+    term = hn::Mul(term, hn::Div(square, hn::Set(d, k * k)));
+    sum = hn::Add(sum, term);
+  } while (!hn::AllTrue(d, hn::Or(hn::Eq(sum, last), hn::IsNaN(sum))));
+  return sum;
+}
+
+}  // namespace tzm

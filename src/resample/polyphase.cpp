@@ -1,0 +1,283 @@
+// Sample-rate conversion by any factor: every output sums source samples under a finely sampled windowed
+// sinc, with linear interpolation between its entries.
+#include <signal_tzm/resample.h>
+
+#include <signal_tzm/arith.h>
+#include <signal_tzm/companion.h>
+
+#include "frame/call.h"
+#include "frame/scale.h"
+#include "resample/kaiser_sinc.h"
+
+using namespace tzm;
+
+// One block: this record, the half filter, and a table in binary64 that only Init uses.
+struct ResamplePolyphaseState {
+  Orva32f stepAngle;  // angle from entry to entry, pi / nStep
+  int32_t nStep;      // entries in a source sample's time
+  int32_t tableLen;   // one more entry follows
+  Orva32f outScale;   // what undoes the scaling of a 16-bit table
+  int32_t hint;
+  void* table;
+};
+
+namespace {
+
+constexpr int32_t kFloatTable = 2;  // the hint
+
+// ---- The table ----
+
+constexpr int64_t kRecordBytes = 64;
+static_assert(sizeof(ResamplePolyphaseState) <= kRecordBytes);
+constexpr int64_t WorkBytes(int64_t tableLen) { return (8 * tableLen + 79) / 64 * 64; }
+
+// The half filter in binary64, with a gain of 1 at frequency 0.
+void Design(const ResamplePolyphaseState& state, Orva32f rollf, Orva32f alpha, Orva64f* work) {
+  const KaiserSinc filter(rollf, alpha);
+  const int32_t last = state.tableLen - 1;
+  const double step = state.stepAngle, share = 1.0 / last;
+  work[0] = filter.Centre();
+  for (int32_t i = 1; i <= last; ++i) work[i] = filter.At(i * step, i * share);
+  double sum = 0;
+  for (int64_t i = state.nStep; i <= last; i += state.nStep) sum += work[i];
+  ORVAS_MulC_64f_I(1 / (2 * sum + work[0]), work, state.tableLen);
+}
+
+void FillTable(Orva64f* work, Orva32f* table, ResamplePolyphaseState& state) {
+  ORVAS_Convert_64f32f(work, table, state.tableLen);
+}
+void FillTable(Orva64f* work, Orva16s* table, ResamplePolyphaseState& state) {
+  constexpr double kLargest = 16383;
+  double most, least;
+  ORVAS_Max_64f(work, state.tableLen, &most);
+  ORVAS_Min_64f(work, state.tableLen, &least);
+  const double peak = HWY_MAX(__builtin_fabs(most), __builtin_fabs(least));
+  state.outScale = static_cast<Orva32f>(peak / kLargest);
+  ORVAS_MulC_64f_I(kLargest / peak, work, state.tableLen);
+  ORVAS_Convert_64f16s_S(work, table, state.tableLen, 1, 1.0);
+}
+
+template <class Entry>
+OrvaStatus Init(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int32_t hint,
+                ResamplePolyphaseState** stateOut) {
+  if (OrvaStatus status = CheckArrays(nStep, stateOut)) return status;
+  if (!(2 / static_cast<Orva32f>(nStep) < window)) return ORVA_STS_BAD_ARG_ERR;
+  if (!(rollf > 0) || rollf > 1 || alpha < 1) return ORVA_STS_BAD_ARG_ERR;
+  *stateOut = nullptr;
+  constexpr double kWidest = 268435437.875;  // beyond it the work table passes 31 bits
+  const double half = window * 0.5 * nStep;
+  if (!(half < kWidest)) return ORVA_STS_BAD_ARG_ERR;
+  const int32_t tableLen = static_cast<int32_t>(half) + 1;
+  const int64_t tableBytes = (int64_t{sizeof(Entry)} * tableLen + 65) / 64 * 64;
+  const int64_t bytes = kRecordBytes + tableBytes + WorkBytes(tableLen);
+  if (bytes > std::numeric_limits<int32_t>::max()) return ORVA_STS_BAD_ARG_ERR;
+  Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(bytes));
+  if (block == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
+  ORVAS_Zero_8u(block, static_cast<int32_t>(bytes));
+
+  // The work table ends the block: between it and the half filter zeros are left, for an angle that rounds
+  // up to the filter's end reads one entry more.
+  auto* const state = reinterpret_cast<ResamplePolyphaseState*>(block);
+  auto* const table = reinterpret_cast<Entry*>(block + kRecordBytes);
+  auto* const work = reinterpret_cast<Orva64f*>(block + bytes - int64_t{sizeof(Orva64f)} * tableLen);
+  constexpr double kPi = 3.141592653589793;
+  *state = {static_cast<Orva32f>(kPi / nStep), nStep, tableLen, 1, hint, table};
+  Design(*state, rollf, alpha, work);
+  FillTable(work, table, *state);
+  table[tableLen] = table[tableLen - 1];
+  *stateOut = state;
+  return ORVA_STS_NO_ERR;
+}
+
+// ---- One half of an output's sum ----
+
+// The quotient's least integer not below it: truncated, and one more if the product falls short.
+double CeilQuotient(double dividend, double divisor) {
+  const double whole = __builtin_trunc(dividend / divisor);
+  return whole * divisor < dividend ? whole + 1 : whole;
+}
+
+// Entries of the table at lanes of indices, and those after them. kLanes is at least 2.
+template <size_t kLanes, class Entry>
+struct Neighbours {
+  Vec<hn::FixedTag<Entry, kLanes>> low, high;
+};
+template <size_t kLanes, class Entry>
+TZM_INLINE auto LoadNeighbours(const Entry* table, const uint32_t* at) {
+  const hn::FixedTag<Entry, kLanes> d;
+  const auto pair = [=](size_t k) TZM_LAMBDA {
+    using Both = std::conditional_t<sizeof(Entry) == 4, uint64_t, uint32_t>;
+    return hn::LoadU(hn::FixedTag<Both, 1>(), reinterpret_cast<const Both*>(table + at[k]));
+  };
+  if constexpr (kLanes > 4) {
+    const auto first = LoadNeighbours<kLanes / 2>(table, at);
+    const auto second = LoadNeighbours<kLanes / 2>(table, at + kLanes / 2);
+    return Neighbours<kLanes, Entry>{hn::Combine(d, second.low, first.low), hn::Combine(d, second.high, first.high)};
+  } else {
+    const auto two = [=](size_t k) TZM_LAMBDA {
+      using V = decltype(pair(k));
+      const hn::Twice<hn::DFromV<V>> d2;
+      return hn::BitCast(hn::FixedTag<Entry, 4>(), hn::Combine(d2, pair(k + 1), pair(k)));
+    };
+    const hn::FixedTag<Entry, 4> d4;
+    const auto first = two(0);
+    if constexpr (kLanes == 4) {
+      const auto second = two(2);
+      return Neighbours<4, Entry>{hn::ConcatEven(d4, second, first), hn::ConcatOdd(d4, second, first)};
+    } else {
+      return Neighbours<2, Entry>{hn::LowerHalf(hn::ConcatEven(d4, first, first)),
+                                  hn::LowerHalf(hn::ConcatOdd(d4, first, first))};
+    }
+  }
+}
+
+template <class D, class V>
+TZM_INLINE Vec<D> WidenToDouble(D d, V v) {
+  if constexpr (sizeof(hn::TFromV<V>) == 2) return hn::PromoteTo(d, hn::PromoteTo(hn::Rebind<int32_t, D>(), v));
+  else return hn::PromoteTo(d, v);
+}
+
+// The sums of lanes 0 and 1, 2 and 3, ..., one by one onto `acc`.
+template <class D>
+TZM_INLINE double AddPairs(D d, Vec<D> products, double acc) {
+  if constexpr (hn::MaxLanes(d) == 2) {
+    return acc + hn::GetLane(hn::Add(products, hn::Reverse2(d, products)));
+  } else {
+    const hn::Half<D> half;
+    return AddPairs(half, hn::UpperHalf(half, products), AddPairs(half, hn::LowerHalf(half, products), acc));
+  }
+}
+
+// Adds to `acc` the samples src[0], src[kDirection], ... under the entries at `at`, `at` + step, ...
+template <int kDirection, class Entry, class Sample>
+TZM_INLINE double AddHalf(const Entry* table, double step, double at, const Sample* src, int32_t tableLen, double acc) {
+  const int64_t taps = static_cast<int64_t>(CeilQuotient(tableLen - at, step));
+  int64_t m = 0;
+  const auto pairs = [&](auto d) TZM_LAMBDA {
+    constexpr int64_t kLanes = hn::MaxLanes(d);
+    const hn::Rebind<Sample, decltype(d)> dn;
+    const hn::Rebind<int32_t, decltype(d)> di;
+    const hn::RebindToUnsigned<decltype(di)> du;
+    const auto one = hn::Set(d, 1.0);
+    auto index = hn::Add(hn::Iota(d, 0), hn::Set(d, static_cast<double>(m)));
+    for (; taps - m >= kLanes; m += kLanes) {
+      const auto u = hn::MulAdd(index, hn::Set(d, step), hn::Set(d, at));
+      const auto whole = hn::Trunc(u), fraction = hn::Sub(u, whole);
+      uint32_t entry[kLanes];
+      hn::StoreU(hn::BitCast(du, hn::DemoteTo(di, whole)), du, entry);
+      const auto neighbours = LoadNeighbours<kLanes>(table, entry);
+      const auto low = WidenToDouble(d, neighbours.low), high = WidenToDouble(d, neighbours.high);
+      const auto weight = hn::MulAdd(fraction, high, hn::Mul(hn::Sub(one, fraction), low));
+      auto sample = WidenToDouble(d, hn::LoadU(dn, kDirection > 0 ? src + m : src - m - (kLanes - 1)));
+      if constexpr (kDirection < 0) sample = hn::Reverse(d, sample);
+      acc = AddPairs(d, hn::Mul(sample, weight), acc);
+      index = hn::Add(index, hn::Set(d, static_cast<double>(kLanes)));
+    }
+  };
+  const hn::FixedTag<double, 2> two;
+  pairs(Full<double>());
+  if constexpr (hn::MaxLanes(Full<double>()) > 2) pairs(two);
+  if (m < taps) {  // an odd last one is fused the other way round
+    const double u = Fma(static_cast<double>(m), step, at);
+    const int32_t entry = static_cast<int32_t>(u);
+    const double fraction = u - entry, low = table[entry], high = table[entry + 1];
+    const double sample = LoadElement(src + kDirection * m);
+    acc = Fma(sample, Fma(1 - fraction, low, fraction * high), acc);
+  }
+  return acc;
+}
+
+// ---- Run ----
+
+struct Plan {
+  double step;      // entries of the table from sample to sample
+  double gain;
+  double start;     // time of the first output
+  double interval;  // from output to output
+  int32_t count;    // below 1 for a start beyond the source
+};
+
+OrvaStatus MakePlan(int32_t len, double factor, Orva32f norm, const double* time, int32_t* outLen,
+                    const ResamplePolyphaseState& state, Plan& plan) {
+  if (!(factor > 0)) return ORVA_STS_BAD_ARG_ERR;
+  const double gain = static_cast<double>(state.outScale) * norm;
+  plan = {static_cast<double>(state.nStep), gain, LoadElement(time), 1 / factor, 0};
+  if (factor < 1) {
+    plan.step *= factor;
+    plan.gain *= factor;
+  }
+  // The sample at the start is counted in 32 bits; times beyond them are beyond every source.
+  constexpr double kMost = std::numeric_limits<int32_t>::max(), kLeast = std::numeric_limits<int32_t>::min();
+  const double sample = HWY_MAX(kLeast, HWY_MIN(__builtin_floor(plan.start), kMost));
+  if (CeilQuotient(state.tableLen - plan.step * (plan.start - sample), plan.step) > sample) return ORVA_STS_BAD_ARG_ERR;
+  const double count = __builtin_ceil((len + sample - plan.start) * factor);
+  if (count > kMost) return ORVA_STS_BAD_ARG_ERR;
+  plan.count = count != count ? 0 : static_cast<int32_t>(HWY_MAX(count, kLeast));
+  StoreElement(plan.count, outLen);
+  return ORVA_STS_NO_ERR;
+}
+
+// Calls store(j, sum) for each output at timeOf(j); the times are asked for in order, once each.
+template <class Entry, class Sample, class TimeOf, class Store>
+void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* src, TimeOf timeOf, Store store) {
+  const auto* const table = static_cast<const Entry*>(state.table);
+  for (int32_t j = 0; j < plan.count; ++j) {
+    const double time = timeOf(j), sample = __builtin_floor(time), at = (time - sample) * plan.step;
+    const Sample* const here = src + static_cast<int64_t>(sample);
+    const double left = AddHalf<-1>(table, plan.step, at, here, state.tableLen, 0);
+    store(j, plan.gain * AddHalf<1>(table, plan.step, plan.step - at, here + 1, state.tableLen, left));
+  }
+}
+
+OrvaStatus Release(ResamplePolyphaseState* state) {
+  ORVA_Free(state);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_ResamplePolyphaseInit_16s(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int32_t hint,
+                                           ResamplePolyphaseState** stateOut) {
+  if (hint == kFloatTable) return ORVAS_ResamplePolyphaseInit_32f(window, nStep, rollf, alpha, hint, stateOut);
+  return Init<Orva16s>(window, nStep, rollf, alpha, hint, stateOut);
+}
+OrvaStatus ORVAS_ResamplePolyphaseInit_32f(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int32_t hint,
+                                           ResamplePolyphaseState** stateOut) {
+  return Init<Orva32f>(window, nStep, rollf, alpha, hint, stateOut);
+}
+
+// Deliberately the two members go on in time differently: here by addition, and a call without outputs
+// leaves the time alone.
+OrvaStatus ORVAS_ResamplePolyphase_16s(const Orva16s* src, int32_t len, Orva16s* dst, Orva64f factor, Orva32f norm,
+                                       Orva64f* time, int32_t* outLen, const ResamplePolyphaseState* state) {
+  if (OrvaStatus status = CheckArrays(len, state, outLen, dst, time, src)) return status;
+  Plan plan;
+  if (OrvaStatus status = MakePlan(len, factor, norm, time, outLen, *state, plan)) return status;
+  double next = plan.start;
+  const auto timeOf = [&](int32_t) TZM_LAMBDA {
+    const double now = next;
+    next += plan.interval;
+    return now;
+  };
+  const auto store = [=](int32_t j, double value) TZM_LAMBDA { StoreElement(RoundSaturate<Orva16s>(value), dst + j); };
+  if (state->hint == kFloatTable) Run<Orva32f>(*state, plan, src, timeOf, store);
+  else Run<Orva16s>(*state, plan, src, timeOf, store);
+  StoreElement(next, time);
+  return ORVA_STS_NO_ERR;
+}
+
+// Here every time is a multiple of the interval from the first.
+OrvaStatus ORVAS_ResamplePolyphase_32f(const Orva32f* src, int32_t len, Orva32f* dst, Orva64f factor, Orva32f norm,
+                                       Orva64f* time, int32_t* outLen, const ResamplePolyphaseState* state) {
+  if (OrvaStatus status = CheckArrays(len, state, outLen, dst, time, src)) return status;
+  Plan plan;
+  if (OrvaStatus status = MakePlan(len, factor, norm, time, outLen, *state, plan)) return status;
+  const auto timeOf = [=](int32_t j) TZM_LAMBDA { return Fma(j, plan.interval, plan.start); };
+  Run<Orva32f>(*state, plan, src, timeOf,
+               [=](int32_t j, double value) TZM_LAMBDA { StoreElement(static_cast<Orva32f>(value), dst + j); });
+  StoreElement((plan.count < 1 ? plan.start : timeOf(plan.count - 1)) + plan.interval, time);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_ResamplePolyphaseRelease_16s(ResamplePolyphaseState* state) { return Release(state); }
+OrvaStatus ORVAS_ResamplePolyphaseRelease_32f(ResamplePolyphaseState* state) { return Release(state); }

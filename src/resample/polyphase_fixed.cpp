@@ -1,0 +1,228 @@
+// Sample-rate conversion between two integer rates: one bank of filter phases for their reduced ratio, a dot
+// product for each output, and time counted in integers.
+#include <signal_tzm/resample.h>
+
+#include <signal_tzm/companion.h>
+#include <signal_tzm/reduce.h>
+
+#include "frame/call.h"
+#include "frame/scale.h"
+#include "resample/kaiser_sinc.h"
+
+#include <numeric>
+
+using namespace tzm;
+
+// One block with the bank: for each of `up` phases 2*reach taps in the order of the source. For 16-bit samples
+// taps are 32-bit integers in two rows, the high halves and then the low ones, which are signed as well.
+struct ResamplePolyphaseFixedState {
+  int32_t up, down;  // the reduced ratio, output rate to input rate
+  int32_t unit;      // by which the rates were reduced
+  int32_t reach;     // source samples on either side of an output
+  double tapScale;   // what undoes the scaling of integer taps
+  void* bank;
+
+  int32_t RowLen() const { return 2 * reach; }
+  int32_t FilterLen() const { return up * RowLen(); }
+};
+
+namespace {
+
+using State = ResamplePolyphaseFixedState;
+
+constexpr int64_t kRecordBytes = 64;
+static_assert(sizeof(State) <= kRecordBytes);
+constexpr int64_t kTapBytes = 4;
+constexpr int64_t kMostTaps = (std::numeric_limits<int32_t>::max() - kRecordBytes) / kTapBytes;
+
+template <class Sample>
+Sample* Row(const State& state, int64_t phase) {
+  constexpr int64_t kRows = kTapBytes / sizeof(Sample);
+  return static_cast<Sample*>(state.bank) + phase * kRows * state.RowLen();
+}
+
+// Calls take(row, tap, n): the tap of that phase is entry n of the filter.
+template <class Sample, class Take>
+void ForEachTap(const State& state, Take take) {
+  for (int32_t phase = 0; phase < state.up; ++phase)
+    for (int32_t tap = 0, n = state.FilterLen() - state.up + phase; tap < state.RowLen(); ++tap, n -= state.up)
+      take(Row<Sample>(state, phase) + tap, n);
+}
+
+// A low-pass filter `half` source samples wide on either side, in steps of 1/up of them. Every phase sums to 1.
+void Design(const State& state, double half, Orva32f rollf, Orva32f alpha, Orva32f* filter) {
+  constexpr double kPi = 3.141592653589793;
+  const KaiserSinc sinc(rollf, alpha);
+  const double lower = HWY_MIN(1.0, static_cast<double>(state.up) / state.down);  // of the two rates
+  for (int32_t phase = 0; phase < state.up; ++phase) {
+    double sum = 0;
+    for (int32_t n = phase; n < state.FilterLen(); n += state.up) {
+      const double distance = __builtin_fabs(static_cast<double>(n) / state.up - state.reach);
+      const double value = distance == 0 ? sinc.Centre()
+                           : distance <= half ? sinc.At(kPi * lower * distance, distance / half)
+                                              : 0;
+      filter[n] = static_cast<Orva32f>(value);
+      sum += filter[n];
+    }
+    for (int32_t n = phase; n < state.FilterLen(); n += state.up) filter[n] = static_cast<Orva32f>(filter[n] / sum);
+  }
+}
+
+template <class Sample>
+void FillBank(const Orva32f* filter, State& state) {
+  if constexpr (std::is_same_v<Sample, Orva32f>) {
+    ForEachTap<Orva32f>(state, [=](Orva32f* tap, int32_t n) { *tap = LoadElement(filter + n); });
+  } else {
+    constexpr double kLargest = 32767 * 65536.0;
+    Orva32f peak;
+    ORVAS_MaxAbs_32f(filter, state.FilterLen(), &peak);
+    state.tapScale = peak / kLargest;
+    const double factor = peak > 0 ? kLargest / peak : 0;
+    ForEachTap<Orva16s>(state, [&](Orva16s* tap, int32_t n) {
+      const int32_t value = RoundSaturate<int32_t>(LoadElement(filter + n) * factor);
+      const Orva16s low = static_cast<Orva16s>(value);
+      tap[0] = static_cast<Orva16s>((value - low) / 65536);
+      tap[state.RowLen()] = low;
+    });
+  }
+}
+
+template <class Sample>
+OrvaStatus Init(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf, Orva32f alpha, State** stateOut) {
+  if (OrvaStatus status = CheckPointers(stateOut)) return status;
+  *stateOut = nullptr;
+  if (inRate < 1 || outRate < 1) return ORVA_STS_SIZE_ERR;
+  if (!(window >= 2) || !(rollf > 0) || rollf > 1 || !(alpha >= 1)) return ORVA_STS_BAD_ARG_ERR;
+  const int32_t unit = std::gcd(inRate, outRate);
+  const int32_t up = outRate / unit, down = inRate / unit;
+  const double half = window * 0.5 * HWY_MAX(1.0, static_cast<double>(down) / up);
+  const double reach = __builtin_ceil(half / 4) * 4;  // rows of whole steps of the dot products
+  if (2 * reach * up > static_cast<double>(kMostTaps)) return ORVA_STS_OVERFLOW_ERR;
+
+  State shape = {up, down, unit, static_cast<int32_t>(reach), 1, nullptr};
+  Orva8u* const block =
+      ORVAS_Malloc_8u(static_cast<int32_t>(kRecordBytes + shape.FilterLen() * kTapBytes));
+  Orva32f* const filter = ORVAS_Malloc_32f(shape.FilterLen());
+  if (CheckPointers(block, filter)) {
+    ORVAS_Free(block);
+    ORVAS_Free(filter);
+    return ORVA_STS_MEM_ALLOC_ERR;
+  }
+  shape.bank = block + kRecordBytes;
+  Design(shape, half, rollf, alpha, filter);
+  FillBank<Sample>(filter, shape);
+  ORVAS_Free(filter);
+  *stateOut = reinterpret_cast<State*>(block);
+  **stateOut = shape;
+  return ORVA_STS_NO_ERR;
+}
+
+template <class Sample>
+OrvaStatus SetFilter(State* state, const Orva32f* taps, int32_t tapsLen) {
+  if (OrvaStatus status = CheckPointers(state, taps)) return status;
+  if (tapsLen != state->FilterLen()) return ORVA_STS_SIZE_ERR;
+  FillBank<Sample>(taps, *state);
+  return ORVA_STS_NO_ERR;
+}
+
+template <class Sample>
+OrvaStatus GetFilter(const State* state, Orva32f* taps, int32_t* tapsLen) {
+  if (OrvaStatus status = CheckPointers(state, tapsLen)) return status;
+  StoreElement(state->FilterLen(), tapsLen);
+  if (taps == nullptr) return ORVA_STS_NO_ERR;
+  ForEachTap<Sample>(*state, [=](const Sample* tap, int32_t n) {
+    double value = tap[0];
+    if constexpr (std::is_same_v<Sample, Orva16s>) value = (value * 65536 + tap[state->RowLen()]) * state->tapScale;
+    StoreElement(static_cast<Orva32f>(value), taps + n);
+  });
+  return ORVA_STS_NO_ERR;
+}
+
+Orva32f Output(const Orva32f* row, const Orva32f* window, int32_t len, Orva32f norm, double) {
+  Orva32f sum;
+  ORVAS_DotProd_32f(row, window, len, &sum);
+  return sum * norm;
+}
+Orva16s Output(const Orva16s* row, const Orva16s* window, int32_t len, Orva32f norm, double tapScale) {
+  Orva64s high, low;
+  ORVAS_DotProd_16s64s(row, window, len, &high);
+  ORVAS_DotProd_16s64s(row + len, window, len, &low);
+  return RoundSaturate<Orva16s>((static_cast<double>(high) * 65536 + static_cast<double>(low)) * (norm * tapScale));
+}
+
+template <class Sample>
+OrvaStatus Run(const Sample* src, int32_t len, Sample* dst, Orva32f norm, Orva64s* time, int32_t* outLen,
+               const State* state) {
+  if (OrvaStatus status = CheckArrays(len, src, dst, time, outLen, state)) return status;
+  constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
+  const int64_t start = LoadElement(time);
+  const int64_t inRate = int64_t{state->down} * state->unit, outRate = int64_t{state->up} * state->unit;
+  int64_t sample = start / outRate;
+  const int64_t part = start % outRate;
+  if (start % state->unit != 0 || sample < state->reach - 1 || sample > kMost) return ORVA_STS_BAD_ARG_ERR;
+  const int64_t count = (len * outRate - part + inRate - 1) / inRate;
+  if (count > kMost) return ORVA_STS_OVERFLOW_ERR;
+
+  const int32_t up = state->up, rowLen = state->RowLen();
+  const int64_t stepSample = state->down / up, stepPhase = state->down % up;
+  const double tapScale = state->tapScale;
+  sample -= state->reach - 1;
+  int64_t phase = part / state->unit;
+  for (int64_t j = 0; j < count; ++j) {
+    StoreElement(Output(Row<Sample>(*state, phase), src + sample, rowLen, norm, tapScale), dst + j);
+    sample += stepSample;
+    phase += stepPhase;
+    if (phase >= up) {
+      phase -= up;
+      ++sample;
+    }
+  }
+  StoreElement(static_cast<int32_t>(count), outLen);
+  StoreElement(start + count * inRate, time);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus Release(State* state) {
+  ORVAS_Free(state);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_ResamplePolyphaseFixedInit_16s(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf,
+                                                Orva32f alpha, ResamplePolyphaseFixedState** stateOut) {
+  return Init<Orva16s>(inRate, outRate, window, rollf, alpha, stateOut);
+}
+OrvaStatus ORVAS_ResamplePolyphaseFixedInit_32f(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf,
+                                                Orva32f alpha, ResamplePolyphaseFixedState** stateOut) {
+  return Init<Orva32f>(inRate, outRate, window, rollf, alpha, stateOut);
+}
+
+OrvaStatus ORVAS_ResamplePolyphaseFixedSetFilter_16s(ResamplePolyphaseFixedState* state, const Orva32f* taps,
+                                                     int32_t tapsLen) {
+  return SetFilter<Orva16s>(state, taps, tapsLen);
+}
+OrvaStatus ORVAS_ResamplePolyphaseFixedSetFilter_32f(ResamplePolyphaseFixedState* state, const Orva32f* taps,
+                                                     int32_t tapsLen) {
+  return SetFilter<Orva32f>(state, taps, tapsLen);
+}
+OrvaStatus ORVAS_ResamplePolyphaseFixedGetFilter_16s(const ResamplePolyphaseFixedState* state, Orva32f* taps,
+                                                     int32_t* tapsLen) {
+  return GetFilter<Orva16s>(state, taps, tapsLen);
+}
+OrvaStatus ORVAS_ResamplePolyphaseFixedGetFilter_32f(const ResamplePolyphaseFixedState* state, Orva32f* taps,
+                                                     int32_t* tapsLen) {
+  return GetFilter<Orva32f>(state, taps, tapsLen);
+}
+
+OrvaStatus ORVAS_ResamplePolyphaseFixed_16s(const Orva16s* src, int32_t len, Orva16s* dst, Orva32f norm, Orva64s* time,
+                                            int32_t* outLen, const ResamplePolyphaseFixedState* state) {
+  return Run(src, len, dst, norm, time, outLen, state);
+}
+OrvaStatus ORVAS_ResamplePolyphaseFixed_32f(const Orva32f* src, int32_t len, Orva32f* dst, Orva32f norm, Orva64s* time,
+                                            int32_t* outLen, const ResamplePolyphaseFixedState* state) {
+  return Run(src, len, dst, norm, time, outLen, state);
+}
+
+OrvaStatus ORVAS_ResamplePolyphaseFixedRelease_16s(ResamplePolyphaseFixedState* state) { return Release(state); }
+OrvaStatus ORVAS_ResamplePolyphaseFixedRelease_32f(ResamplePolyphaseFixedState* state) { return Release(state); }
