@@ -40,11 +40,14 @@ TZM_INLINE void AddProducts(const T* one, const T* many, int64_t count, LaneArra
     sum = MulAdd(Lanes::Load(many + kStep * t), Lanes::Set(LoadElement(one - kStep * t)), sum);
 }
 
-// kOutputs outputs from k on, each of which needs all of src2.
+// kOutputs outputs from k on, each of which needs all of the shorter sequence.
 template <size_t kOutputs, class T>
 void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
   auto sum = LaneArray<T, kOutputs>::Set(0);
-  AddProducts<1>(pair.src2 + (pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
+  if (pair.len1 >= pair.len2)
+    AddProducts<1>(pair.src2 + (pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
+  else
+    AddProducts<-1>(pair.src1, pair.src2 + k, pair.len1, sum);
   sum.Store(dst);
 }
 
@@ -81,14 +84,12 @@ void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
     }
   };
   // The middle, where all of the shorter sequence takes part, and what comes before and after.
-  const bool longer1 = pair.len1 >= pair.len2;
   const int64_t middle = std::clamp(std::min(pair.len1, pair.len2) - 1, first, end);
   const int64_t after = std::clamp(std::max(pair.len1, pair.len2), middle, end);
   cover(first, first, middle, AnyOverlap<kBlock<T>, T>);
   int64_t k = middle;
-  const Group wide = longer1 ? FullOverlap<kWide, T> : AnyOverlap<kWide, T>;
-  for (; after - k >= kWide; k += kWide) wide(pair, k, at(k));
-  cover(middle, k, after, longer1 ? FullOverlap<kBlock<T>, T> : AnyOverlap<kBlock<T>, T>);
+  for (; after - k >= kWide; k += kWide) FullOverlap<kWide>(pair, k, at(k));
+  cover(middle, k, after, FullOverlap<kBlock<T>, T>);
   cover(after, after, end, AnyOverlap<kBlock<T>, T>);
 }
 
@@ -124,7 +125,7 @@ class Blocks {
 
   // Steps from `from` to `end` of blocks kFirst to kEnd; src2's neighbours of step t start at source - t.
   template <int kFirst, int kEnd>
-  static void Steps(const T* src1, const T* source, int64_t from, int64_t end, Sums* sums) {
+  static HWY_NOINLINE void Steps(const T* src1, const T* source, int64_t from, int64_t end, Sums* sums) {
     if (from >= end) return;
     Sums sum[kEnd - kFirst];
     for (int r = kFirst; r < kEnd; ++r) sum[r - kFirst] = sums[r];
