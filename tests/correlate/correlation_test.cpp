@@ -149,8 +149,6 @@ std::vector<Sample> CrossOracle(const std::vector<Sample>& src1, const std::vect
 }
 
 template <class Sample>
-using Wide = std::complex<double>;
-template <class Sample>
 std::complex<double> Value(Sample x) {
   if constexpr (Members<Sample>::kComplex) return {x.re, x.im};
   else return x;
@@ -248,7 +246,10 @@ TYPED_TEST(Correlation, ByTransforms) {
       Members<T>::Release(state);
       CheckNear(CrossOracle(values1, values2, dstLen, low, kind), dst.data(), std::min(len1, len2));
       for (int32_t j = 0; j < dstLen; ++j) {
-        if (low + j <= -len1 || low + j >= len2) ASSERT_TRUE(SameBits("lags beyond", &zero, &dst[j], 1));
+        const bool overlap = low + j > -len1 && low + j < len2;
+        if (!overlap) {
+          ASSERT_TRUE(SameBits("lags beyond", &zero, &dst[j], 1));
+        }
       }
     }
   }
@@ -276,7 +277,7 @@ TYPED_TEST(Correlation, LengthsOfOneState) {
   state = CrossState<T>(30, 90, 30, -4, 2);  // transforms of 64
   EXPECT_EQ(M::Cross(src.data(), 30, src.data(), 90, dst.data(), 36, -4, 0, state), ORVA_STS_LEN_MISMATCH_ERR);
   EXPECT_EQ(M::Cross(src.data(), 30, src.data(), 90, dst.data(), 30, 90, 0, state), ORVA_STS_LEN_MISMATCH_ERR);
-  EXPECT_EQ(M::Cross(src.data(), 30, src.data(), 90, dst.data(), INT32_MAX, INT32_MIN, 0, state),
+  EXPECT_EQ(M::Cross(src.data(), 30, src.data(), 90, dst.data(), 30, INT32_MIN, 0, state),
             ORVA_STS_LEN_MISMATCH_ERR);
   EXPECT_TRUE(SameBits("mismatch", untouched.data(), dst.data(), dst.size()));
   ASSERT_EQ(M::Cross(src.data(), 30, src.data(), 80, dst.data(), 20, -1, 0, state), ORVA_STS_NO_ERR);

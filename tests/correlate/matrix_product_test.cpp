@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <signal_tzm/correlate.h>
 
+#include <cstring>
+
 #include "support/arguments.h"
 #include "support/compare.h"
 #include "support/guarded.h"
@@ -10,16 +12,12 @@ namespace tzm_test {
 
 namespace {
 
-double Times(double a, double b) { return a * b; }
 template <class T>
-T Times(T a, T b) {
-  return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
-}
-float Plus(float a, float b) { return a + b; }
-double Plus(double a, double b) { return a + b; }
-template <class T>
-T Plus(T a, T b) {
-  return {a.re + b.re, a.im + b.im};
+T AddProduct(T sum, T a, T b) {
+  if constexpr (requires { a.re; })
+    return {sum.re + (a.re * b.re - a.im * b.im), sum.im + (a.re * b.im + a.im * b.re)};
+  else
+    return sum + a * b;
 }
 
 // Small integers, so that every order of summation gives the same values.
@@ -43,7 +41,7 @@ void Check(OrvaStatus (*multiply)(const T*, const T*, T*, int32_t, int32_t, int3
   for (int32_t i = 0; i < m; ++i)
     for (int32_t j = 0; j < n; ++j)
       for (int32_t l = 0; l < k; ++l)
-        expected[i * n + j] = Plus(expected[i * n + j], static_cast<T>(Times(a.data()[i * k + l], b.data()[l * n + j])));
+        expected[i * n + j] = AddProduct(expected[i * n + j], a.data()[i * k + l], b.data()[l * n + j]);
   std::memset(c.data(), 0xff, sizeof(T) * m * n);  // NaN: what was there does not count
   EXPECT_EQ(multiply(a.data(), b.data(), c.data(), m, n, k), ORVA_STS_NO_ERR);
   EXPECT_TRUE(SameBits("ORVAS_MMul", expected.data(), c.data(), expected.size()));
