@@ -29,7 +29,7 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
     Lanes sum[kG];
     for (size_t g = 0; g < kG; ++g) sum[g] = sums[g];
     for (size_t i = from; i < end; i += kG) {
-      for (size_t g = 0; g < kG; ++g) {
+      Unrolled<kG>([&](auto g) TZM_LAMBDA {
         const Lanes later = Lanes::Load(Reals(src + (i + g + at)));
         if constexpr (kIsComplex<Sample>) {
           const Sample x = LoadElement(src + i + g);
@@ -38,7 +38,7 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
         } else {
           sum[g] = MulAdd(Lanes::Set(LoadElement(src + i + g)), later, sum[g]);
         }
-      }
+      });
     }
     for (size_t g = 0; g < kG; ++g) sums[g] = sum[g];
   };
@@ -67,7 +67,8 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
 
 template <class Sample>
 void Direct(const Sample* src, size_t len, size_t lags, Sample* dst) {
-  constexpr size_t kBlocks = std::is_same_v<Sample, Orva64f> ? 4 : 2;
+  // As many accumulators as leave registers for what is loaded: 256 bytes.
+  constexpr size_t kBlocks = 256 / (kGroup<Sample> * kLags<Sample> * sizeof(Sample));
   size_t k = 0;
   for (; lags - k >= kBlocks * kLags<Sample>; k += kBlocks * kLags<Sample>) SumBlocks<kBlocks>(src, len, k, dst);
   for (; lags - k >= kLags<Sample>; k += kLags<Sample>) SumBlocks<1>(src, len, k, dst);

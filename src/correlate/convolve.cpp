@@ -2,9 +2,10 @@
 #include <signal_tzm/correlate.h>
 
 #include "correlate/transform_area.h"
+#include "frame/drive.h"
 
 #include <algorithm>
-#include <utility>
+#include <cmath>
 
 using namespace tzm;
 
@@ -15,34 +16,62 @@ template <class T>
 constexpr int64_t kBlock = 64 / sizeof(T);
 constexpr int32_t kShort = 16;
 
-// ---- Chains over exactly the samples that an output needs ----
-
-// Two finite sequences and the sample ranges of their convolution: output k sums from First(k) to End(k).
+// Two sequences and, for their convolution, the samples of src1 that output k sums: First(k) to End(k). Where
+// src2 is not `whole`, only what such sums need may be read of it.
 template <class T>
 struct Pair {
   const T* src1;
   const T* src2;
   int64_t len1, len2;
+  bool whole = true;
 
   int64_t First(int64_t k) const { return std::max<int64_t>(k - len2 + 1, 0); }
   int64_t End(int64_t k) const { return std::min(k + 1, len1); }
-  T Chain(int64_t k, int64_t from, int64_t end, T sum) const {
-    for (int64_t i = from; i < end; ++i) sum = Fma(LoadElement(src2 + (k - i)), LoadElement(src1 + i), sum);
+  T Chain(int64_t k) const {
+    T sum = 0;
+    for (int64_t i = First(k), end = End(k); i < end; ++i)
+      sum = Fma(LoadElement(src2 + (k - i)), LoadElement(src1 + i), sum);
     return sum;
   }
 };
 
-// sum += many[kStep*t ...] * one[-kStep*t] for t = 0, 1, ... count-1.
+// ---- Outputs that need all of the shorter sequence ----
+
+// sum += many[kStep*t ...] * one[-kStep*t] for t = 0 to count-1, with the lanes of `sum` as outputs. Loads
+// are the limit, half of them cross a cache line: every other register lags one register's lanes behind its
+// neighbour, so that both want the same elements of `many`.
 template <int kStep, class T, size_t kLanes>
 TZM_INLINE void AddProducts(const T* one, const T* many, int64_t count, LaneArray<T, kLanes>& sum) {
   using Lanes = LaneArray<T, kLanes>;
-  for (int64_t t = 0; t < count; ++t)
-    sum = MulAdd(Lanes::Load(many + kStep * t), Lanes::Set(LoadElement(one - kStep * t)), sum);
+  const typename Lanes::D d;
+  constexpr int64_t kLag = Lanes::kWidth;
+  const auto neighbours = [&](size_t r, int64_t t) TZM_LAMBDA {
+    return hn::LoadU(d, many + static_cast<int64_t>(r) * kLag + kStep * t);
+  };
+  const auto factor = [&](int64_t t) TZM_LAMBDA { return hn::Set(d, LoadElement(one - kStep * t)); };
+  const auto step = [&](size_t r, int64_t t) TZM_LAMBDA {
+    sum.v[r] = hn::MulAdd(neighbours(r, t), factor(t), sum.v[r]);
+  };
+  constexpr size_t kPairs = Lanes::kRegisters / 2, kAhead = kStep > 0 ? 0 : 1, kBehind = 1 - kAhead;
+  if (kPairs < 2 || count < 4 * kLag) {
+    for (int64_t t = 0; t < count; ++t) Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { step(r, t); });
+    return;
+  }
+  for (int64_t t = 0; t < kLag; ++t) Unrolled<kPairs>([&](auto p) TZM_LAMBDA { step(2 * p + kAhead, t); });
+  for (int64_t t = kLag; t < count; ++t) {
+    const auto ahead = factor(t), behind = factor(t - kLag);
+    Unrolled<kPairs>([&](auto p) TZM_LAMBDA {
+      constexpr size_t kFirst = 2 * p + kAhead, kSecond = 2 * p + kBehind;
+      const auto both = InRegister(neighbours(kFirst, t));
+      sum.v[kFirst] = hn::MulAdd(both, ahead, sum.v[kFirst]);
+      sum.v[kSecond] = hn::MulAdd(both, behind, sum.v[kSecond]);
+    });
+  }
+  for (int64_t t = count - kLag; t < count; ++t) Unrolled<kPairs>([&](auto p) TZM_LAMBDA { step(2 * p + kBehind, t); });
 }
 
-// kOutputs outputs from k on, each of which needs all of the shorter sequence.
 template <size_t kOutputs, class T>
-void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
+HWY_NOINLINE void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
   auto sum = LaneArray<T, kOutputs>::Set(0);
   if (pair.len1 >= pair.len2)
     AddProducts<1>(pair.src2 + (pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
@@ -51,57 +80,17 @@ void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
   sum.Store(dst);
 }
 
-// kOutputs outputs from k on: together where all of them need src1[i], one by one before and after.
-template <size_t kOutputs, class T>
-void AnyOverlap(const Pair<T>& pair, int64_t k, T* dst) {
-  const int64_t from = pair.First(k + kOutputs - 1), end = pair.End(k);
-  T sums[kOutputs] = {};
-  if (from < end) {
-    for (size_t j = 0; j < kOutputs; ++j) sums[j] = pair.Chain(k + j, pair.First(k + j), from, 0);
-    auto sum = LaneArray<T, kOutputs>::Load(sums);
-    AddProducts<-1>(pair.src1 + from, pair.src2 + (k - from), end - from, sum);
-    sum.Store(sums);
-    for (size_t j = 0; j < kOutputs; ++j) sums[j] = pair.Chain(k + j, end, pair.End(k + j), sums[j]);
-  } else {
-    for (size_t j = 0; j < kOutputs; ++j) sums[j] = pair.Chain(k + j, pair.First(k + j), pair.End(k + j), 0);
-  }
-  std::memcpy(dst, sums, sizeof sums);
-}
-
-// Outputs `first` to `end`, which may lie outside of the convolution, to dst[0] and on. A group that would
-// pass the end of its stretch starts earlier and does some outputs again.
-template <class T>
-void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
-  constexpr int64_t kWide = 4 * kBlock<T>;
-  using Group = void (*)(const Pair<T>&, int64_t, T*);
-  const auto at = [=](int64_t k) { return dst + (k - first); };
-  const auto cover = [&](int64_t low, int64_t k, int64_t last, Group block) {
-    if (last - low < kBlock<T>)
-      for (; k < last; ++k) StoreElement(pair.Chain(k, pair.First(k), pair.End(k), 0), at(k));
-    for (; k < last; k += kBlock<T>) {
-      const int64_t start = std::min(k, last - kBlock<T>);
-      block(pair, start, at(start));
-    }
-  };
-  // The middle, where all of the shorter sequence takes part, and what comes before and after.
-  const int64_t middle = std::clamp(std::min(pair.len1, pair.len2) - 1, first, end);
-  const int64_t after = std::clamp(std::max(pair.len1, pair.len2), middle, end);
-  cover(first, first, middle, AnyOverlap<kBlock<T>, T>);
-  int64_t k = middle;
-  for (; after - k >= kWide; k += kWide) FullOverlap<kWide>(pair, k, at(k));
-  cover(middle, k, after, FullOverlap<kBlock<T>, T>);
-  cover(after, after, end, AnyOverlap<kBlock<T>, T>);
-}
-
 // ---- Blocks ----
 
-// Outputs k0 to k0+B-1 of a block take every sample that one of them needs, against B neighbours of src2
-// with zeros beyond its ends. The zeros stay zeros unless the sample is an infinity or NaN, or the sum so
-// far a negative zero.
-template <class T>
+// Outputs k to k+B-1 of a block take every sample of src1 that one of them needs, against B neighbours of
+// src2. Where those reach beyond an end of src2, they are read from the edge table, in which zeros stand
+// there; kZeros tells whether a lane takes the product with such a zero or keeps its sum.
+template <bool kZeros, class T>
 class Blocks {
  public:
-  // The edge table, 4B-4 samples: the end of src2, zeros, the start of src2.
+  static constexpr int64_t kB = kBlock<T>;
+
+  // The edge table, 4B-4 samples: the end of src2, zeros, the start of src2. src2 has B-1 samples or more.
   Blocks(const Pair<T>& pair, T* table) : pair_(pair), table_(table) {
     constexpr size_t kEdge = (kB - 1) * sizeof(T);
     std::memcpy(table, pair.src2 + (pair.len2 - kB + 1), kEdge);
@@ -109,84 +98,159 @@ class Blocks {
     std::memcpy(table + 3 * kB - 3, pair.src2, kEdge);
   }
 
-  // The blocks from k to end, as many side by side as fit.
-  void Run(int64_t k, int64_t end, T* dst) const { Run<kMostTiled>(k, end, dst); }
+  // The blocks from k to `end`, some side by side while they have samples in common; dst[0] is output k.
+  void Run(int64_t k, int64_t end, T* dst) const {
+    constexpr int kWide = 4;
+    for (; end - k >= kWide * kB && pair_.First(k + kWide * kB - 1) < pair_.End(k); k += kWide * kB, dst += kWide * kB)
+      Side<kWide>(k, dst);
+    for (; k < end; k += kB, dst += kB) Side<1>(k, dst);
+  }
 
  private:
-  static constexpr int64_t kB = kBlock<T>;
   using Sums = LaneArray<T, kB>;
-  // Blocks side by side that fill the pipelines of two fused units and fit into the registers.
-  static constexpr int kMostTiled = Sums::kRegisters == 1 ? 8 : 4;
+  using D = typename Sums::D;
 
-  // Block r of a tile lags r blocks behind the first one in k and in i: at step t it takes
-  // src1[t + B*r], and all blocks take the same neighbours of src2. Its steps:
-  int64_t First(int64_t k0, int64_t r) const { return std::max(k0 - pair_.len2 + 1, -kB * r); }
-  int64_t End(int64_t k0, int64_t r) const { return std::min(k0 + kB, pair_.len1 - kB * r); }
-
-  // Steps from `from` to `end` of blocks kFirst to kEnd; src2's neighbours of step t start at source - t.
-  template <int kFirst, int kEnd>
-  static HWY_NOINLINE void Steps(const T* src1, const T* source, int64_t from, int64_t end, Sums* sums) {
-    if (from >= end) return;
-    Sums sum[kEnd - kFirst];
-    for (int r = kFirst; r < kEnd; ++r) sum[r - kFirst] = sums[r];
-    for (int64_t t = from; t < end; ++t) {
-      const Sums neighbours = Sums::Load(source - t);
-      for (int r = kFirst; r < kEnd; ++r)
-        sum[r - kFirst] = MulAdd(neighbours, Sums::Set(LoadElement(src1 + (t + kB * r))), sum[r - kFirst]);
+  template <int kCount>
+  void Side(int64_t k, T* dst) const {
+    constexpr int64_t kOutputs = kCount * kB;
+    using Together = LaneArray<T, kOutputs>;
+    T sums[kOutputs];
+    int64_t from = pair_.First(k + kOutputs - 1), end = pair_.End(k);  // for all outputs
+    if (kCount == 1) from = end = pair_.First(k);
+    for (int64_t b = 0; b < kOutputs; b += kB) {
+      Sums sum = Sums::Set(0);
+      Steps(k + b, pair_.First(k + b), from, sum);
+      sum.Store(sums + b);
     }
-    for (int r = kFirst; r < kEnd; ++r) sums[r] = sum[r - kFirst];
+    if constexpr (kCount > 1) {
+      auto sum = Together::Load(sums);
+      AddProducts<-1>(pair_.src1 + from, pair_.src2 + (k - from), end - from, sum);
+      sum.Store(sums);
+    }
+    for (int64_t b = 0; b < kOutputs; b += kB) {
+      Sums sum = Sums::Load(sums + b);
+      Steps(k + b, end, pair_.End(k + b + kB - 1), sum);
+      sum.Store(dst + b);
+    }
   }
 
-  // The same with the neighbours found: up to the last sample that meets the end of src2 in the table,
-  // then in src2 itself, then where src2 has not begun for all lanes in the table again.
-  template <int kFirst, int kEnd>
-  void Phases(int64_t k0, int64_t from, int64_t end, Sums* sums) const {
-    const int64_t inside = k0 + kB - pair_.len2, start = k0 + 1;
-    Steps<kFirst, kEnd>(pair_.src1, table_ + (inside - 1), from, std::min(end, inside), sums);
-    Steps<kFirst, kEnd>(pair_.src1, pair_.src2 + k0, std::max(from, inside), std::min(end, start), sums);
-    Steps<kFirst, kEnd>(pair_.src1, table_ + (k0 + 3 * kB - 3), std::max(from, start), end, sums);
-  }
-
-  template <int kTiled>
-  void Tile(int64_t k0, T* dst) const {
-    Sums sums[kTiled];
-    for (Sums& sum : sums) sum = Sums::Set(0);
-    [&]<int... s>(std::integer_sequence<int, s...>) {
-      // Later blocks begin earlier ...
-      (Phases<kTiled - 1 - s, kTiled>(k0, First(k0, kTiled - 1 - s), First(k0, kTiled - 2 - s), sums), ...);
-    }(std::make_integer_sequence<int, kTiled - 1>());
-    Phases<0, kTiled>(k0, First(k0, 0), End(k0, kTiled - 1), sums);
-    [&]<int... s>(std::integer_sequence<int, s...>) {
-      // ... and end earlier.
-      (Phases<0, kTiled - 1 - s>(k0, End(k0, kTiled - 1 - s), End(k0, kTiled - 2 - s), sums), ...);
-    }(std::make_integer_sequence<int, kTiled - 1>());
-    for (int r = 0; r < kTiled; ++r) sums[r].Store(dst + k0 + kB * r);
-  }
-
-  template <int kTiled>
-  void Run(int64_t k, int64_t end, T* dst) const {
-    for (; end - k >= kTiled * kB && (kTiled == 1 || First(k, 0) <= End(k, kTiled - 1)); k += kTiled * kB)
-      Tile<kTiled>(k, dst);
-    if constexpr (kTiled > 1) Run<kTiled / 2>(k, end, dst);
+  // Samples `from` to `end` onto the block at k.
+  HWY_NOINLINE void Steps(int64_t k, int64_t from, int64_t end, Sums& into) const {
+    const int64_t inside = k + kB - pair_.len2, start = k + 1;
+    const D d;
+    Sums sum = into;
+    int64_t i = from;
+    const auto step = [&](const T* neighbours, auto take) TZM_LAMBDA {
+      const auto sample = hn::Set(d, LoadElement(pair_.src1 + i));
+      Unrolled<Sums::kRegisters>([&](auto r) TZM_LAMBDA {
+        constexpr size_t kAt = r * Sums::kWidth;
+        sum.v[r] = take(kAt, hn::MulAdd(hn::LoadU(d, neighbours + kAt), sample, sum.v[r]), sum.v[r]);
+      });
+    };
+    // Of the lanes from `at` on those below `count`.
+    const auto below = [=](int64_t count, size_t at) TZM_LAMBDA {
+      return hn::FirstN(d, static_cast<size_t>(std::clamp<int64_t>(count - static_cast<int64_t>(at), 0, Sums::kWidth)));
+    };
+    for (; i < std::min(end, inside); ++i) {  // the last outputs lie beyond the end of src2
+      step(table_ + (inside - 1 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
+        return kZeros ? taken : hn::IfThenElse(below(i + pair_.len2 - k, at), taken, kept);
+      });
+    }
+    for (; i < std::min(end, start); ++i) step(pair_.src2 + (k - i), [](size_t, auto taken, auto) TZM_LAMBDA { return taken; });
+    for (; i < end; ++i) {  // for the first outputs src2 has not begun
+      step(table_ + (k + 3 * kB - 3 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
+        return kZeros ? taken : hn::IfThenElse(below(i - k, at), kept, taken);
+      });
+    }
+    into = sum;
   }
 
   const Pair<T>& pair_;
   T* table_;
 };
 
+// ---- Direct route ----
+
+// Outputs `first` to `end`, which may lie outside of the convolution, to dst[0] and on: each sums exactly
+// its own samples.
+template <class T>
+void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
+  constexpr int64_t kB = kBlock<T>, kWide = 4 * kB;
+  const auto at = [=](int64_t k) { return dst + (k - first); };
+  const auto one = [&](int64_t k) { StoreElement(pair.Chain(k), at(k)); };
+  const auto edge = [&](int64_t k, int64_t last) {
+    const int64_t blocks = (last - k) / kB * kB;
+    if (pair.whole && pair.len2 > kShort && blocks > 0) {
+      T table[4 * kB - 4];
+      Blocks<false, T>(pair, table).Run(k, k + blocks, at(k));
+      k += blocks;
+    }
+    for (; k < last; ++k) one(k);
+  };
+  // The middle, where all of the shorter sequence takes part, and what comes before and after. Outputs that
+  // fill no block are done with others anew.
+  const int64_t middle = std::clamp(std::min(pair.len1, pair.len2) - 1, first, end);
+  const int64_t after = std::clamp(std::max(pair.len1, pair.len2), middle, end);
+  edge(first, middle);
+  int64_t k = middle;
+  for (; after - k >= kWide; k += kWide) FullOverlap<kWide>(pair, k, at(k));
+  if (after - middle >= kB) {
+    for (; k < after; k += kB) {
+      const int64_t start = std::min(k, after - kB);
+      FullOverlap<kB>(pair, start, at(start));
+    }
+  }
+  for (; k < after; ++k) one(k);
+  edge(after, end);
+}
+
+template <class T>
+bool AllFinite(const T* src, int64_t len) {
+  using Word = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
+  const Full<T> d;
+  const hn::RebindToUnsigned<decltype(d)> du;
+  const auto infinity = hn::BitCast(du, hn::Set(d, std::numeric_limits<T>::infinity()));
+  auto found = hn::Zero(du);
+  ForEach<hn::MaxLanes(d)>(len, [&](const T* from) TZM_LAMBDA {
+    const auto exponent = hn::And(hn::BitCast(du, hn::LoadU(d, from)), infinity);
+    found = hn::Or(found, hn::VecFromMask(du, hn::Eq(exponent, infinity)));
+  }, src);
+  return hn::AllTrue(du, hn::Eq(found, hn::Set(du, Word{0})));
+}
+
+// What the zeros beyond the ends of src2 change in the blocks from 0 to `end`, where all samples are finite:
+// a sum that is a negative zero when src2 ends for it becomes positive with the first zero product that is.
+template <class T>
+void AddZeros(const Pair<T>& pair, int64_t end, T* dst) {
+  using Lanes = LaneArray<T, kBlock<T>>;
+  const typename Lanes::D d;
+  const hn::RebindToUnsigned<decltype(d)> du;
+  const auto negativeZero = hn::BitCast(du, hn::Set(d, T(-0.0)));
+  for (int64_t first = 0; first < end; first += kBlock<T>) {
+    const Lanes sums = Lanes::Load(dst + first);
+    bool found = false;
+    for (const auto& v : sums.v) found |= !hn::AllFalse(du, hn::Eq(hn::BitCast(du, v), negativeZero));
+    if (HWY_LIKELY(!found)) continue;
+    const int64_t last = std::min(first + kBlock<T>, pair.len1);
+    for (int64_t k = first; k < last; ++k) {
+      const T sum = LoadElement(dst + k);
+      for (int64_t i = k + 1; sum == 0 && i < last; ++i)
+        if (!std::signbit(LoadElement(pair.src1 + i))) StoreElement(T(0), dst + k);
+    }
+  }
+}
+
 template <class T>
 void Direct(const Pair<T>& pair, T* table, int64_t count, T* dst) {
-  if (pair.len2 <= kShort) return Chains(pair, 0, count, dst);
-  // Blocks that meet neither end of src2 are plain chains, and so is what fills no block.
-  const auto down = [](int64_t k) { return k - k % kBlock<T>; };
-  const int64_t end = down(count);
-  const int64_t plain = std::min(down(pair.len1 + kBlock<T> - 2), end);
-  const int64_t plainEnd = std::clamp(down(pair.len2), plain, end);
-  const Blocks<T> blocks(pair, table);
-  blocks.Run(0, plain, dst);
-  Chains(pair, plain, plainEnd, dst + plain);
-  blocks.Run(plainEnd, end, dst);
-  Chains(pair, end, count, dst + end);
+  const int64_t end = pair.len2 > kShort ? count - count % kBlock<T> : 0;
+  if (end > 0 && !AllFinite(pair.src1, pair.len1)) {
+    Blocks<true, T>(pair, table).Run(0, end, dst);
+    Chains(pair, end, count, dst + end);
+  } else {
+    // Without infinities and NaN a product with zero is a zero: blocks are chains, up to the sign of zeros.
+    Chains(pair, 0, count, dst);
+    AddZeros(pair, end, dst);
+  }
 }
 
 // ---- State ----
@@ -287,7 +351,7 @@ OrvaStatus ORVAS_ConvBiased_32f(const Orva32f* src1, int32_t src1Len, const Orva
   if (OrvaStatus status = CheckPointers(src1, src2, dst)) return status;
   if (dstLen < 1 || src2Len < 1 || src1Len < 1) return ORVA_STS_SIZE_ERR;
   // The window of i of output k + bias with src2's index of output k: src2 seen from `bias` further back.
-  Chains<Orva32f>({src1, src2 - bias, src1Len, src2Len}, bias, int64_t{bias} + dstLen, dst);
+  Chains<Orva32f>({src1, src2 - bias, src1Len, src2Len, bias == 0}, bias, int64_t{bias} + dstLen, dst);
   return ORVA_STS_NO_ERR;
 }
 

@@ -86,12 +86,13 @@ TZM_INLINE void StoreSum(const Total& sum, Sample* dst) {
 // imaginary parts with that sign, and y's parts exchanged.
 template <size_t kLanes, class Real>
 TZM_INLINE LaneArray<Real, kLanes> OddNegated(LaneArray<Real, kLanes> x) {
-  for (auto& v : x.v) v = hn::OddEven(hn::Neg(v), v);
+  Unrolled<LaneArray<Real, kLanes>::kRegisters>([&](auto r) TZM_LAMBDA { x.v[r] = hn::OddEven(hn::Neg(x.v[r]), x.v[r]); });
   return x;
 }
 template <size_t kLanes, class Real>
 TZM_INLINE LaneArray<Real, kLanes> Exchanged(LaneArray<Real, kLanes> y) {
-  for (auto& v : y.v) v = hn::Reverse2(typename LaneArray<Real, kLanes>::D(), v);
+  using Lanes = LaneArray<Real, kLanes>;
+  Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { y.v[r] = hn::Reverse2(typename Lanes::D(), y.v[r]); });
   return y;
 }
 
@@ -101,9 +102,11 @@ template <class Sample, size_t kLanes, class Real>
 TZM_INLINE void AddProducts(const LaneArray<Real, kLanes>& x, const LaneArray<Real, kLanes>& y,
                             LaneArray<Real, kLanes>& sum) {
   if constexpr (kIsComplex<Sample>) {
-    LaneArray<Real, kLanes> re = x, im = x;
-    for (auto& v : re.v) v = hn::DupEven(v);
-    for (auto& v : im.v) v = hn::DupOdd(v);
+    LaneArray<Real, kLanes> re, im;
+    Unrolled<LaneArray<Real, kLanes>::kRegisters>([&](auto r) TZM_LAMBDA {
+      re.v[r] = hn::DupEven(x.v[r]);
+      im.v[r] = hn::DupOdd(x.v[r]);
+    });
     sum = MulAdd(OddNegated(im), Exchanged(y), MulAdd(re, y, sum));
   } else {
     sum = MulAdd(x, y, sum);
@@ -166,8 +169,10 @@ void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Cou
     Lanes lanes[kWidth];
     for (Lanes& lane : lanes) lane = Lanes::Set(0);
     for (size_t i = 0; i < common; i += kStep)
-      for (int64_t w = 0; w < kWidth; ++w)
-        AddProducts<Sample>(Lanes::Load(Reals(from + kStepX * w + i)), Lanes::Load(Reals(to + kStepY * w + i)), lanes[w]);
+      Unrolled<kWidth>([&](auto w) TZM_LAMBDA {
+        constexpr int64_t kX = kStepX * static_cast<int64_t>(w), kY = kStepY * static_cast<int64_t>(w);
+        AddProducts<Sample>(Lanes::Load(Reals(from + kX + i)), Lanes::Load(Reals(to + kY + i)), lanes[w]);
+      });
     for (int64_t w = 0; w < kWidth; ++w)
       StoreSum(FinishLag(from + kStepX * w, to + kStepY * w, common, count(l + w), lanes[w]), dst + l + w);
   };
