@@ -10,6 +10,7 @@ namespace tzm {
 // The type of a complex type's parts; a real type itself.
 template <class T>
 struct PartType { using Type = T; };
+template <> struct PartType<Orva16sc> { using Type = Orva16s; };
 template <> struct PartType<Orva32fc> { using Type = Orva32f; };
 template <> struct PartType<Orva64fc> { using Type = Orva64f; };
 template <class T>
@@ -27,11 +28,15 @@ TZM_INLINE auto* Reals(T* array) {
 }
 
 // A count of 0 is refused by the companion and does nothing.
+inline void Copy(const Orva16s* src, Orva16s* dst, int32_t len) { ORVAS_Copy_16s(src, dst, len); }
+inline void Copy(const Orva16sc* src, Orva16sc* dst, int32_t len) { ORVAS_Copy_16sc(src, dst, len); }
 inline void Copy(const Orva32f* src, Orva32f* dst, int32_t len) { ORVAS_Copy_32f(src, dst, len); }
 inline void Copy(const Orva64f* src, Orva64f* dst, int32_t len) { ORVAS_Copy_64f(src, dst, len); }
 inline void Copy(const Orva32fc* src, Orva32fc* dst, int32_t len) { ORVAS_Copy_32fc(src, dst, len); }
 inline void Copy(const Orva64fc* src, Orva64fc* dst, int32_t len) { ORVAS_Copy_64fc(src, dst, len); }
 
+inline void Zero(Orva16s* dst, int32_t len) { ORVAS_Zero_16s(dst, len); }
+inline void Zero(Orva16sc* dst, int32_t len) { ORVAS_Zero_16sc(dst, len); }
 inline void Zero(Orva32f* dst, int32_t len) { ORVAS_Zero_32f(dst, len); }
 inline void Zero(Orva64f* dst, int32_t len) { ORVAS_Zero_64f(dst, len); }
 inline void Zero(Orva32fc* dst, int32_t len) { ORVAS_Zero_32fc(dst, len); }
