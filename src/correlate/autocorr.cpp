@@ -56,12 +56,12 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
     Block sum[kG];
     for (size_t g = 0; g < kG; ++g) sum[g] = Block::Load(held[g] + b * kReals);
     accumulate(sum, common, end, first);
-    SumOf<Sample> rest[kLags<Sample>] = {};
+    Sample rest[kLags<Sample>] = {};
     for (size_t l = 0; l < kLags<Sample>; ++l)
       for (size_t i = end; i + first + l < len; ++i) AddProduct(src + i, src + (i + first + l), rest[l]);
     Block total = sum[0] + sum[1];
     if constexpr (kG == 4) total = total + (sum[2] + sum[3]);
-    (total + Block::Load(reinterpret_cast<const Real*>(rest))).Store(Reals(dst + first));
+    (total + Block::Load(Reals(rest))).Store(Reals(dst + first));
   }
 }
 

@@ -6,7 +6,6 @@
 #include "correlate/transform_area.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace tzm {
 
@@ -56,37 +55,25 @@ OrvaStatus MakeTransforms(Correlation<Sample>* state, int32_t len, int32_t lags,
 template <class Sample>
 constexpr size_t kGroup = 16 / sizeof(PartOf<Sample>);
 
-template <class Real>
-struct Sum {
-  Real re = 0, im = 0;
-};
-
 // sum + conj(x)*y: fused onto the sum for reals; for complex samples the product in two roundings, then a
 // plain addition.
-template <class Real>
-TZM_INLINE void AddProduct(const Real* x, const Real* y, Real& sum) {
-  sum = Fma(LoadElement(x), LoadElement(y), sum);
-}
-template <class Complex, class Real>
-TZM_INLINE void AddProduct(const Complex* x, const Complex* y, Sum<Real>& sum) {
-  const Complex a = LoadElement(x), b = LoadElement(y);
-  sum.re += Fma(a.re, b.re, a.im * b.im);
-  sum.im += Fma(a.re, b.im, -(b.re * a.im));
-}
 template <class Sample>
-using SumOf = std::conditional_t<kIsComplex<Sample>, Sum<PartOf<Sample>>, PartOf<Sample>>;
-
-template <class Sample, class Total>
-TZM_INLINE void StoreSum(const Total& sum, Sample* dst) {
-  if constexpr (kIsComplex<Sample>) StoreElement(Sample{sum.re, sum.im}, dst);
-  else StoreElement(sum, dst);
+TZM_INLINE void AddProduct(const Sample* x, const Sample* y, Sample& sum) {
+  const Sample a = LoadElement(x), b = LoadElement(y);
+  if constexpr (kIsComplex<Sample>) {
+    sum.re += Fma(a.re, b.re, a.im * b.im);
+    sum.im += Fma(a.re, b.im, -(b.re * a.im));
+  } else {
+    sum = Fma(a, b, sum);
+  }
 }
 
 // For conj(x)*y in lanes of interleaved complex samples, {xr, xr} * {yr, yi} + {xi, -xi} * {yi, yr}: x's
 // imaginary parts with that sign, and y's parts exchanged.
 template <size_t kLanes, class Real>
 TZM_INLINE LaneArray<Real, kLanes> OddNegated(LaneArray<Real, kLanes> x) {
-  Unrolled<LaneArray<Real, kLanes>::kRegisters>([&](auto r) TZM_LAMBDA { x.v[r] = hn::OddEven(hn::Neg(x.v[r]), x.v[r]); });
+  using Lanes = LaneArray<Real, kLanes>;
+  Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { x.v[r] = hn::OddEven(hn::Neg(x.v[r]), x.v[r]); });
   return x;
 }
 template <size_t kLanes, class Real>
@@ -124,7 +111,7 @@ using LagLanes = LaneArray<PartOf<Sample>, kAccumulators<Sample> * kGroup<Sample
 // accumulators, whole steps of the first one, (acc1 + acc0) + (acc2 + acc3), neighbouring lanes added
 // pairwise, and the rest one by one.
 template <class Sample>
-SumOf<Sample> FinishLag(const Sample* x, const Sample* y, size_t done, size_t count, LagLanes<Sample> lanes) {
+Sample FinishLag(const Sample* x, const Sample* y, size_t done, size_t count, LagLanes<Sample> lanes) {
   using Real = PartOf<Sample>;
   constexpr size_t kG = kGroup<Sample>, kReals = kG * kParts<Sample>, kStep = kAccumulators<Sample> * kG;
   using Lanes = LagLanes<Sample>;
@@ -138,7 +125,7 @@ SumOf<Sample> FinishLag(const Sample* x, const Sample* y, size_t done, size_t co
   for (; count - i >= kG; i += kG)
     AddProducts<Sample>(First::Load(Reals(x + i)), First::Load(Reals(y + i)), sum);
   sum = First::Load(held + kReals) + sum;
-  SumOf<Sample> total;
+  Sample total;
   if constexpr (kIsComplex<Sample>) {
     sum.Store(held);
     Real part[2][kG];
@@ -174,7 +161,7 @@ void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Cou
         AddProducts<Sample>(Lanes::Load(Reals(from + kX + i)), Lanes::Load(Reals(to + kY + i)), lanes[w]);
       });
     for (int64_t w = 0; w < kWidth; ++w)
-      StoreSum(FinishLag(from + kStepX * w, to + kStepY * w, common, count(l + w), lanes[w]), dst + l + w);
+      StoreElement(FinishLag(from + kStepX * w, to + kStepY * w, common, count(l + w), lanes[w]), dst + l + w);
   };
   int64_t l = 0;
   for (; lags - l >= kTile; l += kTile) tile(l, std::integral_constant<int64_t, kTile>());
@@ -198,11 +185,10 @@ void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1,
     Real divisors[hn::MaxLanes(d)];
     for (size_t l = 0; l < hn::MaxLanes(d); ++l)
       divisors[l] = overlap(firstLag + j + static_cast<int64_t>(l / kParts<Sample>));
+    Real* const at = Reals(dst + j);
     if (count - j >= kSamples) {
-      Real* const at = Reals(dst + j);
       hn::StoreU(hn::Div(hn::LoadU(d, at), hn::LoadU(d, divisors)), d, at);
     } else {
-      Real* const at = Reals(dst + j);
       for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l) StoreElement(LoadElement(at + l) / divisors[l], at + l);
     }
   }
