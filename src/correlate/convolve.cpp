@@ -1,0 +1,360 @@
+// Convolution: dst[k] = sum over i of src1[i] * src2[k-i], directly or by transforms.
+#include <signal_tzm/correlate.h>
+
+#include "correlate/transform_area.h"
+#include "frame/drive.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace tzm;
+
+namespace {
+
+// Direct outputs that form a block, when src2 is longer than kShort.
+template <class T>
+constexpr int64_t kBlock = 64 / sizeof(T);
+constexpr int32_t kShort = 16;
+
+// Two sequences and, for their convolution, the samples of src1 that output k sums: First(k) to End(k). Where
+// src2 is not `whole`, only what such sums need may be read of it.
+template <class T>
+struct Pair {
+  const T* src1;
+  const T* src2;
+  int64_t len1, len2;
+  bool whole = true;
+
+  int64_t First(int64_t k) const { return std::max<int64_t>(k - len2 + 1, 0); }
+  int64_t End(int64_t k) const { return std::min(k + 1, len1); }
+  T Chain(int64_t k) const {
+    T sum = 0;
+    for (int64_t i = First(k), end = End(k); i < end; ++i)
+      sum = Fma(LoadElement(src2 + (k - i)), LoadElement(src1 + i), sum);
+    return sum;
+  }
+};
+
+// ---- Outputs that need all of the shorter sequence ----
+
+// sum += many[kStep*t ...] * one[-kStep*t] for t = 0 to count-1, with the lanes of `sum` as outputs. Loads
+// are the limit, half of them cross a cache line: every other register lags one register's lanes behind its
+// neighbour, so that both want the same elements of `many`.
+template <int kStep, class T, size_t kLanes>
+TZM_INLINE void AddProducts(const T* one, const T* many, int64_t count, LaneArray<T, kLanes>& sum) {
+  using Lanes = LaneArray<T, kLanes>;
+  const typename Lanes::D d;
+  constexpr int64_t kLag = Lanes::kWidth;
+  const auto neighbours = [&](size_t r, int64_t t) TZM_LAMBDA {
+    return hn::LoadU(d, many + static_cast<int64_t>(r) * kLag + kStep * t);
+  };
+  const auto factor = [&](int64_t t) TZM_LAMBDA { return hn::Set(d, LoadElement(one - kStep * t)); };
+  const auto step = [&](size_t r, int64_t t) TZM_LAMBDA {
+    sum.v[r] = hn::MulAdd(neighbours(r, t), factor(t), sum.v[r]);
+  };
+  constexpr size_t kPairs = Lanes::kRegisters / 2, kAhead = kStep > 0 ? 0 : 1, kBehind = 1 - kAhead;
+  if (kPairs < 2 || count < 4 * kLag) {
+    for (int64_t t = 0; t < count; ++t) Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { step(r, t); });
+    return;
+  }
+  for (int64_t t = 0; t < kLag; ++t) Unrolled<kPairs>([&](auto p) TZM_LAMBDA { step(2 * p + kAhead, t); });
+  for (int64_t t = kLag; t < count; ++t) {
+    const auto ahead = factor(t), behind = factor(t - kLag);
+    Unrolled<kPairs>([&](auto p) TZM_LAMBDA {
+      constexpr size_t kFirst = 2 * p + kAhead, kSecond = 2 * p + kBehind;
+      const auto both = InRegister(neighbours(kFirst, t));
+      sum.v[kFirst] = hn::MulAdd(both, ahead, sum.v[kFirst]);
+      sum.v[kSecond] = hn::MulAdd(both, behind, sum.v[kSecond]);
+    });
+  }
+  for (int64_t t = count - kLag; t < count; ++t) Unrolled<kPairs>([&](auto p) TZM_LAMBDA { step(2 * p + kBehind, t); });
+}
+
+template <size_t kOutputs, class T>
+HWY_NOINLINE void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
+  auto sum = LaneArray<T, kOutputs>::Set(0);
+  if (pair.len1 >= pair.len2)
+    AddProducts<1>(pair.src2 + (pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
+  else
+    AddProducts<-1>(pair.src1, pair.src2 + k, pair.len1, sum);
+  sum.Store(dst);
+}
+
+// ---- Blocks ----
+
+// Outputs k to k+B-1 of a block take every sample of src1 that one of them needs, against B neighbours of
+// src2. Where those reach beyond an end of src2, they are read from the edge table, in which zeros stand
+// there; kZeros tells whether a lane takes the product with such a zero or keeps its sum.
+template <bool kZeros, class T>
+class Blocks {
+ public:
+  static constexpr int64_t kB = kBlock<T>;
+
+  // The edge table, 4B-4 samples: the end of src2, zeros, the start of src2. src2 has B-1 samples or more.
+  Blocks(const Pair<T>& pair, T* table) : pair_(pair), table_(table) {
+    constexpr size_t kEdge = (kB - 1) * sizeof(T);
+    std::memcpy(table, pair.src2 + (pair.len2 - kB + 1), kEdge);
+    std::fill(table + kB - 1, table + 3 * kB - 3, T(0));
+    std::memcpy(table + 3 * kB - 3, pair.src2, kEdge);
+  }
+
+  // The blocks from k to `end`, some side by side while they have samples in common; dst[0] is output k.
+  void Run(int64_t k, int64_t end, T* dst) const {
+    constexpr int kWide = 4;
+    for (; end - k >= kWide * kB && pair_.First(k + kWide * kB - 1) < pair_.End(k); k += kWide * kB, dst += kWide * kB)
+      Side<kWide>(k, dst);
+    for (; k < end; k += kB, dst += kB) Side<1>(k, dst);
+  }
+
+ private:
+  using Sums = LaneArray<T, kB>;
+  using D = typename Sums::D;
+
+  template <int kCount>
+  void Side(int64_t k, T* dst) const {
+    constexpr int64_t kOutputs = kCount * kB;
+    using Together = LaneArray<T, kOutputs>;
+    T sums[kOutputs];
+    int64_t from = pair_.First(k + kOutputs - 1), end = pair_.End(k);  // for all outputs
+    if (kCount == 1) from = end = pair_.First(k);
+    for (int64_t b = 0; b < kOutputs; b += kB) {
+      Sums sum = Sums::Set(0);
+      Steps(k + b, pair_.First(k + b), from, sum);
+      sum.Store(sums + b);
+    }
+    if constexpr (kCount > 1) {
+      auto sum = Together::Load(sums);
+      AddProducts<-1>(pair_.src1 + from, pair_.src2 + (k - from), end - from, sum);
+      sum.Store(sums);
+    }
+    for (int64_t b = 0; b < kOutputs; b += kB) {
+      Sums sum = Sums::Load(sums + b);
+      Steps(k + b, end, pair_.End(k + b + kB - 1), sum);
+      sum.Store(dst + b);
+    }
+  }
+
+  // Samples `from` to `end` onto the block at k.
+  HWY_NOINLINE void Steps(int64_t k, int64_t from, int64_t end, Sums& into) const {
+    const int64_t inside = k + kB - pair_.len2, start = k + 1;
+    const D d;
+    Sums sum = into;
+    int64_t i = from;
+    const auto step = [&](const T* neighbours, auto take) TZM_LAMBDA {
+      const auto sample = hn::Set(d, LoadElement(pair_.src1 + i));
+      Unrolled<Sums::kRegisters>([&](auto r) TZM_LAMBDA {
+        constexpr size_t kAt = r * Sums::kWidth;
+        sum.v[r] = take(kAt, hn::MulAdd(hn::LoadU(d, neighbours + kAt), sample, sum.v[r]), sum.v[r]);
+      });
+    };
+    // Of the lanes from `at` on those below `count`.
+    const auto below = [=](int64_t count, size_t at) TZM_LAMBDA {
+      return hn::FirstN(d, static_cast<size_t>(std::clamp<int64_t>(count - static_cast<int64_t>(at), 0, Sums::kWidth)));
+    };
+    for (; i < std::min(end, inside); ++i) {  // the last outputs lie beyond the end of src2
+      step(table_ + (inside - 1 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
+        return kZeros ? taken : hn::IfThenElse(below(i + pair_.len2 - k, at), taken, kept);
+      });
+    }
+    for (; i < std::min(end, start); ++i) step(pair_.src2 + (k - i), [](size_t, auto taken, auto) TZM_LAMBDA { return taken; });
+    for (; i < end; ++i) {  // for the first outputs src2 has not begun
+      step(table_ + (k + 3 * kB - 3 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
+        return kZeros ? taken : hn::IfThenElse(below(i - k, at), kept, taken);
+      });
+    }
+    into = sum;
+  }
+
+  const Pair<T>& pair_;
+  T* table_;
+};
+
+// ---- Direct route ----
+
+// Outputs `first` to `end`, which may lie outside of the convolution, to dst[0] and on: each sums exactly
+// its own samples.
+template <class T>
+void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
+  constexpr int64_t kB = kBlock<T>, kWide = 4 * kB;
+  const auto at = [=](int64_t k) { return dst + (k - first); };
+  const auto one = [&](int64_t k) { StoreElement(pair.Chain(k), at(k)); };
+  const auto edge = [&](int64_t k, int64_t last) {
+    const int64_t blocks = (last - k) / kB * kB;
+    if (pair.whole && pair.len2 > kShort && blocks > 0) {
+      T table[4 * kB - 4];
+      Blocks<false, T>(pair, table).Run(k, k + blocks, at(k));
+      k += blocks;
+    }
+    for (; k < last; ++k) one(k);
+  };
+  // The middle, where all of the shorter sequence takes part, and what comes before and after. Outputs that
+  // fill no block are done with others anew.
+  const int64_t middle = std::clamp(std::min(pair.len1, pair.len2) - 1, first, end);
+  const int64_t after = std::clamp(std::max(pair.len1, pair.len2), middle, end);
+  edge(first, middle);
+  int64_t k = middle;
+  for (; after - k >= kWide; k += kWide) FullOverlap<kWide>(pair, k, at(k));
+  if (after - middle >= kB) {
+    for (; k < after; k += kB) {
+      const int64_t start = std::min(k, after - kB);
+      FullOverlap<kB>(pair, start, at(start));
+    }
+  }
+  for (; k < after; ++k) one(k);
+  edge(after, end);
+}
+
+template <class T>
+bool AllFinite(const T* src, int64_t len) {
+  using Word = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
+  const Full<T> d;
+  const hn::RebindToUnsigned<decltype(d)> du;
+  const auto infinity = hn::BitCast(du, hn::Set(d, std::numeric_limits<T>::infinity()));
+  auto found = hn::Zero(du);
+  ForEach<hn::MaxLanes(d)>(len, [&](const T* from) TZM_LAMBDA {
+    const auto exponent = hn::And(hn::BitCast(du, hn::LoadU(d, from)), infinity);
+    found = hn::Or(found, hn::VecFromMask(du, hn::Eq(exponent, infinity)));
+  }, src);
+  return hn::AllTrue(du, hn::Eq(found, hn::Set(du, Word{0})));
+}
+
+// What the zeros beyond the ends of src2 change in the blocks from 0 to `end`, where all samples are finite:
+// a sum that is a negative zero when src2 ends for it becomes positive with the first zero product that is.
+template <class T>
+void AddZeros(const Pair<T>& pair, int64_t end, T* dst) {
+  using Lanes = LaneArray<T, kBlock<T>>;
+  const typename Lanes::D d;
+  const hn::RebindToUnsigned<decltype(d)> du;
+  const auto negativeZero = hn::BitCast(du, hn::Set(d, T(-0.0)));
+  for (int64_t first = 0; first < end; first += kBlock<T>) {
+    const Lanes sums = Lanes::Load(dst + first);
+    bool found = false;
+    for (const auto& v : sums.v) found |= !hn::AllFalse(du, hn::Eq(hn::BitCast(du, v), negativeZero));
+    if (HWY_LIKELY(!found)) continue;
+    const int64_t last = std::min(first + kBlock<T>, pair.len1);
+    for (int64_t k = first; k < last; ++k) {
+      const T sum = LoadElement(dst + k);
+      for (int64_t i = k + 1; sum == 0 && i < last; ++i)
+        if (!std::signbit(LoadElement(pair.src1 + i))) StoreElement(T(0), dst + k);
+    }
+  }
+}
+
+template <class T>
+void Direct(const Pair<T>& pair, T* table, int64_t count, T* dst) {
+  const int64_t end = pair.len2 > kShort ? count - count % kBlock<T> : 0;
+  if (end > 0 && !AllFinite(pair.src1, pair.len1)) {
+    Blocks<true, T>(pair, table).Run(0, end, dst);
+    Chains(pair, end, count, dst + end);
+  } else {
+    // Without infinities and NaN a product with zero is a zero: blocks are chains, up to the sign of zeros.
+    Chains(pair, 0, count, dst);
+    AddZeros(pair, end, dst);
+  }
+}
+
+// ---- State ----
+
+// On the direct route buffer 0 holds the edge table, and there are no plans.
+template <class T>
+struct State {
+  int32_t route;
+  int32_t fftLen;
+  TransformArea<T, 3> area;
+};
+
+// src1Len + src2Len from which the transforms are too long.
+template <class T>
+constexpr int64_t kLimit = 0x20000000 / sizeof(T) + 1;
+
+template <class T>
+OrvaStatus Release(State<T>* state) {
+  if (state == nullptr) return ORVA_STS_NO_ERR;
+  state->area.Release();
+  ORVA_Free(state);
+  return ORVA_STS_NO_ERR;
+}
+
+template <class T>
+OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** stateOut) {
+  if (OrvaStatus status = CheckPointers(stateOut)) return status;
+  if (src1Len < 1 || src2Len < 1) return ORVA_STS_SIZE_ERR;
+  auto* const state = static_cast<State<T>*>(ORVA_Malloc(sizeof(State<T>)));
+  if (state == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
+  *state = {};
+  const auto refuse = [=](OrvaStatus status) {
+    Release(state);
+    return status;
+  };
+  const int64_t total = int64_t{src1Len} + src2Len;
+  const bool fft = kind == kFftKind || (kind == kAutomatic && std::min(src1Len, src2Len) > kShort && total > 512);
+  if (fft) {
+    if (total >= kLimit<T>) return refuse(ORVA_STS_OVERFLOW_ERR);
+    state->route = kFftRoute;
+    state->fftLen = static_cast<int32_t>(TransformLength(total - 1));
+    if (!state->area.Make(state->fftLen, 3)) return refuse(ORVA_STS_MEM_ALLOC_ERR);
+  } else {
+    state->area.buffers[0] = ORVA_Malloc((4 * kBlock<T> - 4) * sizeof(T));
+    if (state->area.buffers[0] == nullptr) return refuse(ORVA_STS_MEM_ALLOC_ERR);
+  }
+  *stateOut = reinterpret_cast<ConvState*>(state);
+  return ORVA_STS_NO_ERR;
+}
+
+inline void Multiply(const Orva32fc* a, Orva32fc* b, int32_t len) { ORVAS_Mul_32fc(a, b, b, len); }
+inline void Multiply(const Orva64fc* a, Orva64fc* b, int32_t len) { ORVAS_Mul_64fc(a, b, b, len); }
+
+template <class T>
+OrvaStatus Convolve(const T* src1, int32_t src1Len, const T* src2, int32_t src2Len, T* dst, ConvState* opaque) {
+  if (OrvaStatus status = CheckPointers(src1, src2, dst, opaque)) return status;
+  if (src1Len < 1 || src2Len < 1) return ORVA_STS_SIZE_ERR;
+  const auto* const state = reinterpret_cast<const State<T>*>(opaque);
+  const auto& area = state->area;
+  const int64_t count = int64_t{src1Len} + src2Len - 1;
+  if (state->route == kFftRoute) {
+    const int32_t fftLen = state->fftLen;
+    if (TransformLength(count) != fftLen) return ORVA_STS_LEN_MISMATCH_ERR;
+    if (!area.Has(3)) return ORVA_STS_NULL_PTR_ERR;
+    area.Forward(src1, 0, src1Len, fftLen, 1);
+    area.Forward(src2, 0, src2Len, fftLen, 2);
+    Multiply(area.Spectrum(1), area.Spectrum(2), area.Bins(fftLen));
+    area.Inverse(2, fftLen, dst, static_cast<int32_t>(count));
+    return ORVA_STS_NO_ERR;
+  }
+  if (OrvaStatus status = CheckPointers(area.buffers[0])) return status;
+  Direct<T>({src1, src2, src1Len, src2Len}, area.Time(0), count, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+}  // namespace
+
+OrvaStatus ORVAS_ConvInit_32f(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** state) {
+  return Init<Orva32f>(src1Len, src2Len, kind, state);
+}
+
+OrvaStatus ORVAS_ConvInit_64f(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** state) {
+  return Init<Orva64f>(src1Len, src2Len, kind, state);
+}
+
+OrvaStatus ORVAS_Convolve_32f(const Orva32f* src1, int32_t src1Len, const Orva32f* src2, int32_t src2Len,
+                              Orva32f* dst, ConvState* state) {
+  return Convolve(src1, src1Len, src2, src2Len, dst, state);
+}
+
+OrvaStatus ORVAS_Convolve_64f(const Orva64f* src1, int32_t src1Len, const Orva64f* src2, int32_t src2Len,
+                              Orva64f* dst, ConvState* state) {
+  return Convolve(src1, src1Len, src2, src2Len, dst, state);
+}
+
+OrvaStatus ORVAS_ConvBiased_32f(const Orva32f* src1, int32_t src1Len, const Orva32f* src2, int32_t src2Len,
+                                Orva32f* dst, int32_t dstLen, int32_t bias) {
+  if (OrvaStatus status = CheckPointers(src1, src2, dst)) return status;
+  if (dstLen < 1 || src2Len < 1 || src1Len < 1) return ORVA_STS_SIZE_ERR;
+  // The window of i of output k + bias with src2's index of output k: src2 seen from `bias` further back.
+  Chains<Orva32f>({src1, src2 - bias, src1Len, src2Len, bias == 0}, bias, int64_t{bias} + dstLen, dst);
+  return ORVA_STS_NO_ERR;
+}
+
+OrvaStatus ORVAS_ConvRelease_32f(ConvState* state) { return Release(reinterpret_cast<State<Orva32f>*>(state)); }
+
+OrvaStatus ORVAS_ConvRelease_64f(ConvState* state) { return Release(reinterpret_cast<State<Orva64f>*>(state)); }

@@ -1,0 +1,197 @@
+// What auto- and cross-correlation share: the state, sums of single lags, normalisation by overlap.
+#pragma once
+
+#include <signal_tzm/correlate.h>
+
+#include "correlate/transform_area.h"
+
+#include <algorithm>
+
+namespace tzm {
+
+// Autocorrelation uses one buffer less than there are.
+template <class Sample>
+struct Correlation {
+  static constexpr int kBuffers = kIsComplex<Sample> ? 2 : 3;
+
+  int32_t route;
+  int32_t outCount;
+  int32_t fftLen;
+  TransformArea<Sample, kBuffers> area;
+};
+
+template <class Sample>
+auto* StateOf(CorrState* opaque) {
+  return reinterpret_cast<Correlation<Sample>*>(opaque);
+}
+
+template <class Sample>
+OrvaStatus Release(Correlation<Sample>* state) {
+  if (state == nullptr) return ORVA_STS_NO_ERR;
+  state->area.Release();
+  ORVA_Free(state);
+  return ORVA_STS_NO_ERR;
+}
+
+// The transforms of a new state on the FFT route; the state is given back where that fails. `len` and
+// `lags` may together be at most `limit`.
+template <class Sample>
+OrvaStatus MakeTransforms(Correlation<Sample>* state, int32_t len, int32_t lags, int32_t limit, int buffers) {
+  OrvaStatus status = ORVA_STS_NO_ERR;
+  if (len > limit - lags) {
+    status = ORVA_STS_OVERFLOW_ERR;
+  } else {
+    state->route = kFftRoute;
+    state->fftLen = static_cast<int32_t>(TransformLength(int64_t{len} + lags - 1));
+    if (!state->area.Make(state->fftLen, buffers)) status = ORVA_STS_MEM_ALLOC_ERR;
+  }
+  if (status) Release(state);
+  return status;
+}
+
+// ---- Sums ----
+
+// Samples of a 128-bit vector, counting a complex one as one vector of each part.
+template <class Sample>
+constexpr size_t kGroup = 16 / sizeof(PartOf<Sample>);
+
+// sum + conj(x)*y: fused onto the sum for reals; for complex samples the product in two roundings, then a
+// plain addition.
+template <class Sample>
+TZM_INLINE void AddProduct(const Sample* x, const Sample* y, Sample& sum) {
+  const Sample a = LoadElement(x), b = LoadElement(y);
+  if constexpr (kIsComplex<Sample>) {
+    sum.re += Fma(a.re, b.re, a.im * b.im);
+    sum.im += Fma(a.re, b.im, -(b.re * a.im));
+  } else {
+    sum = Fma(a, b, sum);
+  }
+}
+
+// For conj(x)*y in lanes of interleaved complex samples, {xr, xr} * {yr, yi} + {xi, -xi} * {yi, yr}: x's
+// imaginary parts with that sign, and y's parts exchanged.
+template <size_t kLanes, class Real>
+TZM_INLINE LaneArray<Real, kLanes> OddNegated(LaneArray<Real, kLanes> x) {
+  using Lanes = LaneArray<Real, kLanes>;
+  Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { x.v[r] = hn::OddEven(hn::Neg(x.v[r]), x.v[r]); });
+  return x;
+}
+template <size_t kLanes, class Real>
+TZM_INLINE LaneArray<Real, kLanes> Exchanged(LaneArray<Real, kLanes> y) {
+  using Lanes = LaneArray<Real, kLanes>;
+  Unrolled<Lanes::kRegisters>([&](auto r) TZM_LAMBDA { y.v[r] = hn::Reverse2(typename Lanes::D(), y.v[r]); });
+  return y;
+}
+
+// sum += conj(x)*y in the lanes of samples, straight into the sum: fused steps with x's real parts, then
+// with its imaginary ones.
+template <class Sample, size_t kLanes, class Real>
+TZM_INLINE void AddProducts(const LaneArray<Real, kLanes>& x, const LaneArray<Real, kLanes>& y,
+                            LaneArray<Real, kLanes>& sum) {
+  if constexpr (kIsComplex<Sample>) {
+    LaneArray<Real, kLanes> re, im;
+    Unrolled<LaneArray<Real, kLanes>::kRegisters>([&](auto r) TZM_LAMBDA {
+      re.v[r] = hn::DupEven(x.v[r]);
+      im.v[r] = hn::DupOdd(x.v[r]);
+    });
+    sum = MulAdd(OddNegated(im), Exchanged(y), MulAdd(re, y, sum));
+  } else {
+    sum = MulAdd(x, y, sum);
+  }
+}
+
+// The lanes of a single lag: 128-bit accumulators one after the other, four for reals (16 samples in
+// binary32), two for each part of complex samples (8 samples).
+template <class Sample>
+constexpr size_t kAccumulators = kIsComplex<Sample> ? 2 : 4;
+template <class Sample>
+using LagLanes = LaneArray<PartOf<Sample>, kAccumulators<Sample> * kGroup<Sample> * kParts<Sample>>;
+
+// One lag's sum of `count` products, of which the lanes hold the first `done`: whole steps of all
+// accumulators, whole steps of the first one, (acc1 + acc0) + (acc2 + acc3), neighbouring lanes added
+// pairwise, and the rest one by one.
+template <class Sample>
+Sample FinishLag(const Sample* x, const Sample* y, size_t done, size_t count, LagLanes<Sample> lanes) {
+  using Real = PartOf<Sample>;
+  constexpr size_t kG = kGroup<Sample>, kReals = kG * kParts<Sample>, kStep = kAccumulators<Sample> * kG;
+  using Lanes = LagLanes<Sample>;
+  using First = LaneArray<Real, kReals>;
+  size_t i = done;
+  for (; count - i >= kStep; i += kStep)
+    AddProducts<Sample>(Lanes::Load(Reals(x + i)), Lanes::Load(Reals(y + i)), lanes);
+  Real held[kAccumulators<Sample> * kReals];
+  lanes.Store(held);
+  First sum = First::Load(held);
+  for (; count - i >= kG; i += kG)
+    AddProducts<Sample>(First::Load(Reals(x + i)), First::Load(Reals(y + i)), sum);
+  sum = First::Load(held + kReals) + sum;
+  Sample total;
+  if constexpr (kIsComplex<Sample>) {
+    sum.Store(held);
+    Real part[2][kG];
+    for (size_t l = 0; l < kG; ++l) {
+      part[0][l] = held[2 * l];
+      part[1][l] = held[2 * l + 1];
+    }
+    total = {LaneArray<Real, kG>::Load(part[0]).FoldPairs(), LaneArray<Real, kG>::Load(part[1]).FoldPairs()};
+  } else {
+    total = (sum + (First::Load(held + 2 * kReals) + First::Load(held + 3 * kReals))).FoldPairs();
+  }
+  for (; i < count; ++i) AddProduct(x + i, y + i, total);
+  return total;
+}
+
+// dst[l] = the sum over count(l) products of lag l, for l = 0 to lags-1; the samples of lag l start at
+// x + kStepX*l and y + kStepY*l. Some lags side by side share the loads of the sequence that stands still.
+template <int kStepX, int kStepY, class Sample, class Count>
+void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Count count) {
+  using Lanes = LagLanes<Sample>;
+  constexpr int64_t kTile = 4;
+  constexpr size_t kStep = kAccumulators<Sample> * kGroup<Sample>;
+  const auto tile = [&](int64_t l, auto width) TZM_LAMBDA {
+    constexpr int64_t kWidth = width;
+    const Sample* const from = x + kStepX * l;
+    const Sample* const to = y + kStepY * l;
+    const size_t common = std::min<size_t>(count(l), count(l + kWidth - 1)) / kStep * kStep;
+    Lanes lanes[kWidth];
+    for (Lanes& lane : lanes) lane = Lanes::Set(0);
+    for (size_t i = 0; i < common; i += kStep)
+      Unrolled<kWidth>([&](auto w) TZM_LAMBDA {
+        constexpr int64_t kX = kStepX * static_cast<int64_t>(w), kY = kStepY * static_cast<int64_t>(w);
+        AddProducts<Sample>(Lanes::Load(Reals(from + kX + i)), Lanes::Load(Reals(to + kY + i)), lanes[w]);
+      });
+    for (int64_t w = 0; w < kWidth; ++w)
+      StoreElement(FinishLag(from + kStepX * w, to + kStepY * w, common, count(l + w), lanes[w]), dst + l + w);
+  };
+  int64_t l = 0;
+  for (; lags - l >= kTile; l += kTile) tile(l, std::integral_constant<int64_t, kTile>());
+  for (; l < lags; ++l) tile(l, std::integral_constant<int64_t, 1>());
+}
+
+// ---- Normalisation ----
+
+enum Normalisation : int32_t { kBiased = 1, kUnbiased = 2 };  // anything else leaves the sums
+
+// dst[j] divided by the number of products of lag firstLag + j, between sequences of len1 and len2.
+template <class Sample>
+void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1, int64_t len2) {
+  using Real = PartOf<Sample>;
+  const Full<Real> d;
+  constexpr int64_t kSamples = hn::MaxLanes(d) / kParts<Sample>;
+  const auto overlap = [=](int64_t lag) TZM_LAMBDA {
+    return static_cast<Real>(std::min(len1 + std::min<int64_t>(lag, 0), len2 - std::max<int64_t>(lag, 0)));
+  };
+  for (int64_t j = 0; j < count; j += kSamples) {
+    Real divisors[hn::MaxLanes(d)];
+    for (size_t l = 0; l < hn::MaxLanes(d); ++l)
+      divisors[l] = overlap(firstLag + j + static_cast<int64_t>(l / kParts<Sample>));
+    Real* const at = Reals(dst + j);
+    if (count - j >= kSamples) {
+      hn::StoreU(hn::Div(hn::LoadU(d, at), hn::LoadU(d, divisors)), d, at);
+    } else {
+      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l) StoreElement(LoadElement(at + l) / divisors[l], at + l);
+    }
+  }
+}
+
+}  // namespace tzm

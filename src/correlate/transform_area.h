@@ -1,0 +1,94 @@
+// The FFT route of convolution and correlation: its transform length, its buffers and its two plans.
+#pragma once
+
+#include <signal_tzm/arith.h>
+
+#include "frame/call.h"
+#include "frame/core.h"
+#include "frame/fft.h"
+
+#include <bit>
+
+namespace tzm {
+
+enum Route : int32_t { kDirectRoute, kFftRoute };
+enum AlgorithmKind : int32_t { kAutomatic = 0, kFftKind = 2 };  // anything else is direct
+
+// The smallest power of two that is not below `count`.
+inline int64_t TransformLength(int64_t count) {
+  return static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(count)));
+}
+
+inline void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
+  ORVAS_DivC_32f(src, value, dst, len);
+}
+inline void Divide(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
+  ORVAS_DivC_64f(src, value, dst, len);
+}
+// src[i] / value for both parts of `len` samples.
+template <class Sample>
+void DivideParts(const Sample* src, int32_t value, Sample* dst, int32_t len) {
+  Divide(Reals(src), static_cast<PartOf<Sample>>(value), Reals(dst), kParts<Sample> * len);
+}
+
+// Up to kBuffers buffers and the plans of one length P. Of a real type, buffer 0 holds P samples in time
+// and the others spectra of P/2 + 1 bins; of a complex type each holds P samples, transformed in place.
+template <class Sample, int kBuffers>
+struct TransformArea {
+  using F = Fft<PartOf<Sample>>;
+  using Complex = typename F::Complex;
+  using Plan = typename F::Plan;
+
+  void* buffers[kBuffers];
+  Plan forwardPlan;
+  Plan inversePlan;
+
+  Sample* Time(int which) const { return static_cast<Sample*>(buffers[which]); }
+  Complex* Spectrum(int which) const { return static_cast<Complex*>(buffers[which]); }
+  static int32_t Bins(int32_t fftLen) { return kIsComplex<Sample> ? fftLen : fftLen / 2 + 1; }
+
+  // Takes the first `count` buffers and the plans, all of them whatever the others gave. False when one is
+  // missing: Release then gives back the rest.
+  bool Make(int32_t fftLen, int count) {
+    const int32_t time = fftLen * static_cast<int32_t>(sizeof(Sample));
+    const int32_t spectrum = Bins(fftLen) * static_cast<int32_t>(sizeof(Complex));
+    for (int b = 0; b < count; ++b) buffers[b] = ORVA_Malloc(b == 0 ? time : spectrum);
+    if constexpr (kIsComplex<Sample>) {
+      forwardPlan = F::PlanComplex(fftLen, kForward);
+      inversePlan = F::PlanComplex(fftLen, kInverse);
+    } else {
+      forwardPlan = F::PlanRealToComplex(fftLen);
+      inversePlan = F::PlanComplexToReal(fftLen);
+    }
+    return Has(count);
+  }
+  bool Has(int count) const {
+    for (int b = 0; b < count; ++b)
+      if (buffers[b] == nullptr) return false;
+    return forwardPlan != nullptr && inversePlan != nullptr;
+  }
+  void Release() {
+    for (void* buffer : buffers) ORVA_Free(buffer);
+    F::Destroy(forwardPlan);
+    F::Destroy(inversePlan);
+  }
+
+  // The spectrum, in buffer `to`, of `count` samples that start at `start` among zeros.
+  void Forward(const Sample* src, int32_t start, int32_t count, int32_t fftLen, int to) const {
+    Sample* const time = Time(kIsComplex<Sample> ? to : 0);
+    Zero(time, start);
+    Copy(src, time + start, count);
+    Zero(time + start + count, fftLen - start - count);
+    if constexpr (kIsComplex<Sample>) F::Execute(forwardPlan, time, time);
+    else F::ExecuteRealToComplex(forwardPlan, time, Spectrum(to));
+  }
+  // The first `count` samples behind the spectrum in buffer `from`, which is lost.
+  void Inverse(int from, int32_t fftLen, Sample* dst, int32_t count) const {
+    Sample* const time = Time(kIsComplex<Sample> ? from : 0);
+    if constexpr (kIsComplex<Sample>) F::Execute(inversePlan, time, time);
+    else F::ExecuteComplexToReal(inversePlan, Spectrum(from), time);
+    DivideParts(time, fftLen, dst, count);
+  }
+};
+
+}  // namespace tzm

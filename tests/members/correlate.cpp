@@ -1,0 +1,169 @@
+#include <signal_tzm/correlate.h>
+
+#include "members.h"
+#include "support/random.h"
+
+namespace tzm_test {
+
+namespace {
+
+constexpr int32_t kDirect = 1, kFft = 2;
+
+// The direct route of every length pair: short, long and uneven sequences.
+template <class T>
+void ConvolutionDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, ConvState**),
+                       OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, ConvState*),
+                       OrvaStatus (*release)(ConvState*), Digest& digest) {
+  ConvState* state = nullptr;
+  digest.AddStatus(init(1, 1, kDirect, &state));
+  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+    for (int32_t len1 : {1, 10, 50, 150, 700})
+      for (int32_t len2 : {1, 7, 16, 17, 60, 200, 500}) {
+        const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
+        std::vector<T> dst(len1 + len2 - 1);
+        digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), state));
+        digest.Add(dst.data(), dst.size());
+      }
+  release(state);
+}
+
+template <class T>
+void AutocorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, CorrState**),
+                           OrvaStatus (*run)(const T*, int32_t, T*, int32_t, int32_t, CorrState*),
+                           OrvaStatus (*release)(CorrState*), Digest& digest) {
+  CorrState* state = nullptr;
+  digest.AddStatus(init(1, 1, kDirect, &state));
+  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+    for (int32_t len : {1, 5, 40, 77, 500})
+      for (int32_t dstLen : {1, 8, 33, 79, 300}) {
+        const auto src = RandomArray<T>(len, 1, variety);
+        std::vector<T> dst(dstLen);
+        digest.AddStatus(run(src.data(), len, dst.data(), dstLen, dstLen % 3, state));
+        digest.Add(dst.data(), dst.size());
+      }
+  release(state);
+}
+
+template <class T>
+void CrossCorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, int32_t, int32_t, CorrState**),
+                            OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, int32_t, int32_t, int32_t,
+                                              CorrState*),
+                            OrvaStatus (*release)(CorrState*), Digest& digest) {
+  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+    for (int32_t len1 : {1, 6, 41, 300})
+      for (int32_t len2 : {1, 39, 78, 200})
+        for (int32_t low : {-len1 - 2, -3, 11}) {
+          const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
+          std::vector<T> dst(len1 + len2);
+          const int32_t dstLen = len1 + len2;
+          CorrState* state = nullptr;
+          digest.AddStatus(init(len1, len2, dstLen, low, kDirect, &state));
+          digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), dstLen, low, len2 % 3, state));
+          digest.Add(dst.data(), dst.size());
+          release(state);
+        }
+}
+
+// Benchmarks: a kernel of a thousand samples, or as many lags, and a sequence of `len`.
+constexpr int32_t kKernel = 1000;
+
+template <class T>
+std::function<Timed(int32_t)> TimeConvolution(OrvaStatus (*init)(int32_t, int32_t, int32_t, ConvState**),
+                                              OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, ConvState*),
+                                              OrvaStatus (*release)(ConvState*), int32_t kind) {
+  return [=](int32_t len) {
+    ConvState* made = nullptr;
+    init(len, kKernel, kind, &made);
+    const std::shared_ptr<ConvState> state(made, release);
+    const auto src1 = SharedArray<T>(len), src2 = SharedArray<T>(kKernel), dst = SharedArray<T>(len + kKernel);
+    return Timed{[=] { return run(src1->data(), len, src2->data(), kKernel, dst->data(), state.get()); },
+                 2 * static_cast<int64_t>(sizeof(T)) * len};
+  };
+}
+
+template <class T>
+std::function<Timed(int32_t)> TimeAutocorrelation(OrvaStatus (*init)(int32_t, int32_t, int32_t, CorrState**),
+                                                  OrvaStatus (*run)(const T*, int32_t, T*, int32_t, int32_t, CorrState*),
+                                                  OrvaStatus (*release)(CorrState*), int32_t kind) {
+  return [=](int32_t len) {
+    CorrState* made = nullptr;
+    init(len, kKernel, kind, &made);
+    const std::shared_ptr<CorrState> state(made, release);
+    const auto src = SharedArray<T>(len), dst = SharedArray<T>(kKernel);
+    return Timed{[=] { return run(src->data(), len, dst->data(), kKernel, 2, state.get()); },
+                 static_cast<int64_t>(sizeof(T)) * len};
+  };
+}
+
+template <class T>
+std::function<Timed(int32_t)> TimeCrossCorrelation(
+    OrvaStatus (*init)(int32_t, int32_t, int32_t, int32_t, int32_t, CorrState**),
+    OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, int32_t, int32_t, int32_t, CorrState*),
+    OrvaStatus (*release)(CorrState*), int32_t kind) {
+  return [=](int32_t len) {
+    CorrState* made = nullptr;
+    init(kKernel, len, len, 0, kind, &made);
+    const std::shared_ptr<CorrState> state(made, release);
+    const auto src1 = SharedArray<T>(kKernel), src2 = SharedArray<T>(len), dst = SharedArray<T>(len);
+    return Timed{[=] {
+      return run(src1->data(), kKernel, src2->data(), len, dst->data(), len, 0, 2, state.get());
+    }, 2 * static_cast<int64_t>(sizeof(T)) * len};
+  };
+}
+
+void BiasedDigest(Digest& digest) {
+  for (int32_t bias : {0, 5, -20})
+    for (int32_t len2 : {1, 20, 100}) {
+      const auto src1 = RandomArray<Orva32f>(90, 1), around = RandomArray<Orva32f>(len2 + 60, 2);
+      std::vector<Orva32f> dst(150);
+      digest.AddStatus(ORVAS_ConvBiased_32f(src1.data(), 90, around.data() + 30, len2, dst.data(), 150, bias));
+      digest.Add(dst.data(), dst.size());
+    }
+}
+
+Timed TimeBiased(int32_t len) {
+  const auto src1 = SharedArray<Orva32f>(len), src2 = SharedArray<Orva32f>(kKernel), dst = SharedArray<Orva32f>(len);
+  return {[=] { return ORVAS_ConvBiased_32f(src1->data(), len, src2->data(), kKernel, dst->data(), len, 0); },
+          int64_t{8} * len};
+}
+
+// The direct route has a digest; by transforms the results are the FFT companion's.
+#define CONVOLUTION(type)                                                                                     \
+  Member({"ORVAS_Convolve_" #type, "ORVAS_ConvInit_" #type, "ORVAS_ConvRelease_" #type}, [](Digest& digest) { \
+    ConvolutionDigest<Orva##type>(ORVAS_ConvInit_##type, ORVAS_Convolve_##type, ORVAS_ConvRelease_##type, digest); \
+  }).Benchmark(TimeConvolution<Orva##type>(ORVAS_ConvInit_##type, ORVAS_Convolve_##type,                      \
+                                           ORVAS_ConvRelease_##type, kFft))
+#define AUTOCORRELATION(type)                                                                                 \
+  Member({"ORVAS_AutoCorrNorm_" #type, "ORVAS_AutoCorrInit_" #type, "ORVAS_CorrRelease_" #type},              \
+         [](Digest& digest) {                                                                                 \
+    AutocorrelationDigest<Orva##type>(ORVAS_AutoCorrInit_##type, ORVAS_AutoCorrNorm_##type,                   \
+                                      ORVAS_CorrRelease_##type, digest);                                      \
+  }).Benchmark(TimeAutocorrelation<Orva##type>(ORVAS_AutoCorrInit_##type, ORVAS_AutoCorrNorm_##type,          \
+                                               ORVAS_CorrRelease_##type, kDirect))
+#define CROSS_CORRELATION(type)                                                                               \
+  Member({"ORVAS_CrossCorrNorm_" #type, "ORVAS_CrossCorrInit_" #type}, [](Digest& digest) {                   \
+    CrossCorrelationDigest<Orva##type>(ORVAS_CrossCorrInit_##type, ORVAS_CrossCorrNorm_##type,                \
+                                       ORVAS_CorrRelease_##type, digest);                                     \
+  }).Benchmark(TimeCrossCorrelation<Orva##type>(ORVAS_CrossCorrInit_##type, ORVAS_CrossCorrNorm_##type,       \
+                                                ORVAS_CorrRelease_##type, kDirect))
+
+const Rows rows("correlate", {
+    CONVOLUTION(32f),
+    CONVOLUTION(64f),
+    Member({"ORVAS_ConvBiased_32f"}, BiasedDigest).Benchmark(TimeBiased),
+    AUTOCORRELATION(32f),
+    AUTOCORRELATION(64f),
+    AUTOCORRELATION(32fc),
+    AUTOCORRELATION(64fc),
+    CROSS_CORRELATION(32f),
+    CROSS_CORRELATION(64f),
+    CROSS_CORRELATION(32fc),
+    CROSS_CORRELATION(64fc),
+});
+#undef CONVOLUTION
+#undef AUTOCORRELATION
+#undef CROSS_CORRELATION
+
+}  // namespace
+
+}  // namespace tzm_test
