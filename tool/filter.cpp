@@ -2,14 +2,13 @@
 #include <signal_tzm/companion.h>
 #include <signal_tzm/fir.h>
 
-#include <algorithm>
 #include <array>
 
 #include "audio.h"
 #include "command.h"
 #include "handle.h"
 #include "options.h"
-#include "progress.h"
+#include "stream.h"
 #include "text.h"
 
 namespace tzm {
@@ -20,7 +19,6 @@ enum Kind : size_t { kLowpass, kHighpass, kBandpass, kBandstop };
 // In the order of the design's numbers.
 constexpr std::array<std::string_view, 4> kWindowNames{"bartlett", "blackman", "hamming", "hann"};
 constexpr int32_t kMostTaps = 1 << 20;
-constexpr size_t kBlock = 1 << 16;
 
 struct Settings {
   std::string file, output;
@@ -52,36 +50,22 @@ std::vector<float> MakeTaps(const Settings& s, int32_t rate) {
   return rounded;
 }
 
-// The filter delays by half its length. So that the output lies in time as the input, that much is dropped at its
-// start, and as many zeros are filtered after the end.
+// The filter delays by half its length, which is taken out.
 void Apply(AudioReader& reader, const std::vector<float>& taps, AudioWriter& writer) {
   const auto filter = MakeHandle<Filter>("the filter", [&](auto** state) {
-    return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kBlock), 0, state);
+    return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), 0, state);
   });
   const auto channels = size_t(reader.Channels());
   const size_t delay = taps.size() / 2;
-  Planes source(channels, std::vector<float>(kBlock)), result = source;
   Planes lines(channels, std::vector<float>(taps.size() - 1));
-  Progress progress("filtering", reader.Length());
-  size_t dropped = 0, owed = delay;
-  int64_t done = 0;
-  for (bool more = true; more || owed > 0;) {
-    size_t count = more ? reader.Read(source) : 0;
-    progress.Show(done += int64_t(count));
-    if (count < kBlock) more = false;
-    const size_t zeros = std::min(kBlock - count, more ? 0 : owed);
-    owed -= zeros;
-    if (count + zeros == 0) continue;
-    for (size_t c = 0; c < channels; ++c) {
-      std::fill_n(source[c].begin() + std::ptrdiff_t(count), zeros, 0.0f);
-      Require(ORVAS_FIRSR_32f(source[c].data(), result[c].data(), int32_t(count + zeros), filter.get(),
-                              lines[c].data(), lines[c].data()),
-              "the filter");
-    }
-    const size_t skipped = std::min(count + zeros, delay - dropped);
-    dropped += skipped;
-    writer.Write(result, skipped, count + zeros - skipped);
-  }
+  Stream(channels, channels, reader.Length(), {delay, delay}, writer,
+         [&](Planes& source) { return reader.Read(source); },
+         [&](const Planes& source, Planes& result, int32_t len) {
+           for (size_t c = 0; c < channels; ++c) {
+             float* const line = lines[c].data();
+             Require(ORVAS_FIRSR_32f(source[c].data(), result[c].data(), len, filter.get(), line, line), "the filter");
+           }
+         });
 }
 
 void CheckCutoffs(const Settings& s, int32_t rate) {

@@ -5,6 +5,7 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -34,6 +35,24 @@ struct Box {
     return x < b.x + b.width && b.x < x + width && y < b.y + b.height && b.y < y + height;
   }
 };
+
+// From night through violet and orange to light, rising in lightness.
+constexpr std::array<Colour, 6> kShades{{{0.02, 0.02, 0.08},
+                                         {0.20, 0.07, 0.38},
+                                         {0.53, 0.13, 0.42},
+                                         {0.85, 0.28, 0.26},
+                                         {0.98, 0.60, 0.15},
+                                         {0.99, 0.98, 0.72}}};
+
+// The shade of a fraction, as a pixel.
+uint32_t Shade(double fraction) {
+  const double place = std::clamp(std::isnan(fraction) ? 0 : fraction, 0.0, 1.0) * (kShades.size() - 1);
+  const auto at = std::min(size_t(place), kShades.size() - 2);
+  const double part = place - double(at);
+  const auto mixed = [&](double from, double to) { return uint32_t(std::lround(255 * (from + part * (to - from)))); };
+  const Colour &a = kShades[at], &b = kShades[at + 1];
+  return mixed(a.r, b.r) << 16 | mixed(a.g, b.g) << 8 | mixed(a.b, b.b);
+}
 
 struct Tick {
   double value;
@@ -90,6 +109,7 @@ class Drawing {
     cairo_paint(cairo_);
     Titles();
     Grid();
+    Raster();
     Curve();
     Markers();
     Frame();
@@ -200,6 +220,45 @@ class Drawing {
       if (low != high) add(std::max(low, high));
     }
     return points;
+  }
+
+  // Fills the box with the pixels, in rows from the top.
+  void Pixels(std::vector<uint32_t>& pixels, int columns, int rows, const Box& box) {
+    const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
+        cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()), CAIRO_FORMAT_RGB24,
+                                            columns, rows, 4 * columns),
+        cairo_surface_destroy);
+    cairo_save(cairo_);
+    cairo_translate(cairo_, box.x, box.y);
+    cairo_scale(cairo_, box.width / columns, box.height / rows);
+    cairo_set_source_surface(cairo_, surface.get(), 0, 0);
+    cairo_pattern_set_extend(cairo_get_source(cairo_), CAIRO_EXTEND_PAD);
+    cairo_rectangle(cairo_, 0, 0, columns, rows);
+    cairo_fill(cairo_);
+    cairo_restore(cairo_);
+  }
+
+  // The image, and below the right end of the x axis what its shades mean.
+  void Raster() {
+    const Image& image = plot_.image;
+    if (image.values.empty()) return;
+    std::vector<uint32_t> pixels(image.values.size());
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      const size_t column = i / image.rows, row = image.rows - 1 - i % image.rows;
+      pixels[row * image.columns + column] = Shade((image.values[i] - image.low) / (image.high - image.low));
+    }
+    Pixels(pixels, int(image.columns), int(image.rows),
+           {kLeft, kTop, kWidth - kLeft - kRight, kHeight - kTop - kBottom});
+    constexpr int kSteps = 128;
+    std::vector<uint32_t> key(kSteps);
+    for (int i = 0; i < kSteps; ++i) key[size_t(i)] = Shade(double(i) / (kSteps - 1));
+    const std::string high = TickText(image.high) + " " + image.unit;
+    Font(kTickFont);
+    const double end = kWidth - kRight - TextWidth(high) - 6;
+    Use(kInk);
+    Text(high, kWidth - kRight, kHeight - 16, Side::kRight);
+    Text(TickText(image.low), end - kSteps - 6, kHeight - 16, Side::kRight);
+    Pixels(key, kSteps, 1, {end - kSteps, kHeight - 26, kSteps, 11});
   }
 
   void Curve() {

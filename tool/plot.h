@@ -1,4 +1,4 @@
-// Plots: one curve over two axes, with marked points, written as PNG or SVG.
+// Plots: one curve or one image over two axes, with marked points, written as PNG or SVG.
 #ifndef TZM_TOOL_PLOT_H
 #define TZM_TOOL_PLOT_H
 
@@ -18,10 +18,19 @@ struct Marker {
   std::string text;
 };
 
+/** Values in colours, over the whole of both linear axes. */
+struct Image {
+  size_t columns = 0, rows = 0;
+  std::vector<float> values;  // column by column, each upwards
+  double low = 0, high = 1;   // the values of the darkest and the brightest colour
+  std::string unit;
+};
+
 struct Plot {
   std::string title, subtitle;
   Axis x, y;
   std::vector<double> xs, ys;    // ascending xs; what lies outside the axes is cut off
+  Image image;
   std::vector<Marker> markers;  // the most important first: its text gets the best place
 };
 
