@@ -16,8 +16,16 @@ inline int ScaleExponent(double scale) {
   return exponent > 0 || mantissa == 0.5 ? exponent - 1 : exponent;
 }
 
-// 2^-exponent: above 1 the scale shrinks, below 1 it enlarges. Infinite for the smallest scales.
-inline double ScaleFactor(int exponent) { return pow(2.0, -exponent); }
+// 2^-exponent: above 1 the scale shrinks, below 1 it enlarges. Infinite for the smallest scales, subnormal
+// for the largest. Made of its bits: no rounding mode of the caller can touch it.
+inline double ScaleFactor(int exponent) {
+  uint64_t bits = uint64_t{0x7ff} << 52;
+  if (exponent > 1022) bits = uint64_t{1} << (1074 - exponent);
+  else if (exponent > -1024) bits = static_cast<uint64_t>(1023 - exponent) << 52;
+  double factor;
+  std::memcpy(&factor, &bits, sizeof factor);
+  return factor;
+}
 
 // The same in binary32, for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either
 // way they are 0 or saturate; there the factor stays, and infinity times it is never a NaN.
