@@ -225,6 +225,27 @@ TZM_INLINE Widened<D> LoadWidened(D d, const T* from) {
 #endif
 }
 
+// One byte from memory to each lane of unsigned integers.
+template <class D>
+TZM_INLINE Vec<D> LoadBytes(D d, const uint8_t* from) {
+  if constexpr (sizeof(hn::TFromD<D>) < 8) {
+    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), from));
+  } else {
+#if HWY_ARCH_X86  // in one step
+    if constexpr (hn::MaxLanes(D()) == 4) {
+      int32_t bytes;
+      std::memcpy(&bytes, from, sizeof bytes);
+      return Vec<D>{_mm256_cvtepu8_epi64(_mm_cvtsi32_si128(bytes))};
+    }
+#if HWY_TARGET <= HWY_AVX3
+    if constexpr (hn::MaxLanes(D()) == 8) return Vec<D>{_mm512_cvtepu8_epi64(_mm_loadu_si64(from))};
+#endif
+#endif
+    const hn::Rebind<uint32_t, D> d32;
+    return hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<uint8_t, D>(), from)));
+  }
+}
+
 // Integers of up to 32 bits as lanes of binary32, rounded where they have more than 24.
 template <class D, class T>
 TZM_INLINE Vec<D> LoadAsFloat(D d, const T* from) {

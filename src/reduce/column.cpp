@@ -23,12 +23,9 @@ constexpr size_t kBlock = 512;
 // All ones in the lanes whose null byte is 0, zero in the others.
 template <class D>
 TZM_INLINE Vec<D> Present(D d, const Orva8u* nulls) {
-  const hn::Rebind<uint8_t, D> du8;
-  const hn::Rebind<int8_t, D> d8;
-  const auto bytes = hn::LoadU(du8, nulls);
-  const auto present = hn::BitCast(d8, hn::VecFromMask(du8, hn::Eq(bytes, hn::Zero(du8))));
-  if constexpr (sizeof(hn::TFromD<D>) == 8) return hn::PromoteTo(d, hn::PromoteTo(hn::Rebind<int32_t, D>(), present));
-  else return hn::PromoteTo(d, present);
+  const hn::RebindToUnsigned<D> du;
+  const auto bytes = LoadBytes(du, nulls);
+  return hn::BitCast(d, hn::VecFromMask(du, hn::Eq(bytes, hn::Zero(du))));
 }
 
 // Calls add(values) for every register of the rows, null rows and those past the end as zeros.
@@ -145,6 +142,13 @@ struct DecimalTotal {
   bool overflow;
 };
 
+// The value of a row, or 0 for a null one, without a branch.
+Int128 Value(OrvaDecimal128 row, bool present) {
+  const UInt128 magnitude = Join(row.hi & ~kSign, row.lo);
+  const UInt128 negative = static_cast<UInt128>(-static_cast<Int128>(row.hi >> 63));
+  return static_cast<Int128>(((magnitude ^ negative) - negative) & static_cast<UInt128>(-static_cast<Int128>(present)));
+}
+
 // No legal length of 64-bit rows fills 128 bits. With 2^63 added a row is unsigned, and its halves are
 // summed apart.
 void AddRows(const Orva64s* src, const Orva8u* nulls, size_t len, DecimalTotal& total) {
@@ -163,19 +167,55 @@ void AddRows(const Orva64s* src, const Orva8u* nulls, size_t len, DecimalTotal& 
 
 void AddRows(const OrvaDecimal128* src, const Orva8u* nulls, size_t len, DecimalTotal& total) {
   if (total.overflow) return;
-  Int128 sum = total.sum;
-  for (size_t i = 0; i < len; ++i) {
-    const OrvaDecimal128 row = LoadElement(src + i);
-    const UInt128 magnitude = Join(row.hi & ~kSign, row.lo);
-    const UInt128 negative = static_cast<UInt128>(-static_cast<Int128>(row.hi >> 63));
-    UInt128 value = (magnitude ^ negative) - negative;
-    if (nulls != nullptr) value &= static_cast<UInt128>(-static_cast<Int128>(nulls[i] == 0));
-    if (__builtin_add_overflow(sum, static_cast<Int128>(value), &sum)) {
-      total.overflow = true;
-      break;
+  // A row is x, or with its sign s as all ones (x ^ s) + 1. The halves of (x ^ s) are summed apart, the low
+  // one in two pieces, where as above no order of adds can overflow.
+  const Full<uint64_t> d;
+  const Full<int64_t> di;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  auto low = hn::Zero(d), middle = hn::Zero(d), high = hn::Zero(d), negative = hn::Zero(d), bits = hn::Zero(d);
+  const auto add = [&](auto lo, auto hi) TZM_LAMBDA {
+    const auto sign = hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(di, hi)));
+    const auto magnitude = hn::And(hi, hn::Set(d, ~kSign));
+    const auto x = hn::Xor(lo, sign);
+    low = hn::Add(low, hn::And(x, hn::Set(d, 0xffffffff)));
+    middle = hn::Add(middle, hn::ShiftRight<32>(x));
+    high = hn::Add(high, hn::Xor(magnitude, sign));
+    negative = hn::Sub(negative, sign);
+    bits = hn::Or(bits, magnitude);
+  };
+  const auto addFrom = [&](const OrvaDecimal128* from, auto present) TZM_LAMBDA {
+    Vec<decltype(d)> lo, hi;
+    hn::LoadInterleaved2(d, reinterpret_cast<const uint64_t*>(from), lo, hi);
+    add(present(lo), present(hi));
+  };
+  size_t i = 0;
+  if (nulls == nullptr) {
+    for (; len - i >= kLanes; i += kLanes) addFrom(src + i, [](auto v) TZM_LAMBDA { return v; });
+  } else {
+    for (; len - i >= kLanes; i += kLanes) {
+      const auto present = hn::BitCast(d, Present(di, nulls + i));
+      addFrom(src + i, [=](auto v) TZM_LAMBDA { return hn::And(v, present); });
     }
   }
-  total.sum = sum;
+  OrvaDecimal128 rest[kLanes] = {};
+  for (size_t k = i; k < len; ++k)
+    if (nulls == nullptr || nulls[k] == 0) rest[k - i] = LoadElement(src + k);
+  addFrom(rest, [](auto v) TZM_LAMBDA { return v; });
+
+  uint64_t lane[kLanes], magnitude = 0;
+  hn::StoreU(bits, d, lane);
+  for (uint64_t b : lane) magnitude |= b;
+  // Every row is below (magnitude + 1) * 2^64, `len` of them are below 2^126 if this holds.
+  constexpr Int128 kHalf = static_cast<Int128>(1) << 126;
+  if (magnitude < (uint64_t{1} << 62) / kBlock && total.sum <= kHalf && total.sum >= -kHalf) {
+    const auto sum = [&](auto v) { return static_cast<UInt128>(hn::GetLane(hn::SumOfLanes(d, v))); };
+    total.sum += static_cast<Int128>((sum(high) << 64) + (sum(middle) << 32) + sum(low) + sum(negative));
+    return;
+  }
+  for (i = 0; i < len && !total.overflow; ++i) {
+    const Int128 value = Value(LoadElement(src + i), nulls == nullptr || nulls[i] == 0);
+    total.overflow = __builtin_add_overflow(total.sum, value, &total.sum);
+  }
 }
 
 // ---- What is delivered ----
