@@ -1,0 +1,135 @@
+// tzm delay: how much later one recording has a sound than another.
+#include <signal_tzm/correlate.h>
+#include <signal_tzm/reduce.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "audio.h"
+#include "command.h"
+#include "handle.h"
+#include "options.h"
+#include "output.h"
+#include "progress.h"
+#include "results.h"
+#include "text.h"
+
+namespace tzm {
+namespace {
+
+constexpr size_t kLeastBlock = 1 << 16, kMostLags = 1 << 24;
+
+struct Settings {
+  std::string file, reference;
+  int32_t channel = 1, referenceChannel = 0;
+  double range = 1000;
+  DataOptions results;
+};
+
+using Correlation = Handle<CorrState, ORVAS_CorrRelease_32f>;
+
+double Energy(std::span<const float> samples) {
+  float norm = 0;
+  if (!samples.empty()) Require(ORVAS_Norm_L2_32f(samples.data(), int32_t(samples.size()), &norm), "the norm");
+  return double(norm) * norm;
+}
+
+// The correlation coefficients of all lags from -lags to lags. A block of the reference is held against as much of
+// the recording as the lags reach; the blocks' sums are added.
+std::vector<double> Correlate(AudioReader& recording, AudioReader& reference, size_t lags) {
+  const size_t block = std::max(kLeastBlock, 2 * lags), window = block + 2 * lags, count = 2 * lags + 1;
+  const auto correlation = MakeHandle<Correlation>("the correlation", [&](auto** state) {
+    return ORVAS_CrossCorrInit_32f(int32_t(block), int32_t(window), int32_t(count), 0, 0, state);
+  });
+  std::vector<float> held(window), fixed(block), piece(count);  // held[lags] is heard with fixed[0]
+  std::vector<double> sum(count);
+  double energy = 0, referenceEnergy = 0;
+  Progress progress("reading", reference.Length());
+  std::span<float> tail = std::span(held).subspan(lags);
+  for (int64_t done = 0;;) {
+    const size_t got = recording.Read(tail), taken = reference.Read(fixed);
+    energy += Energy(tail.first(got));
+    referenceEnergy += Energy(std::span(fixed).first(taken));
+    std::fill(tail.begin() + std::ptrdiff_t(got), tail.end(), 0.0f);
+    std::fill(fixed.begin() + std::ptrdiff_t(taken), fixed.end(), 0.0f);
+    if (got + taken == 0) break;
+    Require(ORVAS_CrossCorrNorm_32f(fixed.data(), int32_t(block), held.data(), int32_t(window), piece.data(),
+                                    int32_t(count), 0, 0, correlation.get()),
+            "the correlation");
+    for (size_t i = 0; i < count; ++i) sum[i] += double(piece[i]);
+    std::copy(held.begin() + std::ptrdiff_t(block), held.end(), held.begin());
+    tail = std::span(held).last(block);
+    progress.Show(done += int64_t(taken));
+  }
+  const double scale = std::sqrt(energy * referenceEnergy);
+  if (!std::isfinite(scale)) throw Failure("a file holds samples that are not finite");
+  if (scale == 0) throw Failure("a file is silent: there is nothing to compare");
+  for (double& value : sum) value /= scale;
+  return sum;
+}
+
+// Where the parabola through a maximum and its neighbours is highest, relative to the maximum.
+double Offset(const std::vector<double>& c, size_t top) {
+  if (top == 0 || top + 1 == c.size()) return 0;
+  const double left = std::abs(c[top]) - std::abs(c[top - 1]), right = std::abs(c[top]) - std::abs(c[top + 1]);
+  return left + right > 0 ? 0.5 * (left - right) / (left + right) : 0;
+}
+
+void Run(int argc, char** argv) {
+  Settings s;
+  Options options("delay", "FILE",
+                  "Tells how much later a channel of a sound file has a sound than a reference: another channel of\n"
+                  "it (the second one unless told otherwise), or another file. It is the lag at which their\n"
+                  "correlation is strongest, found between the samples by a parabola; the coefficient is 1 for\n"
+                  "equal sounds, negative for an inverted one.",
+                  "tzm delay --reference near.wav far.wav");
+  options.Text("reference", 'r', "FILE", "file to compare with (default: FILE itself)", s.reference);
+  options.Number("reference-channel", 0, "channel to compare with (default 2, of another file 1)", s.referenceChannel,
+                 1, 1024);
+  options.Number("channel", 'c', "channel of FILE, counted from 1", s.channel, 1, 1024);
+  options.Number("range", 0, "largest delay looked for, to both sides, in ms", s.range, 1e-3, 1e6);
+  s.results.Declare(options, "print all lags and their coefficients as CSV", "print delay and coefficient as JSON");
+  const auto operands = options.Parse(argc, argv, 1);
+  if (!operands) return;
+  s.results.Check();
+  s.file = operands->front();
+  if (s.referenceChannel == 0) s.referenceChannel = s.reference.empty() ? 2 : 1;
+  if (s.reference.empty()) s.reference = s.file;
+
+  AudioReader recording(s.file, s.channel), reference(s.reference, s.referenceChannel);
+  const int32_t rate = recording.Rate();
+  if (rate != reference.Rate()) {
+    throw Failure(Format("'%s' has %d Hz, the reference %d: make them equal with tzm resample", s.file.c_str(), rate,
+                         reference.Rate()));
+  }
+  const auto lags = size_t(std::max(1.0, std::ceil(s.range * 1e-3 * rate)));
+  if (lags > kMostLags) throw UsageError(Format("--range %g is more than %zu samples", s.range, kMostLags));
+  const std::vector<double> c = Correlate(recording, reference, lags);
+  const auto top = size_t(std::max_element(c.begin(), c.end(), [](double a, double b) {
+                            return std::abs(a) < std::abs(b);
+                          }) - c.begin());
+  const double samples = double(top) - double(lags) + Offset(c, top);
+  if (s.results.csv) {
+    Table table{{"lag_s", "Lag (s)", 6, {}}, {"coefficient", "Coefficient", 6, c}};
+    for (size_t i = 0; i < c.size(); ++i) table[0].values.push_back((double(i) - double(lags)) / rate);
+    return PrintCsv(table);
+  }
+  if (!s.results.json) {
+    std::printf("delay: %.6f s (%.2f samples), coefficient %.4f\n", samples / rate, samples, c[top]);
+    return;
+  }
+  JsonObject object;
+  object.Add("file", s.file);
+  object.Add("reference", s.reference);
+  object.Add("rate_hz", rate);
+  object.Add("delay_s", samples / rate);
+  object.Add("delay_samples", samples);
+  object.Add("coefficient", c[top]);
+  object.Print();
+}
+
+const Registration registration({"delay", "time difference of two recordings or channels", Run});
+
+}  // namespace
+}  // namespace tzm
