@@ -22,8 +22,8 @@ std::map<std::string_view, Command>& Commands() {
 
 void PrintHelp() {
   std::printf(
-      "Usage: tzm COMMAND [OPTION...] FILE...\n\n"
-      "Analyses sound files with the signal_tzm library.\n\nCommands:\n");
+      "Usage: tzm COMMAND [OPTION...] [FILE...]\n\n"
+      "Analyses, filters and makes sound files with the signal_tzm library.\n\nCommands:\n");
   for (const auto& [name, command] : Commands()) std::printf("  %-12s %s\n", command.name, command.summary);
   std::printf(
       "\n  -h, --help     this text; `tzm COMMAND --help` explains a command\n"

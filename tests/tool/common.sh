@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034
 # What the end-to-end tests of tzm share; sourced with TZM MAKE_SOUND ... SCRATCH in the arguments. The test runs in
 # a fresh folder below SCRATCH.
 set -euo pipefail

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # convolve.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm convolve` and `tzm delay` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # Noise over several blocks with the response 0, 1/2, 0, -1/2, ... of 20 samples, against plain sums.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # denoise.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm denoise` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # A sine in noise that came through a lowpass; the reference has the same noise before it (the same seed). What is

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # filter.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm filter` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # gain FREQUENCY OPTION...: the filter's gain in dB at a frequency, measured on a long sine.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # manual.sh TZM MAKE_SOUND ONE_CALL SCRATCH: every command and every option that --help tells is in the man page.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 manual=$(cd "$(dirname "$0")/../../docs/man" && pwd)/tzm.1
 . "$(dirname "$0")/common.sh"
 

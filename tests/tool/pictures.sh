@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # pictures.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm spectrogram` and `tzm envelope` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # A sine on a bin: half its squared amplitude there, 6.02 dB less in the bins beside it (Hann), at all times.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # psd.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm psd` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 one_call=$3
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # resample.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm resample` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # A resampled sine is the sine at the new rate, sample by sample, away from the ends; blocks and their edges too.

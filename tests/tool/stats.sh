@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # stats.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm stats` and `tzm info` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # A sine of whole periods that meets its peak: RMS a/sqrt(2), crest sqrt(2).

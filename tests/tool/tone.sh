@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # tone.sh TZM MAKE_SOUND ONE_CALL SCRATCH: `tzm tone` and `tzm detect` end to end.
-# shellcheck source=common.sh
+# shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
 # A tone of many blocks against the sine itself, its phase too.
