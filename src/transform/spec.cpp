@@ -50,7 +50,7 @@ struct AnyLength {  // DFT
   static int32_t HalfSpectrumReals(int32_t len) { return (len & ~1) + 2; }
 };
 
-// `makePlan(spec)` gives the plan for the spec's length and direction.
+// `makePlan(spec)` gives the plan for its length and direction.
 template <class Family, class Record, class MakePlan>
 OrvaStatus Init(int32_t length, int32_t direction, int32_t flag, OrvaTransformSpec** specOut, MakePlan makePlan) {
   if (OrvaStatus status = CheckPointers(specOut)) return status;
