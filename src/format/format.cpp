@@ -6,8 +6,11 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace {
+
+using namespace std::string_view_literals;
 
 // ---- Where the text goes ----
 
@@ -66,20 +69,19 @@ struct Arguments {
 // Writes sign or prefix, then a body of `size` characters by `body`, padded to the width. Zeros of the
 // padding stand between prefix and body.
 template <class Body>
-void Field(Output& out, const Conversion& c, const char* prefix, int64_t size, bool zeros, Body body) {
-  int64_t head = 0;
-  while (head < 3 && prefix[head] != 0) ++head;  // "-0x" at most
+void Field(Output& out, const Conversion& c, std::string_view prefix, int64_t size, bool zeros, Body body) {
+  const auto head = static_cast<int64_t>(prefix.size());
   const int64_t pad = c.width - head - size;
   if (!out.Reserve(head + size)) return;
   if (!c.left && !zeros) out.Repeat(' ', pad);
-  out.Put(prefix, head);
+  out.Put(prefix.data(), head);
   if (!c.left && zeros) out.Repeat('0', pad);
   body();
   if (c.left) out.Repeat(' ', pad);
 }
 
-const char* Sign(const Conversion& c, bool negative) {
-  return negative ? "-" : c.plus ? "+" : c.space ? " " : "";
+std::string_view Sign(const Conversion& c, bool negative) {
+  return negative ? "-"sv : c.plus ? "+"sv : c.space ? " "sv : ""sv;
 }
 
 // ---- Integers ----
@@ -93,7 +95,7 @@ char* Digits(uint64_t value, unsigned base, bool upper, char* end) {
   return end;
 }
 
-void Integer(Output& out, const Conversion& c, const char* prefix, uint64_t value, unsigned base) {
+void Integer(Output& out, const Conversion& c, std::string_view prefix, uint64_t value, unsigned base) {
   char digits[24];
   char* const end = digits + sizeof digits;
   const char* const first = Digits(value, base, c.Upper(), end);
@@ -230,7 +232,7 @@ class Decimal {
     return index < 0 || index >= size_ ? '0' : digits_[index];
   }
   int Exponent() const { return size_ == 0 ? 0 : exponent_; }
-  // The lowest place that holds a digit other than 0, or 0 if that is not below the point.
+  // The lowest place that holds a digit other than 0; 0 for zero.
   int LastPlace() const {
     int last = size_;
     while (last > 0 && digits_[last - 1] == '0') --last;
@@ -247,7 +249,7 @@ class Decimal {
   int size_ = 0, exponent_ = 0;
 };
 
-void Fixed(Output& out, const Conversion& c, const char* sign, const Decimal& value, int64_t precision) {
+void Fixed(Output& out, const Conversion& c, std::string_view sign, const Decimal& value, int64_t precision) {
   const int64_t top = value.Exponent() > 0 ? value.Exponent() : 0;
   const bool point = precision > 0 || c.alternate;
   Field(out, c, sign, top + 1 + point + precision, c.zero, [&] {
@@ -269,7 +271,7 @@ int64_t ExponentText(char letter, int exponent, int least, char* text) {
   return 2 + (end - first);
 }
 
-void Scientific(Output& out, const Conversion& c, const char* sign, const Decimal& value, int64_t precision) {
+void Scientific(Output& out, const Conversion& c, std::string_view sign, const Decimal& value, int64_t precision) {
   const int exponent = value.Exponent();
   const bool point = precision > 0 || c.alternate;
   char power[12];
@@ -282,7 +284,7 @@ void Scientific(Output& out, const Conversion& c, const char* sign, const Decima
   });
 }
 
-void General(Output& out, const Conversion& c, const char* sign, Decimal& value) {
+void General(Output& out, const Conversion& c, std::string_view sign, Decimal& value) {
   const int64_t digits = c.precision < 0 ? 6 : c.precision == 0 ? 1 : c.precision;
   value.Round(digits);
   const int exponent = value.Exponent();
@@ -300,7 +302,7 @@ void General(Output& out, const Conversion& c, const char* sign, Decimal& value)
 
 // One hexadecimal digit, a point, the rest of the mantissa, and a power of two. A format that stores its
 // leading one shows four bits before the point, the others that one bit.
-void Hexadecimal(Output& out, const Conversion& c, const char* sign, const Binary& value) {
+void Hexadecimal(Output& out, const Conversion& c, std::string_view sign, const Binary& value) {
   const int fractionBits = (value.bits - 1) / 4 * 4;
   int digits = fractionBits / 4;
   UInt128 mantissa = value.mantissa;
@@ -321,17 +323,16 @@ void Hexadecimal(Output& out, const Conversion& c, const char* sign, const Binar
   const int64_t zeros = c.precision > digits ? c.precision - digits : 0;
   const bool point = digits + zeros > 0 || c.alternate;
   char prefix[4], power[12];
-  int head = 0;
-  for (; sign[head] != 0; ++head) prefix[head] = sign[head];
-  prefix[head] = '0';
-  prefix[head + 1] = c.Upper() ? 'X' : 'x';
-  prefix[head + 2] = 0;
+  size_t head = 0;
+  for (char character : sign) prefix[head++] = character;
+  prefix[head++] = '0';
+  prefix[head++] = c.Upper() ? 'X' : 'x';
   const int64_t powerSize = ExponentText(c.Upper() ? 'P' : 'p', exponent, 1, power);
   const auto digit = [&](int index) {
     const auto nibble = static_cast<unsigned>(mantissa >> (fractionBits - 4 * index)) & 15;
     return (c.Upper() ? "0123456789ABCDEF" : "0123456789abcdef")[nibble];
   };
-  Field(out, c, prefix, 1 + point + digits + zeros + powerSize, c.zero, [&] {
+  Field(out, c, {prefix, head}, 1 + point + digits + zeros + powerSize, c.zero, [&] {
     out.Put(digit(0));
     if (point) out.Put('.');
     for (int k = 1; k <= digits; ++k) out.Put(digit(k));
@@ -341,7 +342,7 @@ void Hexadecimal(Output& out, const Conversion& c, const char* sign, const Binar
 }
 
 void Floating(Output& out, const Conversion& c, const Binary& value) {
-  const char* const sign = Sign(c, value.negative);
+  const std::string_view sign = Sign(c, value.negative);
   if (value.infinite || value.nan) {
     const char* const word = value.nan ? (c.Upper() ? "NAN" : "nan") : (c.Upper() ? "INF" : "inf");
     Field(out, c, sign, 3, false, [&] { out.Put(word, 3); });
@@ -437,7 +438,7 @@ bool Convert(Output& out, const Conversion& c, Arguments& arguments) {
       if (!integerLength) return false;
       const uint64_t value = UnsignedArgument(c.length, arguments);
       const bool hexadecimal = c.letter == 'x' || c.letter == 'X';
-      const char* const prefix = hexadecimal && c.alternate && value != 0 ? (c.letter == 'x' ? "0x" : "0X") : "";
+      const auto prefix = !hexadecimal || !c.alternate || value == 0 ? ""sv : c.letter == 'x' ? "0x"sv : "0X"sv;
       Integer(out, c, prefix, value, hexadecimal ? 16 : c.letter == 'o' ? 8 : 10);
       return true;
     }
@@ -449,7 +450,7 @@ bool Convert(Output& out, const Conversion& c, Arguments& arguments) {
     case 'c': {
       if (!plainLength) return false;
       const char value = static_cast<char>(va_arg(arguments.list, int));
-      Field(out, c, "", 1, false, [&] { out.Put(value); });
+      Field(out, c, ""sv, 1, false, [&] { out.Put(value); });
       return true;
     }
     case 's': {
@@ -457,14 +458,14 @@ bool Convert(Output& out, const Conversion& c, Arguments& arguments) {
       if (!plainLength || text == nullptr) return false;
       int64_t size = 0;
       while ((c.precision < 0 || size < c.precision) && text[size] != 0) ++size;
-      Field(out, c, "", size, false, [&] { out.Put(text, size); });
+      Field(out, c, ""sv, size, false, [&] { out.Put(text, size); });
       return true;
     }
     case 'p': {
       if (!plainLength) return false;
       const void* const pointer = va_arg(arguments.list, void*);
-      if (pointer == nullptr) Field(out, c, "", 5, false, [&] { out.Put("(nil)", 5); });
-      else Integer(out, c, c.plus ? "+0x" : c.space ? " 0x" : "0x", reinterpret_cast<uintptr_t>(pointer), 16);
+      if (pointer == nullptr) Field(out, c, ""sv, 5, false, [&] { out.Put("(nil)", 5); });
+      else Integer(out, c, c.plus ? "+0x"sv : c.space ? " 0x"sv : "0x"sv, reinterpret_cast<uintptr_t>(pointer), 16);
       return true;
     }
     default:
