@@ -6,8 +6,6 @@
 #include "frame/drive.h"
 #include "frame/estimate.h"
 
-#include <cmath>
-
 using namespace tzm;
 
 namespace {
