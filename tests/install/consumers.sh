@@ -33,3 +33,10 @@ for program in "$scratch"/consumer/as_c "$scratch"/consumer/as_cxx "$scratch"/pc
   [ "$said" = "strongest: 1000 Hz" ] || { echo "${program##*/} said '$said'"; exit 1; }
 done
 if [ -x "$prefix/bin/tzm" ]; then env -u LD_LIBRARY_PATH "$prefix/bin/tzm" --version; fi
+
+# All examples, as someone builds them who has the installed package alone; they need the target's libsndfile.
+if [ -z "${TOOLCHAIN:-}" ]; then
+  "$CMAKE" -S "$(dirname "$source")" -B "$scratch/examples" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_C_FLAGS="$FLAGS" -DCMAKE_CXX_FLAGS="$FLAGS" >"$scratch/examples.log"
+  "$CMAKE" --build "$scratch/examples" >>"$scratch/examples.log"
+fi
