@@ -8,7 +8,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-/* Every operation returns a status, 0 for success. These programs have nothing better to do than to stop. */
+/* Every operation returns a status: 0, a warning (300 to 306) or an error. These programs have nothing better to do
+ * than to stop at either. */
 #define CHECK(call) Check(call, #call)
 
 static inline void Check(OrvaStatus status, const char* call) {

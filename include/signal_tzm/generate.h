@@ -9,7 +9,7 @@
 
 /** @name Hann, Hamming, Blackman and Bartlett windows
  * dst[i] = src[i] * w(i) for a symmetric window of `len` points; both parts of a complex sample take the
- * same value. With x = 2 pi i / (len - 1):
+ * same value. (A periodic window of n points is the first n of a symmetric one of n + 1.) With x = 2 pi i / (len - 1):
  *
  * | Window | w(i) |
  * |---|---|

@@ -86,7 +86,8 @@ TZM_API OrvaStatus ORVAS_ResamplePolyphaseRelease_32f(ResamplePolyphaseState* st
  * **Run.** There is no history in the state: the caller keeps past samples in `src`. With i = floor(*time / outRate)
  * outputs are made from *time up to i+len; `src` holds R-1 samples before i and R from i+len on. `*outLen` receives the
  * number of outputs, ceil((len - (*time/outRate - i)) * outRate/inRate), for which `dst` has room; `*time` receives the
- * time of the output to come. To stream: begin with R-1 zeros and time (R-1)*outRate; call with `len` = samples at hand
+ * time of the output to come. All at once: put R zeros or more on both sides of the samples, and time at the first
+ * sample. To stream: begin with R-1 zeros and time (R-1)*outRate; call with `len` = samples at hand
  * - R - i whenever that is positive; then drop up to floor(*time / outRate) - (R-1) samples from the front and take
  * outRate for each off the time; at the end append R zeros. Status, in this order: 1 a null pointer; 2 `len` < 1; 7
  * `*time` with fewer than R-1 samples before it, with 2^31 or more, or not a multiple of the rates' greatest common

@@ -29,7 +29,8 @@ TZM_API OrvaStatus ORVAS_GetFFTNumberThreads(int32_t* numThreads);
  *
  * - `32fc`, `64fc`: interleaved complex, n elements in and out; `_I` in place.
  * - CToC `32f`, `64f`: split complex, n reals in each of the four arrays.
- * - RToC: n reals to the half spectrum, n/2 + 1 interleaved complex values in an array of reals.
+ * - RToC: n reals to the half spectrum, n/2 + 1 interleaved complex values in an array of reals, which
+ *   may be the parts of an array of complex samples (`&spectrum[0].re`).
  * - CToR: the half spectrum to n reals; the contents of `src` are lost.
  *
  * Source and destination may be the same array where their shapes allow it. `flag` divides:
@@ -131,8 +132,10 @@ TZM_API OrvaStatus ORVAS_FFTShift_64fc(const Orva64fc* src, Orva64fc* dst, int32
 
 /** @name Chirp-Z transform
  * The z-transform of `src` on a spiral: dst[k] = sum over n of src[n] * a^-n * w^(n k), for k below
- * `dstLen`. With a = 1 and w = exp(-2 pi i / srcLen) it is the discrete Fourier transform; a narrower w
- * zooms into a band. The powers are recurrences in the sample's type: their error grows with the lengths.
+ * `dstLen`. With a = 1 and w = exp(-2 pi i / srcLen) it is the discrete Fourier transform; with
+ * a = exp(2 pi i low/rate) and w = exp(-2 pi i step/rate) it looks at the frequencies low + k*step of a
+ * signal at `rate`, as close as you like. The powers are recurrences in the sample's type: their error grows
+ * with the lengths.
  * The call plans and allocates, and frees all of it before it returns. A `w` or `a` of 0, or values that
  * overflow, give NaN or infinities without a status.
  *
