@@ -51,12 +51,12 @@ static inline Recording ReadRecording(int argc, char** argv, int index) {
   recording.rate = info.samplerate;
   recording.samples = (Orva32f*)Allocate((size_t)info.frames, sizeof(Orva32f));
   recording.counts = (Orva16s*)Allocate((size_t)info.frames, sizeof(Orva16s));
-  if (sf_readf_float(file, recording.samples, info.frames) != info.frames || sf_seek(file, 0, SEEK_SET) != 0 ||
-      sf_readf_short(file, recording.counts, info.frames) != info.frames) {
+  if (sf_readf_float(file, recording.samples, info.frames) != info.frames) {
     fprintf(stderr, "%s: cannot read all of it\n", argv[index]);
     exit(1);
   }
   sf_close(file);
+  CHECK(ORVAS_MulC_32f16s_S(recording.samples, 32768, recording.counts, recording.len, 1));
   return recording;
 }
 
