@@ -2,53 +2,19 @@
 #include <gtest/gtest.h>
 #include <signal_tzm/reduce.h>
 
-#include <cmath>
-#include <limits>
-
-#include "support/compare.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/reduction.h"
 
 namespace tzm_test {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// Scales with their factors.
-constexpr struct { double scale, factor; } kScales[] = {
-    {1, 1}, {1.999, 1}, {0.6, 1}, {2, 0.5}, {3, 0.5}, {0.3, 2}, {0x1p9, 0x1p-9}, {0x1p-9, 0x1p9}, {0x1p40, 0x1p-40},
-    {0x1p1023, 0x1p-1023}, {0x1p-1074, kInfinity}};
-
-template <class T>
-T RoundOracle(double y) {
-  if (std::isnan(y)) return 0;
-  const double low = std::numeric_limits<T>::min(), high = std::numeric_limits<T>::max();
-  return static_cast<T>(std::fmin(high, std::fmax(low, std::nearbyint(y))));
-}
-
-// One part of an array, as numbers of type X.
-template <class X, class T>
-std::vector<X> Part(const std::vector<T>& src, int part) {
-  std::vector<X> values;
-  for (const T& sample : src) {
-    if constexpr (requires { sample.re; }) values.push_back(part == 0 ? sample.re : sample.im);
-    else values.push_back(sample);
-  }
-  return values;
-}
-
 template <class X>
-X LaneOracle(const std::vector<X>& x, size_t lanes, size_t step, X start = 0) {
-  const size_t body = x.size() / step * step;
-  X lane[4] = {start, start, start, start};
-  for (size_t i = 0; i < body; ++i) lane[i % lanes] += x[i];
-  X sum = lanes == 4 ? (lane[0] + lane[1]) + (lane[2] + lane[3]) : lane[0] + lane[1];
-  if (body == 0) sum = 0;
-  for (size_t i = body; i < x.size(); ++i) sum += x[i];
-  return sum;
+X Lanes(const std::vector<X>& x, size_t lanes, size_t step, X start = 0) {
+  const auto add = [&](X& sum, size_t i) { sum += x[i]; };
+  return LaneSum<X>(x.size(), lanes, step, Fold::kPairs, add, add, start);
 }
 
-double BlockOracle(const std::vector<double>& x) {
+// The order of the complex binary64 sum.
+double Blocks(const std::vector<double>& x) {
   const size_t body = x.size() / 8 * 8;
   double lane[2] = {0, 0};
   for (size_t i = 0; i < body; i += 8) {
@@ -60,70 +26,36 @@ double BlockOracle(const std::vector<double>& x) {
   return sum;
 }
 
-double DeviationOracle(const std::vector<double>& x, double mean, size_t step) {
-  const size_t body = x.size() / step * step;
-  double lane[2] = {0, 0};
-  for (size_t i = 0; i < body; ++i) lane[i % 2] = std::fma(x[i] - mean, x[i] - mean, lane[i % 2]);
-  double sum = lane[0] + lane[1];
-  for (size_t i = body; i < x.size(); ++i) sum = std::fma(x[i] - mean, x[i] - mean, sum);
-  return std::sqrt(sum / (x.size() - 1.0));
+double Deviation(const std::vector<double>& x, double mean, size_t step) {
+  const auto add = [&](double& sum, size_t i) { sum = std::fma(x[i] - mean, x[i] - mean, sum); };
+  return std::sqrt(LaneSum<double>(x.size(), 2, step, Fold::kPairs, add, add) / (double(x.size()) - 1));
 }
 
 template <class T>
 double ExactSum(const std::vector<T>& src, int part) {
-  __int128 sum = 0;
-  for (const int64_t x : Part<int64_t>(src, part)) sum += x;
+  Int128 sum = 0;
+  for (const int64_t x : PartOf<int64_t>(src, part)) sum += x;
   return static_cast<double>(sum);
 }
 
-// A result of one part or two, from a function of the part.
-template <class Result, class F>
-Result Each(F f) {
-  if constexpr (requires(Result r) { r.re; }) return {f(0), f(1)};
-  else return f(0);
-}
-
-// Calls check(samples, seed) with arrays of lengths from `least` to some blocks, of all varieties.
-template <class T, class Check>
-void ForArrays(size_t least, Check check) {
-  uint64_t seed = 0;
-  for (size_t len = least; len < 1100; len += len < 70 ? 1 : 93)
-    for (Variety variety : kVarieties) {
-      ++seed;
-      check(RandomArray<T>(len, seed, variety), seed);
-      if (testing::Test::HasFailure()) return;
-    }
-}
-
-// One call: success, and the result that is expected.
-template <class Result, class T, class... Option>
-void ExpectResult(std::type_identity_t<Result> expected, uint64_t seed,
-                  OrvaStatus (*operation)(const T*, int32_t, Result*, Option...),
-                  const std::type_identity_t<std::vector<T>>& src, std::type_identity_t<Option>... option) {
-  const GuardedArray<T> guarded(src);
-  Result result;
-  ASSERT_EQ(operation(guarded.data(), static_cast<int32_t>(src.size()), &result, option...), ORVA_STS_NO_ERR);
-  EXPECT_TRUE(SameBits(__PRETTY_FUNCTION__, &expected, &result, 1, seed)) << "length " << src.size();
-}
-
 template <class T>
-void CheckBinary32(OrvaStatus (*sum)(const T*, int32_t, T*, int32_t), OrvaStatus (*mean)(const T*, int32_t, T*, int32_t)) {
-  ForArrays<T>(1, [&](const std::vector<T>& src, uint64_t seed) {
-    const float len = static_cast<float>(src.size());
-    const auto fast = [&](int part) { return LaneOracle(Part<float>(src, part), 4, 4); };
-    const auto fast_mean = [&](int part) {
-      auto x = Part<float>(src, part);
-      for (float& each : x) each /= len;
-      return LaneOracle(x, 4, 4);
-    };
-    const auto accurate = [&](int part) { return LaneOracle(Part<double>(src, part), 2, 4); };
-    ExpectResult(Each<T>(fast), seed, sum, src, 1);
-    ExpectResult(Each<T>(fast_mean), seed, mean, src, 1);
-    for (int32_t hint : {0, 2, -1}) {
-      ExpectResult(Each<T>([&](int part) { return static_cast<float>(accurate(part)); }), seed, sum, src, hint);
-      ExpectResult(Each<T>([&](int part) { return static_cast<float>(accurate(part) / len); }), seed, mean, src, hint);
-    }
-  });
+void CheckBinary32(auto sum, auto mean) {
+  const auto accurate = [](const std::vector<T>& src, int part) { return Lanes(PartOf<double>(src, part), 2, 4); };
+  const auto fast = [](const std::vector<T>& src, float divisor) {
+    return EachPart<T>([&](int part) {
+      auto x = PartOf<float>(src, part);
+      for (float& each : x) each /= divisor;
+      return Lanes(x, 4, 4);
+    });
+  };
+  CheckReduction<T>(With(sum, 1), [&](auto& src) { return fast(src, 1); });
+  CheckReduction<T>(With(mean, 1), [&](auto& src) { return fast(src, float(src.size())); });
+  for (int32_t hint : {0, 2, -1}) {
+    CheckReduction<T>(With(sum, hint), [&](auto& src) { return EachPart<T>([&](int k) { return accurate(src, k); }); });
+    CheckReduction<T>(With(mean, hint), [&](auto& src) {
+      return EachPart<T>([&](int k) { return accurate(src, k) / double(src.size()); });
+    });
+  }
 }
 
 TEST(Sum, Binary32) {
@@ -132,43 +64,34 @@ TEST(Sum, Binary32) {
 }
 
 TEST(Sum, Binary64) {
-  ForArrays<Orva64f>(1, [](const std::vector<Orva64f>& src, uint64_t seed) {
-    const Orva64f sum = LaneOracle(src, 2, 2, -0.0);
-    ExpectResult(sum, seed, ORVAS_Sum_64f, src);
-    ExpectResult(sum / src.size(), seed, ORVAS_Mean_64f, src);
-  });
-  ForArrays<Orva64fc>(1, [](const std::vector<Orva64fc>& src, uint64_t seed) {
-    const auto sum = [&](int part) { return BlockOracle(Part<double>(src, part)); };
-    ExpectResult(Each<Orva64fc>(sum), seed, ORVAS_Sum_64fc, src);
-    const auto mean = [&](int part) { return sum(part) / src.size(); };
-    ExpectResult(Each<Orva64fc>(mean), seed, ORVAS_Mean_64fc, src);
-  });
+  const auto real = [](const auto& src) { return Lanes(src, 2, 2, -0.0); };
+  CheckReduction<Orva64f>(ORVAS_Sum_64f, real);
+  CheckReduction<Orva64f>(ORVAS_Mean_64f, [&](auto& src) { return real(src) / double(src.size()); });
+  const auto complex = [](const auto& src, double divisor) {
+    return EachPart<Orva64fc>([&](int part) { return Blocks(PartOf<double>(src, part)) / divisor; });
+  };
+  CheckReduction<Orva64fc>(ORVAS_Sum_64fc, [&](auto& src) { return complex(src, 1); });
+  CheckReduction<Orva64fc>(ORVAS_Mean_64fc, [&](auto& src) { return complex(src, double(src.size())); });
 }
 
 TEST(Sum, SignOfZero) {
   for (size_t len = 1; len <= 9; ++len) {
-    const std::vector<Orva32f> narrow(len, -0.0f);
-    for (int32_t hint : {0, 1}) ExpectResult(0.0f, 0, ORVAS_Sum_32f, narrow, hint);
-    const std::vector<Orva64f> wide(len, -0.0);
-    ExpectResult(len == 1 ? 0.0 : -0.0, 0, ORVAS_Sum_64f, wide);
-    const std::vector<Orva64fc> complex(len, {-0.0, -0.0});
-    ExpectResult({0, 0}, 0, ORVAS_Sum_64fc, complex);
+    for (int32_t hint : {0, 1}) ExpectResult(0.0f, 0, With(ORVAS_Sum_32f, hint), std::vector<Orva32f>(len, -0.0f));
+    ExpectResult(len == 1 ? 0.0 : -0.0, 0, ORVAS_Sum_64f, std::vector<Orva64f>(len, -0.0));
+    ExpectResult(Orva64fc{0, 0}, 0, ORVAS_Sum_64fc, std::vector<Orva64fc>(len, {-0.0, -0.0}));
   }
 }
 
 template <class T, class Result>
-void CheckScaled(OrvaStatus (*operation)(const T*, int32_t, Result*, double), bool mean) {
-  ForArrays<T>(1, [&](const std::vector<T>& src, uint64_t seed) {
-    const double sums[] = {ExactSum(src, 0), ExactSum(src, 1)};
-    for (const auto& [scale, factor] : kScales) {
-      const auto value = [&, by = factor](int part) {
-        const double y = sums[part] * by / (mean ? src.size() : 1.0);
-        if constexpr (requires(Result r) { r.re; }) return RoundOracle<decltype(Result::re)>(y);
-        else return RoundOracle<Result>(y);
-      };
-      ExpectResult(Each<Result>(value), seed, operation, src, scale);
-    }
-  });
+void CheckScaled(auto operation, bool mean) {
+  for (const auto& [scale, by] : kFactors) {
+    const double factor = by;
+    CheckReduction<T>(With(operation, scale), [=](const auto& src) {
+      return EachPart<Result>([&](int part) {
+        return RoundSaturate<Real<Result>>(ExactSum(src, part) * factor / (mean ? double(src.size()) : 1));
+      });
+    });
+  }
 }
 
 TEST(Sum, Integers) {
@@ -180,71 +103,69 @@ TEST(Sum, Integers) {
   CheckScaled<Orva16s, Orva16s>(ORVAS_Mean_16s_S, true);
   CheckScaled<Orva32s, Orva32s>(ORVAS_Mean_32s_S, true);
   CheckScaled<Orva16sc, Orva16sc>(ORVAS_Mean_16sc_S, true);
-}
-
-TEST(Sum, IntegersOverMillions) {
   // More than 32-bit lanes hold. The sums over 2^16 are -550000.5 and 549983.7.
   const std::vector<Orva16s> real(1100001, -32768);
-  ExpectResult(-550000, 0, ORVAS_Sum_16s32s_S, real, 0x1p16);
-  ExpectResult(-32768, 0, ORVAS_Mean_16s_S, real, 1);
+  ExpectResult(Orva32s{-550000}, 0, With(ORVAS_Sum_16s32s_S, 0x1p16), real);
+  ExpectResult(Orva16s{-32768}, 0, With(ORVAS_Mean_16s_S, 1), real);
   const std::vector<Orva16sc> complex(1100001, {-32768, 32767});
-  ExpectResult({-550000, 549984}, 0, ORVAS_Sum_16sc32sc_S, complex, 0x1p16);
+  ExpectResult(Orva32sc{-550000, 549984}, 0, With(ORVAS_Sum_16sc32sc_S, 0x1p16), complex);
   const std::vector<Orva32s> wide(300001, std::numeric_limits<int32_t>::min());
-  ExpectResult(-300001, 0, ORVAS_Sum_32s_S, wide, 0x1p31);
+  ExpectResult(Orva32s{-300001}, 0, With(ORVAS_Sum_32s_S, 0x1p31), wide);
 }
 
 TEST(Sum, IntegerTies) {
-  ExpectResult(2, 0, ORVAS_Sum_16s_S, {2, 3}, 2);
-  ExpectResult(4, 0, ORVAS_Sum_16s_S, {4, 3}, 2);
-  ExpectResult(2, 0, ORVAS_Mean_16s_S, {1, 2}, 1);
-  ExpectResult(32767, 0, ORVAS_Sum_16s_S, {32767, 32767}, 1);
-  ExpectResult(32767, 0, ORVAS_Sum_16s_S, {32767, 32767}, 2);
+  const auto expect = [](Orva16s expected, auto operation, std::vector<Orva16s> src, double scale) {
+    ExpectResult(expected, 0, With(operation, scale), src);
+  };
+  expect(2, ORVAS_Sum_16s_S, {2, 3}, 2);
+  expect(4, ORVAS_Sum_16s_S, {4, 3}, 2);
+  expect(2, ORVAS_Mean_16s_S, {1, 2}, 1);
+  expect(32767, ORVAS_Sum_16s_S, {32767, 32767}, 1);
+  expect(32767, ORVAS_Sum_16s_S, {32767, 32767}, 2);
 }
 
+// `both` writes mean and deviation, `alone` the deviation; mean(src) and deviation(src) are what they should be.
 template <class T>
-void CheckDeviation(const std::vector<T>& src, T mean, uint64_t seed, auto mean_std_dev, auto std_dev) {
-  const T expected = std::isfinite(mean) ? T(DeviationOracle(Part<double>(src, 0), mean, 4)) : T(0);
-  const GuardedArray<T> guarded(src);
-  T pair[2], alone;
-  ASSERT_EQ(mean_std_dev(guarded.data(), static_cast<int32_t>(src.size()), &pair[0], &pair[1]), 0);
-  ASSERT_EQ(std_dev(guarded.data(), static_cast<int32_t>(src.size()), &alone), 0);
-  EXPECT_TRUE(SameBits("mean", &mean, &pair[0], 1, seed)) << "length " << src.size();
-  EXPECT_TRUE(SameBits("deviation", &expected, &pair[1], 1, seed)) << "length " << src.size();
-  EXPECT_TRUE(SameBits("deviation alone", &expected, &alone, 1, seed)) << "length " << src.size();
+void CheckDeviation(auto both, auto alone, auto mean, auto deviation) {
+  CheckReduction<T>([=](auto src, auto len, auto result) {
+    auto second = *result;
+    return both(src, len, result, &second);
+  }, mean, 2);
+  CheckReduction<T>([=](auto src, auto len, auto result) {
+    auto first = *result;
+    return both(src, len, &first, result);
+  }, deviation, 2);
+  CheckReduction<T>(alone, deviation, 2);
 }
 
 TEST(Deviation, Floats) {
-  ForArrays<Orva32f>(2, [](const std::vector<Orva32f>& src, uint64_t seed) {
-    for (int32_t hint : {0, 1}) {
-      Orva32f mean;
-      ASSERT_EQ(ORVAS_Mean_32f(src.data(), static_cast<int32_t>(src.size()), &mean, hint), 0);
-      CheckDeviation(
-          src, mean, seed, [=](auto... a) { return ORVAS_MeanStdDev_32f(a..., hint); },
-          [=](auto... a) { return ORVAS_StdDev_32f(a..., hint); });
-    }
-  });
-  ForArrays<Orva64f>(2, [](const std::vector<Orva64f>& src, uint64_t seed) {
-    const Orva64f mean = LaneOracle(src, 2, 2, -0.0) / src.size();
-    CheckDeviation(src, mean, seed, ORVAS_MeanStdDev_64f, ORVAS_StdDev_64f);
-  });
+  const auto about = [](const auto& src, auto mean) {
+    return std::isfinite(mean) ? decltype(mean)(Deviation(PartOf<double>(src, 0), mean, 4)) : 0;
+  };
+  for (int32_t hint : {0, 1}) {
+    const auto mean = [=](const std::vector<Orva32f>& src) {
+      Orva32f value;
+      ORVAS_Mean_32f(src.data(), static_cast<int32_t>(src.size()), &value, hint);
+      return value;
+    };
+    CheckDeviation<Orva32f>(With(ORVAS_MeanStdDev_32f, hint), With(ORVAS_StdDev_32f, hint), mean,
+                            [=](auto& src) { return about(src, mean(src)); });
+  }
+  const auto mean = [](const std::vector<Orva64f>& src) { return Lanes(src, 2, 2, -0.0) / double(src.size()); };
+  CheckDeviation<Orva64f>(ORVAS_MeanStdDev_64f, ORVAS_StdDev_64f, mean,
+                          [=](auto& src) { return about(src, mean(src)); });
 }
 
 template <class Result>
-void CheckScaledDeviation(OrvaStatus (*both)(const Orva16s*, int32_t, Result*, Result*, double),
-                          OrvaStatus (*alone)(const Orva16s*, int32_t, Result*, double)) {
-  ForArrays<Orva16s>(2, [&](const std::vector<Orva16s>& src, uint64_t seed) {
-    const double mean = ExactSum(src, 0) / src.size();
-    const double deviation = DeviationOracle(Part<double>(src, 0), mean, 8);
-    for (const auto& [scale, factor] : kScales) {
-      const Result expected[2] = {RoundOracle<Result>(mean * factor), RoundOracle<Result>(deviation * factor)};
-      const GuardedArray<Orva16s> guarded(src);
-      Result actual[3];
-      ASSERT_EQ(both(guarded.data(), static_cast<int32_t>(src.size()), &actual[0], &actual[1], scale), 0);
-      ASSERT_EQ(alone(guarded.data(), static_cast<int32_t>(src.size()), &actual[2], scale), 0);
-      EXPECT_TRUE(SameBits("mean, deviation", expected, actual, 2, seed)) << "length " << src.size();
-      EXPECT_EQ(actual[1], actual[2]);
-    }
-  });
+void CheckScaledDeviation(auto both, auto alone) {
+  for (const auto& [scale, by] : kFactors) {
+    const double factor = by;
+    const auto mean = [](const auto& src) { return ExactSum(src, 0) / double(src.size()); };
+    CheckDeviation<Orva16s>(
+        With(both, scale), With(alone, scale),
+        [=](auto& src) { return RoundSaturate<Result>(mean(src) * factor); },
+        [=](auto& src) { return RoundSaturate<Result>(Deviation(PartOf<double>(src, 0), mean(src), 8) * factor); });
+  }
 }
 
 TEST(Deviation, Integers) {
