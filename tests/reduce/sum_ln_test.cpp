@@ -102,7 +102,7 @@ void CheckSums(OrvaStatus (*operation)(const Src*, int32_t, Sum*), Oracle oracle
       Sum expected = 0;
       for (Src& x : src) {
         if constexpr (std::is_integral_v<Src>) x = 1 + random.Below(32767);
-        else x = std::ldexp(static_cast<Src>(1 + random.Unit()), round < 10 ? random.Below(4) : random.Below(250) - 125);
+        else x = std::ldexp(Src(1 + random.Unit()), round < 10 ? random.Below(4) : random.Below(250) - 125);
         expected += oracle(x);
       }
       const GuardedArray<Src> guarded(src);
