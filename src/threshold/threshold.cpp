@@ -14,7 +14,7 @@ constexpr int32_t kLess = 0, kGreater = 4;
 
 // dst = rule(src) for the elements from `begin` on.
 template <class T, class Rule>
-void Apply(const T* src, T* dst, size_t len, const Rule& rule) {
+TZM_INLINE void Apply(const T* src, T* dst, size_t len, const Rule& rule) {
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [&](const T* x, T* out) TZM_LAMBDA { hn::StoreU(rule(hn::LoadU(d, x)), d, out); }, src,
                            dst);
@@ -29,13 +29,17 @@ auto Splat(T value) {
 
 // Floating samples: in the body (whole blocks of 128 bits) the vector unit's maximum or minimum, NaN from
 // either side and -0 below +0; in the tail a comparison, so that a NaN level does nothing there, a NaN
-// sample stays, and a zero keeps its sign.
+// sample stays, and a zero keeps its sign. Only a level that is NaN or 0 tells the two apart.
 template <class T, class Body, class Tail>
-OrvaStatus Limit(const T* src, T* dst, int32_t len, const Body& body, const Tail& tail) {
+TZM_INLINE OrvaStatus Limit(const T* src, T* dst, int32_t len, T level, const Body& body, const Tail& tail) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  size_t whole = len;
-  if constexpr (std::is_floating_point_v<T>) whole -= whole % (16 / sizeof(T));
-  Apply(src, dst, whole, body);
+  size_t whole = 0;
+  if constexpr (std::is_floating_point_v<T>) {
+    if (!(level < 0 || level > 0)) {
+      whole = len - len % (16 / sizeof(T));
+      Apply(src, dst, whole, body);
+    }
+  }
   Apply(src + whole, dst + whole, len - whole, tail);
   return ORVA_STS_NO_ERR;
 }
@@ -43,17 +47,17 @@ OrvaStatus Limit(const T* src, T* dst, int32_t len, const Body& body, const Tail
 template <class T>
 OrvaStatus Lt(const T* src, T* dst, int32_t len, T level) {
   const auto limit = Splat(level);
-  const auto tail = [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Gt(limit, x), limit, x); };
-  if constexpr (!std::is_floating_point_v<T>) return Limit(src, dst, len, tail, tail);
-  else return Limit(src, dst, len, [=](auto x) TZM_LAMBDA { return MaxOrNaN(x, limit); }, tail);
+  return Limit(
+      src, dst, len, level, [=](auto x) TZM_LAMBDA { return MaxOrNaN(x, limit); },
+      [=](auto x) TZM_LAMBDA { return MaxOrSecond(limit, x); });
 }
 
 template <class T>
 OrvaStatus Gt(const T* src, T* dst, int32_t len, T level) {
   const auto limit = Splat(level);
-  const auto tail = [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Lt(limit, x), limit, x); };
-  if constexpr (!std::is_floating_point_v<T>) return Limit(src, dst, len, tail, tail);
-  else return Limit(src, dst, len, [=](auto x) TZM_LAMBDA { return MinOrNaN(x, limit); }, tail);
+  return Limit(
+      src, dst, len, level, [=](auto x) TZM_LAMBDA { return MinOrNaN(x, limit); },
+      [=](auto x) TZM_LAMBDA { return MinOrSecond(limit, x); });
 }
 
 template <class T>
