@@ -7,6 +7,13 @@
 
 namespace tzm {
 
+// Elements without a value yet.
+template <class T, size_t n>
+struct Unset {
+  Unset() {}
+  T element[n];
+};
+
 // Calls kernel(arrays + i...) for i = 0, kStep, 2*kStep, ... until `len` elements are done. The kernel
 // loads, computes and stores exactly kStep elements of each array; an array is a source if its pointer
 // is to const, a destination, which the kernel never reads, if not; a destination may be the very array
@@ -31,21 +38,21 @@ TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
   const size_t rest = len - i;
   if (rest == 0) return;
 
-  std::tuple<std::remove_const_t<T>[kStep]...> padded;
+  std::tuple<Unset<std::remove_const_t<T>, kStep>...> padded;
   std::apply([&](auto&... copy) TZM_LAMBDA {
-    const auto fill = [&](auto& to, auto* from) TZM_LAMBDA {
+    const auto fill = [&](auto* to, auto* from) TZM_LAMBDA {
       if constexpr (std::is_const_v<std::remove_pointer_t<decltype(from)>>) {
         std::memcpy(to, from + i, rest * sizeof(*from));
         for (size_t k = rest; k < kStep; ++k) to[k] = to[rest - 1];
       }
     };
-    const auto drain = [&](auto& from, auto* to) TZM_LAMBDA {
+    const auto drain = [&](auto* from, auto* to) TZM_LAMBDA {
       if constexpr (!std::is_const_v<std::remove_pointer_t<decltype(to)>>)
         std::memcpy(to + i, from, rest * sizeof(*to));
     };
-    (fill(copy, arrays), ...);
-    kernel(const_cast<T*>(&copy[0])...);
-    (drain(copy, arrays), ...);
+    (fill(copy.element, arrays), ...);
+    kernel(static_cast<T*>(copy.element)...);
+    (drain(copy.element, arrays), ...);
   }, padded);
 }
 
