@@ -318,7 +318,8 @@ TZM_API OrvaStatus ORVAS_AggSum_64f(const Orva64f* src, int32_t len, const Orva8
                                     Orva64f* sum);
 TZM_API OrvaStatus ORVAS_AggSum_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
                                           OrvaDecimal128* sum);
-TZM_API OrvaStatus ORVAS_AggSum_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+TZM_API OrvaStatus ORVAS_AggSum_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls,
+                                           Orva8u* overflow,
                                            OrvaDecimal128* sum);
 TZM_API OrvaStatus ORVAS_AggMean_16s(const Orva16s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
                                      Orva64f* sum, uint64_t* count);
@@ -330,7 +331,8 @@ TZM_API OrvaStatus ORVAS_AggMean_64f(const Orva64f* src, int32_t len, const Orva
                                      Orva64f* sum, uint64_t* count);
 TZM_API OrvaStatus ORVAS_AggMean_decimal64(const Orva64s* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
                                            OrvaDecimal128* sum, uint64_t* count);
-TZM_API OrvaStatus ORVAS_AggMean_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls, Orva8u* overflow,
+TZM_API OrvaStatus ORVAS_AggMean_decimal128(const OrvaDecimal128* src, int32_t len, const Orva8u* nulls,
+                                            Orva8u* overflow,
                                             OrvaDecimal128* sum, uint64_t* count);
 /** @} */
 

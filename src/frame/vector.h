@@ -318,7 +318,8 @@ TZM_INLINE V PartsInOrder(V v) {
 #if HWY_TARGET <= HWY_AVX3
     const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
     const __m512i evenFirst = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
-    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{_mm512_permutexvar_epi64(evenFirst, hn::BitCast(d64, v).raw)});
+    const auto sorted = _mm512_permutexvar_epi64(evenFirst, hn::BitCast(d64, v).raw);
+    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{sorted});
 #else
     const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
     return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{_mm256_permute4x64_epi64(hn::BitCast(d64, v).raw, 0xd8)});

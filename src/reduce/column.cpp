@@ -104,7 +104,8 @@ void AddRows(const Orva64s* src, const Orva8u* nulls, size_t len, Total& total) 
   int64_t magnitude = 0;
   for (int64_t b : lane) magnitude |= b;
   const Int128 most = (static_cast<Int128>(magnitude) + 1) * static_cast<Int128>(len);
-  if (total.sum + most <= std::numeric_limits<int64_t>::max() && total.sum - most >= std::numeric_limits<int64_t>::min()) {
+  using Limits = std::numeric_limits<int64_t>;
+  if (total.sum + most <= Limits::max() && total.sum - most >= Limits::min()) {
     total.sum += hn::GetLane(hn::SumOfLanes(d, sums));
     return;
   }

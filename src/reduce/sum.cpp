@@ -75,7 +75,9 @@ Complex<double> ComplexSum64(const double* src, size_t len) {
       const double* from = src + 2 * i;
       for (size_t line = 0; line < kStep * sizeof(Orva64fc); line += kLine)
         __builtin_prefetch(reinterpret_cast<const char*>(from) + kAhead + line, 0, 0);
-      const auto pair = [&](size_t k) TZM_LAMBDA { return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2); };
+      const auto pair = [&](size_t k) TZM_LAMBDA {
+        return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2);
+      };
       lane[0] = (pair(0) + lane[0]) + pair(4);
       lane[1] = (pair(2) + lane[1]) + pair(6);
     }

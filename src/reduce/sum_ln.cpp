@@ -59,7 +59,8 @@ struct Reduced {
   float offset;
   double head;  // exponent * ln 2 + lnHead
 };
-// What exponent and top 8 bits of the fraction say. The exponent is that of an unsigned number: for a sample below 1 it wraps to 2^32 less a little.
+// What exponent and top 8 bits of the fraction say. The exponent is that of an unsigned number: for a sample below 1
+// it wraps to 2^32 less a little.
 // Callers rely on the values that result.
 TZM_INLINE Reduced Reduce(uint32_t exponent, unsigned i) {
   const Row row = kTable.row[i];

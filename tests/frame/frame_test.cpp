@@ -86,7 +86,8 @@ TEST_P(Frame, NullPointers) {
         caller.values[i].Set<void*>(nullptr);
         SetBadScales();
         const bool length_first = len < 1 && member.length_first && i != member.before_length;
-        ExpectRefused(length_first ? ORVA_STS_SIZE_ERR : ORVA_STS_NULL_PTR_ERR, "argument " + std::to_string(i) + " null, length " + std::to_string(len));
+        ExpectRefused(length_first ? ORVA_STS_SIZE_ERR : ORVA_STS_NULL_PTR_ERR,
+                      "argument " + std::to_string(i) + " null, length " + std::to_string(len));
       });
     }
   }

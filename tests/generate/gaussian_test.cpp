@@ -51,7 +51,7 @@ std::vector<T> Noise(int len, T mean, T deviation, uint32_t seed) {
     } else {
       const double x = u * std::sqrt(std::log(static_cast<double>(s)) * -2.0 / s);
       const double y = std::fma(x, static_cast<double>(deviation), static_cast<double>(mean));
-      if constexpr (std::is_same_v<T, Orva8u>) noise.push_back(static_cast<T>(y < 0 ? 0 : static_cast<int64_t>(y) & 255));
+      if constexpr (std::is_same_v<T, Orva8u>) noise.push_back(static_cast<T>(y < 0 ? 0 : int64_t(y) & 255));
       else if constexpr (std::is_integral_v<T>) noise.push_back(static_cast<T>(static_cast<int64_t>(y) & 65535));
       else noise.push_back(static_cast<T>(y));
     }

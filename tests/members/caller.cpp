@@ -57,7 +57,8 @@ Caller::Caller(const Member& member, int32_t max_len)
     const Argument& argument = member.arguments[i];
     if (!IsPointer(argument.role)) continue;
     arrays_[i].bytes = std::make_unique<GuardedBytes>(Elements(argument, max_len) * argument.sample.Size());
-    const bool filled = argument.role == Role::kSource || argument.role == Role::kMask || argument.role == Role::kSrcDst;
+    const Role role = argument.role;
+    const bool filled = role == Role::kSource || role == Role::kMask || role == Role::kSrcDst;
     if (filled) arrays_[i].seed = ++source;
   }
 }

@@ -7,7 +7,9 @@
 namespace tzm_test {
 
 // A member and its in-place companion, with the same sets of constants.
-#define BOTH(name, ...) MEMBER(ORVAS_Threshold_##name).Constants(__VA_ARGS__), MEMBER(ORVAS_Threshold_##name##_I).Constants(__VA_ARGS__)
+#define BOTH(name, ...)                                    \
+  MEMBER(ORVAS_Threshold_##name).Constants(__VA_ARGS__), \
+      MEMBER(ORVAS_Threshold_##name##_I).Constants(__VA_ARGS__)
 #define BOTH_REFUSING(name, bad, status, ...)                               \
   MEMBER(ORVAS_Threshold_##name).Constants(__VA_ARGS__).BadConstants(bad, status), \
       MEMBER(ORVAS_Threshold_##name##_I).Constants(__VA_ARGS__).BadConstants(bad, status)
