@@ -10,7 +10,8 @@ namespace {
 
 template <class T, class State>
 std::function<Timed(int32_t)> TimeNoise(OrvaStatus (*init)(State**, T, T, uint32_t),
-                                        OrvaStatus (*generate)(T*, int32_t, const State*), OrvaStatus (*release)(State*)) {
+                                        OrvaStatus (*generate)(T*, int32_t, const State*),
+                                        OrvaStatus (*release)(State*)) {
   return [=](int32_t len) {
     State* made = nullptr;
     init(&made, 100, 20, 1);
@@ -34,7 +35,8 @@ void DigestNoise(Digest& digest, OrvaStatus (*init)(State**, T, T, uint32_t),
 }
 
 #define NOISE(type)                                                                                            \
-  Member({"ORVAS_RandGauss_" #type, "ORVAS_RandGaussInit_" #type, "ORVAS_RandGaussRelease_" #type}, [](Digest& digest) { \
+  Member({"ORVAS_RandGauss_" #type, "ORVAS_RandGaussInit_" #type, "ORVAS_RandGaussRelease_" #type},            \
+         [](Digest& digest) {                                                                                  \
     DigestNoise(digest, ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type, ORVAS_RandGaussRelease_##type);    \
   }).Benchmark(TimeNoise(ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type, ORVAS_RandGaussRelease_##type))
 
