@@ -3,16 +3,16 @@
 #include "support.h"
 
 int main(int argc, char** argv) {
-  enum { LOWEST = -2400, LAGS = 4801, DIVIDED_BY_LENGTH = 1, CHOOSE_ROUTE = 0 };
+  enum { LOWEST = -2400, LAGS = 4801 };
   static Orva32f correlation[LAGS]; /* correlation[i] belongs to a lag of LOWEST + i samples */
   const Recording near = ReadRecording(argc, argv, 1), far = ReadRecording(argc, argv, 2);
   CorrState* state = NULL;
   int32_t i, best = 0;
 
   /* The lag is that of the second array behind the first. */
-  CHECK(ORVAS_CrossCorrInit_32f(near.len, far.len, LAGS, LOWEST, CHOOSE_ROUTE, &state));
+  CHECK(ORVAS_CrossCorrInit_32f(near.len, far.len, LAGS, LOWEST, ORVA_ROUTE_BY_LENGTH, &state));
   CHECK(ORVAS_CrossCorrNorm_32f(near.samples, near.len, far.samples, far.len, correlation, LAGS, LOWEST,
-                                DIVIDED_BY_LENGTH, state));
+                                ORVA_NORMALISATION_BIASED, state));
   CHECK(ORVAS_CorrRelease_32f(state));
 
   printf("seconds,correlation\n");

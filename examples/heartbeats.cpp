@@ -11,7 +11,7 @@ static std::vector<Orva64f> Filtered(const std::vector<Orva64f>& src, const std:
   std::vector<Orva64f> padded(src), dst(len);
   padded.resize(len);  // zeros behind the end
   FIRSRState* filter = nullptr;
-  CHECK(ORVAS_FIRSRInit_64f(taps.data(), tapsLen, len, 0, &filter));
+  CHECK(ORVAS_FIRSRInit_64f(taps.data(), tapsLen, len, ORVA_ROUTE_BY_LENGTH, &filter));
   CHECK(ORVAS_FIRSR_64f(padded.data(), dst.data(), len, filter, nullptr, nullptr));
   CHECK(ORVAS_FIRSRRelease_64f(filter));
   dst.erase(dst.begin(), dst.begin() + tapsLen / 2);
@@ -19,7 +19,7 @@ static std::vector<Orva64f> Filtered(const std::vector<Orva64f>& src, const std:
 }
 
 int main(int argc, char** argv) {
-  constexpr int32_t kHamming = 2, kNormalised = 1;
+  constexpr int32_t kNormalised = 1;
   const Recording recording = ReadRecording(argc, argv, 1);
   const int32_t rate = recording.rate, len = recording.len;
   const double hertz = 1.0 / rate;  // as a fraction of the sampling rate, which is how filters take frequencies
@@ -27,8 +27,8 @@ int main(int argc, char** argv) {
   std::vector<Orva64f> band(rate / 2 * 2 + 1);
   FIRGenState* work = nullptr;
   CHECK(ORVAS_FIRGenInit_64f(static_cast<int32_t>(band.size()), &work));
-  CHECK(ORVAS_FIRGenBandpass_64f(5 * hertz, 15 * hertz, band.data(), static_cast<int32_t>(band.size()), kHamming,
-                                 kNormalised, work));
+  CHECK(ORVAS_FIRGenBandpass_64f(5 * hertz, 15 * hertz, band.data(), static_cast<int32_t>(band.size()),
+                                 ORVA_WINDOW_HAMMING, kNormalised, work));
   CHECK(ORVAS_FIRGenRelease(work));
   const std::vector<Orva64f> mean(rate / 16 * 2 + 1, 1.0 / (rate / 16 * 2 + 1));  // an eighth of a second
 

@@ -15,9 +15,9 @@ int main(int argc, char** argv) {
   const int32_t frame = recording.rate / 50, step = frame / 4, bins = frame / 2 + 1;
   if (recording.len < frame) return fprintf(stderr, "shorter than a frame\n"), 1;
 
-  // A real transform of any length (the FFT family takes powers of two only). Flag 4: no division.
+  // A real transform of any length (the FFT family takes powers of two only).
   OrvaTransformSpec* made = nullptr;
-  CHECK(ORVAS_DFTRToCInit_32f(frame, 4, &made));
+  CHECK(ORVAS_DFTRToCInit_32f(frame, ORVA_DIVIDE_NONE, &made));
   const std::unique_ptr<OrvaTransformSpec, ReleaseSpec> spec(made);
 
   std::vector<Orva32f> windowed(frame), power(bins);

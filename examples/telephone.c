@@ -3,7 +3,7 @@
 #include "support.h"
 
 int main(int argc, char** argv) {
-  enum { TAPS = 513, BLOCK = 480, HAMMING = 2, NORMALISED = 1, DIRECT = 1 };
+  enum { TAPS = 513, BLOCK = 480, NORMALISED = 1 };
   static Orva64f design[TAPS];
   static Orva32f taps[TAPS];
   static Orva16s heard[BLOCK], past[TAPS - 1]; /* silence before the first sample */
@@ -14,13 +14,13 @@ int main(int argc, char** argv) {
 
   /* The filter's taps, by the window method. Frequencies are fractions of the sampling rate. */
   CHECK(ORVAS_FIRGenInit_64f(TAPS, &work));
-  CHECK(ORVAS_FIRGenBandpass_64f(300.0 / recording.rate, 3400.0 / recording.rate, design, TAPS, HAMMING, NORMALISED,
-                                 work));
+  CHECK(ORVAS_FIRGenBandpass_64f(300.0 / recording.rate, 3400.0 / recording.rate, design, TAPS, ORVA_WINDOW_HAMMING,
+                                 NORMALISED, work));
   CHECK(ORVAS_FIRGenRelease(work));
   for (i = 0; i < TAPS; ++i) taps[i] = (Orva32f)design[i];
 
   /* 16-bit samples run on the state of 32f. What has to be remembered from block to block is in `past`. */
-  CHECK(ORVAS_FIRSRInit_32f(taps, TAPS, BLOCK, DIRECT, &filter));
+  CHECK(ORVAS_FIRSRInit_32f(taps, TAPS, BLOCK, ORVA_ROUTE_DIRECT, &filter));
   printf("said,heard\n");
   for (start = 0; start < recording.len; start += BLOCK) {
     const Orva16s* said = recording.counts + start;

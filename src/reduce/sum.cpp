@@ -1,5 +1,6 @@
 // Sums, means and sample standard deviations of whole arrays, in a fixed order.
 #include <signal_tzm/reduce.h>
+#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"
@@ -9,8 +10,6 @@
 using namespace tzm;
 
 namespace {
-
-constexpr int32_t kFast = 1;  // the hint that asks for binary32 arithmetic
 
 // ---- Floating sums ----
 
@@ -232,13 +231,13 @@ OrvaStatus ScaledMeanStdDev(const Orva16s* src, int32_t len, Result* mean, Resul
 
 OrvaStatus ORVAS_Sum_32f(const Orva32f* src, int32_t len, Orva32f* sum, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  if (hint == kFast) return Give(FastSum(src, len).re, sum);
+  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len).re, sum);
   return Give(static_cast<Orva32f>(AccurateSum(src, len).re), sum);
 }
 
 OrvaStatus ORVAS_Sum_32fc(const Orva32fc* src, int32_t len, Orva32fc* sum, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  if (hint == kFast) return Give(FastSum(src, len), sum);
+  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len), sum);
   return Give(AccurateSum(src, len), sum);
 }
 
@@ -275,13 +274,13 @@ OrvaStatus ORVAS_Sum_16sc32sc_S(const Orva16sc* src, int32_t len, Orva32sc* sum,
 
 OrvaStatus ORVAS_Mean_32f(const Orva32f* src, int32_t len, Orva32f* mean, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
-  if (hint == kFast) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}).re, mean);
+  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}).re, mean);
   return Give(static_cast<Orva32f>(AccurateSum(src, len).re / len), mean);
 }
 
 OrvaStatus ORVAS_Mean_32fc(const Orva32fc* src, int32_t len, Orva32fc* mean, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
-  if (hint == kFast) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}), mean);
+  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}), mean);
   const Complex<double> sum = AccurateSum(src, len);
   return Give(Complex<double>{sum.re / len, sum.im / len}, mean);
 }

@@ -1,5 +1,6 @@
 // Thresholds of complex samples: magnitudes are compared with a real level, and an element is scaled along
 // its own direction or replaced.
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/threshold.h>
 
 #include "frame/call.h"
@@ -9,8 +10,6 @@
 using namespace tzm;
 
 namespace {
-
-constexpr int32_t kLess = 0, kGreater = 4;
 
 OrvaStatus Check(const Orva32fc* src, const Orva32fc* dst, int32_t len, Orva32f level) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
@@ -98,8 +97,8 @@ OrvaStatus Gt(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
 }
 
 OrvaStatus ByRelation(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level, int32_t relOp) {
-  if (relOp == kLess) return Lt(src, dst, len, level);
-  if (relOp == kGreater) return Gt(src, dst, len, level);
+  if (relOp == ORVA_RELATION_LESS) return Lt(src, dst, len, level);
+  if (relOp == ORVA_RELATION_GREATER) return Gt(src, dst, len, level);
   return ORVA_STS_BAD_ARG_ERR;
 }
 

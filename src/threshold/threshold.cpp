@@ -1,5 +1,6 @@
 // Thresholds of real samples: elements below or above a level, or of small or large magnitude, are
 // replaced. Comparisons are strict and what is not caught is copied bit for bit.
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/threshold.h>
 
 #include "frame/call.h"
@@ -8,9 +9,6 @@
 using namespace tzm;
 
 namespace {
-
-// Selectors of the members that take the comparison as an argument.
-constexpr int32_t kLess = 0, kGreater = 4;
 
 // dst = rule(src) for the elements from `begin` on.
 template <class T, class Rule>
@@ -62,8 +60,8 @@ OrvaStatus Gt(const T* src, T* dst, int32_t len, T level) {
 
 template <class T>
 OrvaStatus ByRelation(const T* src, T* dst, int32_t len, T level, int32_t relOp) {
-  if (relOp == kLess) return Lt(src, dst, len, level);
-  if (relOp == kGreater) return Gt(src, dst, len, level);
+  if (relOp == ORVA_RELATION_LESS) return Lt(src, dst, len, level);
+  if (relOp == ORVA_RELATION_GREATER) return Gt(src, dst, len, level);
   return ORVA_STS_BAD_ARG_ERR;
 }
 
