@@ -18,6 +18,7 @@ namespace tzm {
 namespace {
 
 constexpr size_t kBlockFrames = 1 << 14;
+constexpr float kLargestSample = 1e10f;  // 200 dB beyond full scale, and integers that were never scaled
 
 // Why the system will not let us read the file; empty when it will. The sound library does not tell.
 std::string SystemError(const std::string& path) {
@@ -39,6 +40,17 @@ AudioReader::AudioReader(const std::string& path, int32_t channel) : path_(path)
   frames_.resize(kBlockFrames * size_t(info_.channels));
 }
 
+void AudioReader::CheckFrames(size_t count) {
+  const auto end = frames_.begin() + std::ptrdiff_t(count * size_t(info_.channels));
+  const auto bad = std::find_if(frames_.begin(), end, [](float v) { return !(std::abs(v) <= kLargestSample); });
+  if (bad != end) {
+    const int64_t at = frame_ + (bad - frames_.begin()) / info_.channels;
+    throw Failure(Format("'%s' holds a sample that is not finite, or beyond %g, at %.4f s", path_.c_str(),
+                         double(kLargestSample), double(at) / info_.samplerate));
+  }
+  frame_ += int64_t(count);
+}
+
 // Calls take(at, count) for every block: frames_ holds `count` frames, which follow the `at` before them.
 template <class Take>
 size_t AudioReader::ReadFrames(size_t count, const Take& take) {
@@ -46,6 +58,7 @@ size_t AudioReader::ReadFrames(size_t count, const Take& take) {
   while (done < count) {
     const size_t wanted = std::min(kBlockFrames, count - done);
     const auto got = size_t(sf_readf_float(file_.get(), frames_.data(), sf_count_t(wanted)));
+    CheckFrames(got);
     take(done, got);
     done += got;
     if (got < wanted) {
@@ -72,37 +85,17 @@ size_t AudioReader::Read(Planes& dst) {
 }
 
 AudioWriter::AudioWriter(const std::string& path, int32_t rate, int32_t channels, int format)
-    : path_(path), part_(path + ".part") {
-  std::error_code ignored;  // a file that is not there is none of another kind either
-  if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored)) {
-    throw Failure(Format("cannot write '%s': it is no plain file", path.c_str()));
-  }
+    : path_(path), place_(path) {
   info_.samplerate = rate;
   info_.channels = channels;
   info_.format = SF_FORMAT_RF64 | format;  // WAV without its limit of 4 GB; below that it becomes WAV
   if (!sf_format_check(&info_)) info_.format = SF_FORMAT_RF64 | SF_FORMAT_FLOAT;
   const int held = info_.format & SF_FORMAT_SUBMASK;
   integer_ = held != SF_FORMAT_FLOAT && held != SF_FORMAT_DOUBLE;
-  std::FILE* probe = std::fopen(part_.c_str(), "wb");  // the sound library does not tell why it cannot
-  if (!probe) Fail(std::strerror(errno));
-  std::fclose(probe);
-  file_ = sf_open(part_.c_str(), SFM_WRITE, &info_);
-  if (!file_) {
-    std::remove(part_.c_str());
-    Fail(sf_strerror(nullptr));
-  }
-  sf_command(file_, SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
-  sf_command(file_, SFC_SET_CLIPPING, nullptr, SF_TRUE);
-}
-
-AudioWriter::~AudioWriter() {
-  if (!file_) return;
-  sf_close(file_);
-  std::remove(part_.c_str());
-}
-
-void AudioWriter::Fail(const char* reason) const {
-  throw Failure(Format("cannot write '%s': %s", path_.c_str(), reason));
+  file_.reset(sf_open(place_.Part().c_str(), SFM_WRITE, &info_));
+  if (!file_) place_.Fail(sf_strerror(nullptr));
+  sf_command(file_.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
+  sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
 }
 
 void AudioWriter::Write(const Planes& src, size_t first, size_t count) {
@@ -110,23 +103,20 @@ void AudioWriter::Write(const Planes& src, size_t first, size_t count) {
   for (size_t c = 0; c < src.size(); ++c) {
     for (size_t i = 0; i < count; ++i) {
       const float value = src[c][first + i];
+      if (!std::isfinite(value)) place_.Fail("the result is beyond what a sample can hold");
       frames_[i * src.size() + c] = value;
       if (integer_ && !(std::abs(value) <= 1)) ++saturated_;
     }
   }
-  if (sf_writef_float(file_, frames_.data(), sf_count_t(count)) != sf_count_t(count)) Fail(sf_strerror(file_));
+  if (sf_writef_float(file_.get(), frames_.data(), sf_count_t(count)) != sf_count_t(count)) {
+    place_.Fail(sf_strerror(file_.get()));
+  }
   written_ += int64_t(count);
 }
 
 void AudioWriter::Finish() {
-  const int error = sf_close(file_);
-  file_ = nullptr;
-  std::error_code failed;
-  if (error == 0) std::filesystem::rename(part_, path_, failed);
-  if (error != 0 || failed) {
-    std::remove(part_.c_str());
-    Fail(error != 0 ? sf_error_number(error) : failed.message().c_str());
-  }
+  if (const int error = sf_close(file_.release())) place_.Fail(sf_error_number(error));
+  place_.Complete();
   std::printf("%s: %d Hz, %d channel%s, %.2f s\n", CleanText(path_).c_str(), info_.samplerate, info_.channels,
               info_.channels == 1 ? "" : "s", double(written_) / info_.samplerate);
   if (saturated_ > 0) {

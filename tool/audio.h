@@ -10,10 +10,17 @@
 #include <string>
 #include <vector>
 
+#include "new_file.h"
+
 namespace tzm {
 
 /** Samples of several channels: an array each, of equal lengths. */
 using Planes = std::vector<std::vector<float>>;
+
+struct CloseSound {
+  void operator()(SNDFILE* file) const { sf_close(file); }
+};
+using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
 class AudioReader {
  public:
@@ -29,46 +36,40 @@ class AudioReader {
   /** How the file holds a sample, as one of libsndfile's SF_FORMAT_ values. */
   int SampleFormat() const { return info_.format & SF_FORMAT_SUBMASK; }
 
-  /** Reads the next samples of the channel; fewer than asked for only at the end of the file. */
+  /** Reads the next samples of the channel; fewer than asked for only at the end of the file. Throws Failure, also
+   * for a sample (of any channel) that is not finite, or so large that sums of squares could overflow. */
   size_t Read(std::span<float> dst);
   /** The same of every channel, as many as dst[0] has room for. `dst` has Channels() arrays. */
   size_t Read(Planes& dst);
 
  private:
-  struct Close {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-  };
-
+  void CheckFrames(size_t count);
   template <class Take>
   size_t ReadFrames(size_t count, const Take& take);
 
   std::string path_;
   int32_t channel_;
   SF_INFO info_{};
-  std::unique_ptr<SNDFILE, Close> file_;
+  SoundFile file_;
+  int64_t frame_ = 0;  // the next one
   std::vector<float> frames_;  // one block of all channels
 };
 
-/** Writes a WAV file. It stands under its name only when it is complete; until then, and after a failure, a file
- * of that name is as it was. */
+/** Writes a WAV file, which stands under its name only when it is complete. */
 class AudioWriter {
  public:
   /** `format` is one of libsndfile's SF_FORMAT_ values for a sample; one that WAV cannot hold becomes binary32. */
   AudioWriter(const std::string& path, int32_t rate, int32_t channels, int format);
-  AudioWriter(const AudioWriter&) = delete;
-  ~AudioWriter();
-
   /** Writes the samples [first, first + count) of every channel. Integer formats saturate. */
   void Write(const Planes& src, size_t first, size_t count);
   /** Completes the file and prints what was written. */
   void Finish();
 
  private:
-  [[noreturn]] void Fail(const char* reason) const;
-
-  std::string path_, part_;
+  std::string path_;
+  NewFile place_;
   SF_INFO info_{};
-  SNDFILE* file_ = nullptr;
+  SoundFile file_;
   std::vector<float> frames_;
   int64_t written_ = 0, saturated_ = 0;
   bool integer_;

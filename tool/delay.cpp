@@ -63,7 +63,6 @@ std::vector<double> Correlate(AudioReader& recording, AudioReader& reference, si
     progress.Show(done += int64_t(taken));
   }
   const double scale = std::sqrt(energy * referenceEnergy);
-  if (!std::isfinite(scale)) throw Failure("a file holds samples that are not finite");
   if (scale == 0) throw Failure("a file is silent: there is nothing to compare");
   for (double& value : sum) value /= scale;
   return sum;

@@ -71,7 +71,6 @@ Finding Judge(const std::vector<float>& frame, int32_t rate, const Settings& s) 
   float norm;
   Require(ORVAS_Norm_L2_32f(frame.data(), int32_t(frame.size()), &norm), "the norm");
   const double all = double(norm) * norm / double(frame.size());
-  if (!std::isfinite(all)) throw Failure(Format("'%s' holds samples that are not finite", s.file.c_str()));
   const auto stands = [&](double power) { return power >= s.share * all && Decibels(power) >= s.threshold; };
   if (s.frequency > 0) {
     const double power = TonePower(frame, s.frequency / rate);

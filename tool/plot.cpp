@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "command.h"
+#include "new_file.h"
 #include "text.h"
 
 namespace tzm {
@@ -344,10 +345,12 @@ cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
+  NewFile place(path);
+  std::FILE* file = std::fopen(place.Part().c_str(), "wb");
   bool good = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
   if (file && std::fclose(file) != 0) good = false;
-  if (!good) throw Failure(Format("cannot write '%s': %s", path.c_str(), std::strerror(errno)));
+  if (!good) place.Fail(std::strerror(errno));
+  place.Complete();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -24,7 +25,7 @@ class Progress {
     if (!terminal_ || now - last_ < std::chrono::milliseconds(100)) return;
     last_ = now;
     drawn_ = true;
-    std::fprintf(stderr, "\r\033[K%s: %.0f %%", label_, 100.0 * double(done) / double(total_));
+    std::fprintf(stderr, "\r\033[K%s: %.0f %%", label_, 100.0 * double(done) / double(std::max<int64_t>(total_, 1)));
     std::fflush(stderr);
   }
 
