@@ -35,9 +35,14 @@ AudioReader::AudioReader(const std::string& path, int32_t channel) : path_(path)
   file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
   if (!file_) throw Failure(Format("'%s' is no sound file that can be read: %s", path.c_str(), sf_strerror(nullptr)));
   if (channel > info_.channels) {
-    throw UsageError(Format("--channel %d: '%s' has %d", channel, path.c_str(), info_.channels));
+    throw UsageError(Format("'%s' has %d channel%s and no channel %d", path.c_str(), info_.channels,
+                            info_.channels == 1 ? "" : "s", channel));
   }
   frames_.resize(kBlockFrames * size_t(info_.channels));
+}
+
+void AudioReader::RequireSamples() const {
+  if (Length() == 0) throw Failure(Format("'%s' holds no samples", path_.c_str()));
 }
 
 void AudioReader::CheckFrames(size_t count) {

@@ -33,6 +33,8 @@ class AudioReader {
   int32_t Rate() const { return info_.samplerate; }
   int32_t Channels() const { return info_.channels; }
   int64_t Length() const { return info_.frames; }
+  /** Throws Failure for a file of length 0. */
+  void RequireSamples() const;
   /** How the file holds a sample, as one of libsndfile's SF_FORMAT_ values. */
   int SampleFormat() const { return info_.format & SF_FORMAT_SUBMASK; }
 

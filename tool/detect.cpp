@@ -140,6 +140,7 @@ void Run(int argc, char** argv) {
   s.results.Check();
 
   AudioReader reader(s.file, s.channel);
+  reader.RequireSamples();
   const double highest = s.frequency > 0 ? s.frequency : kKeypadColumns.back();
   if (!(highest < reader.Rate() / 2.0)) {
     throw UsageError(Format("%g Hz is not below half of the rate of %d Hz", highest, reader.Rate()));

@@ -59,7 +59,6 @@ std::vector<double> Measure(AudioReader& reader, const Settings& s) {
     std::copy(samples.begin() + kUsed, samples.end(), samples.begin());
     tail = std::span(samples).last(kUsed);
   }
-  if (envelope.empty()) throw Failure(Format("'%s' holds no samples", s.file.c_str()));
   return envelope;
 }
 
@@ -86,6 +85,7 @@ void Run(int argc, char** argv) {
   s.results.Settle(s.file, "envelope");
 
   AudioReader reader(s.file, s.channel);
+  reader.RequireSamples();
   const std::vector<double> envelope = Measure(reader, s);
   const double step = std::max(s.step * 1e-3, 1.0 / reader.Rate());
   const Table table = EnvelopeTable(envelope, step);

@@ -26,10 +26,14 @@ void PrintHelp() {
       "Analyses, filters and makes sound files with the signal_tzm library.\n\nCommands:\n");
   for (const auto& [name, command] : Commands()) std::printf("  %-12s %s\n", command.name, command.summary);
   std::printf(
-      "\n  -h, --help     this text; `tzm COMMAND --help` explains a command\n"
+      "\nOptions:\n"
+      "  -h, --help     this text; `tzm COMMAND --help` explains a command\n"
       "  -V, --version  the version\n\n"
-      "Example:\n  tzm psd /usr/share/sounds/alsa/Front_Center.wav\n\n"
-      "Exit status: 0 success, 1 failure, 2 wrong usage.\n");
+      "Exit status:\n  0 success, 1 failure, 2 wrong usage; what went wrong is one line on standard error\n\n"
+      "Examples:\n"
+      "  tzm psd /usr/share/sounds/alsa/Front_Center.wav\n"
+      "  tzm tone --keys 0123 number.wav && tzm detect number.wav\n"
+      "  tzm stats --json speech.wav | jq '.channels[0].rms_db'\n");
 }
 
 void Dispatch(int argc, char** argv) {

@@ -37,14 +37,14 @@ void OnSignals(void (*handler)(int)) {
 
 }  // namespace
 
-NewFile::NewFile(const std::string& path) : path_(path) {
+NewFile::NewFile(const std::string& path) : path_(path), target_(path) {
   std::error_code ignored;  // a file that is not there is none of another kind either
   if (std::filesystem::exists(path, ignored)) {
     if (!std::filesystem::is_regular_file(path, ignored)) Fail("it is no plain file");
     if (access(path.c_str(), W_OK) != 0) Fail(std::strerror(errno));
-    path_ = std::filesystem::canonical(path, ignored).string();  // a link stays, and what it names is replaced
+    target_ = std::filesystem::canonical(path, ignored).string();  // a link stays, and what it names is replaced
   }
-  part_ = Format("%s.%ld.part", path_.c_str(), static_cast<long>(getpid()));
+  part_ = Format("%s.%ld.part", target_.c_str(), static_cast<long>(getpid()));
   if (part_.size() >= sizeof g_part) Fail(std::strerror(ENAMETOOLONG));
   std::signal(SIGXFSZ, SIG_IGN);  // the write that is too large fails instead, and says so
   std::strcpy(g_part, part_.c_str());
@@ -60,7 +60,7 @@ NewFile::~NewFile() {
 }
 
 void NewFile::Complete() {
-  if (std::rename(part_.c_str(), path_.c_str()) != 0) Fail(std::strerror(errno));
+  if (std::rename(part_.c_str(), target_.c_str()) != 0) Fail(std::strerror(errno));
   part_.clear();
 }
 

@@ -22,7 +22,7 @@ class NewFile {
   [[noreturn]] void Fail(const std::string& reason) const;
 
  private:
-  std::string path_, part_;
+  std::string path_, target_, part_;  // as it was given; what it names; beside that
 };
 
 }  // namespace tzm

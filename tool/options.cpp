@@ -115,7 +115,7 @@ void Options::PrintHelp() const {
     line(letter + "--" + o.name + (o.placeholder.empty() ? "" : " " + o.placeholder), o.help);
   }
   line("-h, --help", "this text");
-  std::printf("\nExample:\n  %s\n", example_.c_str());
+  std::printf("\nExamples:\n  %s\n", example_.c_str());
 }
 
 }  // namespace tzm

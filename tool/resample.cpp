@@ -23,8 +23,15 @@ using Resampler = Handle<ResamplePolyphaseFixedState, ORVAS_ResamplePolyphaseFix
 Resampler MakeResampler(int32_t inRate, int32_t outRate, int32_t width) {
   const double transition = (kStopBand - 8) / (7.2 * width), alpha = 0.11 * (kStopBand - 8.7);
   return MakeHandle<Resampler>("the resampler", [&](auto** state) {
-    return ORVAS_ResamplePolyphaseFixedInit_32f(inRate, outRate, float(width), float(1 - transition / 2), float(alpha),
-                                                state);
+    const OrvaStatus status = ORVAS_ResamplePolyphaseFixedInit_32f(
+        inRate, outRate, float(width), float(1 - transition / 2), float(alpha), state);
+    if (status == ORVA_STS_OVERFLOW_ERR) {
+      throw Failure(Format("%d to %d Hz is a ratio of %d to %d, which takes too large a filter: choose a --rate that "
+                           "shares a larger factor with %d, or a smaller --width",
+                           inRate, outRate, inRate / std::gcd(inRate, outRate), outRate / std::gcd(inRate, outRate),
+                           inRate));
+    }
+    return status;
   });
 }
 

@@ -54,7 +54,7 @@ struct Levels {
 
 double Decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
-std::vector<Levels> Measure(AudioReader& reader, const std::string& file) {
+std::vector<Levels> Measure(AudioReader& reader) {
   std::vector<Levels> levels(size_t(reader.Channels()));
   Planes samples(levels.size(), std::vector<float>(kBlock));
   std::vector<double> wide(kBlock);
@@ -67,7 +67,6 @@ std::vector<Levels> Measure(AudioReader& reader, const std::string& file) {
     }
     progress.Show(done += int64_t(got));
   }
-  if (done == 0) throw Failure(Format("'%s' holds no samples", file.c_str()));
   return levels;
 }
 
@@ -99,7 +98,8 @@ void Run(int argc, char** argv) {
 
   const std::string& file = operands->front();
   AudioReader reader(file);
-  const std::vector<Levels> levels = Measure(reader, file);
+  reader.RequireSamples();
+  const std::vector<Levels> levels = Measure(reader);
   if (results.csv) return PrintCsv(LevelTable(levels));
   if (!results.json) {
     std::printf("%s: %d Hz, %.2f s\n\n", CleanText(BaseName(file)).c_str(), reader.Rate(),
