@@ -11,6 +11,7 @@
 #include "handle.h"
 #include "options.h"
 #include "output.h"
+#include "plot.h"
 #include "progress.h"
 #include "results.h"
 #include "text.h"
@@ -24,7 +25,7 @@ struct Settings {
   std::string file, reference;
   int32_t channel = 1, referenceChannel = 0;
   double range = 1000;
-  DataOptions results;
+  PlotOptions results;
 };
 
 using Correlation = Handle<CorrState, ORVAS_CorrRelease_32f>;
@@ -88,11 +89,12 @@ void Run(int argc, char** argv) {
                  1, 1024);
   options.Number("channel", 'c', "channel of FILE, counted from 1", s.channel, 1, 1024);
   options.Number("range", 0, "largest delay looked for, to both sides, in ms", s.range, 1e-3, 1e6);
+  s.results.byDefault = false;
   s.results.Declare(options, "print all lags and their coefficients as CSV", "print delay and coefficient as JSON");
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
-  s.results.Check();
   s.file = operands->front();
+  s.results.Settle(s.file, "delay");
   if (s.referenceChannel == 0) s.referenceChannel = s.reference.empty() ? 2 : 1;
   if (s.reference.empty()) s.reference = s.file;
 
@@ -109,23 +111,34 @@ void Run(int argc, char** argv) {
                             return std::abs(a) < std::abs(b);
                           }) - c.begin());
   const double samples = double(top) - double(lags) + Offset(c, top);
+  const std::string found = Format("%.6f s (%.2f samples), coefficient %.4f", samples / rate, samples, c[top]);
+  Table table{{"lag_s", "Lag (s)", 6, {}}, {"coefficient", "Coefficient", 6, c}};
+  for (size_t i = 0; i < c.size(); ++i) table[0].values.push_back((double(i) - double(lags)) / rate);
   if (s.results.csv) {
-    Table table{{"lag_s", "Lag (s)", 6, {}}, {"coefficient", "Coefficient", 6, c}};
-    for (size_t i = 0; i < c.size(); ++i) table[0].values.push_back((double(i) - double(lags)) / rate);
-    return PrintCsv(table);
+    PrintCsv(table);
+  } else if (s.results.json) {
+    JsonObject object;
+    object.Add("file", s.file);
+    object.Add("reference", s.reference);
+    object.Add("rate_hz", rate);
+    object.Add("delay_s", samples / rate);
+    object.Add("delay_samples", samples);
+    object.Add("coefficient", c[top]);
+    object.Print();
+  } else {
+    std::printf("delay: %s\n", found.c_str());
   }
-  if (!s.results.json) {
-    std::printf("delay: %.6f s (%.2f samples), coefficient %.4f\n", samples / rate, samples, c[top]);
-    return;
-  }
-  JsonObject object;
-  object.Add("file", s.file);
-  object.Add("reference", s.reference);
-  object.Add("rate_hz", rate);
-  object.Add("delay_s", samples / rate);
-  object.Add("delay_samples", samples);
-  object.Add("coefficient", c[top]);
-  object.Print();
+  if (s.results.output.empty()) return;
+  Plot plot;
+  plot.title = CleanText(BaseName(s.file) + " against " + BaseName(s.reference)) + ": correlation";
+  plot.subtitle = "delay: " + found;
+  plot.xs = table[0].values;
+  plot.ys = c;
+  plot.x = {"Lag (s)", plot.xs.front(), plot.xs.back()};
+  plot.y = {"Coefficient", -1, 1.2};
+  plot.markers.push_back({samples / rate, c[top], Format("%.6g s", samples / rate)});
+  WritePlot(plot, s.results.output);
+  s.results.PrintPlotName();
 }
 
 const Registration registration({"delay", "time difference of two recordings or channels", Run});

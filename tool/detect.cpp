@@ -12,6 +12,7 @@
 #include "keypad.h"
 #include "options.h"
 #include "output.h"
+#include "plot.h"
 #include "progress.h"
 #include "results.h"
 #include "text.h"
@@ -27,7 +28,7 @@ struct Settings {
   std::string file;
   int32_t channel = 1;
   double frequency = 0, frame = 25, step = 5, share = 0.5, threshold = -45;
-  DataOptions results;
+  PlotOptions results;
 };
 
 // What was found about one place in time.
@@ -132,12 +133,14 @@ void Run(int argc, char** argv) {
   options.Number("share", 0, "least part of a frame's power in a tone", s.share, 0, 1);
   options.Number("threshold", 0, "least level of a tone in dB", s.threshold, -200, 100);
   options.Number("channel", 'c', "channel, counted from 1", s.channel, 1, 1024);
+  s.results.byDefault = false;
   s.results.Declare(options, "print as CSV: the tones; with --frequency its level over time",
                     "print as JSON: the tones; with --frequency its level over time too");
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
   s.file = operands->front();
-  s.results.Check();
+  s.results.Settle(s.file, "detect");
+  if (s.frequency == 0 && !s.results.output.empty()) throw UsageError("keys have no plot: --output needs --frequency");
 
   AudioReader reader(s.file, s.channel);
   reader.RequireSamples();
@@ -163,16 +166,31 @@ void Run(int argc, char** argv) {
   });
   if (s.frequency == 0) std::erase_if(events, [](const Event& e) { return e.end - e.begin < kShortestKey; });
 
-  if (s.results.csv) return PrintCsv(s.frequency > 0 ? levels : EventTable(events));
-  if (!s.results.json) {
-    if (events.empty()) return static_cast<void>(std::puts("No tone found."));
-    return PrintText(EventTable(events));
+  if (s.results.csv) {
+    PrintCsv(s.frequency > 0 ? levels : EventTable(events));
+  } else if (s.results.json) {
+    JsonObject object;
+    object.Add("file", s.file);
+    object.AddRows("tones", EventTable(events));
+    if (s.frequency > 0) object.AddColumns("levels", levels);
+    object.Print();
+  } else if (events.empty()) {
+    std::puts("No tone found.");
+  } else {
+    PrintText(EventTable(events));
   }
-  JsonObject object;
-  object.Add("file", s.file);
-  object.AddRows("tones", EventTable(events));
-  if (s.frequency > 0) object.AddColumns("levels", levels);
-  object.Print();
+  if (s.results.output.empty()) return;
+  Plot plot;
+  plot.title = CleanText(BaseName(s.file)) + Format(": level of %.6g Hz", s.frequency);
+  plot.subtitle = Format("%d Hz, channel %d of %d; frames of %g ms, least level %g dB", reader.Rate(), s.channel,
+                         reader.Channels(), s.frame, s.threshold);
+  plot.xs = levels[0].values;
+  plot.ys = levels[1].values;
+  plot.x = {"Time (s)", 0, std::max(plot.xs.back(), s.step * 1e-3)};
+  plot.y = {"Level (dB re full scale)", std::min(-100.0, s.threshold - 20), 0};
+  for (const Event& e : events) plot.markers.push_back({e.begin, e.level, Format("%.3f s", e.begin)});
+  WritePlot(plot, s.results.output);
+  s.results.PrintPlotName();
 }
 
 const Registration registration({"detect", "keypad tones or one frequency over time", Run});

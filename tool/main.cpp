@@ -29,7 +29,6 @@ void PrintHelp() {
       "\nOptions:\n"
       "  -h, --help     this text; `tzm COMMAND --help` explains a command\n"
       "  -V, --version  the version\n\n"
-      "Exit status:\n  0 success, 1 failure, 2 wrong usage; what went wrong is one line on standard error\n\n"
       "Examples:\n"
       "  tzm psd /usr/share/sounds/alsa/Front_Center.wav\n"
       "  tzm tone --keys 0123 number.wav && tzm detect number.wav\n"

@@ -13,7 +13,8 @@ page() {
   local name=$1 summary=$2
   shift 2
   help2man --no-info --version-string="$version" --source=signal_tzm --name="$summary" "$@" |
-    sed "1,6{s/^\.TH TZM /.TH ${name^^} /; s/^${name/-/ } /$name /}" | gzip -9n >"$folder/$name.1.gz"
+    sed -e "1,6{s/^\.TH TZM /.TH ${name^^} /; s/^${name/-/ } /$name /}" \
+      -e '/^\.SH EXAMPLES/,/^\.SH [^E]/{s/^\.IP$/.nf/; s/^\.SH [^E]/.fi\n&/}' | gzip -9n >"$folder/$name.1.gz"
 }
 
 page tzm 'analyse, filter and make sound files' --include="$here/manual.h2m" "$*"

@@ -20,8 +20,11 @@ void DataOptions::Check() const {
 }
 
 void PlotOptions::Declare(Options& options, const char* csvHelp, const char* jsonHelp) {
-  options.Text("output", 'o', "PLOT", "where the plot goes: a name ending in .png or .svg", output);
-  options.Flag("no-plot", 0, "print only", noPlot);
+  options.Text("output", 'o', "PLOT",
+               byDefault ? "where the plot goes: a name ending in .png or .svg"
+                         : "draw it to this file, whose name ends in .png or .svg",
+               output);
+  if (byDefault) options.Flag("no-plot", 0, "print only", noPlot);
   DataOptions::Declare(options, csvHelp, jsonHelp);
 }
 
@@ -29,7 +32,7 @@ void PlotOptions::Settle(const std::string& file, const char* suffix) {
   Check();
   if (noPlot && !output.empty()) throw UsageError("--no-plot and --output exclude each other");
   if (!output.empty()) return CheckPlotName(output);
-  if (!noPlot && !csv && !json) output = std::filesystem::path(file).stem().string() + "-" + suffix + ".png";
+  if (byDefault && !noPlot && !csv && !json) output = std::filesystem::path(file).stem().string() + "-" + suffix + ".png";
 }
 
 void PlotOptions::PrintPlotName() const {

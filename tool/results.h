@@ -19,11 +19,11 @@ struct DataOptions {
 
 struct PlotOptions : DataOptions {
   std::string output;  // empty: no plot
-  bool noPlot = false;
+  bool noPlot = false, byDefault = true;
 
-  /** Adds --output and --no-plot too. */
+  /** Adds --output too, and --no-plot where a plot is drawn by default. */
   void Declare(Options& options, const char* csvHelp, const char* jsonHelp);
-  /** Checks, and unless told otherwise chooses the plot's name: the file's, with "-suffix.png", in the current
+  /** Checks, and where a plot is drawn by default chooses its name: the file's, with "-suffix.png", in the current
    * folder. Data asked for is printed without a plot, unless that has a name. */
   void Settle(const std::string& file, const char* suffix);
   /** Tells where the plot is, where text is printed. */
