@@ -1,21 +1,23 @@
 # What is installed, so that find_package(signal_tzm CONFIG) and pkg-config signal_tzm work from any prefix,
-# also after the whole prefix has been moved.
+# also after the whole prefix has been moved. A component is one Debian package.
 include(CMakePackageConfigHelpers)
 
 set(tzm_libraries signal_tzm tzm_core tzm_vmath tzm_fft)
 set_target_properties(${tzm_libraries} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 set(tzm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/signal_tzm)
+set(CMAKE_INSTALL_SO_NO_EXE TRUE)  # as Debian has it; CMake does so by itself only where it does not cross-compile
 
 install(TARGETS ${tzm_libraries} EXPORT signal_tzmTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT signal_tzmTargets NAMESPACE signal_tzm:: DESTINATION ${tzm_package_dir})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT signal_tzmTargets NAMESPACE signal_tzm:: DESTINATION ${tzm_package_dir} COMPONENT development)
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzmConfig.cmake.in
   ${PROJECT_BINARY_DIR}/signal_tzmConfig.cmake INSTALL_DESTINATION ${tzm_package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/signal_tzmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/signal_tzmConfig.cmake ${PROJECT_BINARY_DIR}/signal_tzmConfigVersion.cmake
-  DESTINATION ${tzm_package_dir})
+  DESTINATION ${tzm_package_dir} COMPONENT development)
 
 # pkg-config finds the prefix from the place of its file.
 file(RELATIVE_PATH TZM_PREFIX_FROM_PC
@@ -24,11 +26,22 @@ string(REGEX REPLACE "/$" "" TZM_PREFIX_FROM_PC ${TZM_PREFIX_FROM_PC})
 get_filename_component(TZM_CBLAS_NAME ${TZM_CBLAS_LIBRARY} NAME_WE)
 string(REGEX REPLACE "^lib" "" TZM_CBLAS_NAME ${TZM_CBLAS_NAME})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzm.pc.in ${PROJECT_BINARY_DIR}/signal_tzm.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/signal_tzm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/signal_tzm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(TARGET tzm)
   file(RELATIVE_PATH libraries_from_tool ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(tzm PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_tool}")
-  install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/tzm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()
+if(TARGET tzm_manual)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/tool/manual/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+endif()
+
+# The documents as they stand in the tree, so that their links to each other hold, and the manual if it has been made.
+set(tzm_documents ${CMAKE_INSTALL_DATADIR}/doc/libsignal-tzm-doc)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${tzm_documents} COMPONENT documents)
+install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
+  FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
+install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
+  FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN CMakeLists.txt)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)

@@ -1,17 +1,74 @@
 #!/usr/bin/env bash
-# consumers.sh BUILD SCRATCH SOURCE: installs the build, moves the prefix, and builds SOURCE against it in C and
-# C++, by CMake and by pkg-config; each program must find its tone. The environment tells the compilers.
+# consumers.sh WAY BUILD SCRATCH SOURCE: installs the build by cmake --install and moves the prefix (WAY is `prefix`),
+# or makes its Debian packages, looks into them and unpacks them into a root of their own (WAY is `packages`). Then
+# builds SOURCE against it in C and C++, by CMake and by pkg-config; each program must find its tone. The environment
+# tells the compilers.
 set -euo pipefail
-build=$1 scratch=$2/scratch source=$3
-prefix=$scratch/moved
+way=$1 build=$2 scratch=$3/$1 source=$4
 rm -rf "$scratch"
 mkdir -p "$scratch"
 
-"$CMAKE" --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
-mv "$scratch/installed" "$prefix"
-if grep -rl -e "$scratch/installed" -e "$build" "$prefix/$LIBDIR/cmake" "$prefix/$LIBDIR/pkgconfig"; then
-  echo "the files above name the place where they were built or first installed"
+wrong() {
+  echo "$*"
   exit 1
+}
+
+# holds PACKAGE FILE...: the package has the files.
+holds() {
+  local package=$1 file
+  shift
+  dpkg-deb --contents "$scratch/$package"_*.deb >"$scratch/$package.files"
+  for file in "$@" "usr/share/doc/$package/"{copyright,changelog.gz}; do
+    grep -qE " \./$file( ->|$)" "$scratch/$package.files" || wrong "$package lacks $file"
+  done
+}
+
+# field PACKAGE NAME EXPECTED...: the field of the package has all that is expected.
+field() {
+  local package=$1 name=$2 value expected
+  shift 2
+  value=", $(dpkg-deb --field "$scratch/$package"_*.deb "$name"),"
+  for expected in "$@"; do
+    [[ $value == *", $expected"[,\ ]* ]] || wrong "$name of $package is '$value', without '$expected'"
+  done
+}
+
+look_into_packages() {
+  local run=libsignal-tzm${VERSION%%.*} package deb commands
+  commands=$(${EMULATOR:-} "$build/bin/tzm" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/-\1/p')
+  # shellcheck disable=SC2046,SC2086
+  {
+    holds "$run" "usr/$LIBDIR/libsignal_tzm.so.$VERSION" "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so.0
+    holds libsignal-tzm-dev "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so usr/include/signal_tzm.h \
+      "usr/$LIBDIR/"{pkgconfig/signal_tzm.pc,cmake/signal_tzm/signal_tzmConfig.cmake}
+    holds tzm usr/bin/tzm $(printf 'usr/share/man/man1/tzm%s.1.gz\n' '' $commands)
+  }
+  for package in "$run" libsignal-tzm-dev tzm; do
+    field "$package" Version "$VERSION"
+    field "$package" Architecture "$ARCHITECTURE"
+  done
+  field "$run" Depends libc6 libgomp1 libsleef3 libfftw3-{single3,double3}
+  field libsignal-tzm-dev Depends "$run (= $VERSION)" libopenblas-dev
+  field tzm Depends "$run (= $VERSION)" libcairo2 libsndfile1 libopenblas0
+  if [ -z "$TOOLCHAIN" ]; then
+    holds libsignal-tzm-doc usr/share/doc/libsignal-tzm-doc/{README.md,docs/testing.md,examples/find_tone.c}
+    field libsignal-tzm-doc Architecture all
+  fi
+  if command -v lintian >/dev/null; then lintian --fail-on error "$scratch"/*.deb || wrong 'lintian has objections'; fi
+  for deb in "$scratch"/*.deb; do dpkg-deb --extract "$deb" "$scratch/root"; done
+}
+
+if [ "$way" = packages ]; then
+  cpack --config "$build/CPackConfig.cmake" -B "$scratch" >"$scratch/cpack.log" || wrong "$(cat "$scratch/cpack.log")"
+  look_into_packages
+  prefix=$scratch/root/usr
+else
+  "$CMAKE" --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
+  prefix=$scratch/moved
+  mv "$scratch/installed" "$prefix"
+fi
+if grep -rl -e "$scratch/installed" -e "$build" "$prefix/$LIBDIR/cmake" "$prefix/$LIBDIR/pkgconfig"; then
+  wrong 'the files above name the place where they were built or first installed'
 fi
 
 "$CMAKE" -S "$(dirname "$0")/consumer" -B "$scratch/consumer" -G Ninja -DSOURCE="$source" \
@@ -30,9 +87,11 @@ export PKG_CONFIG_PATH=$prefix/$LIBDIR/pkgconfig LD_LIBRARY_PATH=$prefix/$LIBDIR
 
 for program in "$scratch"/consumer/as_c "$scratch"/consumer/as_cxx "$scratch"/pc_c "$scratch"/pc_cxx; do
   said=$(${EMULATOR:-} "$program")
-  [ "$said" = "strongest: 1000 Hz" ] || { echo "${program##*/} said '$said'"; exit 1; }
+  [ "$said" = "strongest: 1000 Hz" ] || wrong "${program##*/} said '$said'"
 done
-if [ -x "$prefix/bin/tzm" ]; then env -u LD_LIBRARY_PATH "$prefix/bin/tzm" --version; fi
+if [ -x "$prefix/bin/tzm" ]; then
+  [ "$(${EMULATOR:-} "$prefix/bin/tzm" --version)" = "tzm $VERSION" ] || wrong 'version of the installed tzm'
+fi
 
 # All examples, as someone builds them who has the installed package alone; they need the target's libsndfile.
 if [ -z "${TOOLCHAIN:-}" ]; then

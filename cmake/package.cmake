@@ -1,0 +1,94 @@
+# Debian packages, one for each component, of the architecture that the build is for: the target `packages` makes them
+# in the build folder. ./run package makes those of both architectures.
+if(NOT TZM_MULTIARCH)
+  return()
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_COMPONENTS_ALL runtime development tool)
+if(NOT CMAKE_CROSSCOMPILING)  # the documents are the same everywhere
+  list(APPEND CPACK_COMPONENTS_ALL documents)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGE_CONTACT "The signal_tzm authors <signal-tzm@debian.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own, the first line of its description
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE amd64)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+endif()
+
+# tzm_package(COMPONENT NAME SECTION MULTIARCH DESCRIPTION [DEPENDS]): the description's first line is its synopsis.
+macro(tzm_package component name section multiarch description)
+  string(TOUPPER ${component} upper)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${name})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section})
+  set(CPACK_DEBIAN_${upper}_DESCRIPTION "${description}")
+  set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${ARGN}")
+  # CPack before 3.31 has no variable for the second field.
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SOURCE "signal-tzm\nMulti-Arch: ${multiarch}")
+  # What policy wants of every package, where only packages have it.
+  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION share/doc/${name} RENAME copyright
+    COMPONENT ${component} EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_BINARY_DIR}/debian/changelog.gz DESTINATION share/doc/${name}
+    COMPONENT ${component} EXCLUDE_FROM_ALL)
+endmacro()
+
+set(same_version "(= ${PROJECT_VERSION})")
+set(about "A shared library with a plain C interface: element-wise arithmetic, elementary
+functions, reductions, windows, transforms, filters, resampling, convolution
+and correlation, with results that are the same bits on every machine.")
+tzm_package(runtime libsignal-tzm${PROJECT_VERSION_MAJOR} libs same "signal-processing primitives with exact results
+${about}
+On amd64 it needs a processor of the level ${TZM_MARCH}. Here are the library
+and its default companions.")
+tzm_package(development libsignal-tzm-dev libdevel same "signal-processing primitives - development files
+${about}
+Here are the headers, a CMake package and a pkg-config file."
+  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}, lib${TZM_CBLAS_NAME}-dev")
+tzm_package(tool tzm sound foreign "analyse, filter and make sound files
+A command-line program: spectra and spectrograms, levels, filters, resampling,
+convolution, noise cancelling, delays, tones and their detection, on sound
+files of any format and length, with plots and with data for programs."
+  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}")
+tzm_package(documents libsignal-tzm-doc doc foreign "signal-processing primitives - documents
+${about}
+Here are the pages about it, the reference manual and the examples.")
+set(CPACK_DEBIAN_DOCUMENTS_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libsignal-tzm-doc)
+
+# The libraries that a file links are looked up in the packages of its architecture; those of the library itself are
+# in the build.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
+install(FILES ${CMAKE_CURRENT_LIST_DIR}/debian/overrides DESTINATION share/lintian/overrides
+  RENAME ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} COMPONENT runtime EXCLUDE_FROM_ALL)
+file(WRITE ${PROJECT_BINARY_DIR}/debian/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/cpack.cmake)
+
+# A changelog in Debian's form.
+execute_process(COMMAND date -R -u -d ${TZM_RELEASE_DATE} OUTPUT_VARIABLE date COMMAND_ERROR_IS_FATAL ANY)
+file(WRITE ${PROJECT_BINARY_DIR}/debian/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgency=medium
+
+  * What is new is told by CHANGELOG.md, in the package libsignal-tzm-doc.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}")
+execute_process(COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/debian/changelog COMMAND_ERROR_IS_FATAL ANY)
+
+include(CPack)
+
+add_custom_target(packages VERBATIM
+  COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake -B ${PROJECT_BINARY_DIR}/packages)
+foreach(target ${tzm_libraries} tzm tzm_manual docs)
+  if(TARGET ${target})
+    add_dependencies(packages ${target})
+  endif()
+endforeach()
