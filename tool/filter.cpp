@@ -1,13 +1,19 @@
 // tzm filter: lowpass, highpass, bandpass and bandstop filters of linear phase.
 #include <signal_tzm/companion.h>
+#include <signal_tzm/elementary.h>
 #include <signal_tzm/fir.h>
+#include <signal_tzm/transform.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cmath>
 
 #include "audio.h"
 #include "command.h"
 #include "handle.h"
 #include "options.h"
+#include "plot.h"
 #include "stream.h"
 #include "text.h"
 
@@ -21,7 +27,7 @@ constexpr std::array<std::string_view, 4> kWindowNames{"bartlett", "blackman", "
 constexpr int32_t kMostTaps = 1 << 20;
 
 struct Settings {
-  std::string file, output;
+  std::string file, output, response;
   size_t kind = kLowpass, window = 2;
   double cutoff = 0, upper = 0;
   int32_t taps = 255;
@@ -29,6 +35,7 @@ struct Settings {
 
 using Design = Handle<FIRGenState, ORVAS_FIRGenRelease>;
 using Filter = Handle<FIRSRState, ORVAS_FIRSRRelease_32f>;
+using Spec = Handle<OrvaTransformSpec, ORVAS_DFTRToCRelease_32f>;
 
 std::vector<float> MakeTaps(const Settings& s, int32_t rate) {
   std::vector<double> taps(size_t(s.taps));
@@ -48,6 +55,31 @@ std::vector<float> MakeTaps(const Settings& s, int32_t rate) {
   std::vector<float> rounded(taps.size());
   Require(ORVAS_Convert_64f32f(taps.data(), rounded.data(), s.taps), "the conversion");
   return rounded;
+}
+
+// The gain over frequency, in at least four points for each tap.
+void DrawResponse(const Settings& s, const std::vector<float>& taps, int32_t rate) {
+  const size_t len = std::bit_ceil(std::max<size_t>(4 * taps.size(), 1 << 13)), bins = len / 2 + 1;
+  std::vector<float> padded(taps), magnitude(bins);
+  padded.resize(len);
+  std::vector<Orva32fc> bin(bins);
+  const auto spec = MakeHandle<Spec>("the transform",
+                                     [&](auto** made) { return ORVAS_DFTRToCInit_32f(int32_t(len), 4, made); });
+  Require(ORVAS_DFTRToC_32f(padded.data(), &bin[0].re, spec.get()), "the transform");
+  Require(ORVAS_Magnitude_32fc(bin.data(), magnitude.data(), int32_t(bins)), "the magnitude");
+  Plot plot;
+  plot.title = std::string(kKindNames[s.kind]) + ": frequency response";
+  plot.subtitle = Format("%d Hz, %d taps, %s window", rate, s.taps, std::string(kWindowNames[s.window]).c_str());
+  plot.x = {"Frequency (Hz)", 0, rate / 2.0};
+  plot.y = {"Gain (dB)", -120, 10};
+  for (size_t i = 0; i < bins; ++i) {
+    plot.xs.push_back(double(i) * rate / double(len));
+    plot.ys.push_back(20 * std::log10(double(magnitude[i])));
+  }
+  for (const double edge : {s.cutoff, s.upper}) {
+    if (edge > 0) plot.markers.push_back({edge, 20 * std::log10(0.5), Format("%.6g Hz", edge)});
+  }
+  WritePlot(plot, s.response);
 }
 
 // The filter delays by half its length, which is taken out.
@@ -95,15 +127,18 @@ void Run(int argc, char** argv) {
   options.Number("upper", 'u', "upper edge of a band in Hz", settings.upper, 1e-3, 1e9);
   options.Number("taps", 't', "length of the filter, odd", settings.taps, 5, kMostTaps);
   options.Choice("window", 'w', kWindowNames, "window of the design", settings.window);
+  options.Text("response", 0, "PLOT", "draw the gain over frequency to this file, .png or .svg", settings.response);
   const auto operands = options.Parse(argc, argv, 2);
   if (!operands) return;
   settings.file = operands->at(0);
   settings.output = operands->at(1);
+  if (!settings.response.empty()) CheckPlotName(settings.response);
   if (settings.taps % 2 == 0) throw UsageError(Format("--taps is odd, unlike %d", settings.taps));
 
   AudioReader reader(settings.file);
   CheckCutoffs(settings, reader.Rate());
   const std::vector<float> taps = MakeTaps(settings, reader.Rate());
+  if (!settings.response.empty()) DrawResponse(settings, taps, reader.Rate());
   AudioWriter writer(settings.output, reader.Rate(), reader.Channels(), reader.SampleFormat());
   Apply(reader, taps, writer);
   writer.Finish();

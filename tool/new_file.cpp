@@ -55,8 +55,8 @@ NewFile::NewFile(const std::string& path) : path_(path), target_(path) {
 }
 
 NewFile::~NewFile() {
-  OnSignals(SIG_DFL);
   if (!part_.empty()) std::remove(part_.c_str());
+  OnSignals(SIG_DFL);
 }
 
 void NewFile::Complete() {

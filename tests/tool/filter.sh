@@ -23,11 +23,11 @@ near 'bandstop, above' "$(gain 12000 -k bandstop -f 3000 -u 6000)" 0 0.02
 # blocks are in it too; both ends, which a filter blurs, are left aside.
 "$make_sound" long.wav 2 300000 500 0.5 0
 for taps in 5 63 1023; do
-  "$tzm" filter -f 12000 -t "$taps" long.wav same.wav >said.txt
+  "$tzm" filter -f 12000 -t "$taps" --response plot.svg long.wav same.wav >said.txt
   near "length with $taps taps" "$(figure .samples stats same.wav)" 300000 0
   near "difference with $taps taps" "$(difference long.wav same.wav 560000 20000)" 0 0.0011
 done
-grep -q '48000 Hz, 2 channels, 6.25 s' said.txt || wrong "it said: $(cat said.txt)"
+{ grep -q '48000 Hz, 2 channels, 6.25 s' said.txt && grep -q '<svg' plot.svg; } || wrong "it said: $(cat said.txt)"
 
 # A recording keeps its rate and 16-bit samples; one may be filtered into itself.
 cp "$recordings/Front_Center.wav" self.wav
