@@ -5,7 +5,10 @@ if(NOT TZM_MULTIARCH)
 endif()
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_COMPONENTS_ALL runtime development tool)
+set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET tzm)
+  list(APPEND CPACK_COMPONENTS_ALL tool)
+endif()
 if(NOT CMAKE_CROSSCOMPILING)  # the documents are the same everywhere
   list(APPEND CPACK_COMPONENTS_ALL documents)
 endif()
@@ -39,14 +42,15 @@ macro(tzm_package component name section multiarch description)
     COMPONENT ${component} EXCLUDE_FROM_ALL)
 endmacro()
 
+string(REPLACE "+crypto" "" level ${TZM_MARCH})  # which only the compiler wants
 set(same_version "(= ${PROJECT_VERSION})")
 set(about "A shared library with a plain C interface: element-wise arithmetic, elementary
 functions, reductions, windows, transforms, filters, resampling, convolution
 and correlation, with results that are the same bits on every machine.")
 tzm_package(runtime libsignal-tzm${PROJECT_VERSION_MAJOR} libs same "signal-processing primitives with exact results
 ${about}
-On amd64 it needs a processor of the level ${TZM_MARCH}. Here are the library
-and its default companions.")
+It needs a processor of the level ${level}. Here are the library and its
+default companions.")
 tzm_package(development libsignal-tzm-dev libdevel same "signal-processing primitives - development files
 ${about}
 Here are the headers, a CMake package and a pkg-config file."
@@ -68,11 +72,17 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
-install(FILES ${CMAKE_CURRENT_LIST_DIR}/debian/overrides DESTINATION share/lintian/overrides
-  RENAME ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} COMPONENT runtime EXCLUDE_FROM_ALL)
 file(WRITE ${PROJECT_BINARY_DIR}/debian/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/cpack.cmake)
+
+# The loader's cache is renewed. The vector mathematics call nothing but the library that they stand for, not even the
+# C library, and lintian is told that this is meant.
+file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)
+file(WRITE ${PROJECT_BINARY_DIR}/debian/overrides
+  "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}: library-not-linked-against-libc [usr/lib/*/libtzm_vmath.so.*]\n")
+install(FILES ${PROJECT_BINARY_DIR}/debian/overrides DESTINATION share/lintian/overrides
+  RENAME ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} COMPONENT runtime EXCLUDE_FROM_ALL)
 
 # A changelog in Debian's form.
 execute_process(COMMAND date -R -u -d ${TZM_RELEASE_DATE} OUTPUT_VARIABLE date COMMAND_ERROR_IS_FATAL ANY)

@@ -38,7 +38,7 @@ look_into_packages() {
   commands=$(${EMULATOR:-} "$build/bin/tzm" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/-\1/p')
   # shellcheck disable=SC2046,SC2086
   {
-    holds "$run" "usr/$LIBDIR/libsignal_tzm.so.$VERSION" "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so.0
+    holds "$run" "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so.{"$VERSION","${VERSION%%.*}"}
     holds libsignal-tzm-dev "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so usr/include/signal_tzm.h \
       "usr/$LIBDIR/"{pkgconfig/signal_tzm.pc,cmake/signal_tzm/signal_tzmConfig.cmake}
     holds tzm usr/bin/tzm $(printf 'usr/share/man/man1/tzm%s.1.gz\n' '' $commands)
