@@ -96,6 +96,7 @@ execute_process(COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/debian/changelog COMMAND
 include(CPack)
 
 add_custom_target(packages VERBATIM
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${PROJECT_BINARY_DIR}/packages
   COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake -B ${PROJECT_BINARY_DIR}/packages)
 foreach(target ${tzm_libraries} tzm tzm_manual docs)
   if(TARGET ${target})
