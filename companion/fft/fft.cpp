@@ -11,6 +11,7 @@
 #include <signal_tzm/companion.h>
 
 #include "frame/vector.h"
+#include "helpers.h"
 
 #include <fftw3.h>
 
@@ -70,6 +71,7 @@ alignas(kScratchAlignment) char planningArrays[4][kScratchAlignment];
     static constexpr auto MakePlannerThreadSafe = prefix##_make_planner_thread_safe;   \
     static constexpr auto Threads = prefix##_planner_nthreads;                         \
     static constexpr auto SetThreads = prefix##_plan_with_nthreads;                    \
+    static constexpr auto SetLoop = prefix##_threads_set_callback;                     \
   };
 TZM_FFTW(Double, Orva64f, Orva64fc, fftw)
 TZM_FFTW(Single, Orva32f, Orva32fc, fftwf)
@@ -152,6 +154,8 @@ struct Planner {
 template <class Fftw>
 constinit Planner<Fftw> planner;
 
+constinit Helpers helpers;
+
 template <class Fftw>
 int ThreadsFor(int64_t points) {
   if (points < kThreadedPoints) return 1;
@@ -181,6 +185,9 @@ template <class Fftw>
 int EnableThreads() {
   const int enabled = Fftw::InitThreads();
   Fftw::MakePlannerThreadSafe();
+  Fftw::SetLoop([](void* (*work)(char*), char* jobs, size_t size, int count, void*) {
+    helpers.Run(work, jobs, size, count);
+  }, nullptr);
   return enabled;
 }
 
@@ -200,6 +207,7 @@ bool MakePlans(Record<Fftw>& record, int rank) {
   std::vector<Axis> packed = record.axes;
   record.misaligned = MisalignedBits<Fftw>();
   EnableThreads<Fftw>();
+  if (threads > 1) helpers.Start(threads - 1);
   const int before = Fftw::Threads();  // the process may plan with FFTW itself
   Fftw::SetThreads(threads);
   if (kind == Kind::kComplex) {
@@ -437,6 +445,9 @@ void DropIdlePlans() {
 __attribute__((destructor)) void Unload() {
   DropIdlePlans<Double>();
   DropIdlePlans<Single>();
+  Double::SetLoop(nullptr, nullptr);
+  Single::SetLoop(nullptr, nullptr);
+  helpers.Stop();
 }
 
 // Planning reports every failure as a null plan.

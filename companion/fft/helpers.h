@@ -1,0 +1,126 @@
+// Threads that help with FFTW's parallel loops. The calling thread takes jobs itself, one after the other,
+// and a helper takes one only when it has a processor to run on. So a helper that gets none holds nobody up:
+// a team with a job for each of its threads waits for the slowest, on a busy machine a hundred times as long.
+#pragma once
+
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <mutex>
+
+namespace tzm {
+
+// Needs no construction at load time, and no destruction.
+class Helpers {
+ public:
+  // From now on `count` threads help, or as many as the system gives.
+  void Start(int count) {
+    const std::lock_guard guard(lock_);
+    sigset_t all, before;  // the process's signals are not for these threads
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    process_ = getpid();
+    const auto serve = [](void* self) -> void* { return static_cast<Helpers*>(self)->Serve(), nullptr; };
+    while (count_ < std::min(count, kMost) && pthread_create(&threads_[count_], nullptr, serve, this) == 0) ++count_;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  }
+
+  // Calls work(jobs), work(jobs + size) ... `count` times; all of it is done when this returns.
+  void Run(void* (*work)(char*), char* jobs, size_t size, int count) {
+    Loop loop{work, jobs, size, count};
+    {
+      const std::lock_guard guard(lock_);
+      loop.later = loops_;
+      loops_ = &loop;
+    }
+    ++posted_;
+    posted_.notify_all();
+    loop.TakeJobs();
+    {
+      const std::lock_guard guard(lock_);
+      Loop** link = &loops_;
+      while (*link != &loop) link = &(*link)->later;
+      *link = loop.later;
+    }
+    while (const int inside = loop.helpers) Await(loop.helpers, inside);
+    const std::lock_guard guard(lock_);  // the last helper has let go of the loop
+  }
+
+  // Ends the threads. Loops run on without them.
+  void Stop() {
+    stopped_ = true;
+    ++posted_;
+    posted_.notify_all();
+    if (process_ != getpid()) return;  // forked: they stayed behind
+    while (count_ > 0) pthread_join(threads_[--count_], nullptr);
+  }
+
+ private:
+  static constexpr int kMost = 255;
+  // Longer than the gap between two loops of one transform, and than most waits for the last job.
+  static constexpr std::chrono::microseconds kAwake{50};
+
+  struct Loop {
+    void* (*work)(char*);
+    char* jobs;
+    size_t size;
+    int count;
+    std::atomic<int> taken = 0;
+    std::atomic<int> helpers = 0;  // threads that take jobs of it
+    Loop* later = nullptr;
+
+    void TakeJobs() {
+      for (int k; (k = taken++) < count;) work(jobs + static_cast<size_t>(k) * size);
+    }
+  };
+
+  // Returns when `value` is no longer `old`: soon, or after a sleep.
+  static void Await(const std::atomic<int>& value, int old) {
+    const auto end = std::chrono::steady_clock::now() + kAwake;
+    while (value == old) {
+      if (std::chrono::steady_clock::now() > end) return value.wait(old);
+    }
+  }
+
+  // A loop with jobs left, or null.
+  Loop* Join() {
+    const std::lock_guard guard(lock_);
+    Loop* loop = loops_;
+    while (loop != nullptr && loop->taken >= loop->count) loop = loop->later;
+    if (loop != nullptr) ++loop->helpers;
+    return loop;
+  }
+
+  void Leave(Loop& loop) {
+    const std::lock_guard guard(lock_);
+    --loop.helpers;
+    loop.helpers.notify_one();
+  }
+
+  void Serve() {
+    for (;;) {
+      const int seen = posted_;
+      if (stopped_) return;
+      if (Loop* loop = Join()) {
+        loop->TakeJobs();
+        Leave(*loop);
+      } else {
+        Await(posted_, seen);
+      }
+    }
+  }
+
+  std::mutex lock_;
+  Loop* loops_ = nullptr;
+  std::atomic<int> posted_ = 0;  // changes with every loop, and at the end
+  std::atomic<bool> stopped_ = false;
+  pthread_t threads_[kMost] = {};
+  int count_ = 0;
+  pid_t process_ = 0;
+};
+
+}  // namespace tzm
