@@ -4,6 +4,7 @@
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/estimate.h"
+#include "frame/reciprocal.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 
@@ -11,16 +12,11 @@ using namespace tzm;
 
 namespace {
 
-// Every element times the reciprocal of the constant, rounded once: not the quotient, by contract.
 template <class T>
-OrvaStatus MulReciprocal(const T* src, T value, T* dst, int32_t len) {
+OrvaStatus DivideReals(const T* src, T value, T* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
-  const Full<T> d;
-  const auto reciprocal = hn::Set(d, 1 / value);
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const T* from, T* to) TZM_LAMBDA {
-    hn::StoreU(hn::Mul(hn::LoadU(d, from), reciprocal), d, to);
-  }, src, dst);
+  MulReciprocal(src, value, dst, static_cast<size_t>(len));
   return ORVA_STS_NO_ERR;
 }
 
@@ -87,11 +83,11 @@ bool DivideInto(const Orva16u* src, Orva16u value, Orva16u* dst, size_t len) {
 }  // namespace
 
 OrvaStatus ORVAS_DivC_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
-  return MulReciprocal(src, value, dst, len);
+  return DivideReals(src, value, dst, len);
 }
 
 OrvaStatus ORVAS_DivC_64f(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
-  return MulReciprocal(src, value, dst, len);
+  return DivideReals(src, value, dst, len);
 }
 
 OrvaStatus ORVAS_DivC_32f_I(Orva32f value, Orva32f* srcDst, int32_t len) {

@@ -1,9 +1,9 @@
 // FFT and DFT specs: a plan made once by Init, run by the working calls, given back by Release.
-#include <signal_tzm/arith.h>
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
 #include "frame/fft.h"
+#include "frame/reciprocal.h"
 
 #include <cmath>
 #include <type_traits>
@@ -106,18 +106,13 @@ OrvaStatus CheckRun(const OrvaTransformSpec* spec, const T*... arrays) {
   return Family::CheckLength(spec->len);
 }
 
-void Divide(Orva32f by, Orva32f* data, int32_t count) { ORVAS_DivC_32f_I(by, data, count); }
-void Divide(Orva64f by, Orva64f* data, int32_t count) { ORVAS_DivC_64f_I(by, data, count); }
-
 // A transform in the given direction is divided by n (flag 1 forward, 2 inverse), by its root (3), or
-// not at all (4). The direction that a flag leaves alone is divided by 0, which the division refuses.
+// not at all: ORVAS_DivC without its call, which short transforms would notice.
 template <class Real>
 void Normalise(const OrvaTransformSpec* spec, int32_t direction, Real* data, int32_t count) {
-  if (spec->flag == 4) return;
-  Real by = 0;
-  if (spec->flag == 3) by = static_cast<Real>(sqrt(static_cast<double>(spec->len)));
-  else if (direction == (spec->flag == 1 ? kForward : kInverse)) by = static_cast<Real>(spec->len);
-  Divide(by, data, count);
+  if (spec->flag != 3 && spec->flag != (direction == kForward ? 1 : 2)) return;
+  const Real by = static_cast<Real>(spec->flag == 3 ? sqrt(static_cast<double>(spec->len)) : spec->len);
+  MulReciprocal(data, by, data, static_cast<size_t>(count));
 }
 
 template <class Real>
