@@ -1,12 +1,17 @@
 // Transforms against their definitions in long double, and what a spec owes its caller.
+#include <fftw3.h>
+#include <gtest/gtest.h>
+#include <signal_tzm/companion.h>
 #include <signal_tzm/transform.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <complex>
+#include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "support/arguments.h"
 #include "support/compare.h"
@@ -25,245 +30,374 @@ Wide Turn(long double cycles) {
   return {std::cos(angle), std::sin(angle)};
 }
 
-template <class C>
-std::vector<Wide> Widen(const std::vector<C>& values) {
+std::vector<Wide> Widen(auto&& values) {
   std::vector<Wide> wide;
-  for (const C& v : values) {
-    if constexpr (std::is_floating_point_v<C>) wide.push_back({v, 0});
+  for (const auto& v : values) {
+    if constexpr (std::is_floating_point_v<std::decay_t<decltype(v)>>) wide.push_back({v, 0});
     else wide.push_back({v.re, v.im});
   }
   return wide;
 }
 
-// sign -1 forward, +1 inverse; no normalisation.
-std::vector<Wide> Definition(const std::vector<Wide>& x, int sign) {
+// Bins 0, step, 2*step ... of the transform; sign -1 forward, +1 inverse; no normalisation.
+std::vector<Wide> Definition(const std::vector<Wide>& x, int sign, size_t step = 1) {
   const size_t n = x.size();
-  std::vector<Wide> turns, result;
-  for (size_t k = 0; k < n; ++k) turns.push_back(Turn(sign * static_cast<long double>(k) / static_cast<long double>(n)));
-  for (size_t k = 0; k < n; ++k) {
-    Wide sum = 0;
-    for (size_t i = 0; i < n; ++i) sum += x[i] * turns[i * k % n];
-    result.push_back(sum);
+  std::vector<Wide> turns, bins;
+  for (size_t k = 0; k < n; ++k) turns.push_back(Turn(sign * static_cast<long double>(k) / n));
+  for (size_t k = 0; k < n; k += step) {
+    long double re = 0, im = 0;
+    for (size_t i = 0; i < n; ++i) {
+      const Wide& turn = turns[i * k % n];
+      re += x[i].real() * turn.real() - x[i].imag() * turn.imag();
+      im += x[i].real() * turn.imag() + x[i].imag() * turn.real();
+    }
+    bins.push_back({re, im});
   }
-  return result;
+  return bins;
 }
 
-template <class C>
-void ExpectNear(const std::vector<Wide>& expected, const C* actual, long double scale, const std::string& what) {
-  using Real = decltype(actual->re);
-  long double error = 0, power = 0;
-  for (size_t i = 0; i < expected.size(); ++i) {
-    error += std::norm(expected[i] * scale - Wide(actual[i].re, actual[i].im));
-    power += std::norm(expected[i] * scale);
+// The power of the error of the values 0, step ... of `actual`, as far as there are any, beside their own.
+double RelativeError(const std::vector<Wide>& expected, const std::vector<Wide>& actual, size_t step = 1) {
+  long double error = 0, power = std::numeric_limits<long double>::min();
+  for (size_t k = 0; k * step < actual.size(); ++k) {
+    error += std::norm(expected[k] - actual[k * step]);
+    power += std::norm(expected[k]);
   }
-  const long double bound = 4 * std::numeric_limits<Real>::epsilon();
-  EXPECT_LE(error, bound * bound * power) << what;
+  return static_cast<double>(error / power);
 }
 
 template <class Real>
-struct Names;
-#define NAMES(Real, bits, C)                                                                      \
-  template <>                                                                                     \
-  struct Names<Real> {                                                                            \
-    using Complex = C;                                                                            \
-    static constexpr auto kFftInit = ORVAS_FFTCToCInit_##bits##fc;                                \
-    static constexpr auto kDftInit = ORVAS_DFTCToCInit_##bits##fc;                                \
-    static constexpr auto kFft = ORVAS_FFTCToC_##bits##fc, kDft = ORVAS_DFTCToC_##bits##fc;       \
-    static constexpr auto kInPlace = ORVAS_FFTCToC_##bits##fc_I;                                  \
-    static constexpr auto kRelease = ORVAS_DFTCToCRelease_##bits##fc;                             \
-    static constexpr auto kSplitInit = ORVAS_DFTCToCInit_##bits##f;                               \
-    static constexpr auto kSplit = ORVAS_DFTCToC_##bits##f;                                       \
-    static constexpr auto kRealInit = ORVAS_DFTRToCInit_##bits##f;                                \
-    static constexpr auto kReal = ORVAS_DFTRToC_##bits##f;                                        \
-    static constexpr auto kBackInit = ORVAS_DFTCToRInit_##bits##f;                                \
-    static constexpr auto kBack = ORVAS_DFTCToR_##bits##f;                                        \
-    static constexpr auto kChirpReal = ORVAS_CZT_##bits##f;                                       \
-    static constexpr auto kChirp = ORVAS_CZT_##bits##fc;                                          \
-    static constexpr auto kGoertzelReal = ORVAS_Goertz_##bits##f;                                 \
-    static constexpr auto kGoertzel = ORVAS_Goertz_##bits##fc;                                    \
-    static constexpr auto kWelch = ORVAS_Pwelch_##bits##f;                                        \
-    static constexpr auto kWelchComplex = ORVAS_Pwelch_##bits##fc;                                \
+void ExpectNear(const std::vector<Wide>& expected, auto& actual, double epsilons) {
+  EXPECT_LE(std::sqrt(RelativeError(expected, Widen(actual))), epsilons * std::numeric_limits<Real>::epsilon());
+}
+
+// ---- Specs ----
+
+using Spec = OrvaTransformSpec;
+
+enum Kind { kComplex, kSplit, kForward, kBack };  // the order of a family's lists
+constexpr Kind kKinds[] = {kComplex, kSplit, kForward, kBack};
+
+#define FAMILY(Name, Letter, bits, fftw)                                                                            \
+  struct Name##bits {                                                                                               \
+    using Real = Orva##bits##f;                                                                                     \
+    using C = Orva##bits##fc;                                                                                       \
+    using Bins = fftw##_complex*;                                                                                   \
+    static constexpr bool kByOrder = Letter == 'F';                                                                 \
+    static constexpr decltype(&ORVAS_##Name##CToCInit_##bits##f) kInits[] = {ORVAS_##Name##CToCInit_##bits##fc,     \
+                                                                             ORVAS_##Name##CToCInit_##bits##f};     \
+    static constexpr decltype(&ORVAS_##Name##RToCInit_##bits##f) kRealInits[] = {ORVAS_##Name##RToCInit_##bits##f,  \
+                                                                                 ORVAS_##Name##CToRInit_##bits##f}; \
+    static constexpr decltype(&ORVAS_##Name##CToCRelease_##bits##f) kReleases[] = {                                 \
+        ORVAS_##Name##CToCRelease_##bits##fc, ORVAS_##Name##CToCRelease_##bits##f,                                  \
+        ORVAS_##Name##RToCRelease_##bits##f, ORVAS_##Name##CToRRelease_##bits##f};                                  \
+    static constexpr auto kComplexRun = ORVAS_##Name##CToC_##bits##fc;                                              \
+    static constexpr auto kInPlaceRun = ORVAS_FFTCToC_##bits##fc_I; /* for the DFT family too: a spec is a spec */  \
+    static constexpr auto kSplitRun = ORVAS_##Name##CToC_##bits##f;                                                 \
+    static constexpr auto kForwardRun = ORVAS_##Name##RToC_##bits##f;                                               \
+    static constexpr auto kBackRun = ORVAS_##Name##CToR_##bits##f;                                                  \
+    static constexpr auto kPlan = fftw##_plan_dft_1d;                                                               \
+    static constexpr auto kPlanForward = fftw##_plan_dft_r2c_1d;                                                    \
+    static constexpr auto kPlanBack = fftw##_plan_dft_c2r_1d;                                                       \
+    static constexpr auto kExecute = fftw##_execute;                                                                \
+    static constexpr auto kDestroy = fftw##_destroy_plan;                                                           \
   };
-NAMES(Orva32f, 32, Orva32fc)
-NAMES(Orva64f, 64, Orva64fc)
-#undef NAMES
+FAMILY(FFT, 'F', 32, fftwf)
+FAMILY(FFT, 'F', 64, fftw)
+FAMILY(DFT, 'D', 32, fftwf)
+FAMILY(DFT, 'D', 64, fftw)
+#undef FAMILY
 
-template <class Real>
-class Transform : public testing::Test {};
-using Reals = testing::Types<Orva32f, Orva64f>;
-TYPED_TEST_SUITE(Transform, Reals);
+template <class F>
+class Specs : public testing::Test {};
+using Families = testing::Types<FFT32, FFT64, DFT32, DFT64>;
+TYPED_TEST_SUITE(Specs, Families);
 
-// What a flag divides by.
-long double Divisor(int32_t flag, bool forward, size_t n) {
-  if (flag == 3) return std::sqrt(static_cast<long double>(n));
-  return flag == (forward ? 1 : 2) ? static_cast<long double>(n) : 1;
+template <class F>
+OrvaStatus Init(Kind kind, int32_t length, int32_t direction, int32_t flag, Spec** spec) {
+  return kind < kForward ? F::kInits[kind](length, direction, flag, spec)
+                         : F::kRealInits[kind - kForward](length, flag, spec);
 }
 
-TYPED_TEST(Transform, Specs) {
-  using Real = TypeParam;
-  using N = Names<Real>;
-  using C = typename N::Complex;
-  for (size_t n : {1, 2, 3, 4, 5, 8, 12, 31, 32, 45, 64, 97, 128}) {
-    const auto len = static_cast<int32_t>(n);
-    const auto x = RandomArray<C>(n, n);
-    const auto real = RandomArray<Real>(n, n + 1);
-    for (int32_t flag = 1; flag <= 4; ++flag) {
-      for (int32_t direction : {1, 0, -5}) {
-        const bool forward = direction > 0;
-        const auto expected = Definition(Widen(x), forward ? -1 : 1);
-        const long double scale = 1 / Divisor(flag, forward, n);
-        const std::string what = "length " + std::to_string(n) + " flag " + std::to_string(flag);
-        OrvaTransformSpec* spec = nullptr;
-        const GuardedArray<C> src(x);
-        GuardedArray<C> dst(n);
-        ASSERT_EQ(ORVA_STS_NO_ERR, N::kDftInit(len, direction, flag, &spec));
-        EXPECT_EQ(ORVA_STS_NO_ERR, N::kDft(src.data(), dst.data(), spec));
-        ExpectNear(expected, dst.data(), scale, what);
-        EXPECT_EQ(ORVA_STS_NO_ERR, N::kRelease(spec));
-        if ((n & (n - 1)) == 0) {
-          ASSERT_EQ(ORVA_STS_NO_ERR, N::kFftInit(static_cast<int32_t>(std::log2(n)), direction, flag, &spec));
-          EXPECT_EQ(ORVA_STS_NO_ERR, N::kFft(src.data(), dst.data(), spec));
-          ExpectNear(expected, dst.data(), scale, what + " FFT");
-          GuardedArray<C> srcDst(x, Place::kUnaligned);
-          EXPECT_EQ(ORVA_STS_NO_ERR, N::kInPlace(srcDst.data(), spec));
-          ExpectNear(expected, srcDst.data(), scale, what + " in place");
-          EXPECT_EQ(ORVA_STS_NO_ERR, N::kRelease(spec));
-        }
+// Reals of one source and of one destination array.
+size_t Sources(Kind kind, size_t n) { return kind == kComplex ? 2 * n : kind == kBack ? n / 2 * 2 + 2 : n; }
+size_t Results(Kind kind, size_t n) { return kind == kComplex ? 2 * n : kind == kForward ? n / 2 * 2 + 2 : n; }
 
-        GuardedArray<Real> re(n), im(n), outRe(n), outIm(n);
-        for (size_t i = 0; i < n; ++i) re[i] = x[i].re, im[i] = x[i].im;
-        ASSERT_EQ(ORVA_STS_NO_ERR, N::kSplitInit(len, direction, flag, &spec));
-        EXPECT_EQ(ORVA_STS_NO_ERR, N::kSplit(re.data(), im.data(), outRe.data(), outIm.data(), spec));
-        EXPECT_EQ(ORVA_STS_NO_ERR, N::kRelease(spec));
-        std::vector<C> joined;
-        for (size_t i = 0; i < n; ++i) joined.push_back({outRe[i], outIm[i]});
-        ExpectNear(expected, joined.data(), scale, what + " split");
+// The samples of a transform, split ones as two halves of one array.
+template <class F>
+std::vector<typename F::Real> Samples(Kind kind, size_t n, size_t seed = 0) {
+  auto samples = RandomArray<typename F::Real>((kind == kSplit ? 2 : 1) * Sources(kind, n), seed);
+  if (kind == kBack) samples[1] = 0, samples[n % 2 == 0 ? n + 1 : 1] = 0;  // both ends of a spectrum are real
+  return samples;
+}
+
+// Sources or results as complex numbers; all n sources, also of a half spectrum.
+std::vector<Wide> Complexes(Kind kind, size_t n, const auto& values, bool sources) {
+  std::vector<Wide> all;
+  const bool half = kind == (sources ? kBack : kForward), reals = kind == (sources ? kForward : kBack);
+  for (size_t i = 0; i < (half && !sources ? n / 2 + 1 : n); ++i) {
+    const size_t at = half && i > n / 2 ? n - i : i;
+    if (reals) all.push_back(values[i]);
+    else if (kind == kSplit) all.push_back({values[i], values[n + i]});
+    else all.push_back({values[2 * at], at == i ? values[2 * at + 1] : -values[2 * at + 1]});
+  }
+  return all;
+}
+
+// A spec, and arrays for each of its runs.
+template <class F>
+class Transform {
+ public:
+  using Real = typename F::Real;
+  Transform(Kind kind, size_t n, int32_t direction = 1, int32_t flag = 4) : kind_(kind), n_(n) {
+    const auto length = static_cast<int32_t>(F::kByOrder ? static_cast<size_t>(std::countr_zero(n)) : n);
+    EXPECT_EQ(ORVA_STS_NO_ERR, Init<F>(kind, length, direction, flag, &spec_));
+  }
+  Transform(const Transform&) = delete;
+  ~Transform() { EXPECT_EQ(ORVA_STS_NO_ERR, F::kReleases[kind_](spec_)); }
+
+  std::vector<Real> operator()(const std::vector<Real>& samples, Place place = Place::kStart, bool inPlace = false) {
+    const size_t sources = Sources(kind_, n_), results = Results(kind_, n_), room = std::max(sources, results);
+    GuardedArray<Real> in(inPlace ? room : sources, place), inIm(sources, place), out(results, place), outIm(n_, place);
+    std::copy_n(samples.begin(), sources, in.data());
+    if (kind_ == kSplit) std::copy_n(&samples[n_], n_, inIm.data());
+    Real *const to = (inPlace ? in : out).data(), *const toIm = (inPlace ? inIm : outIm).data();
+    using C = typename F::C;
+    auto *const bins = reinterpret_cast<C*>(in.data()), *const toBins = reinterpret_cast<C*>(to);
+    const OrvaStatus status = kind_ == kSplit     ? F::kSplitRun(in.data(), inIm.data(), to, toIm, spec_)
+                              : kind_ == kForward ? F::kForwardRun(in.data(), to, spec_)
+                              : kind_ == kBack    ? F::kBackRun(in.data(), to, spec_)
+                              : inPlace           ? F::kInPlaceRun(bins, spec_)
+                                                  : F::kComplexRun(bins, toBins, spec_);
+    EXPECT_EQ(ORVA_STS_NO_ERR, status);
+    EXPECT_TRUE(inPlace || kind_ == kBack || SameBits("source", samples.data(), in.data(), sources));
+    std::vector<Real> result(to, to + results);
+    if (kind_ == kSplit) result.insert(result.end(), toIm, toIm + n_);
+    return result;
+  }
+
+ private:
+  Kind kind_;
+  size_t n_;
+  Spec* spec_ = nullptr;
+};
+
+// FFTW's own transform; instead of split arrays, of interleaved ones.
+template <class F>
+std::vector<typename F::Real> Fftw(Kind kind, int sign, size_t n, const auto& samples, bool inPlace) {
+  std::unique_ptr<void, decltype(&fftw_free)> source(fftw_malloc(16 * n + 16), fftw_free);
+  std::unique_ptr<void, decltype(&fftw_free)> result(fftw_malloc(16 * n + 16), fftw_free);
+  auto *const in = static_cast<typename F::Real*>(source.get());
+  auto *const out = inPlace ? in : static_cast<typename F::Real*>(result.get());
+  auto *const bins = reinterpret_cast<typename F::Bins>(in), *const outBins = reinterpret_cast<typename F::Bins>(out);
+  const int length = static_cast<int>(n);
+  const auto plan = kind == kForward ? F::kPlanForward(length, in, outBins, FFTW_ESTIMATE)
+                    : kind == kBack  ? F::kPlanBack(length, bins, out, FFTW_ESTIMATE)
+                                     : F::kPlan(length, bins, outBins, sign, FFTW_ESTIMATE);
+  for (size_t i = 0; i < samples.size(); ++i) in[kind == kSplit ? i % n * 2 + i / n : i] = samples[i];
+  F::kExecute(plan);
+  F::kDestroy(plan);
+  return {out, out + Results(kind == kSplit ? kComplex : kind, n)};
+}
+
+// Against the definition, not worse than FFTW; the same bits at any address; nothing outside the arrays.
+TYPED_TEST(Specs, Accuracy) {
+  std::vector<size_t> lengths = {97, 128, 251, 256, 1009, 2048, 2187, 40009};
+  for (size_t n = 1; n <= 64; ++n) lengths.push_back(n);
+  if (TypeParam::kByOrder) std::erase_if(lengths, [](size_t n) { return !std::has_single_bit(n); });
+  for (size_t n : lengths) {
+    const size_t step = n <= 64 ? 1 : n < 1000 ? 4 : n / 8 + 1;
+    for (Kind kind : kKinds) {
+      const std::string what = std::to_string(n) + " points, kind " + std::to_string(kind);
+      double ours[2] = {}, fftw[2] = {};  // by whether it is in place
+      for (size_t seed = 0; seed < (n < 1000 ? 6 : 2); ++seed) {
+        const int sign = kind == kForward ? -1 : kind == kBack ? 1 : seed % 2 == 0 ? -1 : 1;
+        const auto samples = Samples<TypeParam>(kind, n, seed);
+        const auto expected = Definition(Complexes(kind, n, samples, true), sign, step);
+        Transform<TypeParam> transform(kind, n, -sign);
+        for (bool inPlace : {false, true}) {
+          const auto actual = transform(samples, Place::kStart, inPlace);
+          ours[inPlace] += RelativeError(expected, Complexes(kind, n, actual, false), step);
+          const auto other = Fftw<TypeParam>(kind, sign, n, samples, inPlace);
+          fftw[inPlace] += RelativeError(expected, Complexes(kind == kSplit ? kComplex : kind, n, other, false), step);
+          for (Place place : {Place::kEnd, Place::kUnaligned}) {
+            const auto moved = transform(samples, place, inPlace);
+            EXPECT_TRUE(SameBits(what, actual.data(), moved.data(), actual.size()));
+          }
+        }
       }
-      OrvaTransformSpec* spec = nullptr;
-      auto expected = Definition(Widen(real), -1);
-      const auto whole = expected;
-      expected.resize(n / 2 + 1);
-      const GuardedArray<Real> src(real);
-      GuardedArray<Real> half(n / 2 * 2 + 2), back(n);
-      ASSERT_EQ(ORVA_STS_NO_ERR, N::kRealInit(len, flag, &spec));
-      EXPECT_EQ(ORVA_STS_NO_ERR, N::kReal(src.data(), half.data(), spec));
-      EXPECT_EQ(ORVA_STS_NO_ERR, N::kRelease(spec));
-      ExpectNear(expected, reinterpret_cast<C*>(half.data()), 1 / Divisor(flag, true, n), "RToC " + std::to_string(n));
-      ASSERT_EQ(ORVA_STS_NO_ERR, N::kBackInit(len, flag, &spec));
-      for (size_t k = 0; k <= n / 2; ++k) {
-        half[2 * k] = static_cast<Real>(whole[k].real());
-        half[2 * k + 1] = static_cast<Real>(whole[k].imag());
-      }
-      EXPECT_EQ(ORVA_STS_NO_ERR, N::kBack(half.data(), back.data(), spec));
-      EXPECT_EQ(ORVA_STS_NO_ERR, N::kRelease(spec));
-      const Real gain = static_cast<Real>(n / Divisor(flag, false, n));
-      for (size_t i = 0; i < n; ++i)
-        EXPECT_NEAR(real[i] * gain, back[i], 20 * std::numeric_limits<Real>::epsilon() * static_cast<double>(n));
+      // Split arrays may go through interleaved ones in place.
+      if (kind == kSplit) fftw[0] = fftw[1] = std::max(fftw[0], fftw[1]);
+      for (int inPlace : {0, 1}) EXPECT_LE(std::sqrt(ours[inPlace]), 1.2 * std::sqrt(fftw[inPlace])) << what;
     }
   }
 }
 
-TEST(Transform, SpecStatuses) {
-  OrvaTransformSpec* const untouched = reinterpret_cast<OrvaTransformSpec*>(1);
-  OrvaTransformSpec* spec = untouched;
-  for (int32_t order : {28, -1, INT32_MIN}) EXPECT_EQ(ORVA_STS_FFT_ORDER_ERR, ORVAS_FFTCToCInit_32fc(order, 1, 9, &spec));
-  EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_DFTCToCInit_32f(0, 1, 9, &spec));
-  EXPECT_EQ(ORVA_STS_MEM_ALLOC_ERR, ORVAS_DFTRToCInit_64f(134217729, 9, &spec));
-  for (int32_t flag : {0, 5, -1}) EXPECT_EQ(ORVA_STS_FFT_FLAG_ERR, ORVAS_DFTCToRInit_32f(8, flag, &spec));
-  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_FFTRToCInit_32f(99, 9, nullptr));
-  EXPECT_EQ(untouched, spec);
-  EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_FFTCToRRelease_64f(nullptr));
+// A flag multiplies by the divisor's reciprocal, rounded once, and does nothing else.
+TYPED_TEST(Specs, Normalisation) {
+  using Real = typename TypeParam::Real;
+  for (size_t n : {2, 8, 64, 6, 31}) {
+    if (TypeParam::kByOrder && !std::has_single_bit(n)) break;
+    for (int which = 0; which < 12; ++which) {
+      const Kind kind = kKinds[which / 3];
+      const int32_t direction = which % 3 == 0 ? 1 : which % 3 == 1 ? 0 : -5;
+      const bool forward = kind == kForward || (kind != kBack && direction > 0);
+      const auto samples = Samples<TypeParam>(kind, n);
+      const auto plain = Transform<TypeParam>(kind, n, direction, 4)(samples);
+      for (int32_t flag : {1, 2, 3}) {
+        const Real root = static_cast<Real>(std::sqrt(static_cast<double>(n)));
+        const Real by = flag == 3 ? root : flag == (forward ? 1 : 2) ? static_cast<Real>(n) : 1;
+        auto expected = plain;
+        for (Real& value : expected) value *= 1 / by;
+        const auto actual = Transform<TypeParam>(kind, n, direction, flag)(samples, Place::kEnd);
+        EXPECT_TRUE(SameBits("flag " + std::to_string(flag), expected.data(), actual.data(), actual.size())) << n;
+      }
+    }
+  }
+}
 
-  ASSERT_EQ(ORVA_STS_NO_ERR, ORVAS_FFTCToCInit_64f(3, 1, 1, &spec));
-  Orva64f data[4][8] = {};
-  CheckNulls(ORVAS_FFTCToC_64f, data[0], data[1], data[2], data[3], spec);
-  EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_FFTCToCRelease_64f(spec));
-
-  const auto faults = [](auto init, auto release) {
-    return ForEachFault([=] {
-      OrvaTransformSpec* made = nullptr;
-      const OrvaStatus status = init(&made);
-      EXPECT_EQ(status == ORVA_STS_NO_ERR, made != nullptr);
-      if (made != nullptr) release(made);
-      return status;
-    });
+TYPED_TEST(Specs, Statuses) {
+  using F = TypeParam;
+  Spec *const untouched = reinterpret_cast<Spec*>(1), *spec = untouched;
+  const auto bad = [](int32_t length) {
+    return F::kByOrder ? ORVA_STS_FFT_ORDER_ERR : length < 1 ? ORVA_STS_SIZE_ERR : ORVA_STS_MEM_ALLOC_ERR;
   };
-  EXPECT_EQ(2, faults([](auto** s) { return ORVAS_FFTCToCInit_32fc(4, 1, 1, s); }, ORVAS_FFTCToCRelease_32fc));
-  EXPECT_EQ(2, faults([](auto** s) { return ORVAS_DFTCToCInit_64f(6, 1, 1, s); }, ORVAS_DFTCToCRelease_64f));
-  EXPECT_EQ(2, faults([](auto** s) { return ORVAS_FFTRToCInit_64f(4, 1, s); }, ORVAS_FFTRToCRelease_64f));
-  EXPECT_EQ(2, faults([](auto** s) { return ORVAS_DFTCToRInit_32f(5, 1, s); }, ORVAS_DFTCToRRelease_32f));
-}
-
-template <class T>
-void ExpectShift(OrvaStatus (*shift)(const T*, T*, int32_t)) {
-  for (size_t n = 1; n < 70; ++n) {
-    const auto values = RandomArray<T>(n, n, Variety::kWide);
-    auto expected = values;
-    std::rotate(expected.begin(), expected.begin() + static_cast<long>((n + 1) / 2), expected.end());
-    GuardedArray<T> src(values), dst(n);
-    EXPECT_EQ(ORVA_STS_NO_ERR, shift(src.data(), dst.data(), static_cast<int32_t>(n)));
-    EXPECT_TRUE(SameBits("FFTShift", expected.data(), dst.data(), n));
-    EXPECT_EQ(ORVA_STS_NO_ERR, shift(src.data(), src.data(), static_cast<int32_t>(n)));
-    EXPECT_TRUE(SameBits("FFTShift in place", expected.data(), src.data(), n));
+  for (Kind kind : kKinds) {
+    EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, Init<F>(kind, -1, 1, 9, nullptr));
+    for (int32_t length : {-1, INT32_MIN, 134217729}) EXPECT_EQ(bad(length), Init<F>(kind, length, 1, 9, &spec));
+    EXPECT_EQ(F::kByOrder ? ORVA_STS_FFT_ORDER_ERR : ORVA_STS_FFT_FLAG_ERR, Init<F>(kind, 28, 1, 9, &spec));
+    for (int32_t flag : {0, 5, -1}) EXPECT_EQ(ORVA_STS_FFT_FLAG_ERR, Init<F>(kind, 8, 1, flag, &spec));
+    EXPECT_EQ(2, ForEachFault([&] {
+      EXPECT_EQ(untouched, spec);
+      const OrvaStatus status = Init<F>(kind, 5, 1, 1, &spec);
+      EXPECT_EQ(status == ORVA_STS_NO_ERR, spec != untouched);
+      if (spec != untouched) F::kReleases[kind](std::exchange(spec, untouched));
+      return status;
+    }));
+    EXPECT_EQ(ORVA_STS_NO_ERR, F::kReleases[kind](nullptr));
   }
-}
 
-TEST(Transform, Shift) {
-  ExpectShift<Orva32f>(ORVAS_FFTShift_32f);
-  ExpectShift<Orva64f>(ORVAS_FFTShift_64f);
-  ExpectShift<Orva32fc>(ORVAS_FFTShift_32fc);
-  ExpectShift<Orva64fc>(ORVAS_FFTShift_64fc);
-}
-
-// ---- Chirp-Z ----
-
-TYPED_TEST(Transform, ChirpZ) {
-  using Real = TypeParam;
-  using N = Names<Real>;
-  using C = typename N::Complex;
-  for (auto [srcLen, dstLen] : {std::pair{1, 1}, {1, 2}, {2, 1}, {7, 7}, {16, 3}, {3, 40}, {33, 32}}) {
-    const Wide w = Turn(-0.013L) * 1.001L, a = Turn(0.07L) * 0.998L;
-    const C wSample = {static_cast<Real>(w.real()), static_cast<Real>(w.imag())};
-    const C aSample = {static_cast<Real>(a.real()), static_cast<Real>(a.imag())};
-    const auto check = [&](const auto& src, auto member) {
-      const auto wide = Widen(src);
-      std::vector<Wide> expected;
-      for (int k = 0; k < dstLen; ++k) {
-        Wide sum = 0;
-        for (int n = 0; n < srcLen; ++n)
-          sum += wide[static_cast<size_t>(n)] *
-                 std::pow(Wide(aSample.re, aSample.im), static_cast<long double>(-n)) *
-                 std::pow(Wide(wSample.re, wSample.im), static_cast<long double>(n * k));
-        expected.push_back(sum);
-      }
-      GuardedArray<C> dst(static_cast<size_t>(dstLen));
-      ASSERT_EQ(ORVA_STS_NO_ERR, member(src.data(), srcLen, dst.data(), dstLen, wSample, aSample));
-      long double error = 0, power = 1e-30L;
-      for (size_t k = 0; k < expected.size(); ++k) {
-        error += std::norm(expected[k] - Wide(dst[k].re, dst[k].im));
-        power += std::norm(expected[k]);
-      }
-      EXPECT_LE(std::sqrt(error / power), 300 * std::numeric_limits<Real>::epsilon()) << srcLen << " to " << dstLen;
-    };
-    check(RandomArray<Real>(static_cast<size_t>(srcLen), 5), N::kChirpReal);
-    check(RandomArray<C>(static_cast<size_t>(srcLen), 6), N::kChirp);
+  typename F::C bins[2][8] = {};
+  typename F::Real reals[4][18] = {};
+  ASSERT_EQ(ORVA_STS_NO_ERR, Init<F>(kComplex, 3, 1, 1, &spec));
+  CheckNulls(F::kComplexRun, bins[0], bins[1], spec);
+  CheckNulls(F::kInPlaceRun, bins[0], spec);
+  CheckNulls(F::kSplitRun, reals[0], reals[1], reals[2], reals[3], spec);
+  CheckNulls(F::kForwardRun, reals[0], reals[1], spec);
+  CheckNulls(F::kBackRun, reals[0], reals[1], spec);
+  struct Fields {  // with which a spec begins
+    void* plan;
+    int32_t len;
+  };
+  const Fields made = std::exchange(*reinterpret_cast<Fields*>(spec), {nullptr, 0});
+  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, F::kForwardRun(reals[0], reals[1], spec));
+  for (int32_t length : {0, -1, 134217729}) {
+    *reinterpret_cast<Fields*>(spec) = {made.plan, length};
+    EXPECT_EQ(bad(length), F::kForwardRun(reals[0], reals[1], spec));
   }
-  Real src[4] = {1, 2, 3, 4};
-  C dst[4] = {};
-  CheckNulls(N::kChirpReal, src, 4, dst, 4, {1, 0}, {1, 0});
-  EXPECT_EQ(ORVA_STS_SIZE_ERR, N::kChirpReal(src, 0, dst, 4, {1, 0}, {1, 0}));
-  EXPECT_EQ(ORVA_STS_SIZE_ERR, N::kChirpReal(src, 4, dst, 0, {1, 0}, {1, 0}));
-  EXPECT_EQ(ORVA_STS_OVERFLOW_ERR, N::kChirpReal(src, INT32_MAX, dst, INT32_MAX, {1, 0}, {1, 0}));
-  EXPECT_EQ(ORVA_STS_OVERFLOW_ERR, N::kChirpReal(src, 0x3ffffffe, dst, 1, {1, 0}, {1, 0}));
-  EXPECT_EQ(5, ForEachFault([&] {
-    dst[0].re = 77;
-    const OrvaStatus status = N::kChirpReal(src, 4, dst, 4, {1, 0}, {1, 0});
-    EXPECT_EQ(status != ORVA_STS_NO_ERR, dst[0].re == 77);
-    return status;
-  }));
+  F::kReleases[kComplex](spec);
 }
 
-// ---- Goertzel ----
+// 16 threads run the same specs and, in between, plan, run and release others of mixed kinds and lengths; the
+// longest takes helpers.
+TYPED_TEST(Specs, ManyThreads) {
+  using F = TypeParam;
+  static constexpr size_t kLengths[] = {8, 64, 256, 1024, 32768}, kCount = 4 * std::size(kLengths);
+  const auto lengthOf = [](size_t c) { return kLengths[c / 4] - (F::kByOrder ? 0 : c % 2); };
+  const auto make = [&](size_t c) { return std::make_unique<Transform<F>>(kKinds[c % 4], lengthOf(c)); };
+  std::unique_ptr<Transform<F>> shared[kCount];
+  std::vector<typename F::Real> samples[kCount], expected[kCount];
+  ORVAS_SetFFTNumberThreads(8);
+  for (size_t c = 0; c < kCount; ++c) {
+    shared[c] = make(c);
+    samples[c] = Samples<F>(kKinds[c % 4], lengthOf(c));
+    expected[c] = (*shared[c])(samples[c]);
+  }
+  std::vector<std::thread> threads;
+  for (size_t thread = 0; thread < 16; ++thread) threads.emplace_back([&, thread] {
+    for (size_t round = 0; round < 2 * kCount; ++round) {
+      const size_t c = (round * 7 + thread * 5) % kCount, own = (c + round) % kCount;
+      EXPECT_EQ(expected[c], (*shared[c])(samples[c], round % 3 == 0 ? Place::kUnaligned : Place::kStart));
+      EXPECT_EQ(expected[own], (*make(own))(samples[own]));
+    }
+  });
+  for (std::thread& thread : threads) thread.join();
+  tzm_fftf_cleanup_threads();  // plans made before outlive it
+  EXPECT_EQ(expected[kCount - 1], (*shared[kCount - 1])(samples[kCount - 1]));
+  ORVAS_SetFFTNumberThreads(8);
+}
+
+TEST(Spectra, ThreadCount) {
+  const char* const variable = "ORVA_FFT_THREAD_NUM";
+  const auto got = [&](const char* text) {
+    int32_t count = 0;
+    if (text != nullptr) setenv(variable, text, 1);
+    else unsetenv(variable);
+    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_GetFFTNumberThreads(&count));
+    return count;
+  };
+  EXPECT_EQ(8, got(nullptr));
+  for (const char* text : {"", "0", "-3", "abc", "4294967296"}) EXPECT_EQ(8, got(text));
+  EXPECT_EQ(5, got(" 5x"));
+  EXPECT_EQ(1, got("4294967297"));
+  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_GetFFTNumberThreads(nullptr));
+  EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_SetFFTNumberThreads(4));
+  for (int32_t bad : {0, -1}) EXPECT_EQ(ORVA_STS_BAD_ARG_ERR, ORVAS_SetFFTNumberThreads(bad));
+  EXPECT_STREQ("4", getenv(variable));
+}
+
+// ---- Shift, chirp-Z, Goertzel, Hilbert ----
+
+TEST(Spectra, Shift) {
+  const auto check = []<class T>(OrvaStatus (*shift)(const T*, T*, int32_t)) {
+    for (size_t n = 1; n < 70; ++n) {
+      const auto src = RandomArray<T>(n, n, Variety::kWide);
+      std::vector<T> expected(src), dst(n);
+      std::rotate(expected.begin(), expected.begin() + static_cast<ptrdiff_t>((n + 1) / 2), expected.end());
+      EXPECT_EQ(ORVA_STS_NO_ERR, shift(src.data(), dst.data(), static_cast<int32_t>(n)));
+      EXPECT_TRUE(SameBits("FFTShift", expected.data(), dst.data(), n));
+    }
+  };
+  check(ORVAS_FFTShift_32f), check(ORVAS_FFTShift_64f), check(ORVAS_FFTShift_32fc), check(ORVAS_FFTShift_64fc);
+}
+
+TEST(Spectra, ChirpZ) {
+  const auto powers = [](Wide z, size_t count) {
+    std::vector<Wide> result = {1};
+    while (result.size() < count) result.push_back(result.back() * z);
+    return result;
+  };
+  const auto check = [&]<class S, class C>(OrvaStatus (*chirp)(const S*, int32_t, C*, int32_t, C, C)) {
+    using Real = decltype(C::re);
+    const C w = {Real(0.9976), Real(-0.0817)}, a = {Real(0.903), Real(0.425)};
+    for (auto [srcLen, dstLen] : {std::pair{1, 1}, {1, 2}, {2, 1}, {7, 7}, {16, 3}, {3, 40}, {33, 32}}) {
+      const auto n = static_cast<size_t>(srcLen), bins = static_cast<size_t>(dstLen);
+      const auto src = RandomArray<S>(n, 5);
+      const auto wPowers = powers({w.re, w.im}, n * bins), aPowers = powers(1.0L / Wide(a.re, a.im), n);
+      std::vector<Wide> expected(bins);
+      for (size_t k = 0; k < bins; ++k)
+        for (size_t i = 0; i < n; ++i) expected[k] += Widen(src)[i] * aPowers[i] * wPowers[i * k];
+      GuardedArray<C> dst(bins);
+      EXPECT_EQ(ORVA_STS_NO_ERR, chirp(GuardedArray<S>(src).data(), srcLen, dst.data(), dstLen, w, a));
+      ExpectNear<Real>(expected, dst, 300);
+    }
+    const S src[4] = {};
+    C dst[4] = {{77, 0}};
+    CheckNulls(chirp, src, 4, dst, 4, w, a);
+    const int32_t most = INT32_MAX, limit = sizeof(Real) == 4 ? 0x8000000 : 0x4000000;  // of the transform
+    for (auto [srcLen, dstLen] : {std::pair{0, most}, {most, 0}})
+      EXPECT_EQ(ORVA_STS_SIZE_ERR, chirp(src, srcLen, dst, dstLen, w, a));
+    for (auto [srcLen, dstLen] : {std::pair{most, most}, {0x3fffffff, 1}, {0x3ffffffe, 1}, {limit + 1, 1}})
+      EXPECT_EQ(ORVA_STS_OVERFLOW_ERR, chirp(src, srcLen, dst, dstLen, w, a));
+    EXPECT_EQ(5, ForEachFault([&] {
+      dst[0].re = 77;
+      const OrvaStatus status = chirp(src, 4, dst, 4, w, a);
+      EXPECT_EQ(status != ORVA_STS_NO_ERR, dst[0].re == 77);
+      return status;
+    }));
+  };
+  check(ORVAS_CZT_32f), check(ORVAS_CZT_64f), check(ORVAS_CZT_32fc), check(ORVAS_CZT_64fc);
+}
 
 // The told order, one lane at a time.
 template <class C, class S>
@@ -275,86 +409,72 @@ C PlainGoertzel(const std::vector<S>& src, double frequency) {
                s3 = std::fma(-4 * s, s, 3.0) * s, c4 = std::fma(2 * c2, c2, -1.0), s4 = 2 * s2 * c2;
   const Real laneCos[] = {1, Real(c), Real(c2), Real(c3)}, laneSin[] = {0, Real(s), Real(s2), Real(s3)};
   const Real stepCos = Real(kLanes == 4 ? c4 : c2), stepSin = Real(kLanes == 4 ? s4 : s2);
-  Real re[4], im[4];
-  for (size_t lane = 0; lane < kLanes; ++lane) {
-    const auto part = [&](size_t i) -> std::pair<Real, Real> {
-      if (i >= src.size()) return {0, 0};
-      if constexpr (std::is_same_v<S, Real>) return {src[i], 0};
-      else return {src[i].re, src[i].im};
-    };
-    const size_t blocks = src.size() / kLanes;
-    auto [a, b] = part(blocks * kLanes + lane);
-    for (size_t block = blocks; block-- > 0;) {
-      const auto [x, y] = part(block * kLanes + lane);
-      const Real nextA = std::fma(b, stepSin, std::fma(a, stepCos, x));
-      b = std::fma(-a, stepSin, std::is_same_v<S, Real> ? b * stepCos : std::fma(b, stepCos, y));
-      a = nextA;
-    }
-    re[lane] = std::fma(b, laneSin[lane], a * laneCos[lane]);
-    im[lane] = std::fma(-a, laneSin[lane], b * laneCos[lane]);
-  }
-  if (kLanes == 2) return {re[0] + re[1], im[0] + im[1]};
-  return {(re[0] + re[1]) + (re[2] + re[3]), (im[0] + im[1]) + (im[2] + im[3])};
-}
-
-TYPED_TEST(Transform, Goertzel) {
-  using Real = TypeParam;
-  using N = Names<Real>;
-  using C = typename N::Complex;
-  const auto check = [](const auto& values, auto member, Real frequency) {
-    using S = typename std::decay_t<decltype(values)>::value_type;
-    const GuardedArray<S> src(values);
-    C bin;
-    EXPECT_EQ(ORVA_STS_NO_ERR, member(src.data(), static_cast<int32_t>(values.size()), &bin, frequency));
-    const C expected = PlainGoertzel<C>(values, frequency);
-    EXPECT_TRUE(SameBits("Goertz", &expected, &bin, 1)) << values.size();
-    Wide sum = 0;
-    const auto wide = Widen(values);
-    for (size_t i = 0; i < wide.size(); ++i) sum += wide[i] * Turn(-static_cast<long double>(frequency) * static_cast<long double>(i));
-    EXPECT_LE(std::abs(sum - Wide(bin.re, bin.im)), 60 * static_cast<long double>(values.size()) * std::numeric_limits<Real>::epsilon());
+  const auto at = [&](size_t i) -> C {
+    if constexpr (std::is_same_v<S, C>) return i < src.size() ? src[i] : C{0, 0};
+    else return {i < src.size() ? src[i] : 0, 0};
   };
-  for (size_t n = 1; n < 40; ++n) {
-    for (Real frequency : {Real(0), Real(0.123), Real(0.25), Real(0.9)}) {
-      check(RandomArray<Real>(n, n), N::kGoertzelReal, frequency);
-      check(RandomArray<C>(n, n), N::kGoertzel, frequency);
+  C lanes[4];
+  for (size_t lane = 0; lane < kLanes; ++lane) {
+    size_t i = src.size() / kLanes * kLanes + lane;
+    C z = at(i);
+    while (i >= kLanes) {
+      const C x = at(i -= kLanes);
+      z = {std::fma(z.im, stepSin, std::fma(z.re, stepCos, x.re)),
+           std::fma(-z.re, stepSin, std::is_same_v<S, C> ? std::fma(z.im, stepCos, x.im) : z.im * stepCos)};
     }
+    lanes[lane] = {std::fma(z.im, laneSin[lane], z.re * laneCos[lane]),
+                   std::fma(-z.re, laneSin[lane], z.im * laneCos[lane])};
   }
-  Real x = 3;
-  C z = {1, 2}, bin = {77, 77};
-  for (Real bad : {Real(-0.1), Real(1.5)}) EXPECT_EQ(ORVA_STS_REL_FREQ_ERR, N::kGoertzelReal(&x, 1, &bin, bad));
-  EXPECT_EQ(ORVA_STS_REL_FREQ_ERR, N::kGoertzelReal(&x, 1, &bin, 1));
-  EXPECT_EQ(77, bin.re);
-  EXPECT_EQ(sizeof(Real) == 4 ? ORVA_STS_NO_ERR : ORVA_STS_REL_FREQ_ERR, N::kGoertzel(&z, 1, &bin, 1));
-  EXPECT_EQ(ORVA_STS_NO_ERR, N::kGoertzelReal(&x, 1, &bin, Real(-0.0)));
-  EXPECT_EQ(3, bin.re);
-  EXPECT_EQ(ORVA_STS_NO_ERR, N::kGoertzelReal(&x, 1, &bin, std::numeric_limits<Real>::quiet_NaN()));
+  const auto sum = [](C a, C b) { return C{a.re + b.re, a.im + b.im}; };
+  return kLanes == 2 ? sum(lanes[0], lanes[1]) : sum(sum(lanes[0], lanes[1]), sum(lanes[2], lanes[3]));
 }
 
-// ---- Hilbert ----
+TEST(Spectra, Goertzel) {
+  const auto check = []<class S, class C, class Real>(OrvaStatus (*goertzel)(const S*, int32_t, C*, Real)) {
+    C bin;
+    for (size_t n = 1; n < 40; ++n) {
+      const auto src = RandomArray<S>(n, n);
+      for (Real frequency : {Real(0), Real(0.123), Real(0.25), Real(0.9)}) {
+        EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(src.data(), static_cast<int32_t>(n), &bin, frequency));
+        const C expected = PlainGoertzel<C>(src, frequency);
+        EXPECT_TRUE(SameBits("Goertz", &expected, &bin, 1)) << n;
+        Wide sum = 0;
+        for (size_t i = 0; i < n; ++i) sum += Widen(src)[i] * Turn(-static_cast<long double>(frequency) * i);
+        EXPECT_LE(std::abs(sum - Wide(bin.re, bin.im)), 60 * std::numeric_limits<Real>::epsilon() * n);
+      }
+    }
+    S one[1] = {};
+    reinterpret_cast<Real*>(one)[0] = 3;
+    EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(one, 1, &bin, Real(-0.0)));
+    EXPECT_EQ(3, bin.re);
+    EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(one, 1, &bin, std::numeric_limits<Real>::quiet_NaN()));
+  };
+  check(ORVAS_Goertz_32f), check(ORVAS_Goertz_64f), check(ORVAS_Goertz_32fc), check(ORVAS_Goertz_64fc);
+}
 
-TEST(Transform, Hilbert) {
+TEST(Spectra, Hilbert) {
+  OrvaHilbertSpec *const untouched = reinterpret_cast<OrvaHilbertSpec*>(1), *spec = untouched;
   for (int32_t len : {1, 2, 3, 4, 5, 16, 31, 64}) {
     const auto n = static_cast<size_t>(len);
-    const auto x = RandomArray<Orva32f>(n, n);
-    auto bins = Definition(Widen(x), -1);
-    for (size_t k = 1; k < n; ++k) bins[k] *= 2 * k < n ? 2 : 2 * k == n ? 1 : 0;
-    OrvaHilbertSpec* spec = nullptr;
+    const auto src = RandomArray<Orva32f>(n, n);
+    auto bins = Definition(Widen(src), -1);
+    for (size_t k = 0; k < n; ++k) bins[k] *= (k == 0 || 2 * k == n ? 1.0L : 2 * k < n ? 2.0L : 0.0L) / len;
     ASSERT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertInit_32f32fc(len, &spec));
-    const GuardedArray<Orva32f> src(x);
     GuardedArray<Orva32fc> dst(n);
-    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_Hilbert_32f32fc(src.data(), dst.data(), len, spec));
-    ExpectNear(Definition(bins, 1), dst.data(), 1.0L / len, "Hilbert " + std::to_string(len));
+    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_Hilbert_32f32fc(GuardedArray<Orva32f>(src).data(), dst.data(), len, spec));
+    ExpectNear<Orva32f>(Definition(bins, 1), dst, 4);
     EXPECT_EQ(ORVA_STS_LEN_MISMATCH_ERR, ORVAS_Hilbert_32f32fc(src.data(), dst.data(), len + 1, spec));
     EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_Hilbert_32f32fc(src.data(), dst.data(), 0, spec));
-    CheckNulls(ORVAS_Hilbert_32f32fc, src.data(), dst.data(), len, spec);
-    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(spec));
+    CheckNulls(ORVAS_Hilbert_32f32fc, src.data(), dst.data(), len, std::as_const(spec));
+    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(std::exchange(spec, untouched)));
   }
   EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(nullptr));
-  EXPECT_EQ(3, ForEachFault([] {
-    OrvaHilbertSpec* spec = nullptr;
+  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_HilbertInit_32f32fc(0, nullptr));
+  EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_HilbertInit_32f32fc(0, &spec));
+  EXPECT_EQ(3, ForEachFault([&] {
+    EXPECT_EQ(untouched, spec);
     const OrvaStatus status = ORVAS_HilbertInit_32f32fc(12, &spec);
-    EXPECT_EQ(status == ORVA_STS_NO_ERR, spec != nullptr);
-    ORVAS_HilbertRelease_32f32fc(spec);
+    if (status == ORVA_STS_NO_ERR) ORVAS_HilbertRelease_32f32fc(std::exchange(spec, untouched));
     return status;
   }));
 }
@@ -362,98 +482,61 @@ TEST(Transform, Hilbert) {
 // ---- Welch ----
 
 template <class Real, class S>
-std::vector<long double> PlainWelch(const std::vector<S>& src, const std::vector<Real>& window, size_t n, size_t step) {
-  const auto wide = Widen(src);
-  const size_t winLen = window.size(), segments = (src.size() - (winLen - step)) / step;
+std::vector<Wide> PlainWelch(const std::vector<S>& src, const std::vector<Real>& window, size_t n, size_t step) {
   constexpr bool kReal = std::is_same_v<S, Real>;
-  std::vector<long double> psd(kReal ? n / 2 + 1 : n);
-  long double energy = 0;
-  for (Real w : window) energy += static_cast<long double>(w) * w;
+  const size_t segments = (src.size() - (window.size() - step)) / step;
+  std::vector<Wide> psd(kReal ? n / 2 + 1 : n);
+  long double scale = 0;
+  for (Real w : window) scale += static_cast<long double>(w) * w * segments * kTwoPi;
   for (size_t s = 0; s < segments; ++s) {
     std::vector<Wide> segment(n);
-    for (size_t i = 0; i < winLen; ++i) segment[i % n] += wide[s * step + i] * static_cast<long double>(window[i]);
+    for (size_t i = 0; i < window.size(); ++i)
+      segment[i % n] += Widen(src)[s * step + i] * static_cast<long double>(window[i]);
     const auto bins = Definition(segment, -1);
-    for (size_t k = 0; k < psd.size(); ++k) psd[k] += std::norm(bins[k]);
-  }
-  for (size_t k = 0; k < psd.size(); ++k) {
-    psd[k] /= static_cast<long double>(segments) * energy * kTwoPi;
-    if (kReal && k >= 1 && k <= (n - 1) / 2) psd[k] *= 2;
+    for (size_t k = 0; k < psd.size(); ++k)
+      psd[k] += std::norm(bins[k]) / scale * (kReal && k >= 1 && k <= (n - 1) / 2 ? 2 : 1);
   }
   return psd;
 }
 
-TYPED_TEST(Transform, Welch) {
-  using Real = TypeParam;
-  using N = Names<Real>;
-  using C = typename N::Complex;
-  const auto check = [](const auto& src, auto member, size_t winLen, int32_t nfft, double overlap, bool windowed) {
-    auto window = RandomArray<Real>(winLen, 9);
-    if (!windowed) std::fill(window.begin(), window.end(), Real(1));
-    const size_t n = nfft > 0 ? static_cast<size_t>(nfft) : winLen;
-    const auto noverlap = static_cast<size_t>(std::ceil(static_cast<double>(winLen) * overlap));
-    const auto expected = PlainWelch(src, window, n, winLen - noverlap);
-    const GuardedArray<Real> weights(window);
-    GuardedArray<Real> dst(expected.size());
-    ASSERT_EQ(ORVA_STS_NO_ERR, member(src.data(), windowed ? weights.data() : nullptr, dst.data(),
-                                      static_cast<int32_t>(src.size()), nfft, static_cast<int32_t>(winLen), overlap));
-    const long double peak = *std::max_element(expected.begin(), expected.end());
-    for (size_t k = 0; k < expected.size(); ++k)
-      EXPECT_NEAR(expected[k] / peak, dst[k] / peak, 60 * std::numeric_limits<Real>::epsilon()) << winLen << " " << nfft << " bin " << k;
-  };
-  for (auto [winLen, nfft] : {std::pair{2, 0}, {3, -4}, {9, 4}, {16, 16}, {31, 0}, {64, 17}, {64, 1}}) {
-    for (double overlap : {0.01, 0.5}) {
-      if (std::ceil(winLen * overlap) == winLen) continue;
-      check(RandomArray<Real>(150, 1), N::kWelch, static_cast<size_t>(winLen), nfft, overlap, true);
-      check(RandomArray<C>(150, 2), N::kWelchComplex, static_cast<size_t>(winLen), nfft, overlap, nfft != 0);
+TEST(Spectra, Welch) {
+  const auto check = []<class S, class Real>(
+      OrvaStatus (*welch)(const S*, const Real*, Real*, int32_t, int32_t, int32_t, double)) {
+    const auto src = RandomArray<S>(150, 1);
+    for (auto [winLen, nfft] : {std::pair{2, 0}, {3, -4}, {9, 4}, {16, 16}, {31, 0}, {64, 17}, {64, 1}}) {
+      for (double overlap : {0.01, 0.5}) {
+        const auto count = static_cast<size_t>(winLen);
+        const auto step = static_cast<size_t>(winLen - std::ceil(winLen * overlap));
+        const bool windowed = nfft != 0;
+        const auto window = windowed ? RandomArray<Real>(count, 9) : std::vector<Real>(count, 1);
+        const auto expected = PlainWelch(src, window, nfft > 0 ? static_cast<size_t>(nfft) : count, step);
+        const GuardedArray<Real> weights(window);
+        GuardedArray<Real> dst(expected.size());
+        EXPECT_EQ(ORVA_STS_NO_ERR, welch(GuardedArray<S>(src).data(), windowed ? weights.data() : nullptr, dst.data(),
+                                         150, nfft, winLen, overlap));
+        ExpectNear<Real>(expected, dst, 20);
+      }
     }
-  }
-
-  Real src[20] = {1, 2, 3}, zeros[8] = {}, dst[20] = {77};
-  CheckNulls(N::kWelch, src, nullptr, dst, 20, 0, 8, 0.5);
-  const auto refused = [&](int32_t srcLen, int32_t nfft, int32_t winLen, double overlap) {
-    return N::kWelch(src, nullptr, dst, srcLen, nfft, winLen, overlap) == ORVA_STS_SIZE_ERR;
+    const Real zeros[8] = {};
+    Real dst[20] = {77};
+    CheckNulls(welch, src.data(), nullptr, dst, 20, 0, 8, 0.5);
+    struct { int32_t srcLen, nfft, winLen; double overlap; } refused[] = {
+        {0, 0, 8, 0.5}, {20, 0, 0, 0.5}, {20, 0, 1, 0.5}, {7, 0, 8, 0.5}, {20, 9, 8, 0.5}, {0x40000000, 0, 8, 0.5},
+        {0x3fffffff, 0, sizeof(Real) == 4 ? 0x10000000 : 0x8000000, 0.5}, {20, 0, 8, 0}, {20, 0, 8, -1},
+        {20, 0, 8, 0.9501}, {20, 0, 8, INFINITY}, {20, 0, 8, NAN}, {20, 0, 10, 0.95} /* no sample would be new */};
+    for (const auto& [srcLen, nfft, winLen, overlap] : refused)
+      EXPECT_EQ(ORVA_STS_SIZE_ERR, welch(src.data(), nullptr, dst, srcLen, nfft, winLen, overlap)) << overlap;
+    EXPECT_EQ(6, ForEachFault([&] {
+      dst[0] = 77;
+      const OrvaStatus status = welch(src.data(), nullptr, dst, 20, 3, 8, 0.5);
+      EXPECT_EQ(status != ORVA_STS_NO_ERR, dst[0] == 77);
+      return status;
+    }));
+    // A window of zeros leaves the sum, of zeros, undivided.
+    EXPECT_EQ(ORVA_STS_NO_ERR, welch(src.data(), zeros, dst, 20, 0, 8, 0.5));
+    EXPECT_EQ(0, dst[0]);
   };
-  EXPECT_TRUE(refused(0, 0, 8, 0.5));
-  EXPECT_TRUE(refused(20, 0, 0, 0.5));
-  for (double overlap : {0.0, -1.0, 0.9501, 2.0, double(INFINITY), double(NAN)}) EXPECT_TRUE(refused(20, 0, 8, overlap)) << overlap;
-  EXPECT_TRUE(refused(20, 0, 10, 0.95));  // no sample would be new
-  EXPECT_TRUE(refused(20, 0, 1, 0.5));
-  EXPECT_TRUE(refused(7, 0, 8, 0.5));
-  EXPECT_TRUE(refused(20, 9, 8, 0.5));
-  EXPECT_TRUE(refused(0x40000000, 0, 8, 0.5));
-  EXPECT_TRUE(refused(0x3fffffff, 0, 0x10000000, 0.5));
-  EXPECT_EQ(77, dst[0]);
-  // A window of zeros leaves the sum, of zeros, undivided.
-  EXPECT_EQ(ORVA_STS_NO_ERR, N::kWelch(src, zeros, dst, 20, 0, 8, 0.5));
-  EXPECT_EQ(0, dst[0]);
-  EXPECT_EQ(6, ForEachFault([&] {
-    dst[0] = 77;
-    const OrvaStatus status = N::kWelch(src, nullptr, dst, 20, 3, 8, 0.5);
-    EXPECT_EQ(status != ORVA_STS_NO_ERR, dst[0] == 77);
-    return status;
-  }));
-}
-
-// ---- Thread count ----
-
-TEST(Transform, ThreadCount) {
-  const char* const variable = "ORVA_FFT_THREAD_NUM";
-  int32_t count = 0;
-  const auto got = [&](const char* text) {
-    if (text != nullptr) setenv(variable, text, 1);
-    else unsetenv(variable);
-    EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_GetFFTNumberThreads(&count));
-    return count;
-  };
-  EXPECT_EQ(8, got(nullptr));
-  for (const char* text : {"", "0", "-3", "abc", "4294967296"}) EXPECT_EQ(8, got(text)) << text;
-  EXPECT_EQ(5, got(" 5x"));
-  EXPECT_EQ(1, got("4294967297"));
-  EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_SetFFTNumberThreads(4));
-  EXPECT_STREQ("4", getenv(variable));
-  for (int32_t bad : {0, -1}) EXPECT_EQ(ORVA_STS_BAD_ARG_ERR, ORVAS_SetFFTNumberThreads(bad));
-  EXPECT_STREQ("4", getenv(variable));
-  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_GetFFTNumberThreads(nullptr));
+  check(ORVAS_Pwelch_32f), check(ORVAS_Pwelch_64f), check(ORVAS_Pwelch_32fc), check(ORVAS_Pwelch_64fc);
 }
 
 }  // namespace
