@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <memory>
 #include <new>
 #include <string>
+#include <type_traits>
 
 #include "support/random.h"
 
@@ -44,9 +46,11 @@ void Compare(benchmark::State& state, const auto& ours, const auto& theirs) {
   state.counters["ratio"] = best[0] / best[1];
 }
 
-// An array as FFTW's allocator gives it: aligned, as far as any plan wants.
+// An array as FFTW's allocator gives it: aligned as far as any plan wants.
 template <class T>
-std::unique_ptr<T[], decltype(&fftw_free)> Aligned(size_t n) {
+using Array = std::unique_ptr<T[], decltype(&fftw_free)>;
+template <class T>
+Array<T> Aligned(size_t n) {
   auto* const array = static_cast<T*>(fftw_malloc(n * sizeof(T)));
   if (array == nullptr) throw std::bad_alloc();
   const auto values = RandomArray<T>(n, 1);
@@ -54,117 +58,116 @@ std::unique_ptr<T[], decltype(&fftw_free)> Aligned(size_t n) {
   return {array, fftw_free};
 }
 
-using Spec = OrvaTransformSpec;
+using Spec = std::unique_ptr<OrvaTransformSpec, OrvaStatus (*)(OrvaTransformSpec*)>;
 
-#define SIDES(Name, bits, Real, Complex, prefix)                                                            \
-  struct Name {                                                                                             \
-    using R = Real;                                                                                         \
-    using C = Complex;                                                                                      \
-    using FftwComplex = prefix##_complex;                                                                   \
-    static constexpr const char* kBits = #bits;                                                             \
-    static constexpr auto Init = ORVAS_DFTCToCInit_##bits##fc;                                              \
-    static constexpr auto Run = ORVAS_DFTCToC_##bits##fc;                                                   \
-    static constexpr auto Release = ORVAS_DFTCToCRelease_##bits##fc;                                        \
-    static constexpr auto InitReal = ORVAS_DFTRToCInit_##bits##f;                                           \
-    static constexpr auto RunReal = ORVAS_DFTRToC_##bits##f;                                                \
-    static constexpr auto Divide = ORVAS_DivC_##bits##f_I;                                                  \
-    static constexpr auto Plan = prefix##_plan_dft_1d;                                                      \
-    static constexpr auto PlanReal = prefix##_plan_dft_r2c_1d;                                              \
-    static constexpr auto Execute = prefix##_execute_dft;                                                   \
-    static constexpr auto ExecuteReal = prefix##_execute_dft_r2c;                                           \
-    static constexpr auto Destroy = prefix##_destroy_plan;                                                  \
+#define PRECISION(Name, bits, fftw)                                          \
+  struct Name {                                                              \
+    using Real = Orva##bits##f;                                              \
+    using Complex = Orva##bits##fc;                                          \
+    using Bins = fftw##_complex*;                                            \
+    static constexpr auto kInit = ORVAS_DFTCToCInit_##bits##fc;              \
+    static constexpr auto kRun = ORVAS_DFTCToC_##bits##fc;                   \
+    static constexpr auto kInitReal = ORVAS_DFTRToCInit_##bits##f;           \
+    static constexpr auto kRunReal = ORVAS_DFTRToC_##bits##f;                \
+    static constexpr auto kRelease = ORVAS_DFTRToCRelease_##bits##f;         \
+    static constexpr auto kDivide = ORVAS_DivC_##bits##f_I;                  \
+    static constexpr auto kPlan = fftw##_plan_dft_1d;                        \
+    static constexpr auto kPlanReal = fftw##_plan_dft_r2c_1d;                \
+    static constexpr auto kExecute = fftw##_execute_dft;                     \
+    static constexpr auto kExecuteReal = fftw##_execute_dft_r2c;             \
+    static constexpr auto kDestroy = fftw##_destroy_plan;                    \
   };
-SIDES(Single, 32, Orva32f, Orva32fc, fftwf)
-SIDES(Double, 64, Orva64f, Orva64fc, fftw)
-#undef SIDES
+PRECISION(Single, 32, fftwf)
+PRECISION(Double, 64, fftw)
+#undef PRECISION
 
-// A forward transform with its normalisation beside FFTW's plan of the same kind and a division of all bins.
-template <class S>
-void Complexes(benchmark::State& state) {
-  const auto n = static_cast<int32_t>(state.range(0));
-  const auto count = static_cast<size_t>(n);
-  const auto src = Aligned<typename S::C>(count), dst = Aligned<typename S::C>(count);
-  auto* const in = reinterpret_cast<typename S::FftwComplex*>(src.get());
-  auto* const out = reinterpret_cast<typename S::FftwComplex*>(dst.get());
-  Spec* spec = nullptr;
-  ORVAS_SetFFTNumberThreads(1);
-  S::Init(n, 1, 1, &spec);
-  const auto plan = S::Plan(n, in, out, FFTW_FORWARD, FFTW_ESTIMATE);
-  Compare(state, [&] { S::Run(src.get(), dst.get(), spec); }, [&] {
-    S::Execute(plan, in, out);
-    S::Divide(static_cast<typename S::R>(n), *out, 2 * n);
-  });
-  S::Destroy(plan);
-  S::Release(spec);
-}
+// Forward transforms of n points, complex or real, on either side, and their arrays.
+template <class P, bool kReal>
+class Transforms {
+ public:
+  explicit Transforms(benchmark::State& state)
+      : n_(static_cast<int32_t>(state.range(0))), src_(Aligned<Sample>(count())), dst_(Aligned<Complex>(count())) {}
 
-template <class S>
-void Reals(benchmark::State& state) {
-  const auto n = static_cast<int32_t>(state.range(0));
-  const auto count = static_cast<size_t>(n);
-  const auto src = Aligned<typename S::R>(count), dst = Aligned<typename S::R>(count + 2);
-  auto* const out = reinterpret_cast<typename S::FftwComplex*>(dst.get());
-  Spec* spec = nullptr;
-  ORVAS_SetFFTNumberThreads(1);
-  S::InitReal(n, 1, &spec);
-  const auto plan = S::PlanReal(n, src.get(), out, FFTW_ESTIMATE);
-  Compare(state, [&] { S::RunReal(src.get(), dst.get(), spec); }, [&] {
-    S::ExecuteReal(plan, src.get(), out);
-    S::Divide(static_cast<typename S::R>(n), dst.get(), n / 2 * 2 + 2);
-  });
-  S::Destroy(plan);
-  S::Release(spec);
+  Spec MakeSpec(int32_t threads) const {
+    OrvaTransformSpec* spec = nullptr;
+    ORVAS_SetFFTNumberThreads(threads);
+    if constexpr (kReal) P::kInitReal(n_, 1, &spec);
+    else P::kInit(n_, 1, 1, &spec);
+    return {spec, P::kRelease};
+  }
+  void Run(const Spec& spec) const {
+    if constexpr (kReal) P::kRunReal(src_.get(), reinterpret_cast<Real*>(dst_.get()), spec.get());
+    else P::kRun(src_.get(), dst_.get(), spec.get());
+  }
+
+  auto MakePlan() const {
+    if constexpr (kReal) return P::kPlanReal(n_, src_.get(), bins(), FFTW_ESTIMATE);
+    else return P::kPlan(n_, reinterpret_cast<Bins>(src_.get()), bins(), FFTW_FORWARD, FFTW_ESTIMATE);
+  }
+  // With one pass of division.
+  void RunPlan(auto plan) const {
+    if constexpr (kReal) P::kExecuteReal(plan, src_.get(), bins());
+    else P::kExecute(plan, reinterpret_cast<Bins>(src_.get()), bins());
+    P::kDivide(static_cast<Real>(n_), *bins(), kReal ? n_ / 2 * 2 + 2 : 2 * n_);
+  }
+
+ private:
+  using Real = typename P::Real;
+  using Complex = typename P::Complex;
+  using Sample = std::conditional_t<kReal, Real, Complex>;
+  using Bins = typename P::Bins;
+  size_t count() const { return static_cast<size_t>(n_); }
+  Bins bins() const { return reinterpret_cast<Bins>(dst_.get()); }
+
+  int32_t n_;
+  Array<Sample> src_;
+  Array<Complex> dst_;
+};
+
+template <class P, bool kReal>
+void BesideFftw(benchmark::State& state) {
+  const Transforms<P, kReal> transforms(state);
+  const Spec spec = transforms.MakeSpec(1);
+  const auto plan = transforms.MakePlan();
+  Compare(state, [&] { transforms.Run(spec); }, [&] { transforms.RunPlan(plan); });
+  P::kDestroy(plan);
 }
 
 // A spec planned with 8 threads beside one planned with 1.
-template <class S>
+template <class P, bool kReal>
 void Threads(benchmark::State& state) {
-  const auto n = static_cast<int32_t>(state.range(0));
-  const auto count = static_cast<size_t>(n);
-  const auto src = Aligned<typename S::C>(count), dst = Aligned<typename S::C>(count);
-  Spec *many = nullptr, *one = nullptr;
-  ORVAS_SetFFTNumberThreads(8);
-  S::Init(n, 1, 4, &many);
-  ORVAS_SetFFTNumberThreads(1);
-  S::Init(n, 1, 4, &one);
-  Compare(state, [&] { S::Run(src.get(), dst.get(), many); }, [&] { S::Run(src.get(), dst.get(), one); });
-  S::Release(many);
-  S::Release(one);
+  const Transforms<P, kReal> transforms(state);
+  const Spec many = transforms.MakeSpec(8), one = transforms.MakeSpec(1);
+  Compare(state, [&] { transforms.Run(many); }, [&] { transforms.Run(one); });
 }
 
 // Init and Release of a length that was used before, as in every one-shot operation, beside FFTW's planner.
-template <class S>
+template <class P, bool kReal>
 void Planning(benchmark::State& state) {
-  const auto n = static_cast<int32_t>(state.range(0));
-  const auto count = static_cast<size_t>(n);
-  const auto src = Aligned<typename S::C>(count), dst = Aligned<typename S::C>(count);
-  Compare(state, [&] {
-    Spec* spec = nullptr;
-    S::Init(n, 1, 1, &spec);
-    S::Release(spec);
-  }, [&] {
-    S::Destroy(S::Plan(n, reinterpret_cast<typename S::FftwComplex*>(src.get()),
-                       reinterpret_cast<typename S::FftwComplex*>(dst.get()), FFTW_FORWARD, FFTW_ESTIMATE));
-  });
+  const Transforms<P, kReal> transforms(state);
+  Compare(state, [&] { transforms.MakeSpec(1); }, [&] { P::kDestroy(transforms.MakePlan()); });
 }
 
-// Powers of two, odd lengths and primes.
-constexpr int kOdd[] = {15, 17, 45, 63, 81, 105, 127, 243, 495, 729, 1001, 1155, 2187, 4095, 10007, 19683, 59049, 531441};
-
-template <class S>
-void Register() {
-  const auto lengths = [](benchmark::internal::Benchmark* line, int first, bool odd) {
-    for (int order = first; order <= 22; ++order) line->Arg(1 << order);
-    if (odd) for (int n : kOdd) line->Arg(n);
-    line->UseManualTime();
+template <class P, bool kReal>
+void Register(const std::string& kind) {
+  const auto line = [&](const char* what, void (*run)(benchmark::State&), int firstOrder) {
+    auto* const lines = benchmark::RegisterBenchmark(("transform/" + kind + "/" + what).c_str(), run)->UseManualTime();
+    for (int order = firstOrder; order <= 22; ++order) lines->Arg(1 << order);
+    for (int n : {15, 17, 45, 63, 81, 105, 127, 243, 729, 1001, 1155, 4095, 10007, 19683, 40009, 59049, 100000, 390625,
+                  531441})
+      lines->Arg(n);
   };
-  const auto name = [](const char* what, const char* kind) { return std::string("transform/") + what + S::kBits + kind; };
-  lengths(benchmark::RegisterBenchmark(name("beside FFTW/DFTCToC_", "fc").c_str(), Complexes<S>), 4, true);
-  lengths(benchmark::RegisterBenchmark(name("beside FFTW/DFTRToC_", "f").c_str(), Reals<S>), 4, true);
-  lengths(benchmark::RegisterBenchmark(name("8 threads beside 1/DFTCToC_", "fc").c_str(), Threads<S>), 10, true);
-  lengths(benchmark::RegisterBenchmark(name("planning/DFTCToC_", "fc").c_str(), Planning<S>), 4, false);
+  line("beside FFTW", BesideFftw<P, kReal>, 4);
+  line("8 threads beside 1", Threads<P, kReal>, 10);
+  line("planning", Planning<P, kReal>, 4);
 }
 
-const bool registered = (Register<Single>(), Register<Double>(), true);
+const bool registered = [] {
+  Register<Single, false>("DFTCToC_32fc");
+  Register<Double, false>("DFTCToC_64fc");
+  Register<Single, true>("DFTRToC_32f");
+  Register<Double, true>("DFTRToC_64f");
+  return true;
+}();
 
 }  // namespace

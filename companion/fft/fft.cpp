@@ -159,7 +159,8 @@ constinit Helpers helpers;
 template <class Fftw>
 int ThreadsFor(int64_t points) {
   if (points < kThreadedPoints) return 1;
-  return std::min(planner<Fftw>.threads, std::max(1, static_cast<int>(std::thread::hardware_concurrency())));
+  static const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+  return std::min(planner<Fftw>.threads, processors);
 }
 
 // FFTW runs a copying step as a transform of two "vectors" that lie `imag - real` apart in the
@@ -233,7 +234,8 @@ bool MakePlans(Record<Fftw>& record, int rank) {
                                        complex(0), complex(0), FFTW_FORWARD, FFTW_ESTIMATE);
     if (kind == Kind::kSplit && n <= kDirectSplitPoints && (n & (n - 1)) == 0) {
       record.inBytes = record.outBytes = n * sizeof(Real);
-      record.outOfPlace = Fftw::PlanSplit(1, packed.data(), 0, nullptr, real(0), real(1), real(2), real(3), FFTW_ESTIMATE);
+      record.outOfPlace = Fftw::PlanSplit(1, packed.data(), 0, nullptr, real(0), real(1), real(2), real(3),
+                                          FFTW_ESTIMATE);
       if (record.outOfPlace != nullptr && BoundToDistance<Fftw>(record.outOfPlace)) {
         Fftw::Destroy(record.outOfPlace);
         record.outOfPlace = nullptr;
@@ -241,8 +243,9 @@ bool MakePlans(Record<Fftw>& record, int rank) {
     }
   }
   Fftw::SetThreads(before);
-  record.scratchBytes = record.outOfPlace == nullptr ? record.points * sizeof(Complex)  // interleaved
-                                                     : Padded(std::max(record.inBytes, record.outBytes)) * (kind == Kind::kSplit ? 4 : 2);
+  const size_t copied = Padded(std::max(record.inBytes, record.outBytes));
+  const size_t interleaved = record.points * sizeof(Complex);
+  record.scratchBytes = record.outOfPlace == nullptr ? interleaved : (kind == Kind::kSplit ? 4 : 2) * copied;
   return record.inPlace != nullptr && (record.outOfPlace != nullptr || kind >= Kind::kSplit);
 }
 
@@ -262,7 +265,8 @@ Record<Fftw>* Plan1d(Kind kind, int32_t n, int32_t sign = 0) {
 }
 
 template <class Fftw>
-Record<Fftw>* PlanSplit(int32_t rank, const tzm_fft_iodim* dims, int32_t howmanyRank, const tzm_fft_iodim* howmanyDims) {
+Record<Fftw>* PlanSplit(int32_t rank, const tzm_fft_iodim* dims, int32_t howmanyRank,
+                        const tzm_fft_iodim* howmanyDims) {
   if (rank < 0 || howmanyRank < 0) return nullptr;
   if ((rank > 0 && dims == nullptr) || (howmanyRank > 0 && howmanyDims == nullptr)) return nullptr;
   if (rank == 1 && howmanyRank == 0 && dims->is == 1 && dims->os == 1) return Plan1d<Fftw>(Kind::kSplit, dims->n);
@@ -275,7 +279,8 @@ Record<Fftw>* PlanSplit(int32_t rank, const tzm_fft_iodim* dims, int32_t howmany
     record->points *= dim.n;
     return true;
   };
-  if (!std::all_of(howmanyDims, howmanyDims + howmanyRank, append) || !std::all_of(dims, dims + rank, append)) return nullptr;
+  if (!std::all_of(howmanyDims, howmanyDims + howmanyRank, append) || !std::all_of(dims, dims + rank, append))
+    return nullptr;
   auto& state = planner<Fftw>;
   const std::lock_guard guard(state.lock);
   record->key = {Kind::kSplitGeneral, 0, 0, ThreadsFor<Fftw>(record->points)};

@@ -4,6 +4,7 @@
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
+#include "frame/core.h"
 #include "frame/fft.h"
 #include "frame/vector.h"
 
@@ -19,9 +20,7 @@ struct Call<Orva32f> {
   static constexpr auto Sqrt = ORVAS_Sqrt_32fc;
   static constexpr auto Set = ORVAS_Set_32fc;
   static constexpr auto Divide = ORVAS_Div_32fc;
-  static constexpr auto Copy = ORVAS_Copy_32fc;
   static constexpr auto Flip = ORVAS_Flip_32fc;
-  static constexpr auto Zero = ORVAS_Zero_32fc;
   static constexpr auto Multiply = ORVAS_Mul_32fc;
   static constexpr auto DivideByConstant = ORVAS_DivC_32f;
   static constexpr int32_t kLongestTransform = 0x8000000;
@@ -31,9 +30,7 @@ struct Call<Orva64f> {
   static constexpr auto Sqrt = ORVAS_Sqrt_64fc;
   static constexpr auto Set = ORVAS_Set_64fc;
   static constexpr auto Divide = ORVAS_Div_64fc;
-  static constexpr auto Copy = ORVAS_Copy_64fc;
   static constexpr auto Flip = ORVAS_Flip_64fc;
-  static constexpr auto Zero = ORVAS_Zero_64fc;
   static constexpr auto Multiply = ORVAS_Mul_64fc;
   static constexpr auto DivideByConstant = ORVAS_DivC_64f;
   static constexpr int32_t kLongestTransform = 0x4000000;
@@ -92,13 +89,13 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
   // The kernel: the chirp's reciprocal at the circular indices -(srcLen - 1) to dstLen - 1.
   C::Set(one, kernel, longer);
   C::Divide(chirp, kernel, data, longer);
-  C::Copy(data, kernel, dstLen);
+  Copy(data, kernel, dstLen);
   if (srcLen > 1) C::Flip(data + 1, kernel + (n - srcLen + 1), srcLen - 1);
-  if (n > convolved) C::Zero(kernel + dstLen, n - convolved);
+  if (n > convolved) Zero(kernel + dstLen, n - convolved);
 
   // The data: src[n] * a^-n * chirp[n], the powers of 1/a a running product.
-  C::Copy(chirp, data, srcLen);
-  if (n > srcLen) C::Zero(data + srcLen, n - srcLen);
+  Copy(chirp, data, srcLen);
+  if (n > srcLen) Zero(data + srcLen, n - srcLen);
   const Real norm = Fma(a.re, a.re, a.im * a.im);
   const Complex reciprocal = {a.re / norm, -a.im / norm};
   Complex power = one;

@@ -4,6 +4,7 @@
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
+#include "frame/core.h"
 #include "frame/drive.h"
 #include "frame/fft.h"
 
@@ -18,9 +19,7 @@ template <class Real>
 struct Call;
 template <>
 struct Call<Orva32f> {
-  static constexpr auto Copy = ORVAS_Copy_32f;
   static constexpr auto Set = ORVAS_Set_32f;
-  static constexpr auto Zero = ORVAS_Zero_32f;
   static constexpr auto Add = ORVAS_Add_32f_I;
   static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_32fc;
   static constexpr auto Divide = ORVAS_DivC_32f_I;
@@ -30,9 +29,7 @@ struct Call<Orva32f> {
 };
 template <>
 struct Call<Orva64f> {
-  static constexpr auto Copy = ORVAS_Copy_64f;
   static constexpr auto Set = ORVAS_Set_64f;
-  static constexpr auto Zero = ORVAS_Zero_64f;
   static constexpr auto Add = ORVAS_Add_64f_I;
   static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_64fc;
   static constexpr auto Divide = ORVAS_DivC_64f_I;
@@ -106,7 +103,7 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
                   Orva64f overlap) {
   using F = Fft<Real>;
   using Complex = typename F::Complex;
-  constexpr bool kReal = std::is_same_v<Sample, Real>;
+  constexpr bool kReal = !kIsComplex<Sample>;
   if (OrvaStatus status = CheckPointers(src, dst)) return status;
   if (srcLen < 1 || srcLen > 0x3fffffff || winLen < 1 || winLen > srcLen || winLen > Call<Real>::kLongestWindow ||
       nfft > winLen || !(overlap > 0 && overlap <= 0.95))
@@ -141,16 +138,16 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
   };
   if (CheckPointers(weights, power, sum, segment, spectrum, plan)) return release(ORVA_STS_MEM_ALLOC_ERR);
 
-  if (window != nullptr) Call<Real>::Copy(window, weights, winLen);
+  if (window != nullptr) Copy(window, weights, winLen);
   else Call<Real>::Set(1, weights, winLen);
-  if (windowLen > winLen) Call<Real>::Zero(weights + winLen, windowLen - winLen);
+  if (windowLen > winLen) Zero(weights + winLen, windowLen - winLen);
   const Real mean = Energy(weights, winLen) / static_cast<Real>(winLen);
 
-  Call<Real>::Zero(sum, bins);
+  Zero(sum, bins);
   for (int32_t s = 0; s < segments; ++s) {
     const Sample* const from = src + static_cast<size_t>(s) * step;
     if (folded) {
-      Call<Real>::Zero(reinterpret_cast<Real*>(segment), n * static_cast<int32_t>(sizeof(Sample) / sizeof(Real)));
+      Zero(segment, n);
       for (int32_t f = 0; f < folds; ++f) Fold(from + f * n, weights + f * n, segment, n);
       Fold(from + folds * n, weights + folds * n, segment, rest);
     } else {
@@ -165,7 +162,7 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
   // A window of zeros gives scale 0, which the division refuses: the sum stays as it is.
   Call<Real>::Divide(Scale(segments, mean, winLen), sum, bins);
   if constexpr (kReal) Call<Real>::Multiply(2, sum + 1, (n - 1) / 2);  // one-sided; refused for n below 3
-  Call<Real>::Copy(sum, dst, bins);
+  Copy(sum, dst, bins);
   return release(ORVA_STS_NO_ERR);
 }
 
