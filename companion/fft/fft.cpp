@@ -181,7 +181,8 @@ uintptr_t MisalignedBits() {
 }
 
 // FFTW's plan_with_nthreads begins with a clean-up, fatal to the plans of others, unless this went before.
-// Its planner then also takes a lock of its own, for the sake of a process that plans with FFTW itself.
+// Its planner then also takes a lock of its own, for the sake of a process that plans with FFTW itself; the
+// loops of such a process's plans take helpers too.
 template <class Fftw>
 int EnableThreads() {
   const int enabled = Fftw::InitThreads();

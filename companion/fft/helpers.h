@@ -23,6 +23,7 @@ class Helpers {
     sigset_t all, before;  // the process's signals are not for these threads
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
+    if (process_ != getpid()) count_ = 0;  // none yet, or forked: they stayed behind
     process_ = getpid();
     const auto serve = [](void* self) -> void* { return static_cast<Helpers*>(self)->Serve(), nullptr; };
     while (count_ < std::min(count, kMost) && pthread_create(&threads_[count_], nullptr, serve, this) == 0) ++count_;
@@ -55,7 +56,7 @@ class Helpers {
     stopped_ = true;
     ++posted_;
     posted_.notify_all();
-    if (process_ != getpid()) return;  // forked: they stayed behind
+    if (process_ != getpid()) return;
     while (count_ > 0) pthread_join(threads_[--count_], nullptr);
   }
 

@@ -86,16 +86,17 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
     q = Product(q, w);
   }
 
-  // The kernel: the chirp's reciprocal at the circular indices -(srcLen - 1) to dstLen - 1.
+  // The kernel: the chirp's reciprocal at the circular indices -(srcLen - 1) to dstLen - 1. Here and below,
+  // a call refuses a count of 0 and does nothing.
   C::Set(one, kernel, longer);
   C::Divide(chirp, kernel, data, longer);
   Copy(data, kernel, dstLen);
-  if (srcLen > 1) C::Flip(data + 1, kernel + (n - srcLen + 1), srcLen - 1);
-  if (n > convolved) Zero(kernel + dstLen, n - convolved);
+  C::Flip(data + 1, kernel + (n - srcLen + 1), srcLen - 1);
+  Zero(kernel + dstLen, n - convolved);
 
   // The data: src[n] * a^-n * chirp[n], the powers of 1/a a running product.
   Copy(chirp, data, srcLen);
-  if (n > srcLen) Zero(data + srcLen, n - srcLen);
+  Zero(data + srcLen, n - srcLen);
   const Real norm = Fma(a.re, a.re, a.im * a.im);
   const Complex reciprocal = {a.re / norm, -a.im / norm};
   Complex power = one;

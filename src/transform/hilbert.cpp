@@ -42,12 +42,11 @@ OrvaStatus ORVAS_Hilbert_32f32fc(const Orva32f* src, Orva32fc* dst, int32_t len,
     hn::StoreInterleaved2(hn::LoadU(d, x), hn::Zero(d), d, Parts(out));
   }, src, dst);
   F::Execute(spec->forward, dst, dst);
-  // Positive frequencies double, negative ones vanish; bin 0 and the middle of an even length stay.
+  // Positive frequencies double, negative ones vanish; bin 0 and the middle of an even length stay. Where
+  // there are no others, both calls refuse their count.
   const int32_t half = len / 2, positive = len % 2 + half - 1;
-  if (positive > 0) {
-    ORVAS_MulC_32f(Parts(dst + 1), 2.0f, Parts(dst + 1), 2 * positive);
-    ORVAS_Zero_32f(Parts(dst + half + 1), 2 * positive);
-  }
+  ORVAS_MulC_32f(Parts(dst + 1), 2.0f, Parts(dst + 1), 2 * positive);
+  ORVAS_Zero_32f(Parts(dst + half + 1), 2 * positive);
   F::Execute(spec->inverse, dst, dst);
   return ORVAS_DivC_32f(Parts(dst), static_cast<Orva32f>(len), Parts(dst), 2 * len);
 }

@@ -140,7 +140,7 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
 
   if (window != nullptr) Copy(window, weights, winLen);
   else Call<Real>::Set(1, weights, winLen);
-  if (windowLen > winLen) Zero(weights + winLen, windowLen - winLen);
+  Zero(weights + winLen, windowLen - winLen);  // refused where nothing is left
   const Real mean = Energy(weights, winLen) / static_cast<Real>(winLen);
 
   Zero(sum, bins);

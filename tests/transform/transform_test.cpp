@@ -78,12 +78,12 @@ using Spec = OrvaTransformSpec;
 enum Kind { kComplex, kSplit, kForward, kBack };  // the order of a family's lists
 constexpr Kind kKinds[] = {kComplex, kSplit, kForward, kBack};
 
-#define FAMILY(Name, Letter, bits, fftw)                                                                            \
+#define FAMILY(Name, bits, fftw)                                                                                    \
   struct Name##bits {                                                                                               \
     using Real = Orva##bits##f;                                                                                     \
     using C = Orva##bits##fc;                                                                                       \
     using Bins = fftw##_complex*;                                                                                   \
-    static constexpr bool kByOrder = Letter == 'F';                                                                 \
+    static constexpr bool kByOrder = #Name[0] == 'F';                                                               \
     static constexpr decltype(&ORVAS_##Name##CToCInit_##bits##f) kInits[] = {ORVAS_##Name##CToCInit_##bits##fc,     \
                                                                              ORVAS_##Name##CToCInit_##bits##f};     \
     static constexpr decltype(&ORVAS_##Name##RToCInit_##bits##f) kRealInits[] = {ORVAS_##Name##RToCInit_##bits##f,  \
@@ -102,10 +102,10 @@ constexpr Kind kKinds[] = {kComplex, kSplit, kForward, kBack};
     static constexpr auto kExecute = fftw##_execute;                                                                \
     static constexpr auto kDestroy = fftw##_destroy_plan;                                                           \
   };
-FAMILY(FFT, 'F', 32, fftwf)
-FAMILY(FFT, 'F', 64, fftw)
-FAMILY(DFT, 'D', 32, fftwf)
-FAMILY(DFT, 'D', 64, fftw)
+FAMILY(FFT, 32, fftwf)
+FAMILY(FFT, 64, fftw)
+FAMILY(DFT, 32, fftwf)
+FAMILY(DFT, 64, fftw)
 #undef FAMILY
 
 template <class F>
