@@ -43,7 +43,7 @@ constexpr int32_t kBlock = sizeof(PartOf<Sample>) == 8 ? 8 : 16;
 template <size_t kVectors, size_t kLeast, class Run>
 TZM_INLINE void ForLanes(size_t at, size_t len, size_t lanes, Run&& run) {
   for (; len - at >= kVectors * lanes; at += kVectors * lanes) run(at, std::integral_constant<size_t, kVectors>());
-  if constexpr (kVectors > kLeast) ForLanes<kVectors / 2, kLeast>(at, len, lanes, run);
+  if constexpr (kVectors > kLeast) ForLanes<std::bit_floor(kVectors - 1), kLeast>(at, len, lanes, run);
 }
 
 // Chains that fill the pipelines of two fused units, and leave registers for what is loaded.
@@ -96,13 +96,17 @@ void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store sto
   });
 }
 
+// Vectors of complex outputs, whose chains take two steps a tap; machines of 32-byte registers have only 16.
+template <class T>
+constexpr size_t kPairs = hn::MaxLanes(Full<T>()) * sizeof(T) == 32 ? 6 : 8;
+
 // The same with complex taps, the parts of the samples in arrays of their own; store(d, n, re, im).
 template <class Complex, class T, class Store>
 void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
   constexpr size_t kLeast = HWY_MAX(size_t{1}, kBlock<T> / kLanes);
-  ForLanes<kChains<T> / 2, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+  ForLanes<kPairs<T>, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
     Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { re[v] = im[v] = hn::Zero(d); });
