@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 
 using namespace tzm;
 
@@ -38,8 +39,8 @@ constexpr int32_t kBlock = sizeof(PartOf<Sample>) == 8 ? 8 : 16;
 
 // ---- Direct route: blocks ----
 
-// Calls run(at, integral_constant) for as many vectors at once as still fit, until `len` lanes are done;
-// `len` is a multiple of kLeast vectors.
+// Calls run(at, integral_constant) for kVectors vectors at once, and for ever smaller powers of two of them, until
+// `len` lanes are done; kVectors and `len` are multiples of kLeast vectors.
 template <size_t kVectors, size_t kLeast, class Run>
 TZM_INLINE void ForLanes(size_t at, size_t len, size_t lanes, Run&& run) {
   for (; len - at >= kVectors * lanes; at += kVectors * lanes) run(at, std::integral_constant<size_t, kVectors>());
@@ -96,17 +97,17 @@ void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store sto
   });
 }
 
-// Vectors of complex outputs, whose chains take two steps a tap; machines of 32-byte registers have only 16.
-template <class T>
-constexpr size_t kPairs = hn::MaxLanes(Full<T>()) * sizeof(T) == 32 ? 6 : 8;
+// Vectors of complex outputs: twice as many chains, of two steps a tap each. More of them do not stay in 16
+// registers, nor with all their samples in 32.
+constexpr size_t kPairs = 6;
 
 // The same with complex taps, the parts of the samples in arrays of their own; store(d, n, re, im).
 template <class Complex, class T, class Store>
 void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  constexpr size_t kLeast = HWY_MAX(size_t{1}, kBlock<T> / kLanes);
-  ForLanes<kPairs<T>, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+  constexpr size_t kLeast = std::gcd(kPairs, HWY_MAX(size_t{1}, kBlock<T> / kLanes));
+  ForLanes<kPairs, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
     Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { re[v] = im[v] = hn::Zero(d); });
