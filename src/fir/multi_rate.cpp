@@ -102,7 +102,7 @@ struct Tile {
   using V = Vec<D>;
   static constexpr size_t kLanes = hn::MaxLanes(D());
   static constexpr int64_t kPeriods = kVectors * kLanes;
-  static constexpr size_t kBlock = 16 / sizeof(Real);      // reals in 128 bits
+  static constexpr size_t kBlock = 16 / sizeof(Real);        // reals in 128 bits
   static constexpr size_t kReals = kVectors == 1 ? 8 : 4;    // in a row of each period, summed together
   static constexpr size_t kPhases = kReals / kParts<Sample>;
   static constexpr size_t kRow = kParts<Sample> * kPeriods;  // the parts of complex samples have rows of their own
@@ -115,13 +115,13 @@ struct Tile {
   }
 
   // kBlock reals each of the first of every kBlock windows, side by side.
-  template <size_t kReals>
+  template <size_t kCount>
   static TZM_INLINE auto Read(const Narrow* const* window, size_t at) {
-    const hn::FixedTag<Narrow, kReals> d;
-    if constexpr (kReals == kBlock) {
+    const hn::FixedTag<Narrow, kCount> d;
+    if constexpr (kCount == kBlock) {
       return hn::LoadU(d, *window + at);
     } else {
-      const auto low = Read<kReals / 2>(window, at), high = Read<kReals / 2>(window + kReals / 2, at);
+      const auto low = Read<kCount / 2>(window, at), high = Read<kCount / 2>(window + kCount / 2, at);
       return hn::Combine(d, high, low);
     }
   }
@@ -388,7 +388,8 @@ OrvaStatus Run(const Sample* src, Sample* dst, int32_t iterations, const FIRMRSt
   Copy(src, line + rowCount, here);
   Zero(line + rowCount + here, copied - here);
 
-  // Periods of some outputs, and as many of them as there are lanes.
+  // Periods of so many outputs that these share what is laid side by side, as long as there is a period for each
+  // lane; of fewer than four a part of every step would be lost.
   Periods<Tap, Sample> p = {shape.rows, up, down, shape.offset, rows[0], 1, {line, src, shape.rows, shape.copied}};
   constexpr int64_t kFewest = 4, kEnough = 16, kLanes = 64 / sizeof(PartOf<Tap>);
   while (2 * p.factor <= iterations &&
