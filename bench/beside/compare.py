@@ -11,13 +11,15 @@ import pathlib
 import sys
 import time
 
+sys.dont_write_bytecode = True
+
 try:
     import numpy
 except ImportError:
     sys.exit("compare.py: NumPy is missing: install python3-numpy and python3-scipy")
 
-TURNS = 9
-TURN_SECONDS = 0.01
+TURNS = 40  # many short ones: on a loaded machine some of them run undisturbed
+TURN_SECONDS = 0.003
 
 
 class Library:

@@ -64,135 +64,253 @@ class Position {
   const int64_t up_, stepQ_, stepPhase_;
 };
 
-// ---- Blocks: windows of as many outputs as a register holds ----
+// Where windows are taken from: the line stands in for the source as long as they may reach back before it.
+template <class Sample>
+struct Signal {
+  const Sample *line, *src;
+  int64_t rows, copied;
 
+  // `len` samples from an index of the line, the source being its continuation. Only up to `copied` + 1
+  // samples that begin before the source are sure to lie in one array.
+  const Sample* At(int64_t index, int64_t len) const {
+    return index + len <= rows + copied ? line + index : src + (index - rows);
+  }
+};
+
+// ---- Tiles: a few phases of many periods ----
+
+// A period is a whole number of times U outputs; the outputs of one phase in successive periods have their
+// taps in common, and their windows a fixed distance apart. So each lane is a period: the samples of as many
+// windows are laid side by side, row by row, and serve all phases.
 template <class Tap, class Sample>
-struct Windows {
+struct Periods {
+  int64_t rows, up, down, offset;  // of the filter; offset + n*down = q*up + phase
+  const Tap* taps;                 // the matrix of the phases
+  int64_t factor;                  // of a period: factor*up outputs from factor*down samples
+  Signal<Sample> signal;
+
+  int64_t Q(int64_t n) const { return (offset + n * down) / up; }
+};
+
+constexpr size_t kTileBytes = 32768;  // of samples laid side by side
+
+template <class Tap, class Sample, size_t kVectors>
+struct Tile {
   using Real = PartOf<Tap>;
   using Narrow = PartOf<Sample>;
   using D = Full<Real>;
   using V = Vec<D>;
-  static constexpr size_t kParts = kIsComplex<Sample> ? 2 : 1;
-  static constexpr size_t kOutputs = hn::MaxLanes(D()) / kParts;     // windows in a register
-  static constexpr size_t kRows = 16 / (sizeof(Real) * kParts);      // rows read at a time
-  static constexpr size_t kBlock = sizeof(Real) == 8 ? 8 : 16;       // outputs of a block
-  static constexpr size_t kVectors = kBlock / kOutputs;
+  static constexpr size_t kLanes = hn::MaxLanes(D());
+  static constexpr int64_t kPeriods = kVectors * kLanes;
+  static constexpr size_t kBlock = 16 / sizeof(Real);        // reals in 128 bits
+  static constexpr size_t kReals = kVectors == 1 ? 8 : 4;    // in a row of each period, summed together
+  static constexpr size_t kPhases = kReals / kParts<Sample>;
+  static constexpr size_t kRow = kParts<Sample> * kPeriods;  // the parts of complex samples have rows of their own
+  static constexpr int64_t kRows = kTileBytes / (kRow * sizeof(Real));
+  using Sums = V[kReals * kVectors];
 
   static TZM_INLINE V Widen(Vec<hn::Rebind<Narrow, D>> v) {
     if constexpr (std::is_same_v<Narrow, Real>) return v;
     else return hn::ConvertTo(D(), hn::PromoteTo(hn::RebindToSigned<D>(), v));
   }
 
-  // kRows samples each of the first of every kRows windows, side by side.
-  template <size_t kWindows>
-  static TZM_INLINE auto Read(const Sample* const* window, size_t row) {
-    const hn::FixedTag<Narrow, kWindows * kParts> d;
-    if constexpr (kWindows == kRows) {
-      return hn::LoadU(d, Reals(*window + row));
+  // kBlock reals each of the first of every kBlock windows, side by side.
+  template <size_t kCount>
+  static TZM_INLINE auto Read(const Narrow* const* window, size_t at) {
+    const hn::FixedTag<Narrow, kCount> d;
+    if constexpr (kCount == kBlock) {
+      return hn::LoadU(d, *window + at);
     } else {
-      const auto low = Read<kWindows / 2>(window, row), high = Read<kWindows / 2>(window + kWindows / 2, row);
+      const auto low = Read<kCount / 2>(window, at), high = Read<kCount / 2>(window + kCount / 2, at);
       return hn::Combine(d, high, low);
     }
   }
 
-  // x[i] = sample `row + i` of each window.
-  static TZM_INLINE void ReadRows(const Sample* const* window, size_t row, V (&x)[kRows]) {
-    const D d;
-    Unrolled<kRows>([&](size_t k) TZM_LAMBDA { x[k] = Widen(Read<kOutputs>(window + k, row)); });
-    if constexpr (kRows == 4) {  // 4 by 4 within blocks
-      const V even[2] = {hn::InterleaveLower(d, x[0], x[2]), hn::InterleaveUpper(d, x[0], x[2])};
-      const V odd[2] = {hn::InterleaveLower(d, x[1], x[3]), hn::InterleaveUpper(d, x[1], x[3])};
+  // Within blocks of 128 bits rows become columns.
+  template <class W>
+  static TZM_INLINE void Transpose(W (&x)[kBlock]) {
+    const hn::DFromV<W> d;
+    if constexpr (kBlock == 4) {
+      const W even[2] = {hn::InterleaveLower(d, x[0], x[2]), hn::InterleaveUpper(d, x[0], x[2])};
+      const W odd[2] = {hn::InterleaveLower(d, x[1], x[3]), hn::InterleaveUpper(d, x[1], x[3])};
       Unrolled<2>([&](size_t k) TZM_LAMBDA {
         x[2 * k] = hn::InterleaveLower(d, even[k], odd[k]);
         x[2 * k + 1] = hn::InterleaveUpper(d, even[k], odd[k]);
       });
-    } else if constexpr (kRows == 2) {
-      const hn::Repartition<double, D> d64;
-      const auto first = hn::BitCast(d64, x[0]), second = hn::BitCast(d64, x[1]);
-      x[0] = hn::BitCast(d, hn::InterleaveLower(d64, first, second));
-      x[1] = hn::BitCast(d, hn::InterleaveUpper(d64, first, second));
-    }
-  }
-  static TZM_INLINE V ReadRow(const Sample* const* window, size_t row) {
-    Sample side[kOutputs];
-    for (size_t o = 0; o < kOutputs; ++o) side[o] = LoadElement(window[o] + row);
-    return Widen(hn::LoadU(hn::Rebind<Narrow, D>(), Reals(side)));
-  }
-
-  static TZM_INLINE V Step(V x, const Tap* taps, V sum) {
-    const D d;
-    if constexpr (kIsComplex<Tap>) {
-      const V tap = hn::LoadU(d, Reals(taps));
-      const V re = hn::DupEven(tap), im = hn::DupOdd(tap);
-      const V turned = hn::OddEven(im, hn::Neg(im));  // -im for the real part
-      return hn::MulAdd(hn::Reverse2(d, x), turned, hn::MulAdd(x, re, sum));
-    } else if constexpr (kParts == 2) {
-      const hn::Repartition<uint64_t, D> d64;
-      const auto wide = hn::PromoteTo(d64, hn::LoadU(hn::Rebind<uint32_t, decltype(d64)>(),
-                                                     reinterpret_cast<const uint32_t*>(taps)));
-      return hn::MulAdd(x, hn::BitCast(d, hn::Or(wide, hn::ShiftLeft<32>(wide))), sum);
     } else {
-      return hn::MulAdd(x, hn::LoadU(d, taps), sum);
+      const W first = x[0];
+      x[0] = hn::InterleaveLower(d, first, x[1]);
+      x[1] = hn::InterleaveUpper(d, first, x[1]);
     }
   }
 
-  static TZM_INLINE void Store(V sum, Narrow* dst) {
-    const hn::Rebind<Narrow, D> narrow;
-    if constexpr (std::is_same_v<Narrow, Real>) hn::StoreU(sum, narrow, dst);
-    else hn::StoreU(hn::DemoteTo(narrow, RoundToInt(sum)), narrow, dst);
-  }
-
-  // kBlock outputs; their taps begin at column `column` of the rows.
-  static void Run(const Sample* const* window, const Tap* const* rows, size_t rowCount, size_t column, Sample* dst) {
-    V sum[kVectors];
-    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { sum[v] = hn::Zero(D()); });
-    size_t r = 0;
-    for (; rowCount - r >= kRows; r += kRows) {
-      Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
-        V x[kRows];
-        ReadRows(window + v * kOutputs, r, x);
-        Unrolled<kRows>([&](size_t k) TZM_LAMBDA {
-          sum[v] = Step(x[k], rows[r + k] + column + v * kOutputs, sum[v]);
+  // The samples [first, first + count) of `valid` windows that lie `step` apart, side by side at `to`. Lanes
+  // beyond repeat the last one.
+  static void Lay(const Signal<Sample>& signal, int64_t first, int64_t step, int64_t valid, int64_t count, Real* to) {
+    const int64_t most = first >= signal.rows ? count : signal.copied + 1;
+    for (int64_t done = 0; done < count; done += most) {
+      const int64_t len = std::min(most, count - done);
+      const Narrow* window[kPeriods];
+      for (int64_t k = 0; k < kPeriods; ++k)
+        window[k] = Reals(signal.At(first + done + std::min(k, valid - 1) * step, len));
+      const size_t reals = static_cast<size_t>(len) * kParts<Sample>;
+      size_t at = 0;
+      for (; reals - at >= kBlock; at += kBlock, to += kBlock * kPeriods) {
+        Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
+          V x[kBlock];
+          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = Widen(Read<kLanes>(window + v * kLanes + k, at)); });
+          Transpose(x);
+          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { hn::StoreU(x[k], D(), to + k * kPeriods + v * kLanes); });
         });
+      }
+      for (; at < reals; ++at, to += kPeriods)
+        for (int64_t k = 0; k < kPeriods; ++k) to[k] = static_cast<Real>(LoadElement(window[k] + at));
+    }
+  }
+
+  // One step of every chain for each of `count` rows: x[i] are the samples of phase i, and its taps stand i
+  // columns further in the matrix.
+  static TZM_INLINE void Accumulate(const Real* const (&x)[kPhases], const Tap* taps, int64_t width, int64_t count,
+                                    Sums& sums) {
+    const D d;
+    Sums sum;  // GCC keeps what is not its own in memory
+    Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { sum[k] = sums[k]; });
+    for (size_t at = 0; at < static_cast<size_t>(count) * kRow; at += kRow, taps += width) {
+      Unrolled<kPhases>([&](auto phase) TZM_LAMBDA {
+        constexpr size_t kTap = phase * kParts<Tap>, kSum = phase * kParts<Sample> * kVectors;
+        const auto block = hn::LoadDup128(d, Reals(taps) + kTap / kBlock * kBlock);
+        const V re = hn::Broadcast<kTap % kBlock>(block);
+        const Real* const row = x[phase] + at;
+        if constexpr (kIsComplex<Tap>) {
+          const V im = hn::Broadcast<kTap % kBlock + 1>(block);
+          Unrolled<kVectors>([&](auto v) TZM_LAMBDA {
+            const V xr = InRegister(hn::LoadU(d, row + v * kLanes));
+            const V xi = InRegister(hn::LoadU(d, row + kPeriods + v * kLanes));
+            sum[kSum + v] = hn::NegMulAdd(xi, im, hn::MulAdd(xr, re, sum[kSum + v]));
+            sum[kSum + kVectors + v] = hn::MulAdd(xr, im, hn::MulAdd(xi, re, sum[kSum + kVectors + v]));
+          });
+        } else {
+          Unrolled<kParts<Sample> * kVectors>([&](auto v) TZM_LAMBDA {
+            sum[kSum + v] = hn::MulAdd(hn::LoadU(d, row + v * kLanes), re, sum[kSum + v]);
+          });
+        }
       });
     }
-    for (; r < rowCount; ++r) {
-      Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
-        sum[v] = Step(ReadRow(window + v * kOutputs, r), rows[r] + column + v * kOutputs, sum[v]);
-      });
+    Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { sums[k] = sum[k]; });
+  }
+
+  // `phases` outputs of `valid` periods, which lie `stride` apart.
+  static TZM_INLINE void Store(const Sums& sum, Sample* dst, int64_t phases, int64_t valid, int64_t stride) {
+    if (phases == kPhases && valid == kPeriods) return StoreAll(sum, Reals(dst), stride * kParts<Sample>);
+    Narrow all[kReals * kPeriods];
+    StoreAll(sum, all, kReals);
+    for (int64_t k = 0; k < valid; ++k)
+      memcpy(dst + k * stride, all + kReals * k, static_cast<size_t>(phases) * sizeof(Sample));
+  }
+
+  // Blocks of 128 bits to places `stride` apart.
+  template <class W>
+  static TZM_INLINE void StoreBlocks(W v, Narrow* dst, int64_t stride) {
+    const hn::DFromV<W> d;
+    if constexpr (hn::MaxLanes(hn::DFromV<W>()) > kBlock) {
+      const hn::Half<hn::DFromV<W>> half;
+      StoreBlocks(hn::LowerHalf(half, v), dst, stride);
+      StoreBlocks(hn::UpperHalf(half, v), dst + static_cast<int64_t>(hn::MaxLanes(d) / 2) * stride, stride);
+    } else if constexpr (std::is_same_v<Narrow, Real>) {
+      hn::StoreU(v, d, dst);
+    } else {
+      const hn::Rebind<Narrow, decltype(d)> narrow;
+      hn::StoreU(hn::DemoteTo(narrow, v), narrow, dst);
     }
-    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { Store(sum[v], Reals(dst + v * kOutputs)); });
+  }
+
+  // The outputs of each period, `stride` apart.
+  static TZM_INLINE void StoreAll(const Sums& sum, Narrow* dst, int64_t stride) {
+    const auto ready = [&](V v) TZM_LAMBDA {
+      if constexpr (std::is_same_v<Narrow, Real>) return v;
+      else return RoundToInt(v);
+    };
+    Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
+      for (size_t first = 0; first < kReals; first += kBlock) {
+        decltype(ready(sum[0])) x[kBlock];
+        Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = ready(sum[(first + k) * kVectors + v]); });
+        Transpose(x);
+        Unrolled<kBlock>([&](size_t k) TZM_LAMBDA {
+          StoreBlocks(x[k], dst + first + static_cast<int64_t>(v * kLanes + k) * stride, stride);
+        });
+      }
+    });
+  }
+
+  // `valid` periods, their windows beginning `from` samples later than those of the first one.
+  static void Run(const Periods<Tap, Sample>& p, int64_t from, int64_t valid, Sample* dst) {
+    constexpr int64_t kGroup = kPhases;
+    const int64_t outputs = p.factor * p.up, step = p.factor * p.down, width = p.up + kExtension;
+    HWY_ALIGN Real area[kRows * kRow];
+    // So many outputs of a period find so many rows of their samples in the area together. What has more rows
+    // goes through it in several turns, and its sums are kept between them.
+    Sums kept[16];
+    int64_t rows = std::min(p.rows, kRows / 2), together = (kRows - rows) * p.up / p.down / kGroup * kGroup;
+    if (rows < p.rows) together = std::min<int64_t>(together, kGroup * std::size(kept));
+    // Phases too far apart for that have a share of the area each.
+    const bool apart = together == 0;
+    if (apart) {
+      together = kGroup;
+      rows = kRows / kGroup;
+    }
+    for (int64_t begin = 0; begin < outputs; begin += together) {
+      const int64_t end = std::min(begin + together, outputs);
+      const int64_t first = p.Q(begin), span = p.Q(end - 1) - first;
+      for (int64_t r = 0; r < p.rows; r += rows) {
+        const int64_t count = std::min(rows, p.rows - r);
+        if (!apart) Lay(p.signal, from + first + r, step, valid, span + count, area);
+        Position position(p.offset + begin * p.down, p.up, p.down);
+        int64_t column = begin % p.up;
+        for (int64_t n = begin; n < end; n += kGroup) {
+          const Real* x[kPhases];
+          for (int64_t i = 0; i < kGroup; ++i) {
+            const int64_t q = position.Q();
+            Real* const own = area + static_cast<size_t>(apart ? i * rows : q - first) * kRow;
+            if (apart) Lay(p.signal, from + q + r, step, valid, count, own);
+            x[i] = own;
+            if (n + i < outputs - 1) position.Next();  // phases beyond the period repeat the last one
+          }
+          Sums sum, &before = kept[(n - begin) / kGroup % std::size(kept)];
+          Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { sum[k] = r == 0 ? hn::Zero(D()) : before[k]; });
+          Accumulate(x, p.taps + column + r * width, width, count, sum);
+          if (r + count == p.rows) Store(sum, dst + n, std::min(kGroup, outputs - n), valid, outputs);
+          else Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { before[k] = sum[k]; });
+          column = (column + kGroup) % p.up;
+        }
+      }
+    }
   }
 };
 
-// ---- Tail: one output ----
-
+// `count` periods.
 template <class Tap, class Sample>
-void RunOne(const Sample* window, const Tap* const* rows, size_t rowCount, size_t column, Sample* dst) {
-  using Real = PartOf<Tap>;
-  Real re = 0, im = 0;
-  for (size_t r = 0; r < rowCount; ++r) {
-    const Sample x = LoadElement(window + r);
-    const Tap h = rows[r][column];
-    if constexpr (std::is_same_v<Sample, Orva16sc>) {
-      const Real xr = x.re, xi = x.im;
-      re += Fma(-xi, h.im, xr * h.re);
-      im += Fma(xi, h.re, xr * h.im);
-    } else if constexpr (kIsComplex<Tap>) {
-      re = Fma(-x.im, h.im, Fma(x.re, h.re, re));
-      im = Fma(x.re, h.im, Fma(x.im, h.re, im));
-    } else if constexpr (kIsComplex<Sample>) {
-      re = Fma(x.re, h, re);
-      im = Fma(x.im, h, im);
-    } else {
-      re = Fma(x, h, re);
-    }
+void RunPeriods(const Periods<Tap, Sample>& p, int64_t from, int64_t count, Sample* dst) {
+  constexpr size_t kVectors = hn::MaxLanes(Full<uint8_t>()) == 16 ? 4 : 2;  // chains that fill the pipelines
+  using Narrow = Tile<Tap, Sample, 1>;
+  using Wide = Tile<Tap, Sample, kVectors>;
+  for (int64_t k = 0; k < count; k += Wide::kPeriods) {
+    const int64_t valid = std::min(Wide::kPeriods, count - k);
+    const auto run = valid > Narrow::kPeriods ? Wide::Run : Narrow::Run;
+    run(p, from + k * p.factor * p.down, valid, dst + k * p.factor * p.up);
   }
-  if constexpr (std::is_same_v<Sample, Orva16s>) StoreElement(RoundSaturate<Orva16s>(re), dst);
-  else if constexpr (std::is_same_v<Sample, Orva16sc>)
-    StoreElement(Orva16sc{RoundSaturate<Orva16s>(re), RoundSaturate<Orva16s>(im)}, dst);
-  else if constexpr (kIsComplex<Sample>) StoreElement(Sample{re, im}, dst);
-  else StoreElement(re, dst);
+}
+
+// ---- The last outputs of complex 16-bit samples ----
+
+void RunOne(const Orva16sc* window, const Orva32fc* taps, int64_t width, int64_t rows, Orva16sc* dst) {
+  Orva32f re = 0, im = 0;
+  for (int64_t r = 0; r < rows; ++r, taps += width) {
+    const Orva16sc x = LoadElement(window + r);
+    const Orva32f xr = x.re, xi = x.im;
+    re += Fma(-xi, taps->im, xr * taps->re);
+    im += Fma(xi, taps->re, xr * taps->im);
+  }
+  StoreElement(Orva16sc{RoundSaturate<Orva16s>(re), RoundSaturate<Orva16s>(im)}, dst);
 }
 
 // ---- Init, run, release ----
@@ -270,30 +388,23 @@ OrvaStatus Run(const Sample* src, Sample* dst, int32_t iterations, const FIRMRSt
   Copy(src, line + rowCount, here);
   Zero(line + rowCount + here, copied - here);
 
-  Position position(shape.offset, up, down);
-  const auto window = [&]() TZM_LAMBDA {
-    const int64_t q = position.Q();
-    position.Next();
-    return q <= copied ? line + q : src + (q - rowCount);
-  };
-  using Block = Windows<Tap, Sample>;
-  const int32_t dstLen = up * iterations;
-  int64_t column = 0;
-  int32_t n = 0;
-  const auto advance = [&](int32_t outputs) TZM_LAMBDA {
-    n += outputs;
-    column += outputs;
-    while (column >= up) column -= up;
-  };
-  while (dstLen - n >= static_cast<int32_t>(Block::kBlock)) {
-    const Sample* windows[Block::kBlock];
-    for (const Sample*& each : windows) each = window();
-    Block::Run(windows, rows, rowCount, column, dst + n);
-    advance(Block::kBlock);
-  }
-  while (n < dstLen) {
-    RunOne(window(), rows, rowCount, column, dst + n);
-    advance(1);
+  // Periods of so many outputs that these share what is laid side by side, as long as there is a period for each
+  // lane; of fewer than four a part of every step would be lost.
+  Periods<Tap, Sample> p = {shape.rows, up, down, shape.offset, rows[0], 1, {line, src, shape.rows, shape.copied}};
+  constexpr int64_t kFewest = 4, kEnough = 16, kLanes = 64 / sizeof(PartOf<Tap>);
+  while (2 * p.factor <= iterations &&
+         (p.factor * up < kFewest || (p.factor * up < kEnough && iterations / (2 * p.factor) >= kLanes)))
+    p.factor *= 2;
+  const int64_t periods = iterations / p.factor, done = periods * p.factor;
+  RunPeriods(p, 0, periods, dst);
+  p.factor = 1;
+  RunPeriods(p, done * down, iterations - done, dst + done * up);
+  if constexpr (std::is_same_v<Sample, Orva16sc>) {
+    const int64_t dstLen = int64_t{up} * iterations;
+    for (int64_t n = dstLen - dstLen % 16; n < dstLen; ++n) {
+      const int64_t q = (shape.offset + n * down) / up;
+      RunOne(p.signal.At(q, shape.rows), rows[0] + n % up, up + kExtension, shape.rows, dst + n);
+    }
   }
   HandOn(delaySrc, src, srcLen, delayDst, rowCount);
   return ORVA_STS_NO_ERR;

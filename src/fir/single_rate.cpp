@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 
 using namespace tzm;
 
@@ -38,12 +39,12 @@ constexpr int32_t kBlock = sizeof(PartOf<Sample>) == 8 ? 8 : 16;
 
 // ---- Direct route: blocks ----
 
-// Calls run(at, integral_constant) for as many vectors at once as still fit, until `len` lanes are done;
-// `len` is a multiple of kLeast vectors.
+// Calls run(at, integral_constant) for kVectors vectors at once, and for ever smaller powers of two of them, until
+// `len` lanes are done; kVectors and `len` are multiples of kLeast vectors.
 template <size_t kVectors, size_t kLeast, class Run>
 TZM_INLINE void ForLanes(size_t at, size_t len, size_t lanes, Run&& run) {
   for (; len - at >= kVectors * lanes; at += kVectors * lanes) run(at, std::integral_constant<size_t, kVectors>());
-  if constexpr (kVectors > kLeast) ForLanes<kVectors / 2, kLeast>(at, len, lanes, run);
+  if constexpr (kVectors > kLeast) ForLanes<std::bit_floor(kVectors - 1), kLeast>(at, len, lanes, run);
 }
 
 // Chains that fill the pipelines of two fused units, and leave registers for what is loaded.
@@ -96,13 +97,17 @@ void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store sto
   });
 }
 
+// Vectors of complex outputs: twice as many chains, of two steps a tap each. More of them do not stay in 16
+// registers, nor with all their samples in 32.
+constexpr size_t kPairs = 6;
+
 // The same with complex taps, the parts of the samples in arrays of their own; store(d, n, re, im).
 template <class Complex, class T, class Store>
 void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  constexpr size_t kLeast = HWY_MAX(size_t{1}, kBlock<T> / kLanes);
-  ForLanes<kChains<T> / 2, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
+  constexpr size_t kLeast = std::gcd(kPairs, HWY_MAX(size_t{1}, kBlock<T> / kLanes));
+  ForLanes<kPairs, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
     Unrolled<kVectors>([&](size_t v) TZM_LAMBDA { re[v] = im[v] = hn::Zero(d); });
@@ -244,42 +249,42 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
 
 // ---- FFT route ----
 
-TZM_INLINE void Multiply(const Orva32fc* a, const Orva32fc* b, Orva32fc* dst, int32_t len) {
-  ORVAS_Mul_32fc(a, b, dst, len);
+TZM_INLINE void Multiply(const Orva32fc* by, Orva32fc* srcDst, int32_t len) { ORVAS_Mul_32fc_I(by, srcDst, len); }
+TZM_INLINE void Multiply(const Orva64fc* by, Orva64fc* srcDst, int32_t len) { ORVAS_Mul_64fc_I(by, srcDst, len); }
+TZM_INLINE void Scale(Orva32f value, Orva32f* srcDst, int32_t len) { ORVAS_MulC_32f_I(value, srcDst, len); }
+TZM_INLINE void Scale(Orva64f value, Orva64f* srcDst, int32_t len) { ORVAS_MulC_64f_I(value, srcDst, len); }
+TZM_INLINE void Conjugate(Orva32fc* srcDst, int32_t len) { ORVAS_Conj_32fc_I(srcDst, len); }
+TZM_INLINE void Conjugate(Orva64fc* srcDst, int32_t len) { ORVAS_Conj_64fc_I(srcDst, len); }
+
+template <class Sample>
+TZM_INLINE void Output(const Sample* line, Sample* dst, int32_t len) {
+  Copy(line, dst, len);
 }
-TZM_INLINE void Multiply(const Orva64fc* a, const Orva64fc* b, Orva64fc* dst, int32_t len) {
-  ORVAS_Mul_64fc(a, b, dst, len);
-}
-TZM_INLINE void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
-  ORVAS_DivC_32f(src, value, dst, len);
-}
-TZM_INLINE void Divide(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
-  ORVAS_DivC_64f(src, value, dst, len);
-}
-TZM_INLINE void Divide(Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
-  ORVAS_DivC_32f(src, value, src, len);
+TZM_INLINE void Output(const Orva32f* line, Orva16s* dst, int32_t len) {
   const Full<Orva32f> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
     const hn::Rebind<Orva16s, decltype(d)> narrow;
     hn::StoreU(hn::DemoteTo(narrow, RoundToInt(NanBySign(hn::LoadU(d, from)))), narrow, to);
-  }, static_cast<const Orva32f*>(src), dst);
+  }, line, dst);
 }
+TZM_INLINE void Output(const Orva32fc* line, Orva16sc* dst, int32_t len) { Output(Parts(line), Parts(dst), 2 * len); }
 
 // Overlap-save with the spectrum of the reversed taps, so prepared that multiplying another spectrum by it
-// correlates with them. Of real signals only the half that transforms give and take is used.
-template <class Tap, class Sample>
+// correlates with them. The number of points is a power of two, so the division by it that makes the inverse
+// transform one is exact on the spectrum already. Of real signals only the half that transforms give and take
+// is used.
+template <class Tap, class Wide>
 struct Overlap {
-  using Real = PartOf<Sample>;
-  static constexpr bool kComplex = kIsComplex<Sample>;
+  using Real = PartOf<Wide>;
+  static constexpr bool kComplex = kIsComplex<Wide>;
   using F = Fft<Real>;
   using Complex = typename F::Complex;
-  using Line = std::conditional_t<kComplex, Complex, Real>;  // what the transform takes
   using Plan = typename F::Plan;
 
   const int32_t points, bins;
   Plan forward, inverse;
-  Complex *spectrum, *block, *product;
-  Line* line;
+  Complex *spectrum, *block;
+  Wide* line;
 
   explicit Overlap(const FIRSRState& state)
       : points(state.fftLen),
@@ -288,21 +293,20 @@ struct Overlap {
         inverse(static_cast<Plan>(state.inversePlan)),
         spectrum(static_cast<Complex*>(state.spectrum)),
         block(reinterpret_cast<Complex*>((reinterpret_cast<uintptr_t>(state.work) + 15) / 16 * 16)),
-        product(block + points),
-        line(reinterpret_cast<Line*>(product + points)) {}
+        line(reinterpret_cast<Wide*>(block + points)) {}
 
   void Forward(Complex* to) const {
     if constexpr (kComplex) F::Execute(forward, line, to);
     else F::ExecuteRealToComplex(forward, line, to);
   }
-  void Inverse() const {
-    if constexpr (kComplex) F::Execute(inverse, product, line);
-    else F::ExecuteComplexToReal(inverse, product, line);
+  void Inverse(Wide* to) const {
+    if constexpr (kComplex) F::Execute(inverse, block, to);
+    else F::ExecuteComplexToReal(inverse, block, to);
   }
 
   void Prepare(const Tap* taps, int32_t tapsLen) const {
     Zero(line, points);
-    if constexpr (std::is_same_v<Tap, Line>) {
+    if constexpr (std::is_same_v<Tap, Wide>) {
       Copy(taps, line, tapsLen);
       if constexpr (kComplex) Conjugate(line, tapsLen);
     } else {
@@ -310,17 +314,20 @@ struct Overlap {
     }
     Forward(spectrum);
     Conjugate(spectrum, bins);
+    Scale(Real{1} / static_cast<Real>(points), Reals(spectrum), 2 * bins);
   }
-  static void Conjugate(Orva32fc* srcDst, int32_t len) { ORVAS_Conj_32fc_I(srcDst, len); }
-  static void Conjugate(Orva64fc* srcDst, int32_t len) { ORVAS_Conj_64fc_I(srcDst, len); }
 
-  // Outputs from `points` samples that begin T-1 before the first of them.
-  template <class Out>
-  void Filter(Out* dst, int32_t count) const {
+  // Outputs from the line's `points` samples, which begin T-1 before the first of them. `room` elements may be
+  // written, of which those after the first `count` are no outputs.
+  template <class Sample>
+  void Filter(Sample* dst, int32_t count, int64_t room) const {
     Forward(block);
-    Multiply(spectrum, block, product, bins);
-    Inverse();
-    Divide(Reals(line), static_cast<Real>(points), Reals(dst), kComplex ? 2 * count : count);
+    Multiply(spectrum, block, bins);
+    if constexpr (std::is_same_v<Sample, Wide>) {
+      if (room >= points && reinterpret_cast<uintptr_t>(dst) % 16 == 0) return Inverse(dst);
+    }
+    Inverse(line);
+    Output(line, dst, count);
   }
 };
 
@@ -340,7 +347,7 @@ void RunFft(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state
       Copy(src + (at - kept), overlap.line, filled);
     }
     Zero(overlap.line + filled, overlap.points - filled);
-    overlap.Filter(dst + at, static_cast<int32_t>(std::min<int64_t>(step, len - at)));
+    overlap.Filter(dst + at, static_cast<int32_t>(std::min<int64_t>(step, len - at)), len - at);
   }
   HandOn(delaySrc, src, len, delayDst, kept);
 }

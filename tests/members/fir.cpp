@@ -9,41 +9,33 @@ namespace tzm_test {
 
 namespace {
 
-// Two runs of the direct route, the second with the delay line of the first.
-template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
-void DigestSingleRate(Digest& digest) {
-  for (int32_t taps_len : {1, 5, 40, 131}) {
-    for (Variety variety : kVarieties) {
-      const auto taps = RandomArray<Tap>(taps_len, 1, variety);
-      const auto src = RandomArray<Sample>(400, 2, variety);
-      std::vector<Sample> dst(400), delay(taps_len);
-      FIRSRState* state = nullptr;
-      digest.AddStatus(kInit(taps.data(), taps_len, 300, 1, &state));
-      digest.AddStatus(kRun(src.data(), dst.data(), 277, state, nullptr, delay.data()));
-      digest.AddStatus(kRun(src.data() + 277, dst.data() + 277, 123, state, delay.data(), delay.data()));
-      digest.AddStatus(kRelease(state));
-      digest.Add(dst.data(), dst.size());
-      digest.Add(delay.data(), delay.size());
-    }
+// Two runs of a filter, the second with the delay line of the first.
+template <class State, auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
+void DigestPieces(Digest& digest, int32_t taps_len, int32_t up, int32_t down, int32_t first, int32_t second,
+                  auto... parameters) {
+  for (Variety variety : kVarieties) {
+    const auto taps = RandomArray<Tap>(taps_len, 1, variety);
+    const auto src = RandomArray<Sample>(down * (first + second), 2, variety);
+    std::vector<Sample> dst(up * (first + second)), delay(taps_len);
+    State* state = nullptr;
+    digest.AddStatus(kInit(taps.data(), taps_len, parameters..., &state));
+    digest.AddStatus(kRun(src.data(), dst.data(), first, state, nullptr, delay.data()));
+    digest.AddStatus(kRun(&src[first * down], &dst[first * up], second, state, delay.data(), delay.data()));
+    digest.AddStatus(kRelease(state));
+    digest.Add(dst.data(), dst.size());
+    digest.Add(delay.data(), delay.size());
   }
 }
-
+template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
+void DigestSingleRate(Digest& digest) {
+  for (int32_t taps_len : {1, 5, 40, 131})
+    DigestPieces<FIRSRState, kInit, kRun, kRelease, Tap, Sample>(digest, taps_len, 1, 1, 277, 123, 300, 1);
+}
 template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
 void DigestMultiRate(Digest& digest) {
-  for (auto [taps_len, up, down] : {std::array{7, 1, 1}, {64, 1, 4}, {50, 3, 2}, {33, 20, 7}}) {
-    for (Variety variety : kVarieties) {
-      const auto taps = RandomArray<Tap>(taps_len, 1, variety);
-      const auto src = RandomArray<Sample>(down * 40, 2, variety);
-      std::vector<Sample> dst(up * 40), delay(taps_len);
-      FIRMRState* state = nullptr;
-      digest.AddStatus(kInit(taps.data(), taps_len, up, up - 1, down, down / 2, &state));
-      digest.AddStatus(kRun(src.data(), dst.data(), 29, state, nullptr, delay.data()));
-      digest.AddStatus(kRun(&src[29 * down], &dst[29 * up], 11, state, delay.data(), delay.data()));
-      digest.AddStatus(kRelease(state));
-      digest.Add(dst.data(), dst.size());
-      digest.Add(delay.data(), delay.size());
-    }
-  }
+  for (auto [taps_len, up, down] : {std::array{7, 1, 1}, {64, 1, 4}, {50, 3, 2}, {33, 20, 7}})
+    DigestPieces<FIRMRState, kInit, kRun, kRelease, Tap, Sample>(digest, taps_len, up, down, 29, 11, up, up - 1, down,
+                                                                 down / 2);
 }
 
 constexpr int32_t kTaps = 64;
@@ -180,23 +172,16 @@ std::function<Timed(int32_t)> TimeDesign(auto design) {
           [](const tap* taps, int32_t, FIRMRState** made) { ORVAS_FIRMRInit##init(taps, kTaps, 1, 0, 4, 0, made); }, \
           ORVAS_FIRMR##run, ORVAS_FIRMRRelease##init, 4, 1))
 
+#define PAIRINGS(row)                                                                                  \
+  row(_32f, _32f, Orva32f, Orva32f), row(_16s, _32f, Orva32f, Orva16s), row(_64f, _64f, Orva64f, Orva64f), \
+  row(_32fc, _32fc, Orva32fc, Orva32fc), row(_16sc, _32fc, Orva32fc, Orva16sc),                        \
+  row(_64fc, _64fc, Orva64fc, Orva64fc), row(32f_32fc, 32f_32fc, Orva32f, Orva32fc),
+
 }  // namespace
 
 static const Rows rows("fir", {
-    SINGLE_RATE(_32f, _32f, Orva32f, Orva32f),
-    SINGLE_RATE(_16s, _32f, Orva32f, Orva16s),
-    SINGLE_RATE(_64f, _64f, Orva64f, Orva64f),
-    SINGLE_RATE(_32fc, _32fc, Orva32fc, Orva32fc),
-    SINGLE_RATE(_16sc, _32fc, Orva32fc, Orva16sc),
-    SINGLE_RATE(_64fc, _64fc, Orva64fc, Orva64fc),
-    SINGLE_RATE(32f_32fc, 32f_32fc, Orva32f, Orva32fc),
-    MULTI_RATE(_32f, _32f, Orva32f, Orva32f),
-    MULTI_RATE(_16s, _32f, Orva32f, Orva16s),
-    MULTI_RATE(_64f, _64f, Orva64f, Orva64f),
-    MULTI_RATE(_32fc, _32fc, Orva32fc, Orva32fc),
-    MULTI_RATE(_16sc, _32fc, Orva32fc, Orva16sc),
-    MULTI_RATE(_64fc, _64fc, Orva64fc, Orva64fc),
-    MULTI_RATE(32f_32fc, 32f_32fc, Orva32f, Orva32fc),
+    PAIRINGS(SINGLE_RATE)
+    PAIRINGS(MULTI_RATE)
     ADAPTIVE(, 32f, Orva32f),
     ADAPTIVE(32f, 16s, Orva16s),
     // 64 taps, spread over 64 times as many samples.
@@ -224,5 +209,6 @@ static const Rows rows("fir", {
 #undef CUT
 #undef BAND
 #undef MULTI_RATE
+#undef PAIRINGS
 
 }  // namespace tzm_test

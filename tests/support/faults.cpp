@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <set>
 
@@ -50,6 +51,14 @@ auto Take(F* next, Arguments... arguments) -> decltype(next(arguments...)) {
   return taken;
 }
 
+// New blocks hold NaN and -1, so that what is read before it was written shows; the largest ones only at their
+// beginning, for they are asked for and never used.
+template <class T>
+T* Filled(T* block, size_t bytes) {
+  if (block != nullptr) std::memset(block, 0xff, bytes < (1 << 20) ? bytes : 1 << 20);
+  return block;
+}
+
 template <class F, class Pointer>
 void Release(F* next, Pointer pointer) {
   if (depth == 0 && pointer != nullptr) {
@@ -89,11 +98,11 @@ using namespace tzm_test;
     return next;                                                    \
   }())
 
-void* ORVA_Malloc(int32_t bytes) { return Take(NEXT(ORVA_Malloc), bytes); }
-Orva8u* ORVAS_Malloc_8u(int32_t count) { return Take(NEXT(ORVAS_Malloc_8u), count); }
-Orva16s* ORVAS_Malloc_16s(int32_t count) { return Take(NEXT(ORVAS_Malloc_16s), count); }
-Orva32f* ORVAS_Malloc_32f(int32_t count) { return Take(NEXT(ORVAS_Malloc_32f), count); }
-Orva64f* ORVAS_Malloc_64f(int32_t count) { return Take(NEXT(ORVAS_Malloc_64f), count); }
+void* ORVA_Malloc(int32_t bytes) { return Filled(Take(NEXT(ORVA_Malloc), bytes), bytes); }
+Orva8u* ORVAS_Malloc_8u(int32_t count) { return Filled(Take(NEXT(ORVAS_Malloc_8u), count), count); }
+Orva16s* ORVAS_Malloc_16s(int32_t count) { return Filled(Take(NEXT(ORVAS_Malloc_16s), count), 2 * size_t(count)); }
+Orva32f* ORVAS_Malloc_32f(int32_t count) { return Filled(Take(NEXT(ORVAS_Malloc_32f), count), 4 * size_t(count)); }
+Orva64f* ORVAS_Malloc_64f(int32_t count) { return Filled(Take(NEXT(ORVAS_Malloc_64f), count), 8 * size_t(count)); }
 void ORVA_Free(void* ptr) { Release(NEXT(ORVA_Free), ptr); }
 void ORVAS_Free(void* ptr) { Release(NEXT(ORVAS_Free), ptr); }
 
