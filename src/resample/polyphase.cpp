@@ -163,8 +163,9 @@ struct Half {
   const Sample* src;
   double step, at;
   int64_t count;
-  // Where the step is whole, `row` holds the table's entries at m*step + base, whole part of `at`, and the next row
-  // those after them. Otherwise null; and too where `at` is so close to the next entry that a sum may round up to it.
+  // Where the step is whole, `row` holds the table's entries at m*step + base, with the whole part of `at`, and the next
+  // row those after them; otherwise null. A place that rounds up to the entry after has the fraction 1 there, and from
+  // the table the fraction 0 of that entry: the weight is the same.
   const Entry* row = nullptr;
   double base;
   int64_t rowLen;
@@ -173,7 +174,7 @@ struct Half {
       : table(static_cast<const Entry*>(state.table)), src(from), step(tapStep), at(first),
         count(static_cast<int64_t>(CeilQuotient(state.tableLen - at, step))), base(__builtin_trunc(at)),
         rowLen(RowLen(state)) {
-    if (state.rows != nullptr && step == state.nStep && at - base < 1 - 0x1p-24)
+    if (state.rows != nullptr && step == state.nStep)
       row = static_cast<const Entry*>(state.rows) + static_cast<int64_t>(base) * rowLen;
   }
 };
