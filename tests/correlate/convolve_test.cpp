@@ -12,19 +12,18 @@ namespace tzm_test {
 namespace {
 
 template <class T>
-struct Members {
-  static constexpr auto Init = ORVAS_ConvInit_32f;
-  static constexpr auto Run = ORVAS_Convolve_32f;
-  static constexpr auto Release = ORVAS_ConvRelease_32f;
-  static constexpr int32_t kBlock = 16, kLimit = 0x8000001;
-};
-template <>
-struct Members<Orva64f> {
-  static constexpr auto Init = ORVAS_ConvInit_64f;
-  static constexpr auto Run = ORVAS_Convolve_64f;
-  static constexpr auto Release = ORVAS_ConvRelease_64f;
-  static constexpr int32_t kBlock = 8, kLimit = 0x4000001;
-};
+struct Members;
+#define MEMBERS(type, block, limit)                                 \
+  template <>                                                       \
+  struct Members<Orva##type> {                                      \
+    static constexpr auto Init = ORVAS_ConvInit_##type;             \
+    static constexpr auto Run = ORVAS_Convolve_##type;              \
+    static constexpr auto Release = ORVAS_ConvRelease_##type;       \
+    static constexpr int32_t kBlock = block, kLimit = limit;        \
+  };
+MEMBERS(32f, 16, 0x8000001)
+MEMBERS(64f, 8, 0x4000001)
+#undef MEMBERS
 
 template <class T>
 class Convolution : public testing::Test {};
@@ -108,21 +107,15 @@ TYPED_TEST(Convolution, RoutesStatusesAndFaults) {
        {std::array{17, 496, 0, kFft}, {496, 17, 0, kFft}, {17, 495, 0, kDirect}, {16, 1000, 0, kDirect},
         {1000, 16, 0, kDirect}, {kMost, 16, 0, kDirect}, {1000, 1000, 1, kDirect}, {1000, 1000, 5, kDirect},
         {kMost, kMost, -1, kDirect}, {1, 1, 2, kFft}}) {
-    EXPECT_EQ(requests, ForEachFault([=] {
-      ConvState* const none = reinterpret_cast<ConvState*>(8);
-      ConvState* state = none;
-      const OrvaStatus status = M::Init(len1, len2, kind, &state);
-      EXPECT_EQ(state == none, status != ORVA_STS_NO_ERR);
-      return status == ORVA_STS_NO_ERR ? M::Release(state) : status;
-    })) << len1 << " by " << len2 << ", kind " << kind;
+    const auto init = [=](ConvState** state) { return M::Init(len1, len2, kind, state); };
+    EXPECT_EQ(requests, ForEachFaultOfInit(init, M::Release)) << len1 << " by " << len2 << ", kind " << kind;
   }
   ConvState* state = nullptr;
   const int live = LiveBlocks();
   EXPECT_EQ(M::Init(0, 1, 1, nullptr), ORVA_STS_NULL_PTR_ERR);
-  EXPECT_EQ(M::Init(0, 1, 1, &state), ORVA_STS_SIZE_ERR);
-  EXPECT_EQ(M::Init(1, -1, 1, &state), ORVA_STS_SIZE_ERR);
-  EXPECT_EQ(M::Init(M::kLimit - 40, 40, 0, &state), ORVA_STS_OVERFLOW_ERR);
-  EXPECT_EQ(M::Init(kMost, kMost, 2, &state), ORVA_STS_OVERFLOW_ERR);
+  for (auto [len1, len2] : {std::pair{0, 1}, {1, -1}}) EXPECT_EQ(M::Init(len1, len2, 1, &state), ORVA_STS_SIZE_ERR);
+  for (auto [len1, len2] : {std::pair{M::kLimit - 40, 40}, {kMost, kMost}})
+    EXPECT_EQ(M::Init(len1, len2, 0, &state), ORVA_STS_OVERFLOW_ERR);
   FailRequest(1);
   EXPECT_EQ(M::Init(kMost, kMost, 2, &state), ORVA_STS_MEM_ALLOC_ERR);
   FailRequest(0);
