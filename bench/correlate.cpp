@@ -42,8 +42,9 @@ std::shared_ptr<T> Aligned(int64_t n) {
 
 // `forward` real transforms of `n` samples and `inverse` ones back, as the routes run them.
 std::function<void()> Transforms(int32_t n, int forward, int inverse) {
-  const std::shared_ptr<tzm_fftf_plan_record> to(tzm_fftf_plan_dft_r2c_1d(n, nullptr, nullptr, 0), tzm_fftf_destroy_plan);
-  const std::shared_ptr<tzm_fftf_plan_record> back(tzm_fftf_plan_dft_c2r_1d(n, nullptr, nullptr, 0), tzm_fftf_destroy_plan);
+  using Plan = std::shared_ptr<tzm_fftf_plan_record>;
+  const Plan to(tzm_fftf_plan_dft_r2c_1d(n, nullptr, nullptr, 0), tzm_fftf_destroy_plan);
+  const Plan back(tzm_fftf_plan_dft_c2r_1d(n, nullptr, nullptr, 0), tzm_fftf_destroy_plan);
   const auto time = Aligned<Orva32f>(n);
   const auto spectrum = Aligned<Orva32fc>(n / 2 + 1);
   return [=] {

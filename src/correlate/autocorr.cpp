@@ -33,7 +33,8 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
     const size_t beyond = lag + (block + 1) * kLags<Sample> - 1;
     return len > beyond ? (len - beyond) / kG * kG : 0;
   };
-  const auto accumulate = [=]<size_t kLanes>(LaneArray<Real, kLanes>* sums, size_t from, size_t end, size_t at) TZM_LAMBDA {
+  const auto accumulate = [=]<size_t kLanes>(LaneArray<Real, kLanes>* sums, size_t from, size_t end,
+                                             size_t at) TZM_LAMBDA {
     using Lanes = LaneArray<Real, kLanes>;
     Lanes sum[kG];
     Unrolled<kG>([&](auto g) TZM_LAMBDA { sum[g] = sums[g]; });

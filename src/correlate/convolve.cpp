@@ -121,8 +121,8 @@ void BlockWithZeros(const Pair<T>& pair, const EdgeTable<T>& table, int64_t k, T
 }
 
 // The chains of kOutputs outputs from k on, which have a sample of src1 in common. First and last come the samples
-// that only some outputs need: each makes one more output begin, or end, and while that one's register has both kinds
-// of lanes, the others keep their sums.
+// that only some of them need: from one sample to the next one more output begins, or one ends. In the register of
+// that one the lanes that do not take the sample keep their sums; the registers before it, or after it, take it whole.
 template <size_t kOutputs, class T>
 HWY_NOINLINE void Tile(const Pair<T>& pair, const EdgeTable<T>& table, int64_t k, T* dst) {
   using Lanes = LaneArray<T, kOutputs>;

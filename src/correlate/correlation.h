@@ -211,7 +211,8 @@ void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1,
     if (count - j >= kSamples) {
       hn::StoreU(hn::Div(hn::LoadU(d, at), hn::LoadU(d, divisors)), d, at);
     } else {
-      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l) StoreElement(LoadElement(at + l) / divisors[l], at + l);
+      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l)
+        StoreElement(LoadElement(at + l) / divisors[l], at + l);
     }
   }
 }

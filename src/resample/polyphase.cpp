@@ -71,7 +71,8 @@ void FillRows(const Entry* table, Orva64f* room, ResamplePolyphaseState& state) 
   auto* row = reinterpret_cast<Entry*>(room);
   state.rows = row;
   for (int64_t p = 0; p < rows; ++p)
-    for (int64_t m = 0, at = p; m < rowLen; ++m, at += state.nStep) *row++ = at <= state.tableLen ? table[at] : Entry(0);
+    for (int64_t m = 0, at = p; m < rowLen; ++m, at += state.nStep)
+      *row++ = at <= state.tableLen ? table[at] : Entry(0);
 }
 
 template <class Entry>
@@ -163,9 +164,9 @@ struct Half {
   const Sample* src;
   double step, at;
   int64_t count;
-  // Where the step is whole, `row` holds the table's entries at m*step + base, with the whole part of `at`, and the next
-  // row those after them; otherwise null. A place that rounds up to the entry after has the fraction 1 there, and from
-  // the table the fraction 0 of that entry: the weight is the same.
+  // Where the step is whole, `row` holds the table's entries at m*step + base, base being the whole part of `at`, and
+  // the next row those after them; otherwise it is null. A place that rounds up to the entry after has the fraction 1
+  // here and from the table, as a place of that entry, the fraction 0: the weight is the same.
   const Entry* row = nullptr;
   double base;
   int64_t rowLen;
@@ -315,9 +316,9 @@ void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* sr
       at[k] = (time - sample) * plan.step;
       here[k] = src + static_cast<int64_t>(sample);
     }
-    AddHalves<-1>({H(state, here[0], plan.step, at[0]), H(state, here[1], plan.step, at[1])}, acc);
-    AddHalves<1>({H(state, here[0] + 1, plan.step, plan.step - at[0]), H(state, here[1] + 1, plan.step, plan.step - at[1])},
-                 acc);
+    const double step = plan.step;
+    AddHalves<-1>({H(state, here[0], step, at[0]), H(state, here[1], step, at[1])}, acc);
+    AddHalves<1>({H(state, here[0] + 1, step, step - at[0]), H(state, here[1] + 1, step, step - at[1])}, acc);
     for (int32_t k = 0; k < outputs; ++k) store(j + k, plan.gain * acc[k]);
   }
 }
