@@ -13,6 +13,15 @@ template <class Sample> constexpr size_t kLags = 4;
 template <> constexpr size_t kLags<Orva32f> = 16;
 template <> constexpr size_t kLags<Orva32fc> = 8;
 
+// sum + conj(x)*y of one sample x and the samples in lanes, as AddProduct forms it.
+template <class Sample, class Lanes>
+TZM_INLINE Lanes AddedProduct(const Sample* x, const Lanes& y, const Lanes& sum) {
+  const Sample factor = LoadElement(x);
+  if constexpr (kIsComplex<Sample>)
+    return sum + MulAdd(Lanes::Set(factor.re), y, OddNegated(Lanes::Set(factor.im)) * Exchanged(y));
+  else return MulAdd(Lanes::Set(factor), y, sum);
+}
+
 // Sums of kBlocks blocks of lags from `lag` on. Lanes hold lags: accumulator g takes the samples i with
 // i % kGroup == g, so that adding the accumulators pairwise is the fold of each lag's own lanes. A block
 // takes the whole groups that all of its lags have; what is left of each lag is summed apart from zero.
@@ -24,10 +33,11 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
     const size_t beyond = lag + (block + 1) * kLags<Sample> - 1;
     return len > beyond ? (len - beyond) / kG * kG : 0;
   };
-  const auto accumulate = [=]<size_t kLanes>(LaneArray<Real, kLanes>* sums, size_t from, size_t end, size_t at) TZM_LAMBDA {
+  const auto accumulate = [=]<size_t kLanes>(LaneArray<Real, kLanes>* sums, size_t from, size_t end,
+                                             size_t at) TZM_LAMBDA {
     using Lanes = LaneArray<Real, kLanes>;
     Lanes sum[kG];
-    for (size_t g = 0; g < kG; ++g) sum[g] = sums[g];
+    Unrolled<kG>([&](auto g) TZM_LAMBDA { sum[g] = sums[g]; });
     for (size_t i = from; i < end; i += kG) {
       Unrolled<kG>([&](auto g) TZM_LAMBDA {
         const Lanes later = Lanes::Load(Reals(src + (i + g + at)));
@@ -40,28 +50,42 @@ void SumBlocks(const Sample* src, size_t len, size_t lag, Sample* dst) {
         }
       });
     }
-    for (size_t g = 0; g < kG; ++g) sums[g] = sum[g];
+    Unrolled<kG>([&](auto g) TZM_LAMBDA { sums[g] = sum[g]; });
   };
 
   using Wide = LaneArray<Real, kBlocks * kReals>;
   using Block = LaneArray<Real, kReals>;
   Wide wide[kG];
-  for (Wide& sum : wide) sum = Wide::Set(0);
+  Unrolled<kG>([&](auto g) TZM_LAMBDA { wide[g] = Wide::Set(0); });
   const size_t common = body(kBlocks - 1);
   accumulate(wide, 0, common, lag);
   Real held[kG][kBlocks * kReals];
-  for (size_t g = 0; g < kG; ++g) wide[g].Store(held[g]);
+  if constexpr (kBlocks > 1) Unrolled<kG>([&](auto g) TZM_LAMBDA { wide[g].Store(held[g]); });
   for (size_t b = 0; b < kBlocks; ++b) {
     const size_t first = lag + b * kLags<Sample>, end = body(b);
     Block sum[kG];
-    for (size_t g = 0; g < kG; ++g) sum[g] = Block::Load(held[g] + b * kReals);
-    accumulate(sum, common, end, first);
-    Sample rest[kLags<Sample>] = {};
-    for (size_t l = 0; l < kLags<Sample>; ++l)
-      for (size_t i = end; i + first + l < len; ++i) AddProduct(src + i, src + (i + first + l), rest[l]);
+    Unrolled<kG>([&](auto g) TZM_LAMBDA {
+      if constexpr (kBlocks > 1) sum[g] = Block::Load(held[g] + b * kReals);
+      else sum[g] = wide[g];
+    });
+    if constexpr (kBlocks > 1) accumulate(sum, common, end, first);
+    // What is left of each lag: one sample less than of the lag before.
+    Sample ending[2 * kLags<Sample> + kG] = {};
+    const size_t left = len - first - end;
+    std::memcpy(ending, src + first + end, left * sizeof(Sample));
+    Block rest = Block::Set(0);
+    for (size_t i = 0; i < left; ++i) {
+      const Block with = AddedProduct<Sample>(src + end + i, Block::Load(Reals(ending + i)), rest);
+      const int64_t lanes = static_cast<int64_t>(left - i) * kParts<Sample>;
+      Unrolled<Block::kRegisters>([&](auto r) TZM_LAMBDA {
+        const int64_t taken = std::max<int64_t>(lanes - static_cast<int64_t>(r * Block::kWidth), 0);
+        const auto more = hn::FirstN(typename Block::D(), static_cast<size_t>(taken));
+        rest.v[r] = hn::IfThenElse(more, with.v[r], rest.v[r]);
+      });
+    }
     Block total = sum[0] + sum[1];
     if constexpr (kG == 4) total = total + (sum[2] + sum[3]);
-    (total + Block::Load(Reals(rest))).Store(Reals(dst + first));
+    (total + rest).Store(Reals(dst + first));
   }
 }
 

@@ -17,7 +17,7 @@ constexpr int64_t kBlock = 64 / sizeof(T);
 constexpr int32_t kShort = 16;
 
 // Two sequences and, for their convolution, the samples of src1 that output k sums: First(k) to End(k). Where
-// src2 is not `whole`, only what such sums need may be read of it.
+// src2 is not `whole`, only what such sums need may be read of it, and outputs may lie before the first one.
 template <class T>
 struct Pair {
   const T* src1;
@@ -80,94 +80,92 @@ HWY_NOINLINE void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
   sum.Store(dst);
 }
 
-// ---- Blocks ----
+// ---- Outputs at the ends ----
 
-// Outputs k to k+B-1 of a block take every sample of src1 that one of them needs, against B neighbours of
-// src2. Where those reach beyond an end of src2, they are read from the edge table, in which zeros stand
-// there; kZeros tells whether a lane takes the product with such a zero or keeps its sum.
-template <bool kZeros, class T>
-class Blocks {
+// The two ends of src2 among zeros, 4B-4 samples: its last B-1, then 2B-2 zeros, then its first B-1. src2 has
+// B-1 samples or more.
+template <class T>
+class EdgeTable {
  public:
   static constexpr int64_t kB = kBlock<T>;
+  static constexpr size_t kSize = 4 * kB - 4;
 
-  // The edge table, 4B-4 samples: the end of src2, zeros, the start of src2. src2 has B-1 samples or more.
-  Blocks(const Pair<T>& pair, T* table) : pair_(pair), table_(table) {
+  EdgeTable(const Pair<T>& pair, T* table) : table_(table) {
     constexpr size_t kEdge = (kB - 1) * sizeof(T);
     std::memcpy(table, pair.src2 + (pair.len2 - kB + 1), kEdge);
     std::fill(table + kB - 1, table + 3 * kB - 3, T(0));
     std::memcpy(table + 3 * kB - 3, pair.src2, kEdge);
   }
-
-  // The blocks from k to `end`, some side by side while they have samples in common; dst[0] is output k.
-  void Run(int64_t k, int64_t end, T* dst) const {
-    constexpr int kWide = 4;
-    for (; end - k >= kWide * kB && pair_.First(k + kWide * kB - 1) < pair_.End(k); k += kWide * kB, dst += kWide * kB)
-      Side<kWide>(k, dst);
-    for (; k < end; k += kB, dst += kB) Side<1>(k, dst);
-  }
+  // src2 from index `at` on, where its last sample has the index -1, and where its first one has the index 0.
+  const T* BeyondEnd(int64_t at) const { return table_ + (kB - 1 + at); }
+  const T* BeforeStart(int64_t at) const { return table_ + (3 * kB - 3 + at); }
 
  private:
-  using Sums = LaneArray<T, kB>;
-  using D = typename Sums::D;
-
-  template <int kCount>
-  void Side(int64_t k, T* dst) const {
-    constexpr int64_t kOutputs = kCount * kB;
-    using Together = LaneArray<T, kOutputs>;
-    T sums[kOutputs];
-    int64_t from = pair_.First(k + kOutputs - 1), end = pair_.End(k);  // for all outputs
-    if (kCount == 1) from = end = pair_.First(k);
-    for (int64_t b = 0; b < kOutputs; b += kB) {
-      Sums sum = Sums::Set(0);
-      Steps(k + b, pair_.First(k + b), from, sum);
-      sum.Store(sums + b);
-    }
-    if constexpr (kCount > 1) {
-      auto sum = Together::Load(sums);
-      AddProducts<-1>(pair_.src1 + from, pair_.src2 + (k - from), end - from, sum);
-      sum.Store(sums);
-    }
-    for (int64_t b = 0; b < kOutputs; b += kB) {
-      Sums sum = Sums::Load(sums + b);
-      Steps(k + b, end, pair_.End(k + b + kB - 1), sum);
-      sum.Store(dst + b);
-    }
-  }
-
-  // Samples `from` to `end` onto the block at k.
-  HWY_NOINLINE void Steps(int64_t k, int64_t from, int64_t end, Sums& into) const {
-    const int64_t inside = k + kB - pair_.len2, start = k + 1;
-    const D d;
-    Sums sum = into;
-    int64_t i = from;
-    const auto step = [&](const T* neighbours, auto take) TZM_LAMBDA {
-      const auto sample = hn::Set(d, LoadElement(pair_.src1 + i));
-      Unrolled<Sums::kRegisters>([&](auto r) TZM_LAMBDA {
-        constexpr size_t kAt = r * Sums::kWidth;
-        sum.v[r] = take(kAt, hn::MulAdd(hn::LoadU(d, neighbours + kAt), sample, sum.v[r]), sum.v[r]);
-      });
-    };
-    // Of the lanes from `at` on those below `count`.
-    const auto below = [=](int64_t count, size_t at) TZM_LAMBDA {
-      return hn::FirstN(d, static_cast<size_t>(std::clamp<int64_t>(count - static_cast<int64_t>(at), 0, Sums::kWidth)));
-    };
-    for (; i < std::min(end, inside); ++i) {  // the last outputs lie beyond the end of src2
-      step(table_ + (inside - 1 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
-        return kZeros ? taken : hn::IfThenElse(below(i + pair_.len2 - k, at), taken, kept);
-      });
-    }
-    for (; i < std::min(end, start); ++i) step(pair_.src2 + (k - i), [](size_t, auto taken, auto) TZM_LAMBDA { return taken; });
-    for (; i < end; ++i) {  // for the first outputs src2 has not begun
-      step(table_ + (k + 3 * kB - 3 - i), [&](size_t at, auto taken, auto kept) TZM_LAMBDA {
-        return kZeros ? taken : hn::IfThenElse(below(i - k, at), kept, taken);
-      });
-    }
-    into = sum;
-  }
-
-  const Pair<T>& pair_;
-  T* table_;
+  const T* table_;
 };
+
+// A block of B outputs from k on, each over every sample of src1 that one of them needs: where src2 has ended
+// for an output, or not begun, it takes the product with a zero.
+template <class T>
+void BlockWithZeros(const Pair<T>& pair, const EdgeTable<T>& table, int64_t k, T* dst) {
+  using Sums = LaneArray<T, kBlock<T>>;
+  Sums sum = Sums::Set(0);
+  for (int64_t i = pair.First(k), end = pair.End(k + kBlock<T> - 1); i < end; ++i) {
+    const int64_t at = k - i;
+    const T* const neighbours = at > pair.len2 - kBlock<T> ? table.BeyondEnd(at - pair.len2)
+                                : at >= 0                  ? pair.src2 + at
+                                                           : table.BeforeStart(at);
+    sum = MulAdd(Sums::Load(neighbours), Sums::Set(LoadElement(pair.src1 + i)), sum);
+  }
+  sum.Store(dst);
+}
+
+// The chains of kOutputs outputs from k on, which have a sample of src1 in common. First and last come the samples
+// that only some of them need: from one sample to the next one more output begins, or one ends. In the register of
+// that one the lanes that do not take the sample keep their sums; the registers before it, or after it, take it whole.
+template <size_t kOutputs, class T>
+HWY_NOINLINE void Tile(const Pair<T>& pair, const EdgeTable<T>& table, int64_t k, T* dst) {
+  using Lanes = LaneArray<T, kOutputs>;
+  constexpr int64_t kWidth = Lanes::kWidth;
+  constexpr size_t kRegisters = Lanes::kRegisters;
+  const typename Lanes::D d;
+  auto sum = Lanes::Set(0);
+  const int64_t begin = k - pair.len2 + 1;  // the sample that only output k needs, among those of src1 or before
+  const auto sample = [&](int64_t i) TZM_LAMBDA { return hn::Set(d, LoadElement(pair.src1 + i)); };
+
+  Unrolled<kRegisters>([&](auto r) TZM_LAMBDA {
+    constexpr int64_t kAt = r * kWidth;
+    for (int64_t lane = std::max<int64_t>(-begin - kAt, 0); lane < kWidth; ++lane) {
+      const auto x = sample(begin + kAt + lane);
+      const T* const last = pair.src2 + (pair.len2 - 1 - lane);
+      Unrolled<r>([&](auto before) TZM_LAMBDA {
+        const auto y = hn::LoadU(d, last - (kAt - static_cast<int64_t>(before) * kWidth));
+        sum.v[before] = hn::MulAdd(y, x, sum.v[before]);
+      });
+      const T* const own = lane + 1 < kWidth ? table.BeyondEnd(-1 - lane) : last;
+      const auto next = hn::MulAdd(hn::LoadU(d, own), x, sum.v[r]);
+      sum.v[r] = hn::IfThenElse(hn::FirstN(d, static_cast<size_t>(lane + 1)), next, sum.v[r]);
+    }
+  });
+  const int64_t from = std::max<int64_t>(begin + static_cast<int64_t>(kOutputs), 0), end = pair.End(k);
+  AddProducts<-1>(pair.src1 + from, pair.src2 + (k - from), end - from, sum);
+  Unrolled<kRegisters>([&](auto r) TZM_LAMBDA {
+    constexpr int64_t kAt = r * kWidth;
+    const int64_t lanes = std::min(pair.len1 - k - kAt, kWidth);
+    for (int64_t lane = r == 0 ? 1 : 0; lane < lanes; ++lane) {
+      const auto x = sample(k + kAt + lane);
+      const T* const own = lane > 0 ? table.BeforeStart(-lane) : pair.src2;
+      const auto next = hn::MulAdd(hn::LoadU(d, own), x, sum.v[r]);
+      sum.v[r] = hn::IfThenElse(hn::FirstN(d, static_cast<size_t>(lane)), sum.v[r], next);
+      Unrolled<kRegisters - 1 - r>([&](auto more) TZM_LAMBDA {
+        constexpr size_t kLater = r + 1 + more;
+        const auto y = hn::LoadU(d, pair.src2 + (static_cast<int64_t>(kLater) * kWidth - kAt - lane));
+        sum.v[kLater] = hn::MulAdd(y, x, sum.v[kLater]);
+      });
+    }
+  });
+  sum.Store(dst);
+}
 
 // ---- Direct route ----
 
@@ -177,30 +175,33 @@ template <class T>
 void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
   constexpr int64_t kB = kBlock<T>, kWide = 4 * kB;
   const auto at = [=](int64_t k) { return dst + (k - first); };
-  const auto one = [&](int64_t k) { StoreElement(pair.Chain(k), at(k)); };
-  const auto edge = [&](int64_t k, int64_t last) {
-    const int64_t blocks = (last - k) / kB * kB;
-    if (pair.whole && pair.len2 > kShort && blocks > 0) {
-      T table[4 * kB - 4];
-      Blocks<false, T>(pair, table).Run(k, k + blocks, at(k));
-      k += blocks;
-    }
-    for (; k < last; ++k) one(k);
+  const auto ones = [&](int64_t k, int64_t last) {
+    for (; k < last; ++k) StoreElement(pair.Chain(k), at(k));
   };
-  // The middle, where all of the shorter sequence takes part, and what comes before and after. Outputs that
-  // fill no block are done with others anew.
+  // Those of k to `last` that fill no tile are made with others anew.
+  const auto tiles = [&](int64_t k, int64_t last, auto fits, auto tile) {
+    if (last - k < kB) return ones(k, last);
+    for (; last - k >= kWide && fits(k); k += kWide) tile(std::integral_constant<size_t, kWide>(), k);
+    for (; k < last; k += kB) tile(std::integral_constant<size_t, kB>(), std::min(k, last - kB));
+  };
+  const bool tiled = pair.whole && pair.len2 > kShort;
+  const auto edge = [&](int64_t k, int64_t last) {
+    const int64_t inside = tiled ? std::clamp(pair.len1 + pair.len2 - 1, k, last) : k;
+    if (k < inside) {
+      T room[EdgeTable<T>::kSize];
+      const EdgeTable<T> table(pair, room);
+      tiles(k, inside, [&](int64_t from) { return pair.First(from + kWide - 1) < pair.End(from); },
+            [&](auto outputs, int64_t from) { Tile<outputs>(pair, table, from, at(from)); });
+    }
+    ones(inside, last);
+  };
+  // The middle, where all of the shorter sequence takes part, and what comes before and after.
   const int64_t middle = std::clamp(std::min(pair.len1, pair.len2) - 1, first, end);
   const int64_t after = std::clamp(std::max(pair.len1, pair.len2), middle, end);
+  if (tiled && after - middle < kB) return edge(first, end);
   edge(first, middle);
-  int64_t k = middle;
-  for (; after - k >= kWide; k += kWide) FullOverlap<kWide>(pair, k, at(k));
-  if (after - middle >= kB) {
-    for (; k < after; k += kB) {
-      const int64_t start = std::min(k, after - kB);
-      FullOverlap<kB>(pair, start, at(start));
-    }
-  }
-  for (; k < after; ++k) one(k);
+  tiles(middle, after, [](int64_t) { return true; },
+        [&](auto outputs, int64_t from) { FullOverlap<outputs>(pair, from, at(from)); });
   edge(after, end);
 }
 
@@ -244,7 +245,8 @@ template <class T>
 void Direct(const Pair<T>& pair, T* table, int64_t count, T* dst) {
   const int64_t end = pair.len2 > kShort ? count - count % kBlock<T> : 0;
   if (end > 0 && !AllFinite(pair.src1, pair.len1)) {
-    Blocks<true, T>(pair, table).Run(0, end, dst);
+    const EdgeTable<T> zeros(pair, table);
+    for (int64_t k = 0; k < end; k += kBlock<T>) BlockWithZeros(pair, zeros, k, dst + k);
     Chains(pair, end, count, dst + end);
   } else {
     // Without infinities and NaN a product with zero is a zero: blocks are chains, up to the sign of zeros.
@@ -294,7 +296,7 @@ OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** stat
     state->fftLen = static_cast<int32_t>(TransformLength(total - 1));
     if (!state->area.Make(state->fftLen, 3)) return refuse(ORVA_STS_MEM_ALLOC_ERR);
   } else {
-    state->area.buffers[0] = ORVA_Malloc((4 * kBlock<T> - 4) * sizeof(T));
+    state->area.buffers[0] = ORVA_Malloc(EdgeTable<T>::kSize * sizeof(T));
     if (state->area.buffers[0] == nullptr) return refuse(ORVA_STS_MEM_ALLOC_ERR);
   }
   *stateOut = reinterpret_cast<ConvState*>(state);

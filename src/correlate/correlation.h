@@ -107,36 +107,58 @@ constexpr size_t kAccumulators = kIsComplex<Sample> ? 2 : 4;
 template <class Sample>
 using LagLanes = LaneArray<PartOf<Sample>, kAccumulators<Sample> * kGroup<Sample> * kParts<Sample>>;
 
+// The lower or the upper half of an array of lanes.
+template <size_t kHalf, class Real, size_t kLanes>
+TZM_INLINE LaneArray<Real, kLanes / 2> HalfOf(const LaneArray<Real, kLanes>& lanes) {
+  using Half = LaneArray<Real, kLanes / 2>;
+  if constexpr (LaneArray<Real, kLanes>::kRegisters > 1) {
+    return Half::Each([&](size_t r) TZM_LAMBDA { return lanes.v[kHalf * Half::kRegisters + r]; });
+  } else {
+    const hn::Half<typename LaneArray<Real, kLanes>::D> half;
+    if constexpr (kHalf == 0) return {{hn::LowerHalf(half, lanes.v[0])}};
+    else return {{hn::UpperHalf(half, lanes.v[0])}};
+  }
+}
+
+// The sum of a group's samples, neighbours first.
+template <class Sample, class Group>
+TZM_INLINE Sample FoldGroup(const Group& group) {
+  Sample total;
+  if constexpr (kGroup<Sample> == 2) {
+    group.Halved().Store(Reals(&total));
+  } else if constexpr (kIsComplex<Sample>) {
+    const typename LaneArray<float, 4>::D d;
+    const hn::RepartitionToWide<decltype(d)> samples;
+    const auto first = hn::BitCast(samples, HalfOf<0>(group).v[0]), last = hn::BitCast(samples, HalfOf<1>(group).v[0]);
+    const auto even = hn::InterleaveLower(samples, first, last), odd = hn::InterleaveUpper(samples, first, last);
+    LaneArray<float, 4>{{hn::Add(hn::BitCast(d, even), hn::BitCast(d, odd))}}.Halved().Store(Reals(&total));
+  } else {
+    const auto pairs = hn::Add(group.v[0], hn::Shuffle2301(group.v[0]));
+    total = hn::GetLane(hn::Add(pairs, hn::Shuffle1032(pairs)));
+  }
+  return total;
+}
+
 // One lag's sum of `count` products, of which the lanes hold the first `done`: whole steps of all
-// accumulators, whole steps of the first one, (acc1 + acc0) + (acc2 + acc3), neighbouring lanes added
+// accumulators, whole steps of the first one, (acc1 + acc0) + (acc2 + acc3), neighbouring samples added
 // pairwise, and the rest one by one.
 template <class Sample>
-Sample FinishLag(const Sample* x, const Sample* y, size_t done, size_t count, LagLanes<Sample> lanes) {
-  using Real = PartOf<Sample>;
-  constexpr size_t kG = kGroup<Sample>, kReals = kG * kParts<Sample>, kStep = kAccumulators<Sample> * kG;
+TZM_INLINE Sample FinishLag(const Sample* x, const Sample* y, size_t done, size_t count, LagLanes<Sample> lanes) {
+  constexpr size_t kG = kGroup<Sample>, kStep = kAccumulators<Sample> * kG;
   using Lanes = LagLanes<Sample>;
-  using First = LaneArray<Real, kReals>;
+  using Group = LaneArray<PartOf<Sample>, kG * kParts<Sample>>;
   size_t i = done;
   for (; count - i >= kStep; i += kStep)
     AddProducts<Sample>(Lanes::Load(Reals(x + i)), Lanes::Load(Reals(y + i)), lanes);
-  Real held[kAccumulators<Sample> * kReals];
-  lanes.Store(held);
-  First sum = First::Load(held);
+  const auto low = HalfOf<0>(lanes), high = HalfOf<1>(lanes);
+  Group sum;
+  if constexpr (kAccumulators<Sample> == 4) sum = HalfOf<0>(low);
+  else sum = low;
   for (; count - i >= kG; i += kG)
-    AddProducts<Sample>(First::Load(Reals(x + i)), First::Load(Reals(y + i)), sum);
-  sum = First::Load(held + kReals) + sum;
-  Sample total;
-  if constexpr (kIsComplex<Sample>) {
-    sum.Store(held);
-    Real part[2][kG];
-    for (size_t l = 0; l < kG; ++l) {
-      part[0][l] = held[2 * l];
-      part[1][l] = held[2 * l + 1];
-    }
-    total = {LaneArray<Real, kG>::Load(part[0]).FoldPairs(), LaneArray<Real, kG>::Load(part[1]).FoldPairs()};
-  } else {
-    total = (sum + (First::Load(held + 2 * kReals) + First::Load(held + 3 * kReals))).FoldPairs();
-  }
+    AddProducts<Sample>(Group::Load(Reals(x + i)), Group::Load(Reals(y + i)), sum);
+  if constexpr (kAccumulators<Sample> == 4) sum = (HalfOf<1>(low) + sum) + high.Halved();
+  else sum = high + sum;
+  Sample total = FoldGroup<Sample>(sum);
   for (; i < count; ++i) AddProduct(x + i, y + i, total);
   return total;
 }
@@ -189,7 +211,8 @@ void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1,
     if (count - j >= kSamples) {
       hn::StoreU(hn::Div(hn::LoadU(d, at), hn::LoadU(d, divisors)), d, at);
     } else {
-      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l) StoreElement(LoadElement(at + l) / divisors[l], at + l);
+      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l)
+        StoreElement(LoadElement(at + l) / divisors[l], at + l);
     }
   }
 }

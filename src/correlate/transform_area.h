@@ -7,6 +7,7 @@
 #include "frame/core.h"
 #include "frame/fft.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace tzm {
@@ -14,9 +15,10 @@ namespace tzm {
 enum Route : int32_t { kDirectRoute, kFftRoute };
 enum AlgorithmKind : int32_t { kAutomatic = 0, kFftKind = 2 };  // anything else is direct
 
-// The smallest power of two that is not below `count`.
+// 1 for 1, otherwise the smallest power of two from 2 on that is not below `count`, which arguments without any lag
+// can make negative.
 inline int64_t TransformLength(int64_t count) {
-  return static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(count)));
+  return count == 1 ? 1 : static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(std::max<int64_t>(count, 2))));
 }
 
 inline void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {

@@ -11,7 +11,8 @@
 
 using namespace tzm;
 
-// One block: this record, the half filter, and a table in binary64 that only Init uses.
+// One block: this record, the half filter, and room for a table in binary64 that only Init uses; afterwards it holds
+// the entries by phases.
 struct ResamplePolyphaseState {
   Orva32f stepAngle;  // angle from entry to entry, pi / nStep
   int32_t nStep;      // entries in a source sample's time
@@ -19,6 +20,7 @@ struct ResamplePolyphaseState {
   Orva32f outScale;   // what undoes the scaling of a 16-bit table
   int32_t hint;
   void* table;
+  void* rows;  // null where there is no room for them
 };
 
 namespace {
@@ -57,6 +59,22 @@ void FillTable(Orva64f* work, Orva16s* table, ResamplePolyphaseState& state) {
   ORVAS_Convert_64f16s_S(work, table, state.tableLen, 1, 1.0);
 }
 
+// Row p holds the entries p, p + nStep, ... for p = 0 to nStep + 1, zeros beyond the last: taps that are nStep apart
+// lie side by side in two rows, and in the table in as many cache lines, often all of one set.
+int64_t RowLen(const ResamplePolyphaseState& state) { return (state.tableLen - 1) / state.nStep + 1; }
+
+template <class Entry>
+void FillRows(const Entry* table, Orva64f* room, ResamplePolyphaseState& state) {
+  constexpr int64_t kEntries = sizeof(Orva64f) / sizeof(Entry);
+  const int64_t rowLen = RowLen(state), rows = int64_t{state.nStep} + 2;
+  if (rows * rowLen > kEntries * state.tableLen) return;
+  auto* row = reinterpret_cast<Entry*>(room);
+  state.rows = row;
+  for (int64_t p = 0; p < rows; ++p)
+    for (int64_t m = 0, at = p; m < rowLen; ++m, at += state.nStep)
+      *row++ = at <= state.tableLen ? table[at] : Entry(0);
+}
+
 template <class Entry>
 OrvaStatus Init(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int32_t hint,
                 ResamplePolyphaseState** stateOut) {
@@ -81,15 +99,16 @@ OrvaStatus Init(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int
   auto* const table = reinterpret_cast<Entry*>(block + kRecordBytes);
   auto* const work = reinterpret_cast<Orva64f*>(block + bytes - int64_t{sizeof(Orva64f)} * tableLen);
   constexpr double kPi = 3.141592653589793;
-  *state = {static_cast<Orva32f>(kPi / nStep), nStep, tableLen, 1, hint, table};
+  *state = {static_cast<Orva32f>(kPi / nStep), nStep, tableLen, 1, hint, table, nullptr};
   Design(*state, rollf, alpha, work);
   FillTable(work, table, *state);
   table[tableLen] = table[tableLen - 1];
+  FillRows(table, work, *state);
   *stateOut = state;
   return ORVA_STS_NO_ERR;
 }
 
-// ---- One half of an output's sum ----
+// ---- Sums ----
 
 // The quotient's least integer not below it: truncated, and one more if the product falls short.
 double CeilQuotient(double dividend, double divisor) {
@@ -137,54 +156,115 @@ TZM_INLINE Vec<D> WidenToDouble(D d, V v) {
   else return hn::PromoteTo(d, v);
 }
 
-// The sums of lanes 0 and 1, 2 and 3, ..., one by one onto `acc`.
+// One half of an output's taps, 0 to count-1: tap m takes the table at m*step + `at` and the sample `src[m]`, or
+// `src[-m]` to the left.
+template <class Entry, class Sample>
+struct Half {
+  const Entry* table;
+  const Sample* src;
+  double step, at;
+  int64_t count;
+  // Where the step is whole, `row` holds the table's entries at m*step + base, base being the whole part of `at`, and
+  // the next row those after them; otherwise it is null. A place that rounds up to the entry after has the fraction 1
+  // here and from the table, as a place of that entry, the fraction 0: the weight is the same.
+  const Entry* row = nullptr;
+  double base;
+  int64_t rowLen;
+
+  Half(const ResamplePolyphaseState& state, const Sample* from, double tapStep, double first)
+      : table(static_cast<const Entry*>(state.table)), src(from), step(tapStep), at(first),
+        count(static_cast<int64_t>(CeilQuotient(state.tableLen - at, step))), base(__builtin_trunc(at)),
+        rowLen(RowLen(state)) {
+    if (state.rows != nullptr && step == state.nStep)
+      row = static_cast<const Entry*>(state.rows) + static_cast<int64_t>(base) * rowLen;
+  }
+};
+
 template <class D>
-TZM_INLINE double AddPairs(D d, Vec<D> products, double acc) {
+TZM_INLINE Vec<D> Interpolate(D d, Vec<D> low, Vec<D> high, Vec<D> fraction) {
+  return hn::MulAdd(fraction, high, hn::Mul(hn::Sub(hn::Set(d, 1.0), fraction), low));
+}
+
+// The weights of the taps at lanes of indices from m on, from the table and from the rows.
+template <class D, class H>
+TZM_INLINE Vec<D> WeightsByTable(D d, const H& half, Vec<D> index, int64_t) {
+  const hn::Rebind<int32_t, D> di;
+  const hn::RebindToUnsigned<decltype(di)> du;
+  const auto u = hn::MulAdd(index, hn::Set(d, half.step), hn::Set(d, half.at)), whole = hn::Trunc(u);
+  uint32_t entry[hn::MaxLanes(d)];
+  hn::StoreU(hn::BitCast(du, hn::DemoteTo(di, whole)), du, entry);
+  const auto neighbours = LoadNeighbours<hn::MaxLanes(d)>(half.table, entry);
+  return Interpolate(d, WidenToDouble(d, neighbours.low), WidenToDouble(d, neighbours.high), hn::Sub(u, whole));
+}
+template <class D, class H>
+TZM_INLINE Vec<D> WeightsByRows(D d, const H& half, Vec<D> index, int64_t m) {
+  const auto step = hn::Set(d, half.step);
+  const auto u = hn::MulAdd(index, step, hn::Set(d, half.at)), whole = hn::MulAdd(index, step, hn::Set(d, half.base));
+  const hn::Rebind<std::remove_cvref_t<decltype(*half.row)>, D> dn;
+  const auto low = hn::LoadU(dn, half.row + m), high = hn::LoadU(dn, half.row + half.rowLen + m);
+  return Interpolate(d, WidenToDouble(d, low), WidenToDouble(d, high), hn::Sub(u, whole));
+}
+
+// Samples times weights.
+template <int kDirection, bool kRows, class D, class Entry, class Sample>
+TZM_INLINE Vec<D> Products(D d, const Half<Entry, Sample>& half, Vec<D> index, int64_t m) {
+  constexpr int64_t kLanes = hn::MaxLanes(d);
+  const hn::Rebind<Sample, D> dn;
+  auto samples = WidenToDouble(d, hn::LoadU(dn, kDirection > 0 ? half.src + m : half.src - m - (kLanes - 1)));
+  if constexpr (kDirection < 0) samples = hn::Reverse(d, samples);
+  if constexpr (kRows) return hn::Mul(samples, WeightsByRows(d, half, index, m));
+  else return hn::Mul(samples, WeightsByTable(d, half, index, m));
+}
+
+// The lanes two by two, one pair after the other onto `sums`.
+template <class D>
+TZM_INLINE Vec<hn::FixedTag<double, 2>> AddInTurn(D d, Vec<D> v, Vec<hn::FixedTag<double, 2>> sums) {
   if constexpr (hn::MaxLanes(d) == 2) {
-    return acc + hn::GetLane(hn::Add(products, hn::Reverse2(d, products)));
+    return hn::Add(sums, v);
   } else {
     const hn::Half<D> half;
-    return AddPairs(half, hn::UpperHalf(half, products), AddPairs(half, hn::LowerHalf(half, products), acc));
+    return AddInTurn(half, hn::UpperHalf(half, v), AddInTurn(half, hn::LowerHalf(half, v), sums));
   }
 }
 
-// Adds to `acc` the samples src[0], src[kDirection], ... under the entries at `at`, `at` + step, ...
-template <int kDirection, class Entry, class Sample>
-TZM_INLINE double AddHalf(const Entry* table, double step, double at, const Sample* src, int32_t tableLen, double acc) {
-  const int64_t taps = static_cast<int64_t>(CeilQuotient(tableLen - at, step));
-  int64_t m = 0;
-  const auto pairs = [&](auto d) TZM_LAMBDA {
-    constexpr int64_t kLanes = hn::MaxLanes(d);
-    const hn::Rebind<Sample, decltype(d)> dn;
-    const hn::Rebind<int32_t, decltype(d)> di;
-    const hn::RebindToUnsigned<decltype(di)> du;
-    const auto one = hn::Set(d, 1.0);
-    auto index = hn::Add(hn::Iota(d, 0), hn::Set(d, static_cast<double>(m)));
-    for (; taps - m >= kLanes; m += kLanes) {
-      const auto u = hn::MulAdd(index, hn::Set(d, step), hn::Set(d, at));
-      const auto whole = hn::Trunc(u), fraction = hn::Sub(u, whole);
-      uint32_t entry[kLanes];
-      hn::StoreU(hn::BitCast(du, hn::DemoteTo(di, whole)), du, entry);
-      const auto neighbours = LoadNeighbours<kLanes>(table, entry);
-      const auto low = WidenToDouble(d, neighbours.low), high = WidenToDouble(d, neighbours.high);
-      const auto weight = hn::MulAdd(fraction, high, hn::Mul(hn::Sub(one, fraction), low));
-      auto sample = WidenToDouble(d, hn::LoadU(dn, kDirection > 0 ? src + m : src - m - (kLanes - 1)));
-      if constexpr (kDirection < 0) sample = hn::Reverse(d, sample);
-      acc = AddPairs(d, hn::Mul(sample, weight), acc);
-      index = hn::Add(index, hn::Set(d, static_cast<double>(kLanes)));
-    }
-  };
+// Adds to `acc` the products of two outputs: those of two taps in a row to each other first, an odd last one fused.
+template <int kDirection, bool kRows, class Entry, class Sample>
+HWY_NOINLINE void AddProducts(const Half<Entry, Sample> (&half)[2], double (&acc)[2]) {
+  const Full<double> d;
   const hn::FixedTag<double, 2> two;
-  pairs(Full<double>());
-  if constexpr (hn::MaxLanes(Full<double>()) > 2) pairs(two);
-  if (m < taps) {  // an odd last one is fused the other way round
-    const double u = Fma(static_cast<double>(m), step, at);
-    const int32_t entry = static_cast<int32_t>(u);
-    const double fraction = u - entry, low = table[entry], high = table[entry + 1];
-    const double sample = LoadElement(src + kDirection * m);
-    acc = Fma(sample, Fma(1 - fraction, low, fraction * high), acc);
+  constexpr int64_t kLanes = hn::MaxLanes(d);
+  const int64_t common = HWY_MIN(half[0].count, half[1].count);
+  auto index = hn::Iota(d, 0);
+  auto sums = hn::LoadU(two, acc);
+  int64_t m = 0;
+  for (; common - m >= kLanes; m += kLanes) {
+    const auto first = Products<kDirection, kRows>(d, half[0], index, m);
+    const auto second = Products<kDirection, kRows>(d, half[1], index, m);
+    sums = AddInTurn(d, hn::Add(hn::InterleaveLower(d, first, second), hn::InterleaveUpper(d, first, second)), sums);
+    index = hn::Add(index, hn::Set(d, static_cast<double>(kLanes)));
   }
-  return acc;
+  hn::StoreU(sums, two, acc);
+  for (size_t k = 0; k < 2; ++k) {
+    const auto& [table, src, step, at, count, row, base, rowLen] = half[k];
+    int64_t tap = m;
+    for (; count - tap >= 2; tap += 2) {
+      const auto from = hn::Add(hn::Iota(two, 0), hn::Set(two, static_cast<double>(tap)));
+      const auto products = Products<kDirection, kRows>(two, half[k], from, tap);
+      acc[k] += hn::GetLane(hn::Add(products, hn::Reverse2(two, products)));
+    }
+    if (tap < count) {
+      const double u = Fma(static_cast<double>(tap), step, at);
+      const int32_t entry = static_cast<int32_t>(u);
+      const double fraction = u - entry, low = table[entry], high = table[entry + 1];
+      const double sample = LoadElement(src + kDirection * tap);
+      acc[k] = Fma(sample, Fma(1 - fraction, low, fraction * high), acc[k]);
+    }
+  }
+}
+template <int kDirection, class Entry, class Sample>
+void AddHalves(const Half<Entry, Sample> (&half)[2], double (&acc)[2]) {
+  if (half[0].row != nullptr && half[1].row != nullptr) AddProducts<kDirection, true>(half, acc);
+  else AddProducts<kDirection, false>(half, acc);
 }
 
 // ---- Run ----
@@ -217,15 +297,29 @@ OrvaStatus MakePlan(int32_t len, double factor, Orva32f norm, const double* time
   return ORVA_STS_NO_ERR;
 }
 
-// Calls store(j, sum) for each output at timeOf(j); the times are asked for in order, once each.
+// Calls store(j, sum) for each output at timeOf(j); the times are asked for in order, once each. Two outputs go side
+// by side; an odd last one is its own neighbour.
 template <class Entry, class Sample, class TimeOf, class Store>
 void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* src, TimeOf timeOf, Store store) {
-  const auto* const table = static_cast<const Entry*>(state.table);
-  for (int32_t j = 0; j < plan.count; ++j) {
-    const double time = timeOf(j), sample = __builtin_floor(time), at = (time - sample) * plan.step;
-    const Sample* const here = src + static_cast<int64_t>(sample);
-    const double left = AddHalf<-1>(table, plan.step, at, here, state.tableLen, 0);
-    store(j, plan.gain * AddHalf<1>(table, plan.step, plan.step - at, here + 1, state.tableLen, left));
+  using H = Half<Entry, Sample>;
+  for (int32_t j = 0; j < plan.count; j += 2) {
+    const int32_t outputs = HWY_MIN(2, plan.count - j);
+    double at[2], acc[2] = {};
+    const Sample* here[2];
+    for (int32_t k = 0; k < 2; ++k) {
+      if (k == outputs) {
+        at[1] = at[0];
+        here[1] = here[0];
+        break;
+      }
+      const double time = timeOf(j + k), sample = __builtin_floor(time);
+      at[k] = (time - sample) * plan.step;
+      here[k] = src + static_cast<int64_t>(sample);
+    }
+    const double step = plan.step;
+    AddHalves<-1>({H(state, here[0], step, at[0]), H(state, here[1], step, at[1])}, acc);
+    AddHalves<1>({H(state, here[0] + 1, step, step - at[0]), H(state, here[1] + 1, step, step - at[1])}, acc);
+    for (int32_t k = 0; k < outputs; ++k) store(j + k, plan.gain * acc[k]);
   }
 }
 

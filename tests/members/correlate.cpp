@@ -11,9 +11,7 @@ constexpr int32_t kDirect = 1, kFft = 2;
 
 // The direct route of every length pair: short, long and uneven sequences.
 template <class T>
-void ConvolutionDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, ConvState**),
-                       OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, ConvState*),
-                       OrvaStatus (*release)(ConvState*), Digest& digest) {
+void ConvolutionDigest(auto init, auto run, auto release, Digest& digest) {
   ConvState* state = nullptr;
   digest.AddStatus(init(1, 1, kDirect, &state));
   for (Variety variety : {Variety::kModerate, Variety::kSpecial})
@@ -28,9 +26,7 @@ void ConvolutionDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, ConvState**
 }
 
 template <class T>
-void AutocorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, CorrState**),
-                           OrvaStatus (*run)(const T*, int32_t, T*, int32_t, int32_t, CorrState*),
-                           OrvaStatus (*release)(CorrState*), Digest& digest) {
+void AutocorrelationDigest(auto init, auto run, auto release, Digest& digest) {
   CorrState* state = nullptr;
   digest.AddStatus(init(1, 1, kDirect, &state));
   for (Variety variety : {Variety::kModerate, Variety::kSpecial})
@@ -45,10 +41,7 @@ void AutocorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, CorrSta
 }
 
 template <class T>
-void CrossCorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, int32_t, int32_t, CorrState**),
-                            OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, int32_t, int32_t, int32_t,
-                                              CorrState*),
-                            OrvaStatus (*release)(CorrState*), Digest& digest) {
+void CrossCorrelationDigest(auto init, auto run, auto release, Digest& digest) {
   for (Variety variety : {Variety::kModerate, Variety::kSpecial})
     for (int32_t len1 : {1, 6, 41, 300})
       for (int32_t len2 : {1, 39, 78, 200})
@@ -68,9 +61,7 @@ void CrossCorrelationDigest(OrvaStatus (*init)(int32_t, int32_t, int32_t, int32_
 constexpr int32_t kKernel = 1000;
 
 template <class T>
-std::function<Timed(int32_t)> TimeConvolution(OrvaStatus (*init)(int32_t, int32_t, int32_t, ConvState**),
-                                              OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, ConvState*),
-                                              OrvaStatus (*release)(ConvState*), int32_t kind) {
+std::function<Timed(int32_t)> TimeConvolution(auto init, auto run, auto release, int32_t kind) {
   return [=](int32_t len) {
     ConvState* made = nullptr;
     init(len, kKernel, kind, &made);
@@ -82,9 +73,7 @@ std::function<Timed(int32_t)> TimeConvolution(OrvaStatus (*init)(int32_t, int32_
 }
 
 template <class T>
-std::function<Timed(int32_t)> TimeAutocorrelation(OrvaStatus (*init)(int32_t, int32_t, int32_t, CorrState**),
-                                                  OrvaStatus (*run)(const T*, int32_t, T*, int32_t, int32_t, CorrState*),
-                                                  OrvaStatus (*release)(CorrState*), int32_t kind) {
+std::function<Timed(int32_t)> TimeAutocorrelation(auto init, auto run, auto release, int32_t kind) {
   return [=](int32_t len) {
     CorrState* made = nullptr;
     init(len, kKernel, kind, &made);
@@ -96,10 +85,7 @@ std::function<Timed(int32_t)> TimeAutocorrelation(OrvaStatus (*init)(int32_t, in
 }
 
 template <class T>
-std::function<Timed(int32_t)> TimeCrossCorrelation(
-    OrvaStatus (*init)(int32_t, int32_t, int32_t, int32_t, int32_t, CorrState**),
-    OrvaStatus (*run)(const T*, int32_t, const T*, int32_t, T*, int32_t, int32_t, int32_t, CorrState*),
-    OrvaStatus (*release)(CorrState*), int32_t kind) {
+std::function<Timed(int32_t)> TimeCrossCorrelation(auto init, auto run, auto release, int32_t kind) {
   return [=](int32_t len) {
     CorrState* made = nullptr;
     init(kKernel, len, len, 0, kind, &made);

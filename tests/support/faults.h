@@ -35,4 +35,18 @@ int ForEachFault(Call call, OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR, OrvaStat
   }
 }
 
+// ForEachFault for an Init that makes a State and its Release: a refused Init leaves the pointer alone, or null where it
+// `clears` it.
+template <class State, class Init>
+int ForEachFaultOfInit(Init init, OrvaStatus (*release)(State*), bool clears = false) {
+  return ForEachFault([=] {
+    State* const before = reinterpret_cast<State*>(8);
+    State* state = before;
+    const OrvaStatus status = init(&state);
+    if (status == ORVA_STS_NO_ERR) return release(state);
+    EXPECT_EQ(state, clears ? nullptr : before);
+    return status;
+  });
+}
+
 }  // namespace tzm_test
