@@ -332,7 +332,8 @@ TZM_API OrvaStatus ORVAS_Sqrt_16sc_IS(Orva16sc* srcDst, int32_t len, double scal
  * - 32s16s_S: the root in binary64 times 2^-s, where s is log2(scale) truncated toward zero, rounded to
  *   nearest with ties to even, saturated. The last len % 4 elements go through the system's cbrt.
  *
- * Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite (32s16s_S). @{ */
+ * `dst` of 32f may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite
+ * (32s16s_S). @{ */
 TZM_API OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale);
 /** @} */
