@@ -18,7 +18,8 @@ for page in README.md docs/*.md; do
 done
 
 programs=0 failed=0
-for file in $(grep -l 'main(' "$scratch"/*.c "$scratch"/*.cpp); do
+for file in "$scratch"/*.c "$scratch"/*.cpp; do
+  grep -q 'main(' "$file" || continue
   case $file in
     *.c) compile=("$CC" -std=c99) ;;
     *) compile=("$CXX" -std=c++17) ;;
