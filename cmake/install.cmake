@@ -44,4 +44,4 @@ install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
   FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
 install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
   FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN CMakeLists.txt)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)

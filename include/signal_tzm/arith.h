@@ -108,39 +108,50 @@ TZM_API OrvaStatus ORVAS_MulC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len
 
 /* ---- Division ---- */
 
-/* dst[i] = src2[i] / src1[i], or srcDst[i] / src[i] in place: the first array holds the divisors. A zero
- * divisor (0.0 or -0.0) gives the infinity or the NaN of IEEE division. Statuses: null pointer (1), len
- * below 1 (2); warning: a divisor is zero (300), all elements are written. Here and below, the
- * destination may be the same array as either source. */
+/** @name Division
+ * dst[i] = src2[i] / src1[i], `len` elements each: the first array holds the divisors. In place, srcDst[i] =
+ * srcDst[i] / src[i]. The quotient is that of IEEE division; a zero divisor (0.0 or -0.0) gives its infinity or NaN.
+ *
+ * Body and tail give the same values. `dst` may be a source array itself.
+ * Status: 1 null pointer; 2 `len < 1`; 300, with every element written, a divisor is zero. @{ */
 TZM_API OrvaStatus ORVAS_Div_32f(const Orva32f* src1, const Orva32f* src2, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_64f(const Orva64f* src1, const Orva64f* src2, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_32f_I(const Orva32f* src, Orva32f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_64f_I(const Orva64f* src, Orva64f* srcDst, int32_t len);
+/** @} */
 
-/* The same for complex elements, with c + di the divisor and a + bi the dividend. Statuses as above, but
- * for the warning of the tail of 32fc.
- * 64fc: t = 1 / (c*c + d*d), re = (c*a + d*b) * t, im = (c*b - d*a) * t, nothing fused; c*c + d*d equal to
- * zero warns.
- * 32fc: den = c*c + d*d, nr = fma(c, a, d*b), ni = b*c - a*d, re = nr / den, im = ni / den; a den of zero
- * warns. The tail, len % 16 elements, deliberately differs: den = fma(c, c, d*d), ni = fma(c, b, -(d*a)),
- * and an nr of zero warns, which a zero divisor gives, but also a zero dividend over any divisor. */
+/** @name Complex division
+ * dst[i] = src2[i] / src1[i], or srcDst[i] / src[i] in place, with c + di the divisor and a + bi the dividend.
+ *
+ * - 64fc: t = 1 / (c*c + d*d), re = (c*a + d*b) * t, im = (c*b - d*a) * t, nothing fused.
+ * - 32fc: den = c*c + d*d, nr = fma(c, a, d*b), ni = b*c - a*d, re = nr / den, im = ni / den. The tail, len % 16
+ *   elements, deliberately differs: den = fma(c, c, d*d), ni = fma(c, b, -(d*a)).
+ *
+ * `dst` may be a source array itself. Status: 1 null pointer; 2 `len < 1`; 300, with every element written:
+ * c*c + d*d equals zero in 64fc and in the body of 32fc. The tail of 32fc deliberately looks at nr: a zero there
+ * warns, which a zero divisor gives, but also a zero dividend over any divisor. @{ */
 TZM_API OrvaStatus ORVAS_Div_32fc(const Orva32fc* src1, const Orva32fc* src2, Orva32fc* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_32fc_I(const Orva32fc* src, Orva32fc* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Div_64fc_I(const Orva64fc* src, Orva64fc* srcDst, int32_t len);
+/** @} */
 
-/* dst[i] = src2[i] / src1[i] / 2^s, rounded to nearest, ties to even, and saturated; s is log2(scale)
- * truncated toward zero. Statuses: null pointer (1), len below 1 (2), scale not positive and finite (20);
- * warning: a divisor is zero (300), all elements are written. A zero divisor gives, at any scale, the
- * largest value for a positive dividend, the smallest for a negative one, and 0 for 0 by 0.
+/** @name Scaled division
+ * dst[i] = src2[i] / src1[i] / 2^s, or srcDst[i] / src[i] / 2^s in place, rounded to nearest with ties to even,
+ * and saturated; s is log2(scale) truncated toward zero. A zero divisor gives, at any scale, the largest value for
+ * a positive dividend, the smallest for a negative one, and 0 for 0 by 0.
+ *
  * The result is that of the exact quotient, except where binary floating formats are named:
- * 8u, 16u: in the tail, len % 48 and len % 24 elements, 0 by 0 deliberately gives the largest value.
- * 32s: the quotient is rounded to binary64 first; in the tail, len % 4 elements, both operands and the
- * quotient deliberately are rounded to binary32.
- * 32s16s: operands and quotient are rounded to binary32.
- * 16sc: a zero divisor has zero numerators, and so gives 0 in both parts. In the tail, len % 8 elements,
- * c*c + d*d and the two numerators deliberately are 32-bit integers that wrap around: both parts of the
- * divisor -32768 turn the sign of the result there. */
+ * - 8u, 16u: in the tail, len % 48 and len % 24 elements, 0 by 0 deliberately gives the largest value.
+ * - 32s: the quotient is rounded to binary64 first; in the tail, len % 4 elements, both operands and the
+ *   quotient deliberately are rounded to binary32.
+ * - 32s16s: operands and quotient are rounded to binary32.
+ * - 16sc: a zero divisor has zero numerators, and so gives 0 in both parts. In the tail, len % 8 elements,
+ *   c*c + d*d and the two numerators deliberately are 32-bit integers that wrap around: both parts of the
+ *   divisor -32768 turn the sign of the result there.
+ *
+ * `dst` may be a source array of its type. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite;
+ * 300, with every element written, a divisor is zero. Saturation is not reported. @{ */
 TZM_API OrvaStatus ORVAS_Div_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_Div_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_Div_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len, double scale);
@@ -154,12 +165,19 @@ TZM_API OrvaStatus ORVAS_Div_16u_IS(const Orva16u* src, Orva16u* srcDst, int32_t
 TZM_API OrvaStatus ORVAS_Div_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_Div_32s_IS(const Orva32s* src, Orva32s* srcDst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_Div_16sc_IS(const Orva16sc* src, Orva16sc* srcDst, int32_t len, double scale);
+/** @} */
 
-/* The same scaled quotients, exact, with the rounding chosen: roundMode 0 toward zero, 1 to nearest with
- * ties to even, 2 to nearest with ties away from zero. 0 by 0 gives 0 everywhere. Statuses as above; a
- * zero divisor in the tail of 8u, len % 32 elements, deliberately does not warn. Any other roundMode is
- * no error: the elements of the body (len without len % 32 for 8u, len % 16 for 16u, len % 8 for 16s)
- * become 0, with the warning for their divisors, and those of the tail are left alone. */
+/** @name Scaled division with a chosen rounding
+ * dst[i] = src2[i] / src1[i] / 2^s, or srcDst[i] / src[i] / 2^s in place, saturated; s is log2(scale) truncated
+ * toward zero. The exact quotient is rounded by `roundMode`: 0 toward zero, 1 to nearest with ties to even, 2 to
+ * nearest with ties away from zero. A zero divisor gives the largest value for a positive dividend, the smallest
+ * for a negative one, and 0 for 0 by 0.
+ *
+ * Any other `roundMode` is no error: the elements of the body (len without len % 32 for 8u, len % 16 for 16u,
+ * len % 8 for 16s) become 0, with the warning for their divisors, and those of the tail are left alone.
+ *
+ * `dst` may be a source array itself. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite; 300,
+ * with every element written, a divisor is zero; a zero divisor in the tail of 8u deliberately does not warn. @{ */
 TZM_API OrvaStatus ORVAS_Div_Round_8u_S(const Orva8u* src1, const Orva8u* src2, Orva8u* dst, int32_t len,
                                         int32_t roundMode, double scale);
 TZM_API OrvaStatus ORVAS_Div_Round_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* dst, int32_t len,
@@ -172,32 +190,44 @@ TZM_API OrvaStatus ORVAS_Div_Round_16u_IS(const Orva16u* src, Orva16u* srcDst, i
                                           double scale);
 TZM_API OrvaStatus ORVAS_Div_Round_16s_IS(const Orva16s* src, Orva16s* srcDst, int32_t len, int32_t roundMode,
                                           double scale);
+/** @} */
 
 /* ---- Division by a constant ---- */
 
-/* dst[i] = src[i] * (1 / value), the reciprocal rounded once in the type of the samples: the last bit can
- * differ from that of a quotient. Statuses: null pointer (1), len below 1 (2), value equal to 0.0 or
- * -0.0 (3). A source and the destination may be the same array. */
+/** @name Division by a constant
+ * dst[i] = src[i] * (1 / value), `len` elements, the reciprocal rounded once in the type of the samples: the last
+ * bit can differ from that of a quotient. In place, srcDst[i] the same.
+ *
+ * Body and tail give the same values. `dst` may be `src` itself.
+ * Status: 1 null pointer; 2 `len < 1`; 3 `value` equal to 0.0 or -0.0. @{ */
 TZM_API OrvaStatus ORVAS_DivC_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_64f(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_32f_I(Orva32f value, Orva32f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_64f_I(Orva64f value, Orva64f* srcDst, int32_t len);
+/** @} */
 
-/* The same with a complex constant: the constant multiplication of src by (r*re, -(r*im)), where re and im
- * are the parts of value and r = 1 / fma(re, re, im*im). Statuses: null pointer (1), len below 1 (2),
- * fma(re, re, im*im) equal to zero (3), so also a value whose square underflows. */
+/** @name Complex division by a constant
+ * dst[i] = src[i] / value, as the constant multiplication (MulC) of src by (r*re, -(r*im)), where re and im are the
+ * parts of `value` and r = 1 / fma(re, re, im*im).
+ *
+ * Body and tail give the same values. `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 3
+ * fma(re, re, im*im) equal to zero, so also for a value whose square underflows. @{ */
 TZM_API OrvaStatus ORVAS_DivC_32fc(const Orva32fc* src, Orva32fc value, Orva32fc* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_64fc(const Orva64fc* src, Orva64fc value, Orva64fc* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_32fc_I(Orva32fc value, Orva32fc* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivC_64fc_I(Orva64fc value, Orva64fc* srcDst, int32_t len);
+/** @} */
 
-/* dst[i] = src[i] / value / 2^s, rounded to nearest, ties to even, and saturated; s is log2(scale)
- * truncated toward zero. Exact for 8u and 16u; the others deliberately multiply by a reciprocal, with f =
- * 2^-s: 16s rounds (src[i] * (1 / value)) * f in binary32, 64s the same in binary64, the element rounded
- * to it first; 16sc rounds fma(xr, re, xi*im) * t and fma(xi, re, -(xr*im)) * t in binary64, with
- * t = (1 / (re*re + im*im)) * f. Statuses: null pointer (1), len below 1 (2); then value equal to zero (3)
- * and scale not positive and finite (20), in this order for 16s and 64s, and deliberately the other way
- * round for 8u, 16u and 16sc. */
+/** @name Scaled division by a constant
+ * dst[i] = src[i] / value / 2^s, rounded to nearest with ties to even, and saturated; s is log2(scale) truncated
+ * toward zero. 8u and 16u are exact; the others deliberately multiply by a reciprocal, with f = 2^-s:
+ *
+ * - 16s: (src[i] * (1 / value)) * f in binary32. 64s: the same in binary64, the element rounded to it first.
+ * - 16sc: fma(xr, re, xi*im) * t and fma(xi, re, -(xr*im)) * t in binary64, t = (1 / (re*re + im*im)) * f.
+ *
+ * Body and tail give the same values. `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; then 3
+ * `value` equal to zero and 20 scale not positive and finite, in this order for 16s and 64s, and deliberately the
+ * other way round for 8u, 16u and 16sc. @{ */
 TZM_API OrvaStatus ORVAS_DivC_8u_S(const Orva8u* src, Orva8u value, Orva8u* dst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_DivC_16u_S(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_DivC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int32_t len, double scale);
@@ -207,18 +237,24 @@ TZM_API OrvaStatus ORVAS_DivC_16u_IS(Orva16u value, Orva16u* srcDst, int32_t len
 TZM_API OrvaStatus ORVAS_DivC_16s_IS(Orva16s value, Orva16s* srcDst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_DivC_16sc_IS(Orva16sc value, Orva16sc* srcDst, int32_t len, double scale);
 TZM_API OrvaStatus ORVAS_DivC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len, double scale);
+/** @} */
 
-/* dst[i] = value / src[i]. Statuses: null pointer (1), len below 1 (2); warning: an element is zero (300),
- * all elements are written. Body and tail deliberately differ.
- * 32f: the body multiplies value by an estimate of the reciprocal, to eight bits, refined by two Newton
- * steps: AArch64's instructions for both, the same bits everywhere. It is not correctly rounded, and its
- * infinities have the opposite sign: 1 over +0 is -infinity. The tail, len % 4 elements, divides.
- * 16u: rounded to nearest, ties to even, from the quotient in binary32; a zero element gives 65535, but 0
- * by 0 gives 0 in the body and 65535 in the tail, len % 48 elements. */
+/** @name Division of a constant
+ * dst[i] = value / src[i], `len` elements. Body and tail deliberately differ.
+ *
+ * - 32f: the body multiplies value by an estimate of the reciprocal, to eight bits, refined by two Newton steps:
+ *   AArch64's instructions for both, the same bits everywhere. It is not correctly rounded, and its infinities
+ *   have the opposite sign: 1 over +0 is -infinity. The tail, len % 4 elements, divides.
+ * - 16u: rounded to nearest with ties to even, from the quotient in binary32; a zero element gives 65535, but 0 by
+ *   0 gives 0 in the body and 65535 in the tail, len % 48 elements.
+ *
+ * `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 300, with every element written, an element is
+ * zero. @{ */
 TZM_API OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivCRev_16u(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivCRev_32f_I(Orva32f value, Orva32f* srcDst, int32_t len);
 TZM_API OrvaStatus ORVAS_DivCRev_16u_I(Orva16u value, Orva16u* srcDst, int32_t len);
+/** @} */
 
 /* ---- Squares ---- */
 
@@ -296,33 +332,41 @@ TZM_API OrvaStatus ORVAS_Sqrt_16sc_IS(Orva16sc* srcDst, int32_t len, double scal
  * - 32s16s_S: the root in binary64 times 2^-s, where s is log2(scale) truncated toward zero, rounded to
  *   nearest with ties to even, saturated. The last len % 4 elements go through the system's cbrt.
  *
- * Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite (32s16s_S). @{ */
+ * `dst` of 32f may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite
+ * (32s16s_S). @{ */
 TZM_API OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale);
 /** @} */
 
 /* ---- Half-precision conversion ---- */
 
-/* dst[i] = src[i] in another format. roundMode: 0 toward zero, 1 to nearest with ties to even, whatever
- * the rounding mode of the caller, which is left as it is. A value beyond the range of binary16 becomes
- * the largest finite value in mode 0, infinity in mode 1. To Orva16s: f * src[i] in binary32, rounded and
- * saturated, NaN giving 0, with f = 2^-s, s being log2(scale) truncated toward zero. Statuses: null pointer
- * (1), len below 1 (2), roundMode above 1 (200), scale not positive and finite (20). */
+/** @name Half-precision conversion
+ * dst[i] = src[i] in another format, `len` elements. `roundMode` 0 rounds toward zero, 1 to nearest with ties to
+ * even, whatever the rounding mode of the caller, which is left as it is. A value beyond the range of binary16
+ * becomes the largest finite value in mode 0, infinity in mode 1. 16f32f is exact. 16f16s_S: f * src[i] in binary32,
+ * rounded and saturated, NaN giving 0, with f = 2^-s, s being log2(scale) truncated toward zero.
+ *
+ * Body and tail give the same values. The arrays must not overlap. Status: 1 null pointer; 2 `len < 1`; 200
+ * `roundMode` above 1; 20 scale not positive and finite (16f16s_S). @{ */
 TZM_API OrvaStatus ORVAS_Convert_16s16f(const Orva16s* src, Orva16f* dst, int32_t len, uint32_t roundMode);
 TZM_API OrvaStatus ORVAS_Convert_32f16f(const Orva32f* src, Orva16f* dst, int32_t len, uint32_t roundMode);
 TZM_API OrvaStatus ORVAS_Convert_16f32f(const Orva16f* src, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Convert_16f16s_S(const Orva16f* src, Orva16s* dst, int32_t len, uint32_t roundMode,
                                           double scale);
+/** @} */
 
 /* ---- Normalisation ---- */
 
-/* dst[i] = (src[i] - vSub) / vDiv, by r = 1 / vDiv and for each part of a complex element. Statuses: null
- * pointer (1), len below 1 (2), vDiv equal to zero (3), scale not positive and finite (20). The source
- * and the destination may be the same array.
- * 64f, 64fc: fma(x, r, -(vSub / vDiv)). 32f, 32fc: the same from len 64 and 128 on; shorter arrays
- * deliberately take (x - vSub) * r, which rounds differently.
- * 16s, 16sc: f * fma(x, r, -(vSub / vDiv)) in binary32, rounded to nearest, ties to even, and saturated,
- * with f = 2^-s, s being log2(scale) truncated toward zero. */
+/** @name Normalisation
+ * dst[i] = (src[i] - vSub) / vDiv, `len` elements, each part of a complex one; computed with r = 1 / vDiv.
+ *
+ * - 64f, 64fc: fma(x, r, -(vSub / vDiv)). 32f, 32fc: the same from `len` 64 and 128 on; shorter arrays
+ *   deliberately take (x - vSub) * r, which rounds differently.
+ * - 16s, 16sc: f * fma(x, r, -(vSub / vDiv)) in binary32, rounded to nearest with ties to even, and saturated,
+ *   with f = 2^-s, s being log2(scale) truncated toward zero.
+ *
+ * Body and tail give the same values. `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 3 `vDiv` equal
+ * to zero; 20 scale not positive and finite (16s, 16sc). @{ */
 TZM_API OrvaStatus ORVAS_Normalize_32f(const Orva32f* src, Orva32f* dst, int32_t len, Orva32f vSub, Orva32f vDiv);
 TZM_API OrvaStatus ORVAS_Normalize_64f(const Orva64f* src, Orva64f* dst, int32_t len, Orva64f vSub, Orva64f vDiv);
 TZM_API OrvaStatus ORVAS_Normalize_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32fc vSub,
@@ -340,5 +384,6 @@ TZM_API OrvaStatus ORVAS_Normalize_64fc_I(Orva64fc* srcDst, int32_t len, Orva64f
 TZM_API OrvaStatus ORVAS_Normalize_16s_IS(Orva16s* srcDst, int32_t len, Orva16s vSub, Orva32f vDiv, double scale);
 TZM_API OrvaStatus ORVAS_Normalize_16sc_IS(Orva16sc* srcDst, int32_t len, Orva16sc vSub, Orva32f vDiv,
                                            double scale);
+/** @} */
 
 #endif

@@ -1,4 +1,4 @@
-/* What the library expects of its companions: the names that must be in the process's global scope
+/* Companions: what the library expects of them, the names that must be in the process's global scope
  * when it loads. The default companions (tzm_core, tzm_vmath, tzm_fft, and any CBLAS) provide them;
  * another library with the same names may take the place of each. All must be callable from several
  * threads at once on separate data; the FFT companion serialises its planner itself. */
@@ -8,7 +8,7 @@
 #include <signal_tzm/status.h>
 #include <signal_tzm/types.h>
 
-/** @name Core: memory.
+/** @name Core: memory
  * A block of `bytes` bytes or `count` elements, its contents undefined; null when it cannot be had or the
  * count is below 1. No alignment beyond that of the element is asked for; tzm_core gives 64 bytes. Both
  * release functions take blocks of every allocator here, and null. @{ */
@@ -21,7 +21,8 @@ TZM_API void ORVA_Free(void* ptr);
 TZM_API void ORVAS_Free(void* ptr);
 /** @} */
 
-/** @name Core: copy `len` elements. Copy: the arrays do not overlap. Move: they may.
+/** @name Core: copies
+ * `dst` becomes a copy of the `len` elements of `src`. Copy: the arrays do not overlap. Move: they may.
  * These and all core operations below work on `len` elements of each array and return status 1 for a null
  * pointer, then 2 for `len < 1`; nothing is written then. @{ */
 TZM_API OrvaStatus ORVAS_Copy_16s(const Orva16s* src, Orva16s* dst, int32_t len);
@@ -34,7 +35,8 @@ TZM_API OrvaStatus ORVAS_Move_16s(const Orva16s* src, Orva16s* dst, int32_t len)
 TZM_API OrvaStatus ORVAS_Move_32f(const Orva32f* src, Orva32f* dst, int32_t len);
 /** @} */
 
-/** @name Core: fill `len` elements with zero or with a value. @{ */
+/** @name Core: fills
+ * Every element of `dst` becomes zero, or `value`. @{ */
 TZM_API OrvaStatus ORVAS_Zero_8u(Orva8u* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Zero_16s(Orva16s* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Zero_16sc(Orva16sc* dst, int32_t len);
@@ -48,7 +50,7 @@ TZM_API OrvaStatus ORVAS_Set_64f(Orva64f value, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Set_64fc(Orva64fc value, Orva64fc* dst, int32_t len);
 /** @} */
 
-/** @name Core: sum, conjugate, reversal.
+/** @name Core: sum, conjugate, reversal
  * Add: srcDst[i] += src[i]. Conj: dst[i] = conj(src[i]), the sign bit of the imaginary part inverted.
  * Flip: dst[i] = src[len-1-i]. `dst` may be `src` itself. @{ */
 TZM_API OrvaStatus ORVAS_Add_32f_I(const Orva32f* src, Orva32f* srcDst, int32_t len);
@@ -63,7 +65,7 @@ TZM_API OrvaStatus ORVAS_Flip_64f(const Orva64f* src, Orva64f* dst, int32_t len)
 TZM_API OrvaStatus ORVAS_Flip_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len);
 /** @} */
 
-/** @name Core: conversion by value.
+/** @name Core: conversions by value
  * A narrowing to binary32 rounds to nearest, ties to even. The scaled form divides by the power of two of
  * the scale rule, rounds by `roundMode` (0 toward zero, 1 to nearest with ties to even) and saturates; NaN
  * gives 0. Its further statuses are 200 for another mode, then 20 for a scale that is not positive and
@@ -80,8 +82,8 @@ TZM_API OrvaStatus ORVAS_RealToCplx_32f(const Orva32f* srcRe, const Orva32f* src
 TZM_API OrvaStatus ORVAS_RealToCplx_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64fc* dst, int32_t len);
 /** @} */
 
-/** @name Core: the largest, smallest and largest absolute element.
- * NaN elements are passed over; an array of nothing else gives NaN. Among zeros of both signs the first
+/** @name Core: extrema
+ * `*result` is the largest, smallest or largest absolute element. NaN elements are passed over; an array of nothing else gives NaN. Among zeros of both signs the first
  * one is the result of Max and Min; MaxAbs gives +0. @{ */
 TZM_API OrvaStatus ORVAS_Max_64f(const Orva64f* src, int32_t len, Orva64f* result);
 TZM_API OrvaStatus ORVAS_Min_64f(const Orva64f* src, int32_t len, Orva64f* result);
@@ -89,8 +91,8 @@ TZM_API OrvaStatus ORVAS_MaxAbs_32f(const Orva32f* src, int32_t len, Orva32f* re
 TZM_API OrvaStatus ORVAS_MaxAbs_64f(const Orva64f* src, int32_t len, Orva64f* result);
 /** @} */
 
-/** @name Vector math: element-wise over `n` elements, results last.
- * A result array may be a source array. Nothing is reported: `n < 1` does nothing, domain errors give NaN
+/** @name Vector mathematics
+ * Element-wise over `n` elements, results last. A result array may be a source array. Nothing is reported: `n < 1` does nothing, domain errors give NaN
  * or infinity. Products and square roots are correctly rounded; the functions of tzm_vmath stay within
  * 1 ulp, give the same bits on every architecture, and depend on no element but their own. `atan2` is that
  * of a[i] over b[i], `pow` a[i] to the power b[i], `ln` the natural logarithm; `sincos` gives the bits of
@@ -121,8 +123,8 @@ TZM_API void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c);
 TZM_API void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c);
 /** @} */
 
-/** @name FFT: unnormalised transforms, tzm_fft for binary64 and tzm_fftf for binary32.
- * A plan is made without arrays and runs on any arrays of its shape, in place too, from any number of
+/** @name FFT
+ * Unnormalised transforms, tzm_fft for binary64 and tzm_fftf for binary32. A plan is made without arrays and runs on any arrays of its shape, in place too, from any number of
  * threads at once; null means failure. Sign -1 is forward, +1 inverse; flags are 0. The split planner
  * makes the forward transform: exchanging the real and imaginary arrays on both sides gives the
  * inverse. The complex-to-real execution may destroy its input. @{ */
@@ -160,8 +162,9 @@ TZM_API void tzm_fftf_plan_with_nthreads(int32_t nthreads);
 TZM_API void tzm_fftf_cleanup_threads(void);
 /** @} */
 
-/** @name CBLAS: the four general matrix products, in the standard signature. A CBLAS header included
- * before this one declares them itself. @{ */
+/** @name CBLAS
+ * The four general matrix products, in the standard signature. A CBLAS header included before this one
+ * declares them itself. @{ */
 #ifndef CBLAS_H
 TZM_API void cblas_sgemm(int order, int transA, int transB, int m, int n, int k, float alpha, const float* a, int lda,
                          const float* b, int ldb, float beta, float* c, int ldc);

@@ -38,7 +38,8 @@
  * saturates; a NaN gives 0. Deliberately `_32f` forms each t_j from the first one, fma(j, 1/factor, *time), and `_16s`
  * adds 1/factor again and again; and without any output `_32f` moves `*time` on by 1/factor where `_16s` leaves it.
  *
- * A run only reads the state: calls at once may share it. Release always succeeds and takes null; the two are the same.
+ * `src` and `dst` must not overlap. A run only reads the state: calls at once may share it. Release always succeeds and
+ * takes null; the two are the same.
  * @{ */
 typedef struct ResamplePolyphaseState ResamplePolyphaseState;
 

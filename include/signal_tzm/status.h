@@ -6,10 +6,10 @@
 
 #include <stdint.h>
 
-typedef int32_t OrvaStatus;
+typedef int32_t OrvaStatus; /**< One of the values below. */
 
 enum {
-  ORVA_STS_NO_ERR = 0,
+  ORVA_STS_NO_ERR = 0,            /**< Success. */
   ORVA_STS_NULL_PTR_ERR = 1,      /**< A required pointer is null. */
   ORVA_STS_SIZE_ERR = 2,          /**< A length or count is below 1 or out of its family's range. */
   ORVA_STS_DIV_BY_ZERO_ERR = 3,   /**< A divisor given as a parameter is zero. */

@@ -18,9 +18,9 @@
  * | (none) | as LT for `relOp` 0, as GT for `relOp` 4 | level |
  * | LTVal, GTVal | x < level, x > level | value |
  * | LTValGTVal | x < levelLT; x > levelGT | valueLT; valueGT |
- * | LTAbs | |x| < level | level with the sign of x; either zero gives +level |
- * | GTAbs | |x| > level | level with the sign of x |
- * | LTAbsVal | |x| < level | value |
+ * | LTAbs | abs(x) < level | level with the sign of x; either zero gives +level |
+ * | GTAbs | abs(x) > level | level with the sign of x |
+ * | LTAbsVal | abs(x) < level | value |
  *
  * NaN and zeros: LT and GT on 32f and 64f take the vector unit's maximum and minimum in whole blocks of 128
  * bits, where NaN from either side gives NaN and -0 lies below +0; in the tail past them they compare, so a

@@ -1,5 +1,5 @@
 // The table of members: one row for each exported operation, from which the frame test, the digests
-// and the benchmarks are made. docs/testing.md tells how to add one.
+// and the benchmarks are made. docs/adding_an_operation.md tells how to add one.
 #pragma once
 
 #include <signal_tzm/status.h>
