@@ -54,8 +54,8 @@ TZM_INLINE void MapPair(int32_t n, Sine sine, Cosine cosine, const T* a, T* s, T
   }, a, s, c);
 }
 
-// SLEEF's exp and pow of binary64 take the last 2e-9 below the largest number for infinite. There half the exponent
-// gives a root whose square is right to 2 ulp, and infinite where it has to be.
+// SLEEF's exp and pow of binary64 take the last 2e-9 below the largest number for infinite. There the square of the
+// root, or the next lower power times the base, is a number, or infinite where it has to be.
 struct Exp {
   template <class V>
   TZM_INLINE V operator()(V x) const {
@@ -80,9 +80,10 @@ struct Pow {
       const hn::DFromV<V> d;
       const auto infinite = hn::IsInf(result);
       if (HWY_UNLIKELY(!hn::AllFalse(d, infinite))) {
-        const V root = pow(hn::Abs(x), hn::Mul(y, hn::Set(d, 0.5)));
+        const V base = hn::Abs(x), lower = pow(base, hn::Sub(y, hn::CopySign(hn::Set(d, 1.0), y)));
+        const V power = hn::IfThenElse(hn::Gt(y, hn::Zero(d)), hn::Mul(lower, base), hn::Div(lower, base));
         const auto top = hn::And(infinite, hn::And(hn::IsFinite(x), hn::Ne(x, hn::Zero(d))));
-        return hn::IfThenElse(top, hn::CopySign(hn::Mul(root, root), result), result);
+        return hn::IfThenElse(top, hn::CopySign(power, result), result);
       }
     }
     return result;
