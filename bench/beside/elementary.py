@@ -1,4 +1,6 @@
-"""Elementary functions, magnitude and phase beside NumPy's."""
+"""Elementary functions beside NumPy's and the system's scalar ones; magnitude and phase beside NumPy's."""
+import ctypes
+
 import numpy
 
 LENGTH = 16384
@@ -23,12 +25,18 @@ COMPLEX = {  # member: (NumPy's function, whether its result is complex)
 
 def cases(tzm):
     random = numpy.random.default_rng(1)
+    scalars = ctypes.CDLL(tzm.folder / "libtzm_scalar.so")
 
     def case(member, function, dst, *sources):
-        return member, LENGTH, {
+        calls = {
             "tzm": tzm.prepare(member, *sources, dst, LENGTH),
             "numpy": lambda: function(*sources, out=dst),
         }
+        scalar = getattr(scalars, member.removeprefix("ORVAS_"), None)
+        if scalar is not None:
+            addresses = [ctypes.c_void_p(array.ctypes.data) for array in (*sources, dst)]
+            calls["scalar"] = lambda: scalar(*addresses, LENGTH)
+        return member, LENGTH, calls
 
     for kind, suffix in ((numpy.float32, "32f"), (numpy.float64, "64f")):
         sources = [random.uniform(0.1, 10, LENGTH).astype(kind) for _ in range(2)]

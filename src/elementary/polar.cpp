@@ -109,7 +109,7 @@ TZM_INLINE void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* d
   const hn::Rebind<int16_t, decltype(d)> d16;
   constexpr size_t kStep = hn::MaxLanes(d);
   alignas(64) Orva32f angle[kBlock], sine[kBlock], cosine[kBlock];
-  ForEach<kStep>(count, [&](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
+  ForEach<kStep, 1>(count, [&](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
     hn::StoreU(hn::Mul(LoadAsFloat(d, from), hn::Set(d, phaseFactor)), d, to);
   }, phase, &angle[0]);
   vssincos(count, angle, sine, cosine);
@@ -120,7 +120,7 @@ TZM_INLINE void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* d
     };
     hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
   };
-  ForEach<kStep>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine), dst);
+  ForEach<kStep, 1>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine), dst);
 }
 
 }  // namespace
