@@ -304,11 +304,12 @@ int main(int argc, char** argv) {
   PLANE(Log10_64fc, mpc_log10, ({Range::kSigned, 0x1p-1070, 0x1p1023}), ({Range::kSigned, 0x1p-1070, 0x1p1023}),
         "2^-1070 to 2^1023");
   PLANE(Log10_64fc, mpc_log10, ({Range::kEven, 0.5, 0.9}), ({Range::kEven, 0.5, 0.8}), "near the unit circle");
-#define SIN_COS(Name, exact)                                                                                           \
-  PLANE(Name##_32fc, exact, ({Range::kSigned, 0x1p-140, 0x1p127}), ({Range::kEven, -100, 100}),                          \
-        "2^-140 to 2^127, -100 to 100");                                                                               \
-  PLANE(Name##_64fc, exact, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -2, 2}), "2^-60 to 2^20, -2 to 2");     \
-  PLANE(Name##_64fc, exact, ({Range::kSigned, 0x1p-1070, 0x1p1023}), ({Range::kEven, -1500, 1500}),                      \
+#define SIN_COS(Name, exact)                                                                                       \
+  PLANE(Name##_32fc, exact, ({Range::kSigned, 0x1p-140, 0x1p127}), ({Range::kEven, -100, 100}),                    \
+        "2^-140 to 2^127, -100 to 100");                                                                           \
+  PLANE(Name##_64fc, exact, ({Range::kSigned, 0x1p-60, 0x1p20}), ({Range::kEven, -2, 2}),                          \
+        "2^-60 to 2^20, -2 to 2");                                                                                 \
+  PLANE(Name##_64fc, exact, ({Range::kSigned, 0x1p-1070, 0x1p1023}), ({Range::kEven, -1500, 1500}),                \
         "2^-1070 to 2^1023, -1500 to 1500");
   SIN_COS(Sin, mpc_sin)
   SIN_COS(Cos, mpc_cos)
