@@ -5,7 +5,9 @@
 #include "kernels.h"
 
 #if HWY_ARCH_X86
+#define _Bool bool  // for C++ compilers that do not know the header's word
 #include <sys/platform/x86.h>
+#undef _Bool
 
 // What the compiler may use in avx512.cpp (x86-64-v4), as the loader found it before any code ran:
 // GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX512F takes it away.

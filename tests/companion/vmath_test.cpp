@@ -97,7 +97,9 @@ TYPED_TEST(Vmath, DependsOnArgumentsOnly) {
 
 TYPED_TEST(Vmath, SincosIsSinAndCos) {
   using T = TypeParam;
-  const auto sincos = CALL(sincos), sin = CALL(sin), cos = CALL(cos);
+  const auto sincos = CALL(sincos);
+  const auto sin = CALL(sin);
+  const auto cos = CALL(cos);
   for (int32_t n : {1, 2, 5, 16, 31, 1000}) {
     const auto a = RandomArray<T>(n, n, Variety::kSpecial);
     std::vector<T> sine(n), cosine(n), s(a), c(n);
