@@ -27,7 +27,7 @@ class Library:
     numbers as int32_t or double; anything else must be a ctypes object."""
 
     def __init__(self, folder):
-        folder = pathlib.Path(folder)
+        self.folder = folder = pathlib.Path(folder)
         for companion in ("core", "vmath", "fft"):
             ctypes.CDLL(folder / f"libtzm_{companion}.so", ctypes.RTLD_GLOBAL)
         ctypes.CDLL("libopenblas.so.0", ctypes.RTLD_GLOBAL)

@@ -47,50 +47,68 @@ OrvaStatus Magnitude(T* dst, int32_t len, const Source*... src) {
 // sqrt(re^2 + im^2) without overflow or underflow on the way, every operation rounded by itself. Written on
 // the bit patterns, in which a power of two is an addition to the exponent and the high half of a number
 // has exact products.
-TZM_INLINE Vec<Full<double>> Hypot(Vec<Full<double>> re, Vec<Full<double>> im) {
+using Doubles = Vec<Full<double>>;
+TZM_INLINE Vec<Full<int64_t>> HighWord(uint32_t word) {
+  return hn::Set(Full<int64_t>(), static_cast<int64_t>(uint64_t{word} << 32));
+}
+
+// Of a >= b > 0 whose squares neither overflow nor lose bits.
+TZM_INLINE Doubles RootOfSquares(Doubles a, Doubles b) {
   const Full<double> d;
-  const Full<int64_t> bits;
-  const auto high = [&](uint32_t word) TZM_LAMBDA { return hn::Set(bits, static_cast<int64_t>(uint64_t{word} << 32)); };
-  const auto highHalf = hn::Set(bits, static_cast<int64_t>(0xffffffff00000000));
-
-  // As integers, magnitudes keep their order, with NaN above infinity.
-  const auto reBits = hn::BitCast(bits, hn::Abs(re)), imBits = hn::BitCast(bits, hn::Abs(im));
-  const auto aBits = hn::Max(reBits, imBits), bBits = hn::Min(reBits, imBits);
-  const auto ha = hn::And(aBits, highHalf), hb = hn::And(bBits, highHalf);
-  const auto a0 = hn::BitCast(d, aBits), b0 = hn::BitCast(d, bBits);
-
-  // Into the range where squares neither overflow nor lose bits: by 2^-600, by 2^600, or, from a
-  // subnormal, by 2^1022.
-  const auto tiny = hn::Lt(hb, high(0x00100000));
-  const auto small = hn::Lt(hb, high(0x23d00000)), large = hn::Gt(ha, high(0x5f300000));
-  auto adjust = hn::IfThenElseZero(small, high(0x25800000));
-  adjust = hn::IfThenElse(large, hn::Neg(high(0x25800000)), adjust);
-  const auto fromTiny = hn::Set(d, 0x1p1022);
-  const auto a = hn::IfThenElse(hn::RebindMask(d, tiny), hn::Mul(a0, fromTiny), hn::BitCast(d, hn::Add(aBits, adjust)));
-  const auto b = hn::IfThenElse(hn::RebindMask(d, tiny), hn::Mul(b0, fromTiny), hn::BitCast(d, hn::Add(bBits, adjust)));
-  adjust = hn::IfThenElse(tiny, high(0x3fe00000), adjust);
-  const auto back = hn::BitCast(d, hn::Sub(high(0x3ff00000), adjust));
-
-  const auto headOf = [&](auto v) TZM_LAMBDA { return hn::And(hn::BitCast(bits, v), highHalf); };
+  const auto headOf = [&](Doubles v) TZM_LAMBDA {
+    return hn::And(hn::BitCast(Full<int64_t>(), v), HighWord(0xffffffff));
+  };
   const auto w = hn::Sub(a, b);
   // a^2 + b^2 where a > 2b
   const auto t1 = hn::BitCast(d, headOf(a)), t2 = hn::Sub(a, t1);
-  const auto apart = hn::Sub(hn::Mul(t1, t1), hn::Sub(hn::Mul(b, hn::Neg(b)), hn::Mul(t2, hn::Add(a, t1))));
+  const auto apart = hn::Add(hn::Mul(t1, t1), hn::Add(hn::Mul(b, b), hn::Mul(t2, hn::Add(a, t1))));
   // (a-b)^2 + 2ab elsewhere
   const auto a2 = hn::Add(a, a);
   const auto y1 = hn::BitCast(d, headOf(b)), y2 = hn::Sub(b, y1);
-  const auto u1 = hn::BitCast(d, hn::Add(headOf(a2), high(0x00100000))), u2 = hn::Sub(a2, u1);
+  const auto u1 = hn::BitCast(d, hn::Add(headOf(a2), HighWord(0x00100000))), u2 = hn::Sub(a2, u1);
   const auto cross = hn::Add(hn::Mul(u1, y2), hn::Mul(u2, b));
-  const auto close = hn::Sub(hn::Mul(u1, y1), hn::Sub(hn::Mul(w, hn::Neg(w)), cross));
-  auto result = hn::Mul(hn::Sqrt(hn::IfThenElse(hn::Gt(w, b), apart, close)), back);
+  const auto close = hn::Add(hn::Mul(u1, y1), hn::Add(hn::Mul(w, w), cross));
+  return hn::Sqrt(hn::IfThenElse(hn::Gt(w, b), apart, close));
+}
+
+// For all parts: zeros, infinities, NaN and those that have to be scaled.
+TZM_INLINE Doubles HypotOfAny(Doubles re, Doubles im) {
+  const Full<double> d;
+  const Full<int64_t> bits;
+  // As integers, magnitudes keep their order, with NaN above infinity.
+  const auto reBits = hn::BitCast(bits, hn::Abs(re)), imBits = hn::BitCast(bits, hn::Abs(im));
+  const auto aBits = hn::Max(reBits, imBits), bBits = hn::Min(reBits, imBits);
+  const auto ha = hn::And(aBits, HighWord(0xffffffff)), hb = hn::And(bBits, HighWord(0xffffffff));
+  const auto a0 = hn::BitCast(d, aBits), b0 = hn::BitCast(d, bBits);
+
+  // By 2^-600, by 2^600, or, from a subnormal, by 2^1022.
+  const auto tiny = hn::Lt(hb, HighWord(0x00100000));
+  const auto small = hn::Lt(hb, HighWord(0x23d00000)), large = hn::Gt(ha, HighWord(0x5f300000));
+  auto adjust = hn::IfThenElseZero(small, HighWord(0x25800000));
+  adjust = hn::IfThenElse(large, hn::Neg(HighWord(0x25800000)), adjust);
+  const auto fromTiny = hn::Set(d, 0x1p1022);
+  const auto a = hn::IfThenElse(hn::RebindMask(d, tiny), hn::Mul(a0, fromTiny), hn::BitCast(d, hn::Add(aBits, adjust)));
+  const auto b = hn::IfThenElse(hn::RebindMask(d, tiny), hn::Mul(b0, fromTiny), hn::BitCast(d, hn::Add(bBits, adjust)));
+  adjust = hn::IfThenElse(tiny, HighWord(0x3fe00000), adjust);
+  const auto back = hn::BitCast(d, hn::Sub(HighWord(0x3ff00000), adjust));
+  auto result = hn::Mul(RootOfSquares(a, b), back);
 
   result = hn::IfThenElse(hn::RebindMask(d, hn::Eq(bBits, hn::Zero(bits))), a0, result);
   // A ratio above 2^60, infinity or NaN; infinity prevails over NaN.
-  const auto sum = hn::Or(hn::Gt(hn::Sub(ha, hb), high(0x03c00000)), hn::Gt(ha, high(0x7fefffff)));
+  const auto sum = hn::Or(hn::Gt(hn::Sub(ha, hb), HighWord(0x03c00000)), hn::Gt(ha, HighWord(0x7fefffff)));
   result = hn::IfThenElse(hn::RebindMask(d, sum), hn::Add(a0, b0), result);
-  const auto infinity = high(0x7ff00000);
+  const auto infinity = HighWord(0x7ff00000);
   const auto infinite = hn::Or(hn::Eq(aBits, infinity), hn::Eq(bBits, infinity));
   return hn::IfThenElse(hn::RebindMask(d, infinite), hn::BitCast(d, infinity), result);
+}
+
+TZM_INLINE Doubles Hypot(Doubles re, Doubles im) {
+  const Full<double> d;
+  // Of a NaN one of the two is a NaN, for which no comparison holds.
+  const auto a = MaxOrSecond(hn::Abs(re), hn::Abs(im)), b = MinOrSecond(hn::Abs(im), hn::Abs(re));
+  const auto near = hn::Le(a, hn::Mul(b, hn::Set(d, 0x1p59)));
+  const auto noScaling = hn::And(hn::Ge(b, hn::Set(d, 0x1p-450)), hn::Le(a, hn::Set(d, 0x1p500)));
+  return hn::AllTrue(d, hn::And(near, noScaling)) ? RootOfSquares(a, b) : HypotOfAny(re, im);
 }
 
 // ---- Integer samples ----

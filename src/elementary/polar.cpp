@@ -100,26 +100,27 @@ OrvaStatus WithParts(const Complex* src, int32_t len, Use use) {
 
 // ---- Polar to Cartesian ----
 
-// 16-bit samples in blocks of 16, then of 4, and the rest, on the stack. Each product of binary32 numbers
-// is rounded; infinity times zero, of a huge factor, becomes 0 in the end.
+// Up to kBlock 16-bit samples, on the stack. Each product of binary32 numbers is rounded; infinity times zero, of
+// a huge factor, becomes 0 in the end.
 template <int32_t kBlock>
-void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* dst, int32_t count, float magFactor,
-                float phaseFactor) {
-  alignas(64) Orva32f angle[kBlock] = {}, sine[kBlock], cosine[kBlock];
-  for (int32_t i = 0; i < count; ++i) angle[i] = static_cast<float>(LoadElement(phase + i)) * phaseFactor;
-  vssincos(count, angle, sine, cosine);
+TZM_INLINE void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* dst, int32_t count, float magFactor,
+                           float phaseFactor) {
   const hn::CappedTag<float, kBlock> d;
   const hn::Rebind<int16_t, decltype(d)> d16;
-  const auto factor = hn::Set(d, magFactor);
+  constexpr size_t kStep = hn::MaxLanes(d);
+  alignas(64) Orva32f angle[kBlock], sine[kBlock], cosine[kBlock];
+  ForEach<kStep, 1>(count, [&](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
+    hn::StoreU(hn::Mul(LoadAsFloat(d, from), hn::Set(d, phaseFactor)), d, to);
+  }, phase, &angle[0]);
+  vssincos(count, angle, sine, cosine);
   const auto turn = [&](const Orva16s* m, const Orva32f* s, const Orva32f* c, Orva16sc* to) TZM_LAMBDA {
-    const auto magnitude = hn::ConvertTo(d, hn::PromoteTo(hn::RebindToSigned<decltype(d)>(), hn::LoadU(d16, m)));
+    const auto magnitude = LoadAsFloat(d, m);
     const auto part = [&](const Orva32f* from) TZM_LAMBDA {
-      return hn::DemoteTo(d16, RoundToInt(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), factor)));
+      return hn::DemoteTo(d16, RoundToInt(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), hn::Set(d, magFactor))));
     };
     hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
   };
-  ForEach<hn::MaxLanes(d), 1>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine),
-                              dst);
+  ForEach<kStep, 1>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine), dst);
 }
 
 }  // namespace
