@@ -42,12 +42,8 @@ TZM_INLINE Vec<D> LoadSamples(D d, const Part* from) {
 }
 template <class D, class Part>
 TZM_INLINE void StoreSamples(Vec<D> product, D d, Part* to) {
-  if constexpr (std::is_integral_v<Part>) {
-    const hn::Rebind<Part, D> narrow;
-    hn::StoreU(hn::DemoteTo(narrow, RoundToInt(product)), narrow, to);
-  } else {
-    hn::StoreU(product, d, to);
-  }
+  if constexpr (std::is_integral_v<Part>) StoreRounded(product, to);
+  else hn::StoreU(product, d, to);
 }
 
 template <class Sample, class Real>
