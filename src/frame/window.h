@@ -2,6 +2,7 @@
 // its index and the one at the mirror; the middle sample of an odd length is copied.
 #pragma once
 
+#include "frame/core.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 
@@ -11,20 +12,10 @@ constexpr double kTwoPi = 6.283185307179586;
 
 // How samples are held and multiplied: integers in binary32, floating samples in their own type.
 template <class Sample>
-struct PartOf {
-  using Type = Sample;
-};
-template <class Complex>
-  requires requires(Complex x) { x.re; }
-struct PartOf<Complex> {
-  using Type = decltype(Complex::re);
-};
-
-template <class Sample>
 struct WindowTypes {
-  using Part = typename PartOf<Sample>::Type;
+  using Part = PartOf<Sample>;
   using Real = std::conditional_t<std::is_same_v<Part, double>, double, float>;
-  static constexpr size_t kParts = sizeof(Sample) / sizeof(Part);
+  static constexpr size_t kParts = tzm::kParts<Sample>;
   // Indices of one block: the lanes of a 128-bit vector.
   static constexpr size_t kBlock = 16 / sizeof(Real);
   using Block = hn::FixedTag<Real, kBlock>;
@@ -42,12 +33,8 @@ TZM_INLINE Vec<D> LoadSamples(D d, const Part* from) {
 }
 template <class D, class Part>
 TZM_INLINE void StoreSamples(Vec<D> product, D d, Part* to) {
-  if constexpr (std::is_integral_v<Part>) {
-    const hn::Rebind<Part, D> narrow;
-    hn::StoreU(hn::DemoteTo(narrow, RoundToInt(product)), narrow, to);
-  } else {
-    hn::StoreU(product, d, to);
-  }
+  if constexpr (std::is_integral_v<Part>) StoreRounded(product, to);
+  else hn::StoreU(product, d, to);
 }
 
 template <class Sample, class Real>

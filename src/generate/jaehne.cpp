@@ -16,12 +16,11 @@ void Sine(int32_t n, const float* angles, float* sines) { vssin(n, angles, sines
 void Sine(int32_t n, const double* angles, double* sines) { vdsin(n, angles, sines); }
 
 // Lanes of floating values as samples, integers rounded to nearest, ties to even, and saturated.
-template <class D, class T, class F = hn::TFromD<D>>
-TZM_INLINE void StoreRounded(D d, Vec<D> value, T* to) {
-  const hn::Rebind<T, D> samples;
+template <class D, class T>
+TZM_INLINE void StoreLanes(D d, Vec<D> value, T* to) {
   if constexpr (!std::is_integral_v<T>) hn::StoreU(value, d, to);
-  else if constexpr (sizeof(F) == 8) hn::StoreU(RoundToInt32(value), samples, to);
-  else hn::StoreU(hn::DemoteTo(samples, RoundToInt(value)), samples, to);
+  else if constexpr (sizeof(T) == 4) hn::StoreU(RoundToInt32(value), hn::Rebind<T, D>(), to);
+  else StoreRounded(value, to);
 }
 
 template <class T>
@@ -47,7 +46,7 @@ OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
     }
     Sine(static_cast<int32_t>(count), angles, angles);
     for (size_t k = 0; k < count; k += kStep)
-      StoreRounded(narrow, hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), dst + i + k);
+      StoreLanes(narrow, hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), dst + i + k);
     i += count;
   }
   for (; i < n; ++i) {

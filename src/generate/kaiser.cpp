@@ -31,8 +31,11 @@ TZM_INLINE V BesselI0Of32Terms(D d, V x) {
     const auto reciprocal = hn::Set(d, kReciprocals[k - 1]);
     const auto estimate = hn::Mul(y, reciprocal);
     const auto rest = hn::NegMulAdd(estimate, hn::Set(d, static_cast<float>(k * k)), y);
+    const auto last = sum;
     term = hn::Mul(term, hn::MulAdd(rest, reciprocal, estimate));
     sum = hn::Add(sum, term);
+    // A term that changes no sum has shrunk below the largest, and so do all that follow.
+    if (k % 8 == 0 && hn::AllTrue(d, hn::Eq(sum, last))) break;
   }
   return sum;
 }

@@ -3,6 +3,7 @@
 #include <signal_tzm/generate.h>
 
 #include "frame/call.h"
+#include "frame/core.h"
 #include "frame/vector.h"
 
 #include <cmath>
@@ -21,11 +22,15 @@ TZM_INLINE void StoreFour(V low, V high, Part* to) {
     hn::StoreU(high, TwoDoubles(), to + 2);
   } else if constexpr (std::is_same_v<Part, Orva32f>) {
     const hn::FixedTag<float, 4> d;
-    const hn::Half<decltype(d)> half;
-    hn::StoreU(hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low)), d, to);
+    hn::StoreU(NarrowPair(d, low, high), d, to);
   } else {
     const hn::FixedTag<Part, 4> d;
-    hn::StoreU(hn::DemoteTo(d, hn::Combine(FourInts(), TruncateToInt32(high), TruncateToInt32(low))), d, to);
+    if constexpr (hn::MaxLanes(Full<double>()) >= 4) {
+      const hn::FixedTag<hn::TFromV<V>, 4> four;
+      hn::StoreU(hn::DemoteTo(d, TruncateToInt32(hn::Combine(four, high, low))), d, to);
+    } else {
+      hn::StoreU(hn::DemoteTo(d, hn::Combine(FourInts(), TruncateToInt32(high), TruncateToInt32(low))), d, to);
+    }
   }
 }
 
@@ -61,8 +66,8 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
   if (len < 1) return ORVA_STS_SIZE_ERR;
   if (magn <= 0 || rFreq < 0 || rFreq >= bound) return ORVA_STS_RANGE_ERR;
 
-  using Part = std::conditional_t<std::is_integral_v<Magnitude>, Orva16s, Real>;
-  constexpr int kParts = sizeof(Sample) / sizeof(Part);
+  using Part = PartOf<Sample>;
+  constexpr int kParts = tzm::kParts<Sample>;
   constexpr int kStep = std::is_integral_v<Part> ? 4 : 2;
   Part* const to = reinterpret_cast<Part*>(dst);
   const size_t n = static_cast<size_t>(len), body = n & ~size_t{kStep - 1};

@@ -80,7 +80,7 @@ struct Rotated {
   using Types = WindowTypes<Sample>;
   using Part = typename Types::Part;
   using Real = typename Types::Real;
-  using D = typename Types::Block;
+  using D = Full<Real>;
   using Lanes = LaneArray<double, Types::kBlock>;
 
   Shape shape;
@@ -106,18 +106,26 @@ struct Rotated {
     stepS = Lanes::Set(sine);
   }
 
-  TZM_INLINE Vec<D> Block(D d, size_t) {
-    const Lanes now = c;
-    c = NegMulAdd(s, stepS, c * stepC);
-    s = MulAdd(now, stepS, s * stepC);
-    if constexpr (std::is_same_v<Real, double>) {
-      return shape.Block(now.v[0]);
-    } else if constexpr (std::is_integral_v<Part>) {  // deliberately the less precise of the two
-      return shape.Block(Narrow(d, now));
+  // As many turns as the vector has blocks.
+  template <class DB>
+  TZM_INLINE Vec<DB> Block(DB d, size_t i) {
+    if constexpr (hn::MaxLanes(d) > Types::kBlock) {
+      const hn::Half<DB> half;
+      const auto low = Block(half, i);
+      return hn::Combine(d, Block(half, i), low);
     } else {
-      Lanes value;
-      for (size_t r = 0; r < Lanes::kRegisters; ++r) value.v[r] = shape.Block(now.v[r]);
-      return Narrow(d, value);
+      const Lanes now = c;
+      c = NegMulAdd(s, stepS, c * stepC);
+      s = MulAdd(now, stepS, s * stepC);
+      if constexpr (std::is_same_v<Real, double>) {
+        return shape.Block(now.v[0]);
+      } else if constexpr (std::is_integral_v<Part>) {  // deliberately the less precise of the two
+        return shape.Block(Narrow(d, now));
+      } else {
+        Lanes value;
+        for (size_t r = 0; r < Lanes::kRegisters; ++r) value.v[r] = shape.Block(now.v[r]);
+        return Narrow(d, value);
+      }
     }
   }
   Real One(size_t i) const {
@@ -127,11 +135,12 @@ struct Rotated {
   }
 
  private:
-  static TZM_INLINE Vec<D> Narrow(D d, const Lanes& x) {
+  template <class DB>
+  static TZM_INLINE Vec<DB> Narrow(DB d, const Lanes& x) {
     if constexpr (Lanes::kRegisters == 1) {
       return hn::DemoteTo(d, x.v[0]);
     } else {
-      const hn::Half<D> half;
+      const hn::Half<DB> half;
       return hn::Combine(d, hn::DemoteTo(half, x.v[1]), hn::DemoteTo(half, x.v[0]));
     }
   }

@@ -48,9 +48,17 @@ struct TableHamming {
     const auto x = hn::Mul(Indices(d, i), set(static_cast<float>(s)));
     const auto n = hn::NearestInt(x);
     const auto r = hn::Sub(x, hn::ConvertTo(d, n));
-    const auto mask = hn::Set(di, 63);
-    const auto sn = hn::GatherIndex(d, kSine<float>.data(), hn::And(n, mask));
-    const auto cs = hn::GatherIndex(d, kSine<float>.data(), hn::And(hn::Sub(hn::Set(di, 16), n), mask));
+    // The lanes of a long window mostly have one n.
+    Vec<DB> sn, cs;
+    const int32_t first = hn::GetLane(n);
+    if (hn::AllTrue(di, hn::Eq(n, hn::Set(di, first)))) {
+      sn = set(kSine<float>[first & 63]);
+      cs = set(kSine<float>[(16 - first) & 63]);
+    } else {
+      const auto mask = hn::Set(di, 63);
+      sn = hn::GatherIndex(d, kSine<float>.data(), hn::And(n, mask));
+      cs = hn::GatherIndex(d, kSine<float>.data(), hn::And(hn::Sub(hn::Set(di, 16), n), mask));
+    }
     const auto r2 = hn::Mul(r, r);
     const auto even = hn::MulAdd(r2, set(std::bit_cast<float>(0xBB9DDB32)), set(1.0f));
     const auto slope = hn::MulAdd(r2, set(std::bit_cast<float>(0xB92554AA)), set(std::bit_cast<float>(0x3DC90FDB)));

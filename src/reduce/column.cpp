@@ -69,10 +69,10 @@ struct Total {
 };
 
 void AddRows(const Orva16s* src, const Orva8u* nulls, size_t len, Total& total) {
-  const Full<int16_t> d;
-  ProductSums16 sums;
-  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA { sums.Add(values, hn::Set(d, 1)); });
-  total.sum += sums.Lane(0) + sums.Lane(1);
+  static_assert(kBlock < kPairSums);
+  auto sums = hn::Zero(Full<int32_t>());
+  ForEachRegister(src, nulls, len, [&](auto values) TZM_LAMBDA { sums = AddPairs(sums, values); });
+  total.sum += WideSum(sums);
 }
 
 void AddRows(const Orva32s* src, const Orva8u* nulls, size_t len, Total& total) {

@@ -22,24 +22,11 @@ T Saturated(double number) {
   return static_cast<T>(number);
 }
 
-template <class T>
-void Put(void* to, double number) {
-  const T value = Saturated<T>(number);
-  std::memcpy(to, &value, sizeof value);
-}
-
 void StorePart(Kind kind, void* to, double number) {
-  switch (kind) {
-    case Kind::k8u: return Put<uint8_t>(to, number);
-    case Kind::k16u: case Kind::k16f: return Put<uint16_t>(to, number);
-    case Kind::k16s: return Put<int16_t>(to, number);
-    case Kind::k32u: return Put<uint32_t>(to, number);
-    case Kind::k32s: return Put<int32_t>(to, number);
-    case Kind::k64u: return Put<uint64_t>(to, number);
-    case Kind::k64s: return Put<int64_t>(to, number);
-    case Kind::k32f: return Put<float>(to, number);
-    case Kind::k64f: return Put<double>(to, number);
-  }
+  Visit(kind, [=](auto type) {
+    const auto value = Saturated<decltype(type)>(number);
+    std::memcpy(to, &value, sizeof value);
+  });
 }
 
 }  // namespace

@@ -68,11 +68,11 @@ double Member::ConstantAt(size_t set, size_t position, Sample sample) const {
   return constants[set][position];
 }
 
-Rows::Rows(const char* room, std::initializer_list<Member> members) {
+Rows::Rows(const char* room, std::initializer_list<Members> members) {
   auto& rooms = Rooms();
   auto found = std::find_if(rooms.begin(), rooms.end(), [&](const Room& r) { return r.name == room; });
   if (found == rooms.end()) found = rooms.insert(found, Room{room, {}});
-  found->members.insert(found->members.end(), members);
+  for (const Members& some : members) found->members.insert(found->members.end(), some.rows.begin(), some.rows.end());
 }
 
 const std::vector<Room>& AllRooms() { return Rooms(); }

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -75,7 +76,7 @@ struct Timed {
 class Member {
  public:
   template <class... A>
-  Member(const char* member_name, OrvaStatus (*f)(A...)) : name(member_name), covers{member_name} {
+  Member(std::string member_name, OrvaStatus (*f)(A...)) : name(member_name), covers{member_name} {
     function = reinterpret_cast<void (*)()>(f);
     invoke = [](void (*erased)(), const Value* values) {
       return [&]<size_t... i>(std::index_sequence<i...>) {
@@ -149,11 +150,38 @@ class Member {
   void DeduceRoles(const ArgumentType* types, size_t n);
 };
 
-#define MEMBER(function) tzm_test::Member(#function, function)
+// Rows that have the same options.
+class Members {
+ public:
+  Members(const Member& member) : rows{member} {}
+  // Of several functions, their names in a list with commas.
+  template <class... F>
+  Members(const char* names, F*... functions) {
+    std::istringstream list(names);
+    const auto next = [&] {
+      std::string name;
+      std::getline(list >> std::ws, name, ',');
+      return name;
+    };
+    (rows.push_back(Member(next(), functions)), ...);
+  }
+  // Gives each row the option: Each(&Member::MinLength, 3).
+  template <class... A>
+  Members& Each(Member& (Member::*option)(A...), std::type_identity_t<A>... arguments) {
+    for (Member& row : rows) (row.*option)(arguments...);
+    return *this;
+  }
 
-// A file of rows: `static const Rows rows("arith", {MEMBER(...), ...});`
+  std::vector<Member> rows;
+};
+
+#define MEMBER(function) tzm_test::Member(#function, function)
+#define MEMBERS(...) MEMBERS_NAMED(__VA_ARGS__)
+#define MEMBERS_NAMED(...) tzm_test::Members(#__VA_ARGS__, __VA_ARGS__)
+
+// A file of rows: `static const Rows rows("arith", {MEMBER(...), MEMBERS(...), ...});`
 struct Rows {
-  Rows(const char* room, std::initializer_list<Member> members);
+  Rows(const char* room, std::initializer_list<Members> members);
 };
 
 struct Room {

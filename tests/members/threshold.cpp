@@ -6,57 +6,45 @@
 
 namespace tzm_test {
 
-// A member and its in-place companion, with the same sets of constants.
-#define BOTH(name, ...)                                    \
-  MEMBER(ORVAS_Threshold_##name).Constants(__VA_ARGS__), \
-      MEMBER(ORVAS_Threshold_##name##_I).Constants(__VA_ARGS__)
-#define BOTH_REFUSING(name, bad, status, ...)                               \
-  MEMBER(ORVAS_Threshold_##name).Constants(__VA_ARGS__).BadConstants(bad, status), \
-      MEMBER(ORVAS_Threshold_##name##_I).Constants(__VA_ARGS__).BadConstants(bad, status)
-#define LIST(...) {__VA_ARGS__}
+// A member and its in-place companion.
+#define BOTH(name) ORVAS_Threshold_##name, ORVAS_Threshold_##name##_I
 
 static const Rows rows("threshold", {
-    BOTH(16s, {{3, 0}, {3, 4}}),
-    BOTH(32f, {{0.5, 0}, {0.5, 4}}),
-    BOTH(64f, {{0.5, 0}, {0.5, 4}}),
-    BOTH(32fc, {{0.5, 0}, {2, 4}}),
-    BOTH(LT_16s, {{3}, {-100}}),
-    BOTH(LT_32s, {{3}, {-100}}),
-    BOTH(LT_32f, {{0.5}, {0}, {NAN}}),
-    BOTH(LT_64f, {{0.5}, {0}, {NAN}}),
-    BOTH_REFUSING(LT_32fc, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {2}, {0}}),
-    BOTH(GT_16s, {{3}, {-100}}),
-    BOTH(GT_32s, {{3}, {-100}}),
-    BOTH(GT_32f, {{0.5}, {0}, {NAN}}),
-    BOTH(GT_64f, {{0.5}, {0}, {NAN}}),
-    BOTH_REFUSING(GT_32fc, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {2}, {0}}),
-    BOTH(LTVal_16s, {{3, 77}}),
-    BOTH(LTVal_32f, {{0.5, 77}, {NAN, 77}}),
-    BOTH(LTVal_64f, {{0.5, 77}, {NAN, 77}}),
-    BOTH_REFUSING(LTVal_32fc, LIST(-1, 7, 8), ORVA_STS_THRESH_NEG_ERR, {{2, 7, 8}}),
-    BOTH(GTVal_16s, {{3, 77}}),
-    BOTH(GTVal_32f, {{0.5, 77}, {NAN, 77}}),
-    BOTH(GTVal_64f, {{0.5, 77}, {NAN, 77}}),
-    BOTH_REFUSING(GTVal_32fc, LIST(-1, 7, 8), ORVA_STS_THRESH_NEG_ERR, {{2, 7, 8}}),
-    BOTH_REFUSING(LTValGTVal_16s, LIST(2, 7, 1, 8), ORVA_STS_THRESH_ORDER_ERR, {{-3, 7, 30, 8}}),
-    BOTH_REFUSING(LTValGTVal_32s, LIST(2, 7, 1, 8), ORVA_STS_THRESH_ORDER_ERR, {{-3, 7, 30, 8}}),
-    BOTH_REFUSING(LTValGTVal_32f, LIST(2, 7, 1, 8), ORVA_STS_THRESH_ORDER_ERR, {{-0.5, 7, 0.5, 8}}),
-    BOTH_REFUSING(LTValGTVal_64f, LIST(2, 7, 1, 8), ORVA_STS_THRESH_ORDER_ERR, {{-0.5, 7, 0.5, 8}}),
-    BOTH_REFUSING(LTAbs_16s, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{30}, {0}, {32767}}),
-    BOTH_REFUSING(LTAbs_32s, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{300}, {0}, {2147483647}}),
-    BOTH_REFUSING(LTAbs_32f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}}),
-    BOTH_REFUSING(LTAbs_64f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}}),
-    BOTH_REFUSING(GTAbs_16s, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{30}, {0}, {32767}}),
-    BOTH_REFUSING(GTAbs_32s, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{300}, {0}, {2147483647}}),
-    BOTH_REFUSING(GTAbs_32f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}}),
-    BOTH_REFUSING(GTAbs_64f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}}),
-    BOTH(LTAbsVal_16s, {{30, 77}, {-5, 77}, {-32768, 77}}),
-    BOTH(LTAbsVal_32s, {{300, 77}, {-5, 77}}),
-    BOTH(LTAbsVal_32f, {{0.5, 77}, {-5, 77}}),
-    BOTH(LTAbsVal_64f, {{0.5, 77}, {-5, 77}}),
-    BOTH_REFUSING(LTInv_32f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}, {NAN}}),
-    BOTH_REFUSING(LTInv_64f, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}, {NAN}}),
-    BOTH_REFUSING(LTInv_32fc, LIST(-1), ORVA_STS_THRESH_NEG_ERR, {{0.5}, {0}, {NAN}}),
+    MEMBERS(BOTH(16s)).Each(&Member::Constants, {{3, 0}, {3, 4}}),
+    MEMBERS(BOTH(32f), BOTH(64f)).Each(&Member::Constants, {{0.5, 0}, {0.5, 4}}),
+    MEMBERS(BOTH(32fc)).Each(&Member::Constants, {{0.5, 0}, {2, 4}}),
+    MEMBERS(BOTH(LT_16s), BOTH(LT_32s), BOTH(GT_16s), BOTH(GT_32s)).Each(&Member::Constants, {{3}, {-100}}),
+    MEMBERS(BOTH(LT_32f), BOTH(LT_64f), BOTH(GT_32f), BOTH(GT_64f)).Each(&Member::Constants, {{0.5}, {0}, {NAN}}),
+    MEMBERS(BOTH(LT_32fc), BOTH(GT_32fc))
+        .Each(&Member::Constants, {{0.5}, {2}, {0}})
+        .Each(&Member::BadConstants, {-1}, ORVA_STS_THRESH_NEG_ERR),
+    MEMBERS(BOTH(LTVal_16s), BOTH(GTVal_16s)).Each(&Member::Constants, {{3, 77}}),
+    MEMBERS(BOTH(LTVal_32f), BOTH(LTVal_64f), BOTH(GTVal_32f), BOTH(GTVal_64f))
+        .Each(&Member::Constants, {{0.5, 77}, {NAN, 77}}),
+    MEMBERS(BOTH(LTVal_32fc), BOTH(GTVal_32fc))
+        .Each(&Member::Constants, {{2, 7, 8}})
+        .Each(&Member::BadConstants, {-1, 7, 8}, ORVA_STS_THRESH_NEG_ERR),
+    MEMBERS(BOTH(LTValGTVal_16s), BOTH(LTValGTVal_32s))
+        .Each(&Member::Constants, {{-3, 7, 30, 8}})
+        .Each(&Member::BadConstants, {2, 7, 1, 8}, ORVA_STS_THRESH_ORDER_ERR),
+    MEMBERS(BOTH(LTValGTVal_32f), BOTH(LTValGTVal_64f))
+        .Each(&Member::Constants, {{-0.5, 7, 0.5, 8}})
+        .Each(&Member::BadConstants, {2, 7, 1, 8}, ORVA_STS_THRESH_ORDER_ERR),
+    MEMBERS(BOTH(LTAbs_16s), BOTH(GTAbs_16s))
+        .Each(&Member::Constants, {{30}, {0}, {32767}})
+        .Each(&Member::BadConstants, {-1}, ORVA_STS_THRESH_NEG_ERR),
+    MEMBERS(BOTH(LTAbs_32s), BOTH(GTAbs_32s))
+        .Each(&Member::Constants, {{300}, {0}, {2147483647}})
+        .Each(&Member::BadConstants, {-1}, ORVA_STS_THRESH_NEG_ERR),
+    MEMBERS(BOTH(LTAbs_32f), BOTH(LTAbs_64f), BOTH(GTAbs_32f), BOTH(GTAbs_64f))
+        .Each(&Member::Constants, {{0.5}, {0}})
+        .Each(&Member::BadConstants, {-1}, ORVA_STS_THRESH_NEG_ERR),
+    MEMBERS(BOTH(LTAbsVal_16s)).Each(&Member::Constants, {{30, 77}, {-5, 77}, {-32768, 77}}),
+    MEMBERS(BOTH(LTAbsVal_32s)).Each(&Member::Constants, {{300, 77}, {-5, 77}}),
+    MEMBERS(BOTH(LTAbsVal_32f), BOTH(LTAbsVal_64f)).Each(&Member::Constants, {{0.5, 77}, {-5, 77}}),
+    MEMBERS(BOTH(LTInv_32f), BOTH(LTInv_64f), BOTH(LTInv_32fc))
+        .Each(&Member::Constants, {{0.5}, {0}, {NAN}})
+        .Each(&Member::BadConstants, {-1}, ORVA_STS_THRESH_NEG_ERR),
 });
 
 }  // namespace tzm_test

@@ -48,29 +48,24 @@ Bits Float(Random& random, Variety variety) {
   return static_cast<Bits>((bits & (kSign | (kUnit - 1))) | exponent);
 }
 
-template <class T, class Make>
-void FillParts(void* data, size_t n, Make make) {
-  for (size_t i = 0; i < n; ++i) {
-    const T value = make();
-    std::memcpy(static_cast<char*>(data) + i * sizeof(T), &value, sizeof(T));
-  }
-}
-
 }  // namespace
 
 void Fill(Random& random, Sample sample, Variety variety, void* data, size_t n) {
-  n *= sample.parts;
-  switch (sample.kind) {
-    case Kind::k8u: return FillParts<uint8_t>(data, n, [&] { return Integer<uint8_t>(random, variety); });
-    case Kind::k16u: return FillParts<uint16_t>(data, n, [&] { return Integer<uint16_t>(random, variety); });
-    case Kind::k16s: return FillParts<int16_t>(data, n, [&] { return Integer<int16_t>(random, variety); });
-    case Kind::k32u: return FillParts<uint32_t>(data, n, [&] { return Integer<uint32_t>(random, variety); });
-    case Kind::k32s: return FillParts<int32_t>(data, n, [&] { return Integer<int32_t>(random, variety); });
-    case Kind::k64u: return FillParts<uint64_t>(data, n, [&] { return Integer<uint64_t>(random, variety); });
-    case Kind::k64s: return FillParts<int64_t>(data, n, [&] { return Integer<int64_t>(random, variety); });
-    case Kind::k16f: return FillParts<uint16_t>(data, n, [&] { return Float<uint16_t, 10>(random, variety); });
-    case Kind::k32f: return FillParts<uint32_t>(data, n, [&] { return Float<uint32_t, 23>(random, variety); });
-    case Kind::k64f: return FillParts<uint64_t>(data, n, [&] { return Float<uint64_t, 52>(random, variety); });
+  char* to = static_cast<char*>(data);
+  const auto put = [&](auto value) {
+    std::memcpy(to, &value, sizeof value);
+    to += sizeof value;
+  };
+  for (n *= sample.parts; n > 0; --n) {
+    switch (sample.kind) {
+      case Kind::k16f: put(Float<uint16_t, 10>(random, variety)); break;
+      case Kind::k32f: put(Float<uint32_t, 23>(random, variety)); break;
+      case Kind::k64f: put(Float<uint64_t, 52>(random, variety)); break;
+      default:
+        Visit(sample.kind, [&](auto type) {
+          if constexpr (std::is_integral_v<decltype(type)>) put(Integer<decltype(type)>(random, variety));
+        });
+    }
   }
 }
 

@@ -17,31 +17,15 @@ T Load(const void* p) {
 
 }  // namespace
 
-size_t Sample::PartSize() const {
-  switch (kind) {
-    case Kind::k8u: return 1;
-    case Kind::k16u: case Kind::k16s: case Kind::k16f: return 2;
-    case Kind::k32u: case Kind::k32s: case Kind::k32f: return 4;
-    default: return 8;
-  }
-}
-
 std::string Print(Kind kind, const void* part) {
   char text[64];
-  switch (kind) {
-    case Kind::k8u: return std::to_string(Load<uint8_t>(part));
-    case Kind::k16u: return std::to_string(Load<uint16_t>(part));
-    case Kind::k16s: return std::to_string(Load<int16_t>(part));
-    case Kind::k32u: return std::to_string(Load<uint32_t>(part));
-    case Kind::k32s: return std::to_string(Load<int32_t>(part));
-    case Kind::k64u: return std::to_string(Load<uint64_t>(part));
-    case Kind::k64s: return std::to_string(Load<int64_t>(part));
-    case Kind::k16f: std::snprintf(text, sizeof text, "0x%04x", Load<uint16_t>(part)); break;
-    case Kind::k32f: std::snprintf(text, sizeof text, "%.9g (0x%08x)", Load<float>(part), Load<uint32_t>(part)); break;
-    case Kind::k64f:
-      std::snprintf(text, sizeof text, "%.17g (0x%016llx)", Load<double>(part),
-                    static_cast<unsigned long long>(Load<uint64_t>(part)));
-  }
+  if (kind == Kind::k16f) std::snprintf(text, sizeof text, "0x%04x", Load<uint16_t>(part));
+  else if (kind == Kind::k32f)
+    std::snprintf(text, sizeof text, "%.9g (0x%08x)", Load<float>(part), Load<uint32_t>(part));
+  else if (kind == Kind::k64f)
+    std::snprintf(text, sizeof text, "%.17g (0x%016llx)", Load<double>(part),
+                  static_cast<unsigned long long>(Load<uint64_t>(part)));
+  else return Visit(kind, [=](auto type) { return std::to_string(Load<decltype(type)>(part)); });
   return text;
 }
 

@@ -11,11 +11,27 @@ namespace tzm_test {
 
 enum class Kind { k8u, k16u, k16s, k32u, k32s, k64u, k64s, k16f, k32f, k64f };
 
+// f of a value of the kind's type; binary16 is its bits.
+template <class F>
+auto Visit(Kind kind, F f) {
+  switch (kind) {
+    case Kind::k8u: return f(uint8_t());
+    case Kind::k16s: return f(int16_t());
+    case Kind::k32u: return f(uint32_t());
+    case Kind::k32s: return f(int32_t());
+    case Kind::k64u: return f(uint64_t());
+    case Kind::k64s: return f(int64_t());
+    case Kind::k32f: return f(float());
+    case Kind::k64f: return f(double());
+    default: return f(uint16_t());
+  }
+}
+
 // A sample is one part, or two for a complex pair. Any other record is a run of 64-bit words.
 struct Sample {
   Kind kind;
   size_t parts;
-  size_t PartSize() const;
+  size_t PartSize() const { return Visit(kind, [](auto part) { return sizeof part; }); }
   size_t Size() const { return parts * PartSize(); }
   bool IsFloat() const { return kind >= Kind::k16f; }
   friend bool operator==(const Sample&, const Sample&) = default;
