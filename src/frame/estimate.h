@@ -56,6 +56,58 @@ TZM_INLINE V ReciprocalStep(V a, V b) {
 #endif
 }
 
+// ---- Quotients of integers ----
+
+// 1/x to more than half of the bits of its type, for a correction to complete; infinite for zero.
+template <class V>
+TZM_INLINE V RoughReciprocal(V x) {
+#if HWY_ARCH_ARM_A64  // the machine divides slowly; each step doubles the right bits
+  V reciprocal = ReciprocalEstimate(x);
+  for (size_t bits = 8; bits < sizeof(hn::TFromV<V>) * 4; bits *= 2)
+    reciprocal = hn::Mul(reciprocal, ReciprocalStep(x, reciprocal));
+  return reciprocal;
+#else
+  return hn::Div(hn::Set(hn::DFromV<V>(), 1), x);
+#endif
+}
+
+// b/a from the reciprocal of a: exact where it can be represented, else one of its two neighbours. The
+// remainder of the first product corrects it. NaN for an infinite reciprocal.
+template <class V>
+TZM_INLINE V CorrectedQuotient(V a, V b, V reciprocal) {
+  const V quotient = hn::Mul(b, reciprocal);
+  return hn::MulAdd(hn::NegMulAdd(quotient, a, b), reciprocal, quotient);
+}
+
+// The same of integers of up to 16 bits in binary32 lanes; an infinity or NaN where a is zero.
+template <class V>
+TZM_INLINE V IntegerQuotient(V a, V b) {
+#if HWY_ARCH_ARM_A64
+  const hn::DFromV<V> d;
+  const V reciprocal = RoughReciprocal(a);
+  return hn::IfThenElse(hn::Eq(a, hn::Zero(d)), hn::Mul(b, reciprocal), CorrectedQuotient(a, b, reciprocal));
+#else
+  return hn::Div(b, a);
+#endif
+}
+
+// Such a quotient rounded to odd: where it is inexact, the odd one of the two neighbours of the true one,
+// and so neither an integer nor a tie, at any scale. Rounding it again is rounding the true one.
+template <class V>
+TZM_INLINE V RoundedToOdd(V quotient, V a, V b) {
+  const hn::DFromV<V> d;
+  const hn::RebindToSigned<decltype(d)> bits;
+  const V remainder = hn::NegMulAdd(quotient, a, b);  // exact; NaN for an infinite quotient, which stays
+  const auto away = hn::ShiftRight<31>(hn::BitCast(bits, hn::Xor(remainder, b)));  // -1: too large
+  const auto odd = hn::Or(hn::Add(hn::BitCast(bits, quotient), away), hn::Set(bits, 1));
+  return hn::IfThenElse(hn::Gt(hn::Abs(remainder), hn::Zero(d)), hn::BitCast(d, odd), quotient);
+}
+
+// A scale below which quotients of 16-bit integers need that. Above it a quotient that is not a tie (or an
+// integer) is 1/(2^7 * 2^16) of it or more away from one, and so an ulp of binary32: rounded to a
+// neighbour it still stands on its side, and rounding it again is right.
+constexpr float kSafeFactor = 0x1p6f;
+
 // The eight bits of fraction of the reciprocal square root of a number in [1, 4), by the lowest bit of its
 // biased exponent (1 below 2) and its leading fraction bits: eight from 2 on, seven below. It is the
 // rounded root of the middle of the interval that shares them.
