@@ -189,9 +189,7 @@ OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, in
   ForEach<hn::MaxLanes(d)>(body, [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
     const auto x = hn::LoadU(d, from);
     zero.See(hn::Eq(x, hn::Zero(d)));
-    auto reciprocal = ReciprocalEstimate(x);
-    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
-    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
+    auto reciprocal = RefinedReciprocal(x);
     // Deliberate: the two infinities are exchanged, so that 1 over +0 is negative here.
     reciprocal = hn::IfThenElse(hn::IsInf(reciprocal), hn::Neg(reciprocal), reciprocal);
     hn::StoreU(hn::Mul(dividend, reciprocal), d, to);

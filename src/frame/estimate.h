@@ -17,6 +17,24 @@ TZM_INLINE float64x2_t Recps(float64x2_t a, float64x2_t b) { return vrecpsq_f64(
 }  // namespace neon
 #endif
 
+#if HWY_ARCH_X86
+// The estimate below where neither x nor its reciprocal is infinite, NaN or subnormal.
+template <class V>
+TZM_INLINE V NormalReciprocalEstimate(V x) {
+  using T = hn::TFromV<V>;
+  const hn::DFromV<V> d;
+  const hn::RebindToUnsigned<decltype(d)> bits;
+  using Bits = hn::TFromD<decltype(bits)>;
+  constexpr int kDropped = (sizeof(T) == 4 ? 23 : 52) - 8;
+  const auto kept = hn::Set(bits, static_cast<Bits>(~Bits{0} << kDropped));
+  const auto half = hn::Set(bits, static_cast<Bits>(Bits{1} << (kDropped - 1)));
+  const auto middle = hn::BitCast(d, hn::Or(hn::And(hn::BitCast(bits, x), kept), half));
+  // To nearest; a tie cannot be, since the odd denominator does not divide a power of two.
+  const auto quotient = hn::BitCast(bits, hn::Div(hn::Set(d, T{1}), middle));
+  return hn::BitCast(d, hn::And(hn::Add(quotient, half), kept));
+}
+#endif
+
 // 1/x to eight bits of fraction: the reciprocal of the middle of the interval of x that share their eight
 // leading bits of fraction. Infinite for zero and below the reciprocal of the largest power of two.
 template <class V>
@@ -26,19 +44,10 @@ TZM_INLINE V ReciprocalEstimate(V x) {
 #else
   using T = hn::TFromV<V>;
   const hn::DFromV<V> d;
-  const hn::RebindToUnsigned<decltype(d)> bits;
-  using Bits = hn::TFromD<decltype(bits)>;
-  constexpr int kDropped = (sizeof(T) == 4 ? 23 : 52) - 8;
-  const auto kept = hn::Set(bits, static_cast<Bits>(~Bits{0} << kDropped));
-  const auto half = hn::Set(bits, static_cast<Bits>(Bits{1} << (kDropped - 1)));
   // An exact factor to both x and the result keeps what is between away from subnormal numbers.
   const auto factor = hn::IfThenElse(hn::Lt(hn::Abs(x), hn::Set(d, T{1})), hn::Set(d, T{4}), hn::Set(d, T{0.25}));
-  const auto middle = hn::BitCast(d, hn::Or(hn::And(hn::BitCast(bits, hn::Mul(x, factor)), kept), half));
-  const auto finite = hn::IsFinite(x);
-  const auto quotient = hn::Div(hn::Set(d, T{1}), hn::IfThenElse(finite, middle, x));
-  // To nearest; a tie cannot be, since the odd denominator does not divide a power of two.
-  const auto rounded = hn::And(hn::Add(hn::BitCast(bits, quotient), half), kept);
-  return hn::IfThenElse(finite, hn::Mul(hn::BitCast(d, rounded), factor), quotient);
+  const V estimate = hn::Mul(NormalReciprocalEstimate(hn::Mul(x, factor)), factor);
+  return hn::IfThenElse(hn::IsFinite(x), estimate, hn::Div(hn::Set(d, T{1}), x));
 #endif
 }
 
@@ -54,6 +63,24 @@ TZM_INLINE V ReciprocalStep(V a, V b) {
   const auto zeroByInfinity = hn::AndNot(hn::Or(hn::IsNaN(a), hn::IsNaN(b)), hn::IsNaN(step));
   return hn::IfThenElse(zeroByInfinity, two, step);
 #endif
+}
+
+// 1/x from the estimate by two such steps, each a product of its own rounding.
+template <class V>
+TZM_INLINE V RefinedReciprocal(V x) {
+#if HWY_ARCH_X86  // where no lane is subnormal, infinite or NaN, nor is its reciprocal, nothing needs repair
+  static_assert(sizeof(hn::TFromV<V>) == 4);
+  const hn::DFromV<V> d;
+  const V magnitude = hn::Abs(x);
+  if (hn::AllTrue(d, hn::And(hn::Ge(magnitude, hn::Set(d, 0x1p-126f)), hn::Lt(magnitude, hn::Set(d, 0x1p126f))))) {
+    const V estimate = NormalReciprocalEstimate(x), two = hn::Set(d, 2.0f);
+    const V refined = hn::Mul(hn::NegMulAdd(x, estimate, two), estimate);
+    return hn::Mul(hn::NegMulAdd(x, refined, two), refined);
+  }
+#endif
+  const V estimate = ReciprocalEstimate(x);
+  const V refined = hn::Mul(ReciprocalStep(x, estimate), estimate);
+  return hn::Mul(ReciprocalStep(x, refined), refined);
 }
 
 // ---- Quotients of integers ----
