@@ -74,7 +74,7 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<int16_t>> b) {
 
 TZM_INLINE Vec<Full<int16_t>> NarrowProducts(Full<int16_t>, Vec<Full<int32_t>> low, Vec<Full<int32_t>> high) {
 #if HWY_ARCH_ARM_A64
-  return Vec<Full<int16_t>>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
+  return NarrowPair(Full<int16_t>(), low, high);
 #else
   return Vec<Full<int16_t>>{TZM_X86(packs_epi32)(low.raw, high.raw)};
 #endif
@@ -171,13 +171,7 @@ class ComplexProduct {
                              vmull_s32(vget_low_s32(ar), vget_low_s32(bi)));
       im[1].raw = vqaddq_s64(vmull_high_s32(ai, br), vmull_high_s32(ar, bi));
     }
-    StoreParts(Narrow(shift(re[0]), shift(re[1])), Narrow(shift(im[0]), shift(im[1])), d, to);
-  }
-
- private:
-  static TZM_INLINE Vec<D> Narrow(Vec<Wide> low, Vec<Wide> high) {
-    if constexpr (kIs16) return Vec<D>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
-    else return Vec<D>(vqmovn_high_s64(vqmovn_s64(low.raw), high.raw));
+    StoreParts(NarrowPair(d, shift(re[0]), shift(re[1])), NarrowPair(d, shift(im[0]), shift(im[1])), d, to);
   }
 #else
   // One register of interleaved parts, its wide lanes one complex element each.

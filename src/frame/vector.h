@@ -350,7 +350,10 @@ TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
     else if constexpr (std::is_same_v<T, uint8_t>) return _mm256_packus_epi16(a, b);
 #endif
   };
-  if constexpr (std::is_integral_v<T>) return hn::BitCast(d, PartsInOrder(Vec<Full<int32_t>>{pack(low.raw, high.raw)}));
+  if constexpr (std::is_integral_v<T>) {
+    const Vec<Full<int32_t>> blocks{pack(low.raw, high.raw)};
+    return hn::BitCast(d, PartsInOrder(blocks));
+  }
 #else
   if constexpr (std::is_same_v<T, int32_t>) return Vec<D>(vqmovn_high_s64(vqmovn_s64(low.raw), high.raw));
   else if constexpr (std::is_same_v<T, int16_t>) return Vec<D>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
