@@ -95,9 +95,20 @@ def cycles(loop, core):
     return summary["TotalCycles"] / summary["Iterations"]
 
 
-def element_bytes(operation):
-    types = re.findall(r"(\d+)[usf](c?)", operation)
-    return int(types[-1][0]) // 8 * (2 if types[-1][1] else 1) if types else None
+def hot_loops(functions, operation, element_bytes=0, core="neoverse-n1"):
+    """The loops that get through most bytes a turn: elements, instructions and cycles a turn."""
+    if not element_bytes:
+        types = re.findall(r"(\d+)[usf](c?)", operation)
+        if not types:
+            sys.exit(f"cycles.py: {operation} names no type: give the bytes of an element, {operation}=BYTES")
+        element_bytes = int(types[-1][0]) // 8 * (2 if types[-1][1] else 1)
+    loops = {}
+    for function in reachable(functions, operation):
+        for loop in innermost_loops(function, functions[function]):
+            loops[tuple(text for _, text in loop)] = (loop, *traffic(loop))
+    most = max((loaded + stored for _, loaded, stored in loops.values()), default=0)
+    return [((stored or loaded) / element_bytes, len(loop), cycles(loop, core))
+            for loop, loaded, stored in loops.values() if loaded + stored == most > 0]
 
 
 def main():
@@ -114,23 +125,13 @@ def main():
         names = sorted(name for name in fnmatch.filter(functions, pattern) if not name.endswith("@plt"))
         if not names:
             sys.exit(f"cycles.py: {arguments.library} has no {pattern}")
-        for operation in names:
-            width = int(given) if given else element_bytes(operation)
-            if not width:
-                sys.exit(f"cycles.py: {operation} names no type: give the bytes of an element, {operation}=BYTES")
-            loops = {}
-            for function in reachable(functions, operation):
-                for loop in innermost_loops(function, functions[function]):
-                    loaded, stored = traffic(loop)
-                    if loaded + stored:
-                        loops[tuple(text for _, text in loop)] = (loaded + stored, (stored or loaded) / width, loop)
-            most = max((moved for moved, _, _ in loops.values()), default=0)
+        for name in names:
+            loops = hot_loops(functions, name, int(given or 0), arguments.core)
             if not loops:
-                print(f"{operation:32} {'no loop of its own':>13}")
-            for moved, elements, loop in loops.values():
-                if moved == most:
-                    turn = cycles(loop, arguments.core)
-                    print(f"{operation:32} {elements:13.4g} {len(loop):12} {turn:11.1f} {turn / elements:14.3f}")
+                print(f"{name:32} {'no loop of its own':>13}")
+            for elements, instructions, turn in loops:
+                print(f"{name:32} {elements:13.4g} {instructions:12} {turn:11.1f} {turn / elements:14.3f}")
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -267,7 +267,7 @@ TZM_API OrvaStatus ORVAS_Sqr_16sc_IS(Orva16sc* srcDst, int32_t len, double scale
  * | 64fc | re = t if x >= 0, else abs(q); im = q if x > 0, else -t if y < 0, else t | never |
  * | 8u_S, 16u_S | sqrt(x) in binary32, times f in binary32 | never |
  * | 16s_S | sqrt(x) * f in binary64 | any negative element |
- * | 32s16s_S | sqrt(binary32(x)) in binary32, times f in binary32; the tail is finer, see below | any negative element |
+ * | 32s16s_S | sqrt(binary32(x)) * f in binary32; the tail is finer, see below | any negative element |
  * | 16sc_S | as 32fc, in binary64, times f; the sign of a zero b is + | never |
  *
  * An element of 32fc and 64fc is a + bi; m = sqrt(b*b + a*a); x = a/2, y = b/2, t = sqrt(abs(x) + sqrt(x*x + y*y)),

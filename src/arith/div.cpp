@@ -280,7 +280,11 @@ OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   const float factor = QuotientFactor(scale);
   const size_t body = len - len % 4;
   bool zero = WideQuotients(src1, src2, dst, body, factor);
-  zero |= Quotients<Way{}>(src1 + body, src2 + body, dst + body, len - body, factor);
+  for (size_t i = body; i < static_cast<size_t>(len); ++i) {
+    const float a = static_cast<float>(LoadElement(src1 + i)), b = static_cast<float>(LoadElement(src2 + i));
+    zero |= a == 0;
+    StoreElement(RoundSaturate<Orva32s>(b / a * factor), dst + i);
+  }
   return Status(zero);
 }
 

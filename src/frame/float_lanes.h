@@ -20,10 +20,10 @@ TZM_INLINE Lanes LoadFloats(const T* from) {
     const hn::Half<hn::DFromV<decltype(v)>> narrow;
     return hn::ConvertTo(d, hn::PromoteTo(d32, which % 2 == 0 ? hn::LowerHalf(narrow, v) : hn::UpperHalf(narrow, v)));
   };
-  if constexpr (sizeof(T) * Lanes::kRegisters == sizeof(float) && sizeof(T) == 2) {
+  if constexpr (std::is_same_v<Lanes, FloatLanes<T>> && sizeof(T) == 2) {
     const auto all = hn::LoadU(Full<T>(), from);
     return Lanes::Each([&](size_t r) TZM_LAMBDA { return half(all, r); });
-  } else if constexpr (sizeof(T) * Lanes::kRegisters == sizeof(float) && sizeof(T) == 1) {
+  } else if constexpr (std::is_same_v<Lanes, FloatLanes<T>> && sizeof(T) == 1) {
     const auto all = LoadWidened(Full<uint16_t>(), from);
     return Lanes::Each([&](size_t r) TZM_LAMBDA { return half(r < 2 ? all.low : all.high, r); });
   }
@@ -32,25 +32,22 @@ TZM_INLINE Lanes LoadFloats(const T* from) {
     return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadAsFloat(d, from + r * Lanes::kWidth); });
 }
 
-// Lanes to integers, rounded to nearest, ties to even, and saturated; NaN gives 0.
+// Lanes to integers of 8 or 16 bits, rounded to nearest, ties to even, and saturated; NaN gives 0.
 template <class T>
 TZM_INLINE void StoreRounded(const FloatLanes<T>& lanes, T* to) {
   const Full<T> d;
   const auto rounded = [&](size_t r) TZM_LAMBDA {
     auto x = lanes.v[r];
 #if HWY_ARCH_X86  // its conversion does not saturate, so that wide numbers are clamped before it
-    if constexpr (sizeof(T) < 4) {
-      const Full<float> df;
-      if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
-      else x = MaxOrSecond(x, hn::Zero(df));
-      return ConvertNearest(MinOrSecond(x, hn::Set(df, std::numeric_limits<T>::max())));
-    }
-#endif
+    const Full<float> df;
+    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
+    else x = MaxOrSecond(x, hn::Zero(df));
+    return ConvertNearest(MinOrSecond(x, hn::Set(df, std::numeric_limits<T>::max())));
+#else
     return RoundToInt(x);
+#endif
   };
-  if constexpr (sizeof(T) == 4) {
-    hn::StoreU(rounded(0), d, to);
-  } else if constexpr (sizeof(T) == 2) {
+  if constexpr (sizeof(T) == 2) {
     hn::StoreU(NarrowPair(d, rounded(0), rounded(1)), d, to);
   } else {
     const auto half = [&](size_t r) TZM_LAMBDA { return NarrowPair(Full<int16_t>(), rounded(r), rounded(r + 1)); };

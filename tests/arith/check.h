@@ -19,6 +19,10 @@ struct At {
   OrvaStatus& status;
   bool InBody(int step) const { return i < len - len % step; }
   double Factor() const { return std::ldexp(1.0, -exponent); }
+  bool Note(OrvaStatus given, bool when) const {
+    if (when) status = given;
+    return when;
+  }
 };
 
 // Sources are arrays and constants; the first is an array.

@@ -77,11 +77,14 @@ TEST(Mul, CoarserMembers) {
   Check(coarse<float>, MEMBER(ORVAS_MulC_16s_S));
   CheckOn<Orva16s>("in binary32", ORVAS_MulC_16s_S, [](auto...) { return 16388; }, 11, std::vector<Orva16s>{2037},
                    Orva16s{16477});
-  CHECK(ORVAS_MulC_32sc_S, [](Orva32sc a, Orva32sc b, At at) {
+  const auto tailRoundsFirst = [](Orva32sc a, Orva32sc b, At at) {
     if (at.exponent < 23 || at.exponent > 63 || at.InBody(8)) return exact(a, b, at);
     const auto rounded = [&](Int128 x) { return RoundSaturate<Orva32s>(static_cast<double>(x) * at.Factor()); };
     return Orva32sc{rounded(Product(a, b).re), rounded(Product(a, b).im)};
-  });
+  };
+  CHECK(ORVAS_MulC_32sc_S, tailRoundsFirst);
+  CheckOn<Orva32sc>("next to a tie", ORVAS_MulC_32sc_S, tailRoundsFirst, 31,
+                    std::vector<Orva32sc>(11, {(1 << 29) + 1, 1}), Orva32sc{1 << 30, -1});
   CHECK(ORVAS_MulC_Low_32f16s, [](float a, float b, At) { return RoundSaturate<Orva16s>(b * a); });
   CHECK(ORVAS_MulC_32f16s_S, [](float a, float b, At at) {
     return RoundSaturate<Orva16s>(b * a * static_cast<float>(at.Factor()));
