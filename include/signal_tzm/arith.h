@@ -69,13 +69,16 @@ TZM_API OrvaStatus ORVAS_Mul_32sc_IS(const Orva32sc* src, Orva32sc* srcDst, int3
  * | 64fc | re = fma(ar, br, -(ai*bi)), im = fma(ai, br, ar*bi) |
  * | 16s_I | exact product, saturated |
  * | 8u_S, 16u_S, 16sc_S | exact, as the like member of Mul |
- * | 32sc_S | exact as Mul_32sc_S, but for s from 23 to 63 the last len % 8 elements deliberately round the exact sums to binary64 before the scale |
+ * | 32sc_S | exact as Mul_32sc_S, save for the tail below |
  * | 16s_S | deliberately binary32(exact product) * f in binary32: coarser than Mul_16s_S |
  * | 32s_S | deliberately binary64(exact product) * f, as Mul_32s_S |
  * | 32f16s_S | (value * src) * f in binary32 |
  * | Low_32f16s | value * src in binary32 |
  * | 64f64s_IS | (binary64(src) * value) * f in binary64 |
  * | 64s_IS | binary64(value * src modulo 2^64) * f; the wrap is deliberately not detected |
+ *
+ * In MulC_32sc_S, for s from 23 to 63, the last len % 8 elements deliberately round the exact sums to binary64
+ * before the scale.
  *
  * `dst` may be `src` itself. A value of zero is legal. Status: 1 null pointer; 2 `len < 1`; 20 scale not
  * positive and finite (scaled members). Saturation, overflow and NaN are not reported. @{ */
@@ -294,14 +297,19 @@ TZM_API OrvaStatus ORVAS_Sqr_16sc_IS(Orva16sc* srcDst, int32_t len, double scale
  *
  * | Member | Value | Status 305 |
  * |---|---|---|
- * | 32f | by the vector math companion | a negative among elements 4 to 7 of a whole block of 8, or behind the whole blocks. Elements 0 to 3 of a block are deliberately not looked at |
+ * | 32f | by the vector math companion | a negative element that is looked at, see below |
  * | 64f | the same | any negative element |
- * | 32fc | m = sqrt(b*b + a*a); re = sqrt(abs((m + a) * 0.5)), im = sqrt(abs((m - a) * 0.5)) with the sign bit of b; every operation rounded | never |
- * | 64fc | x = a/2, y = b/2, t = sqrt(abs(x) + sqrt(x*x + y*y)), q = (1/t) * y; re = t if x >= 0, else abs(q); im = q if x > 0, else -t if y < 0, else t; every operation rounded | never |
+ * | 32fc | re = sqrt(abs((m + a) * 0.5)), im = sqrt(abs((m - a) * 0.5)) with the sign bit of b | never |
+ * | 64fc | re = t if x >= 0, else abs(q); im = q if x > 0, else -t if y < 0, else t | never |
  * | 8u_S, 16u_S | sqrt(x) in binary32, times f in binary32 | never |
  * | 16s_S | sqrt(x) * f in binary64 | any negative element |
- * | 32s16s_S | up to the last multiple of 4 elements the root of binary32(x) in binary32, behind it the root in binary64 rounded to binary32: the tail is deliberately finer. Times f in binary32 | any negative element |
+ * | 32s16s_S | sqrt(binary32(x)) * f in binary32; the tail is finer, see below | any negative element |
  * | 16sc_S | as 32fc, in binary64, times f; the sign of a zero b is + | never |
+ *
+ * An element of 32fc and 64fc is a + bi; m = sqrt(b*b + a*a); x = a/2, y = b/2, t = sqrt(abs(x) + sqrt(x*x + y*y)),
+ * q = (1/t) * y; every operation is rounded. Sqrt_32f deliberately looks only at elements 4 to 7 of each whole block
+ * of 8, and at those behind the whole blocks. Sqrt_32s16s_S deliberately takes the root in binary64, rounded to
+ * binary32, behind the last multiple of 4 elements.
  *
  * `dst` may be `src` itself. Status: 1 null pointer; 2 `len < 1`; 20 scale not positive and finite (scaled
  * members); 305 is a warning: every element is written. @{ */

@@ -3,8 +3,10 @@
 
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/estimate.h"
+#include "frame/float_lanes.h"
+#include "frame/product.h"
 #include "frame/scale.h"
-#include "frame/vector.h"
 
 using namespace tzm;
 
@@ -67,20 +69,6 @@ bool DivideComplex32(const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc
 
 enum class Rounding { kToZero, kToEven, kFromZero, kUnknown };
 
-// b/a of 16-bit integers, rounded to odd: an inexact quotient is the odd one of its two neighbours, and
-// so neither an integer nor a tie, at any scale. Rounding it again is rounding the exact quotient, as
-// rounding the quotient of binary64 would be, for half the divisions.
-template <class D>
-TZM_INLINE Vec<D> OddQuotient(D d, Vec<D> a, Vec<D> b) {
-  const hn::RebindToSigned<D> bits;
-  const auto nearest = hn::Div(b, a);
-  const auto remainder = hn::NegMulAdd(nearest, a, b);  // exact; NaN for an infinite quotient, which stays
-  const auto away = hn::ShiftRight<31>(hn::BitCast(bits, hn::Xor(remainder, b)));  // -1: too large
-  const auto odd = hn::Or(hn::Add(hn::BitCast(bits, nearest), away), hn::Set(bits, 1));
-  const auto inexact = hn::Gt(hn::Abs(remainder), hn::Zero(d));
-  return hn::IfThenElse(inexact, hn::BitCast(d, odd), nearest);
-}
-
 // What a rounding to nearest, ties to even, makes the wanted one of.
 template <Rounding kRounding, class V>
 TZM_INLINE V BeforeRounding(V y) {
@@ -98,24 +86,32 @@ struct Way {
 };
 
 // round(b/a * factor), saturated; a zero divisor gives infinity by the dividend's sign, or NaN and so 0.
-template <Way kWay, class Divisor, class Dividend, class T>
+template <Way kWay, bool kSafe, class Divisor, class Dividend, class T>
 bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t len, float factor) {
   const Full<float> d;
   const auto scale = hn::Set(d, factor);
   AnyLane<decltype(d)> zero;
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const Divisor* divisors, const Dividend* dividends, T* to) TZM_LAMBDA {
-    const auto a = LoadAsFloat(d, divisors);
-    if constexpr (kWay.warns) zero.See(hn::Eq(a, hn::Zero(d)));
+  RoundEach(len, [&](auto a, auto b) TZM_LAMBDA {
+    const auto isZero = hn::Eq(a, hn::Zero(d));
+    if constexpr (kWay.warns) zero.See(isZero);
     if constexpr (kWay.rounding == Rounding::kUnknown) {
-      StoreRounded(hn::Zero(d), to);
+      return hn::Zero(d);
     } else {
-      const auto b = LoadAsFloat(d, dividends);
-      auto y = sizeof(Dividend) == 2 ? OddQuotient(d, a, b) : hn::Div(b, a);
-      if constexpr (kWay.maximumAtZero) y = hn::IfThenElse(hn::Eq(a, hn::Zero(d)), hn::Inf(d), y);
-      StoreRounded(BeforeRounding<kWay.rounding>(hn::Mul(y, scale)), to);
+      Vec<Full<float>> y;
+      if constexpr (sizeof(Dividend) == 4) y = hn::Div(b, a);
+      else if constexpr (kSafe) y = IntegerQuotient(a, b);
+      else y = RoundedToOdd(IntegerQuotient(a, b), a, b);
+      if constexpr (kWay.maximumAtZero) y = hn::IfThenElse(isZero, hn::Inf(d), y);
+      return BeforeRounding<kWay.rounding>(hn::Mul(y, scale));
     }
-  }, divisor, dividend, dst);
+  }, dst, divisor, dividend);
   return zero.Seen();
+}
+template <Way kWay, class Divisor, class Dividend, class T>
+bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t len, float factor) {
+  if constexpr (sizeof(Dividend) == 2)
+    if (factor > kSafeFactor) return Quotients<kWay, false>(divisor, dividend, dst, len, factor);
+  return Quotients<kWay, true>(divisor, dividend, dst, len, factor);
 }
 
 // The unsigned members: in the tail of a body of kStep elements a zero divisor gives the largest value
@@ -170,46 +166,48 @@ bool WideQuotients(const Orva32s* divisor, const Orva32s* dividend, Orva32s* dst
   return zero.Seen();
 }
 
-// The body is exact. The tail deliberately has denominator and numerators in wrapping 32-bit integers: a
-// divisor of two parts of -32768 has the denominator -2^31 there, which turns the sign of the result.
-template <bool kBody>
-bool DivideComplex16(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len,
-                           double factor) {
-  const Full<double> d64;
-  const hn::Rebind<int32_t, decltype(d64)> d32;
-  const auto scale = hn::Set(d64, factor);
-  AnyLane<decltype(d64)> zero;
-  const auto split = [=](const Orva16sc* from, auto& re, auto& im) TZM_LAMBDA {
-    const auto both = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
-    const auto low = hn::ShiftRight<16>(hn::ShiftLeft<16>(both)), high = hn::ShiftRight<16>(both);
-    if constexpr (kBody) re = hn::PromoteTo(d64, low), im = hn::PromoteTo(d64, high);
-    else re = low, im = high;
-  };
-  const auto wide = [=](auto v) TZM_LAMBDA {
-    if constexpr (kBody) return v;
-    else return hn::PromoteTo(d64, v);
-  };
-  ForEach<hn::MaxLanes(d64)>(len, [&](const Orva16sc* divisors, const Orva16sc* dividends, Orva16sc* to) TZM_LAMBDA {
-    std::conditional_t<kBody, Vec<decltype(d64)>, Vec<decltype(d32)>> a, b, c, d;
-    split(divisors, c, d);
-    split(dividends, a, b);
-    const auto denominator = wide(hn::Add(hn::Mul(c, c), hn::Mul(d, d)));
-    zero.See(hn::Eq(denominator, hn::Zero(d64)));
-    const auto reciprocal = hn::Div(hn::Set(d64, 1.0), denominator);
-    // One division for both parts: the remainder corrects the product with the reciprocal, so that
-    // quotients that are integers or ties come out exact and all others stay on their side of them.
-    const auto part = [&](auto numerator) TZM_LAMBDA {
-      const auto quotient = hn::Mul(numerator, reciprocal);
-      const auto remainder = hn::NegMulAdd(quotient, denominator, numerator);
-      const auto rounded = RoundToInt32(hn::Mul(hn::MulAdd(remainder, reciprocal, quotient), scale));
-      return hn::Min(hn::Max(rounded, hn::Set(d32, -32768)), hn::Set(d32, 32767));
+bool ComplexQuotients(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len, double factor) {
+  using Product = ConjugateProduct;
+  using Lanes = Product::Lanes;
+  AnyLane<Lanes::D> zero;
+  const auto load = [](const Orva16sc* from) TZM_LAMBDA { return ComplexProduct<int16_t>::Load(Parts(from)); };
+  const auto shrink = Lanes::Set(1 / factor);
+  ForEach<Product::kStep, 1>(len, [&](const Orva16sc* divisors, const Orva16sc* dividends, Orva16sc* to) TZM_LAMBDA {
+    const auto c = load(divisors);
+    const Lanes denominator = Product(c, c).re * shrink;
+    const Product numerator(load(dividends), c);
+    // One reciprocal for both parts: quotients that are integers or ties come out exact, and all others stay
+    // on their side of them.
+    const auto reciprocal = Lanes::Each([&](size_t r) TZM_LAMBDA {
+      zero.See(hn::Eq(denominator.v[r], hn::Zero(Lanes::D())));
+      return RoughReciprocal(denominator.v[r]);
+    });
+    const auto part = [&](const Lanes& n) TZM_LAMBDA {
+      return Lanes::Each([&](size_t r) TZM_LAMBDA {
+        return CorrectedQuotient(denominator.v[r], n.v[r], reciprocal.v[r]);
+      });
     };
-    const auto re = part(wide(hn::Add(hn::Mul(c, a), hn::Mul(d, b))));
-    const auto im = part(wide(hn::Sub(hn::Mul(c, b), hn::Mul(d, a))));
-    const auto both = hn::Or(hn::And(re, hn::Set(d32, 0xffff)), hn::ShiftLeft<16>(im));
-    hn::StoreU(both, d32, reinterpret_cast<int32_t*>(to));
+    StoreRoundedParts(part(numerator.re), part(numerator.im), Parts(to));
   }, divisor, dividend, dst);
   return zero.Seen();
+}
+
+// The tail deliberately has denominator and numerators in wrapping 32-bit integers: a divisor of two parts of
+// -32768 has the denominator -2^31 there, which turns the sign of the result.
+bool WrappingQuotients(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len, double factor) {
+  const auto sum = [](int32_t x, int32_t y) {
+    return static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(y)));
+  };
+  bool zero = false;
+  for (size_t i = 0; i < len; ++i) {
+    const Orva16sc c = LoadElement(divisor + i), a = LoadElement(dividend + i);
+    const double denominator = sum(c.re * c.re, c.im * c.im);
+    const double re = sum(c.re * a.re, c.im * a.im), im = sum(c.re * a.im, -(c.im * a.re));
+    zero |= denominator == 0;
+    StoreElement(Orva16sc{RoundSaturate<Orva16s>(re / denominator * factor),
+                          RoundSaturate<Orva16s>(im / denominator * factor)}, dst + i);
+  }
+  return zero;
 }
 
 }  // namespace
@@ -282,7 +280,11 @@ OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   const float factor = QuotientFactor(scale);
   const size_t body = len - len % 4;
   bool zero = WideQuotients(src1, src2, dst, body, factor);
-  zero |= Quotients<Way{}>(src1 + body, src2 + body, dst + body, len - body, factor);
+  for (size_t i = body; i < static_cast<size_t>(len); ++i) {
+    const float a = static_cast<float>(LoadElement(src1 + i)), b = static_cast<float>(LoadElement(src2 + i));
+    zero |= a == 0;
+    StoreElement(RoundSaturate<Orva32s>(b / a * factor), dst + i);
+  }
   return Status(zero);
 }
 
@@ -297,8 +299,8 @@ OrvaStatus ORVAS_Div_16sc_S(const Orva16sc* src1, const Orva16sc* src2, Orva16sc
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
   const size_t body = len - len % 8;
-  bool zero = DivideComplex16<true>(src1, src2, dst, body, factor);
-  zero |= DivideComplex16<false>(src1 + body, src2 + body, dst + body, len - body, factor);
+  bool zero = ComplexQuotients(src1, src2, dst, body, factor);
+  zero |= WrappingQuotients(src1 + body, src2 + body, dst + body, len - body, factor);
   return Status(zero);
 }
 

@@ -4,9 +4,10 @@
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/estimate.h"
+#include "frame/float_lanes.h"
+#include "frame/product.h"
 #include "frame/reciprocal.h"
 #include "frame/scale.h"
-#include "frame/vector.h"
 
 using namespace tzm;
 
@@ -33,35 +34,29 @@ Complex Reciprocal(Complex value) {
   return {reciprocal * value.re, -(reciprocal * value.im)};
 }
 
-// src[i] / divisor in lanes of F without dividing: the remainder corrects the product with the reciprocal
-// (rounded once), so that integers and ties come out exact and all else stays on its side of them.
-template <class V>
-TZM_INLINE V Quotient(V x, V divisor, V reciprocal) {
-  const auto quotient = hn::Mul(x, reciprocal);
-  return hn::MulAdd(hn::NegMulAdd(quotient, divisor, x), reciprocal, quotient);
-}
-
-// round(kernel(src[i])), saturated, with `kernel` on binary64 lanes; an even element is in an even lane.
-template <class T, class Kernel>
-TZM_INLINE void RoundWide(size_t len, Kernel kernel, const T* src, T* dst) {
-  const Full<double> d;
-  const Full<int32_t> d32;
-  const hn::Half<decltype(d32)> half;
-  ForEach<hn::MaxLanes(d32)>(len, [&](const T* from, T* to) TZM_LAMBDA {
-    const auto x = hn::PromoteTo(d32, hn::LoadU(hn::Rebind<T, decltype(d32)>(), from));
-    const auto low = RoundToInt32(kernel(hn::PromoteTo(d, hn::LowerHalf(half, x))));
-    const auto high = RoundToInt32(kernel(hn::PromoteTo(d, hn::UpperHalf(half, x))));
-    StoreSaturated(hn::Combine(d32, high, low), to);
-  }, src, dst);
-}
-
-// round(kernel(src[i])), saturated, with `kernel` on binary32 lanes.
-template <class T, class Kernel>
-TZM_INLINE void RoundNarrow(size_t len, Kernel kernel, const T* src, T* dst) {
+// round(src[i] / divisor), saturated, without dividing: the reciprocal has twice the precision, so that the
+// product is exact where the quotient can be represented, and else one of its two neighbours.
+template <bool kSafe, class T>
+void Quotients(const T* src, float divisor, T* dst, size_t len) {
   const Full<float> d;
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const T* from, T* to) TZM_LAMBDA {
-    StoreRounded(kernel(LoadAsFloat(d, from)), to);
-  }, src, dst);
+  const float reciprocal = 1 / divisor;
+  const auto divisors = hn::Set(d, divisor), high = hn::Set(d, reciprocal);
+  const auto low = hn::Set(d, Fma(-reciprocal, divisor, 1.0f) * reciprocal);
+  RoundEach(len, [=](auto x) TZM_LAMBDA {
+    const auto quotient = hn::MulAdd(x, high, hn::Mul(x, low));
+    return kSafe ? quotient : RoundedToOdd(quotient, divisors, x);
+  }, dst, src);
+}
+
+template <class T>
+OrvaStatus DivideUnsigned(const T* src, T value, T* dst, int32_t len, double scale) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (OrvaStatus status = CheckScale(scale)) return status;
+  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
+  const float factor = QuotientFactor(scale);
+  if (sizeof(T) == 1 || factor <= kSafeFactor) Quotients<true>(src, value / factor, dst, len);
+  else Quotients<false>(src, value / factor, dst, len);
+  return ORVA_STS_NO_ERR;
 }
 
 // round(value / src[i]), saturated, the quotient in binary32. In the tail a zero element gives the largest
@@ -71,12 +66,12 @@ bool DivideInto(const Orva16u* src, Orva16u value, Orva16u* dst, size_t len) {
   const Full<float> d;
   const auto dividend = hn::Set(d, value);
   AnyLane<Full<float>> zero;
-  RoundNarrow(len, [&](auto x) TZM_LAMBDA {
+  RoundEach(len, [&](auto x) TZM_LAMBDA {
     const auto isZero = hn::Eq(x, hn::Zero(d));
     zero.See(isZero);
-    const auto quotient = hn::Div(dividend, x);
+    const auto quotient = IntegerQuotient(x, dividend);
     return kTail ? hn::IfThenElse(isZero, hn::Inf(d), quotient) : quotient;
-  }, src, dst);
+  }, dst, src);
   return zero.Seen();
 }
 
@@ -119,27 +114,11 @@ OrvaStatus ORVAS_DivC_64fc_I(Orva64fc value, Orva64fc* srcDst, int32_t len) {
 }
 
 OrvaStatus ORVAS_DivC_8u_S(const Orva8u* src, Orva8u value, Orva8u* dst, int32_t len, double scale) {
-  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  if (OrvaStatus status = CheckScale(scale)) return status;
-  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
-  const Full<float> d;
-  const float divisor = value / QuotientFactor(scale);
-  RoundNarrow(len, [divisors = hn::Set(d, divisor), reciprocals = hn::Set(d, 1 / divisor)](auto x) TZM_LAMBDA {
-    return Quotient(x, divisors, reciprocals);
-  }, src, dst);
-  return ORVA_STS_NO_ERR;
+  return DivideUnsigned(src, value, dst, len, scale);
 }
 
 OrvaStatus ORVAS_DivC_16u_S(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len, double scale) {
-  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  if (OrvaStatus status = CheckScale(scale)) return status;
-  if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
-  const Full<double> d;
-  const double divisor = value / QuotientFactor(scale);
-  RoundWide(len, [divisors = hn::Set(d, divisor), reciprocals = hn::Set(d, 1 / divisor)](auto x) TZM_LAMBDA {
-    return Quotient(x, divisors, reciprocals);
-  }, src, dst);
-  return ORVA_STS_NO_ERR;
+  return DivideUnsigned(src, value, dst, len, scale);
 }
 
 // Deliberately the product with the reciprocal in binary32, not the quotient. The factor, a power of two,
@@ -149,7 +128,7 @@ OrvaStatus ORVAS_DivC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int
   if (value == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const auto factor = hn::Set(Full<float>(), 1.0f / value * QuotientFactor(scale));
-  RoundNarrow(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, src, dst);
+  RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, dst, src);
   return ORVA_STS_NO_ERR;
 }
 
@@ -159,13 +138,12 @@ OrvaStatus ORVAS_DivC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst,
   if (OrvaStatus status = CheckScale(scale)) return status;
   const double re = value.re, im = value.im, modulus = SquaredModulus(re, im);
   if (modulus == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
-  const Full<double> d;
-  const auto factor = hn::Set(d, 1.0 / modulus * ScaleFactor(ScaleExponent(scale)));
-  const auto straight = hn::Set(d, re);
-  const auto crossed = hn::OddEven(hn::Set(d, -im), hn::Set(d, im));
-  RoundWide(2 * static_cast<size_t>(len), [=](auto x) TZM_LAMBDA {
-    return hn::Mul(hn::MulAdd(x, straight, hn::Mul(hn::Reverse2(d, x), crossed)), factor);
-  }, Parts(src), Parts(dst));
+  const auto divisor = ComplexProduct<int16_t>::Set(value.re, value.im);
+  const auto factor = ConjugateProduct::Lanes::Set(1.0 / modulus * ScaleFactor(ScaleExponent(scale)));
+  ForEach<ConjugateProduct::kStep>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
+    const ConjugateProduct product(ComplexProduct<int16_t>::Load(Parts(from)), divisor);
+    StoreRoundedParts(product.re * factor, product.im * factor, Parts(to));
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -211,9 +189,7 @@ OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, in
   ForEach<hn::MaxLanes(d)>(body, [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
     const auto x = hn::LoadU(d, from);
     zero.See(hn::Eq(x, hn::Zero(d)));
-    auto reciprocal = ReciprocalEstimate(x);
-    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
-    reciprocal = hn::Mul(ReciprocalStep(x, reciprocal), reciprocal);
+    auto reciprocal = RefinedReciprocal(x);
     // Deliberate: the two infinities are exchanged, so that 1 over +0 is negative here.
     reciprocal = hn::IfThenElse(hn::IsInf(reciprocal), hn::Neg(reciprocal), reciprocal);
     hn::StoreU(hn::Mul(dividend, reciprocal), d, to);

@@ -3,6 +3,7 @@
 
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/float_lanes.h"
 #include "frame/half.h"
 #include "frame/scale.h"
 
@@ -62,10 +63,13 @@ float FactorBits(int exponent) {
 
 template <bool kTowardZero>
 void RoundHalf(const Orva16f* src, Orva16s* dst, size_t len, float factor) {
-  ForEach<hn::MaxLanes(kReal), 4>(len, [&](const Orva16f* from, Orva16s* to) TZM_LAMBDA {
-    const auto y = hn::Mul(hn::Set(kReal, factor), WidenHalf(from));
+  using Lanes = FloatLanes<Orva16s>;
+  ForEach<hn::MaxLanes(Full<Orva16s>())>(len, [&](const Orva16f* from, Orva16s* to) TZM_LAMBDA {
     // Integers go into the conversion, so that the caller's rounding mode does not matter there.
-    StoreRounded(kTowardZero ? hn::Trunc(y) : hn::Round(y), to);
+    StoreRounded<Orva16s>(Lanes::Each([&](size_t r) TZM_LAMBDA {
+      const auto y = hn::Mul(hn::Set(kReal, factor), WidenHalf(from + r * Lanes::kWidth));
+      return kTowardZero ? hn::Trunc(y) : hn::Round(y);
+    }), to);
   }, src, dst);
 }
 

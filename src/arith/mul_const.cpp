@@ -1,6 +1,7 @@
 // Element-wise products of an array and one constant.
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/float_lanes.h"
 #include "frame/product.h"
 #include "frame/scale.h"
 
@@ -71,14 +72,11 @@ Orva32sc RoundedComplexProduct(Orva32sc a, Orva32sc b, double factor) {
 }
 
 // (src * value) * factor in binary32, each product rounded, then rounded to integers and saturated.
-void ScaledFloats(const Orva32f* src, Orva32f value, Orva32f factor, Orva16s* dst, int32_t len) {
+template <class T>
+void ScaledFloats(const T* src, T value, double factor, Orva16s* dst, int32_t len) {
   const Full<float> d;
-  const Full<int16_t> dto;
-  const auto vv = hn::Set(d, value), vf = hn::Set(d, factor);
-  ForEach<hn::MaxLanes(dto)>(len, [=](const Orva32f* a, Orva16s* to) TZM_LAMBDA {
-    const auto rounded = [&](auto v) TZM_LAMBDA { return RoundToInt(hn::Mul(hn::Mul(v, vv), vf)); };
-    hn::StoreU(NarrowPair(dto, rounded(hn::LoadU(d, a)), rounded(hn::LoadU(d, a + hn::Lanes(d)))), dto, to);
-  }, src, dst);
+  const auto vv = hn::Set(d, value), vf = hn::Set(d, static_cast<float>(factor));
+  RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(hn::Mul(x, vv), vf); }, dst, src);
 }
 
 // 64-bit integers, scaled in binary64 and rounded back.
@@ -163,15 +161,7 @@ OrvaStatus ORVAS_MulC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   // Deliberately in binary32: a product above 2^24 rounds before the scale.
-  const Full<int16_t> d;
-  const Full<float> df;
-  const auto constant = hn::Set(d, value);
-  const auto factor = hn::Set(df, static_cast<float>(ScaleFactor(ScaleExponent(scale))));
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva16s* a, Orva16s* to) TZM_LAMBDA {
-    const auto product = WideProducts(hn::LoadU(d, a), constant);
-    const auto rounded = [&](auto v) TZM_LAMBDA { return RoundToInt(hn::Mul(hn::ConvertTo(df, v), factor)); };
-    hn::StoreU(NarrowProducts(d, rounded(product.low), rounded(product.high)), d, to);
-  }, src, dst);
+  ScaledFloats(src, value, ScaleFactor(ScaleExponent(scale)), dst, len);
   return ORVA_STS_NO_ERR;
 }
 
@@ -190,14 +180,14 @@ OrvaStatus ORVAS_MulC_32s_S(const Orva32s* src, Orva32s value, Orva32s* dst, int
 
 OrvaStatus ORVAS_MulC_Low_32f16s(const Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  ScaledFloats(src, value, 1.0f, dst, len);
+  ScaledFloats(src, value, 1.0, dst, len);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_MulC_32f16s_S(const Orva32f* src, Orva32f value, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  ScaledFloats(src, value, static_cast<float>(ScaleFactor(ScaleExponent(scale))), dst, len);
+  ScaledFloats(src, value, ScaleFactor(ScaleExponent(scale)), dst, len);
   return ORVA_STS_NO_ERR;
 }
 

@@ -3,8 +3,8 @@
 
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/float_lanes.h"
 #include "frame/scale.h"
-#include "frame/vector.h"
 
 using namespace tzm;
 
@@ -52,9 +52,7 @@ OrvaStatus NormalizeScaled(const Orva16s* src, Orva16s* dst, size_t len, Pair<fl
   const Full<float> d;
   const auto reciprocal = hn::Set(d, 1 / vDiv), addend = Addend(vSub, vDiv).Lanes();
   const auto factor = hn::Set(d, static_cast<float>(ScaleFactor(ScaleExponent(scale))));
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const Orva16s* from, Orva16s* to) TZM_LAMBDA {
-    StoreRounded(hn::Mul(factor, hn::MulAdd(LoadAsFloat(d, from), reciprocal, addend)), to);
-  }, src, dst);
+  RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(factor, hn::MulAdd(x, reciprocal, addend)); }, dst, src);
   return ORVA_STS_NO_ERR;
 }
 

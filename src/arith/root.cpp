@@ -1,6 +1,8 @@
 // Element-wise square and cube roots.
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/estimate.h"
+#include "frame/float_lanes.h"
 #include "frame/scale.h"
 
 #include <signal_tzm/arith.h>
@@ -35,71 +37,56 @@ OrvaStatus ScanForNegative(const T* src, int32_t len) {
 
 // ---- Scaled square roots ----
 
-// sqrt(x) * factor in F, rounded and saturated; the root of a negative element is stored as 0. Tells
-// whether there was one.
-template <class T, class Dst, class F>
-OrvaStatus ScaledRoots(const T* src, Dst* dst, int32_t len, F factor) {
-  const Full<F> d;
-  const hn::Rebind<T, decltype(d)> dFrom;
-  const hn::Rebind<Dst, decltype(d)> dTo;
-  const hn::Rebind<int32_t, decltype(d)> d32;
-  auto any = hn::Zero(dFrom);
-  ForEach<hn::MaxLanes(d)>(len, [&](const T* a, Dst* to) TZM_LAMBDA {
-    const auto v = hn::LoadU(dFrom, a);
-    any = hn::Or(any, v);
-    Vec<decltype(d32)> x;
-    if constexpr (std::is_same_v<T, int32_t>) x = v;
-    else x = hn::PromoteTo(d32, v);
-    if constexpr (std::is_same_v<F, float>) {
-      const auto root = RoundToInt(hn::Mul(hn::Sqrt(hn::ConvertTo(d, x)), hn::Set(d, factor)));
-      // The limit is for x86, whose narrowing by four takes 32768 and more for negative.
-      const auto limit = hn::Set(d32, std::numeric_limits<Dst>::max());
-      hn::StoreU(hn::DemoteTo(dTo, hn::Min(root, limit)), dTo, to);
-    } else {
-      const auto root = hn::Mul(hn::Sqrt(hn::PromoteTo(d, x)), hn::Set(d, factor));
-      hn::StoreU(hn::DemoteTo(dTo, RoundToInt32(root)), dTo, to);
-    }
-  }, src, dst);
-  if constexpr (std::is_signed_v<T>)
-    if (!hn::AllFalse(dFrom, hn::Lt(any, hn::Zero(dFrom)))) return ORVA_STS_SQRT_NEG_ERR;
-  return ORVA_STS_NO_ERR;
+// sqrt(x) * factor in binary32, rounded and saturated; the root of a negative element is stored as 0. Tells
+// whether there was one. With kOdd the root is rounded to odd, so that the result is that of the exact one.
+template <bool kOdd = false, class T, class Dst>
+OrvaStatus ScaledRoots(const T* src, Dst* dst, int32_t len, float factor) {
+  const Full<float> d;
+  AnyLane<decltype(d)> negative;
+  RoundEach(len, [&](auto x) TZM_LAMBDA {
+    if constexpr (std::is_signed_v<T>) negative.See(hn::Lt(x, hn::Zero(d)));
+    auto root = hn::Sqrt(x);
+    if constexpr (kOdd) root = RoundedToOdd(root, root, x);
+    return hn::Mul(root, hn::Set(d, factor));
+  }, dst, src);
+  return negative.Seen() ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
 }
 
 float FactorOf(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
 
 // ---- Cube roots ----
 
-// Cube roots of non-negative binary64 lanes, right to the last bit in all but very few cases, from
-// `guess`, the inverse cube roots to a few percent. Zeros give zeros.
-template <class V>
-TZM_INLINE V CubeRoots(V x, V guess) {
-  const hn::DFromV<V> d;
-  const auto third = hn::Set(d, 1.0 / 3);
-  V y = guess;
-  for (int step = 0; step < 2; ++step) {  // y = y * (1-e)^(-1/3) with e = 1 - x*y^3, to the fourth power of e
-    const auto e = hn::NegMulAdd(hn::Mul(x, y), hn::Mul(y, y), hn::Set(d, 1.0));
-    const auto series = hn::MulAdd(hn::MulAdd(hn::Set(d, 14.0 / 81), e, hn::Set(d, 2.0 / 9)), e, third);
-    y = hn::MulAdd(hn::Mul(y, e), series, y);
-  }
-  // The root is x*y^2, less its rounding errors: a step on root^3 - x, formed in twice the precision.
-  const auto slope = hn::Mul(y, y);
-  const auto root = hn::Mul(x, slope);
-  const auto square = hn::Mul(root, root);
-  const auto lost = hn::MulSub(root, root, square);
-  const auto excess = hn::MulAdd(root, lost, hn::MulSub(root, square, x));
-  return hn::NegMulAdd(excess, hn::Mul(slope, third), root);
-}
-
-// Inverse cube roots of normal binary32 lanes to a few percent: minus a third of the bits, taken as an
-// integer, from a constant near 4/3 of the bits of 1.0. It was found by ternary search: x * guess^3 is
-// within 0.103 of 1 over three octaves, the least that any constant gives.
+// Inverse cube roots of normal binary32 lanes, right to 16 bits. A guess comes from minus a third of the bits,
+// taken as an integer, from a constant near 4/3 of the bits of 1.0. That was found by ternary search:
+// x * guess^3 is within 0.103 of 1 over three octaves, the least that any constant gives.
 constexpr float kGuessBits = 0x54a1f580;
 template <class V>
-TZM_INLINE V GuessInverseCubeRoots(V x) {
+TZM_INLINE V InverseCubeRoots(V x) {
   const hn::DFromV<V> d;
   const hn::RebindToSigned<decltype(d)> d32;
   const auto bits = hn::ConvertTo(d, hn::BitCast(d32, x));
-  return hn::BitCast(d, hn::NearestInt(hn::NegMulAdd(bits, hn::Set(d, 1.0f / 3), hn::Set(d, kGuessBits))));
+  const V y = hn::BitCast(d, hn::NearestInt(hn::NegMulAdd(bits, hn::Set(d, 1.0f / 3), hn::Set(d, kGuessBits))));
+  // y * (1-e)^(-1/3) with e = 1 - x*y^3, to the fourth power of e.
+  const V e = hn::NegMulAdd(hn::Mul(x, y), hn::Mul(y, y), hn::Set(d, 1.0f));
+  const V series = hn::MulAdd(hn::MulAdd(hn::Set(d, 14.0f / 81), e, hn::Set(d, 2.0f / 9)), e, hn::Set(d, 1.0f / 3));
+  return hn::MulAdd(hn::Mul(y, e), series, y);
+}
+
+// Cube roots of non-negative binary64 lanes from their inverses y, with which they are right to 40 bits; with
+// kFull to the last bit in all but very few cases. Zeros give zeros.
+template <bool kFull, class V>
+TZM_INLINE V CubeRoots(V x, V y) {
+  const hn::DFromV<V> d;
+  // z * (1-e)^(-2/3) with z = x*y^2 and e = 1 - z*y, to the third power of e.
+  const V z = hn::Mul(hn::Mul(x, y), y);
+  const V e = hn::NegMulAdd(z, y, hn::Set(d, 1.0));
+  const V root = hn::MulAdd(hn::Mul(z, e), hn::MulAdd(hn::Set(d, 5.0 / 9), e, hn::Set(d, 2.0 / 3)), z);
+  if constexpr (!kFull) return root;
+  // A Newton step on root^3 - x, formed in twice the precision.
+  const V square = hn::Mul(root, root);
+  const V lost = hn::MulSub(root, root, square);
+  const V excess = hn::MulAdd(root, lost, hn::MulSub(root, square, x));
+  return hn::NegMulAdd(excess, hn::Mul(hn::Mul(y, y), hn::Set(d, 1.0 / 3)), root);
 }
 
 }  // namespace
@@ -165,11 +152,11 @@ OrvaStatus ORVAS_Sqrt_16u_S(const Orva16u* src, Orva16u* dst, int32_t len, doubl
 OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  // The result is that of binary64. Up to a left shift by 3, a root that is not itself a tie is at least
-  // 2^-8 / 2^9 away from one, and binary32 roots, 2^-17 from the true ones, round the same way.
-  const int exponent = ScaleExponent(scale);
-  return exponent >= -3 ? ScaledRoots(src, dst, len, FactorOf(scale))
-                        : ScaledRoots(src, dst, len, ScaleFactor(exponent));
+  // The result is that of binary64, which is that of the exact root. Up to a left shift by 3, a root that is not
+  // itself a tie is at least 2^-8 / 2^9 away from one, and binary32 roots, 2^-17 from the true ones, round the
+  // same way.
+  const float factor = FactorOf(scale);
+  return factor <= 8 ? ScaledRoots(src, dst, len, factor) : ScaledRoots<true>(src, dst, len, factor);
 }
 
 OrvaStatus ORVAS_Sqrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale) {
@@ -221,15 +208,15 @@ OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
     const auto x = hn::LoadU(d, from);
     const auto magnitude = hn::Abs(x);
     const auto one = hn::Set(d, 1.0f);
-    // The guess of a subnormal number is that of 2^24 times as much, times 2^8.
+    // The inverse root of a subnormal number is that of 2^24 times as much, times 2^8.
     const auto subnormal = hn::Lt(magnitude, hn::Set(d, std::numeric_limits<float>::min()));
     const auto normal = hn::Mul(magnitude, hn::IfThenElse(subnormal, hn::Set(d, 0x1p24f), one));
-    const auto guess = hn::Mul(GuessInverseCubeRoots(normal), hn::IfThenElse(subnormal, hn::Set(d, 0x1p8f), one));
-    const auto root = [&](auto m, auto g) TZM_LAMBDA {
-      return hn::DemoteTo(dHalf, CubeRoots(hn::PromoteTo(dWide, m), hn::PromoteTo(dWide, g)));
+    const auto inverse = hn::Mul(InverseCubeRoots(normal), hn::IfThenElse(subnormal, hn::Set(d, 0x1p8f), one));
+    const auto root = [&](auto m, auto y) TZM_LAMBDA {
+      return hn::DemoteTo(dHalf, CubeRoots<false>(hn::PromoteTo(dWide, m), hn::PromoteTo(dWide, y)));
     };
-    const auto roots = hn::Combine(d, root(hn::UpperHalf(dHalf, magnitude), hn::UpperHalf(dHalf, guess)),
-                                   root(hn::LowerHalf(dHalf, magnitude), hn::LowerHalf(dHalf, guess)));
+    const auto roots = hn::Combine(d, root(hn::UpperHalf(dHalf, magnitude), hn::UpperHalf(dHalf, inverse)),
+                                   root(hn::LowerHalf(dHalf, magnitude), hn::LowerHalf(dHalf, inverse)));
     const auto finite = hn::Lt(magnitude, hn::Inf(d));
     hn::StoreU(hn::IfThenElse(finite, hn::CopySignToAbs(roots, x), x), d, to);
   }, src, dst);
@@ -242,16 +229,23 @@ OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, d
   if (OrvaStatus status = CheckScale(scale)) return status;
   const double factor = ScaleFactor(ScaleExponent(scale));
   const Full<double> d;
-  const hn::Rebind<int32_t, decltype(d)> d32;
-  const hn::Rebind<int16_t, decltype(d)> d16;
-  const hn::Rebind<float, decltype(d)> dGuess;
+  const Full<float> dNarrow;
+  const Full<int32_t> d32;
+  const hn::Half<Full<float>> dHalf;
+  const hn::Half<Full<int32_t>> dHalf32;
+  const hn::Rebind<int16_t, decltype(dNarrow)> d16;
   const int32_t body = len - len % 4;
-  ForEach<hn::MaxLanes(d)>(body, [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d32)>(body, [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
     const auto x = hn::LoadU(d32, from);
-    const auto guess = GuessInverseCubeRoots(hn::Abs(hn::ConvertTo(dGuess, x)));
-    const auto wide = hn::PromoteTo(d, x);
-    const auto root = hn::CopySignToAbs(CubeRoots(hn::Abs(wide), hn::PromoteTo(d, guess)), wide);
-    hn::StoreU(hn::DemoteTo(d16, RoundToInt32(hn::Mul(root, hn::Set(d, factor)))), d16, to);
+    const auto inverse = InverseCubeRoots(hn::Abs(hn::ConvertTo(dNarrow, x)));
+    const auto root = [&](auto part, auto y) TZM_LAMBDA {
+      const auto wide = hn::PromoteTo(d, part);
+      const auto magnitude = CubeRoots<true>(hn::Abs(wide), hn::PromoteTo(d, y));
+      return RoundToInt32(hn::Mul(hn::CopySignToAbs(magnitude, wide), hn::Set(d, factor)));
+    };
+    const auto low = root(hn::LowerHalf(dHalf32, x), hn::LowerHalf(dHalf, inverse));
+    const auto high = root(hn::UpperHalf(dHalf32, x), hn::UpperHalf(dHalf, inverse));
+    hn::StoreU(hn::DemoteTo(d16, hn::Combine(d32, high, low)), d16, to);
   }, src, dst);
   for (int32_t i = body; i < len; ++i)
     StoreElement(RoundSaturate<Orva16s>(cbrt(static_cast<double>(LoadElement(src + i))) * factor), dst + i);

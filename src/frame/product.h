@@ -74,7 +74,7 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<int16_t>> b) {
 
 TZM_INLINE Vec<Full<int16_t>> NarrowProducts(Full<int16_t>, Vec<Full<int32_t>> low, Vec<Full<int32_t>> high) {
 #if HWY_ARCH_ARM_A64
-  return Vec<Full<int16_t>>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
+  return NarrowPair(Full<int16_t>(), low, high);
 #else
   return Vec<Full<int16_t>>{TZM_X86(packs_epi32)(low.raw, high.raw)};
 #endif
@@ -171,13 +171,7 @@ class ComplexProduct {
                              vmull_s32(vget_low_s32(ar), vget_low_s32(bi)));
       im[1].raw = vqaddq_s64(vmull_high_s32(ai, br), vmull_high_s32(ar, bi));
     }
-    StoreParts(Narrow(shift(re[0]), shift(re[1])), Narrow(shift(im[0]), shift(im[1])), d, to);
-  }
-
- private:
-  static TZM_INLINE Vec<D> Narrow(Vec<Wide> low, Vec<Wide> high) {
-    if constexpr (kIs16) return Vec<D>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
-    else return Vec<D>(vqmovn_high_s64(vqmovn_s64(low.raw), high.raw));
+    StoreParts(NarrowPair(d, shift(re[0]), shift(re[1])), NarrowPair(d, shift(im[0]), shift(im[1])), d, to);
   }
 #else
   // One register of interleaved parts, its wide lanes one complex element each.
@@ -226,6 +220,84 @@ class ComplexProduct {
   }
 #endif
 };
+
+// a * conj(b) of kStep complex elements of 16-bit integers, exact, in lanes of binary64.
+class ConjugateProduct {
+  using D = Full<int16_t>;
+  using Sums = Vec<Full<int32_t>>;
+
+ public:
+#if HWY_ARCH_ARM_A64
+  static constexpr size_t kStep = hn::MaxLanes(D());
+#else
+  static constexpr size_t kStep = hn::MaxLanes(D()) / 2;
+#endif
+  using Operand = ComplexProduct<int16_t>::Operand;
+  using Lanes = LaneArray<double, kStep>;
+
+  Lanes re, im;  // ar*br + ai*bi, ai*br - ar*bi
+
+  TZM_INLINE ConjugateProduct(Operand a, Operand b) {
+#if HWY_ARCH_ARM_A64
+    const auto ar = a.re.raw, ai = a.im.raw, br = b.re.raw, bi = b.im.raw;
+    const auto low = [](int16x8_t x, int16x8_t y) TZM_LAMBDA { return vmull_s16(vget_low_s16(x), vget_low_s16(y)); };
+    const auto sum = [](int32x4_t x, int32x4_t y, Vec<Lanes::D>* to) TZM_LAMBDA {
+      to[0].raw = vcvtq_f64_s64(vaddl_s32(vget_low_s32(x), vget_low_s32(y)));
+      to[1].raw = vcvtq_f64_s64(vaddl_high_s32(x, y));
+    };
+    const auto difference = [](int32x4_t x, int32x4_t y, Vec<Lanes::D>* to) TZM_LAMBDA {
+      to[0].raw = vcvtq_f64_s64(vsubl_s32(vget_low_s32(x), vget_low_s32(y)));
+      to[1].raw = vcvtq_f64_s64(vsubl_high_s32(x, y));
+    };
+    sum(low(ar, br), low(ai, bi), re.v);
+    sum(vmull_high_s16(ar, br), vmull_high_s16(ai, bi), re.v + 2);
+    difference(low(ai, br), low(ar, bi), im.v);
+    difference(vmull_high_s16(ai, br), vmull_high_s16(ar, bi), im.v + 2);
+#else
+    // Only `re` can be 2^31, and never -2^31: less one it is a 32-bit integer. ai*br + ar*(-1-bi) is short of
+    // `im` by ar.
+    const D d;
+    const Full<int32_t> wide;
+    const auto flipped = hn::Xor(b, hn::BitCast(d, hn::Set(wide, -65536)));
+    const auto swapped = hn::BitCast(d, hn::RotateRight<16>(hn::BitCast(hn::Repartition<uint32_t, D>(), a)));
+    const auto ar = hn::ShiftRight<16>(hn::ShiftLeft<16>(hn::BitCast(wide, a)));
+    const Sums lessOne = hn::Sub(Sums{TZM_X86(madd_epi16)(a.raw, b.raw)}, hn::Set(wide, 1));
+    re = Widened(lessOne) + Lanes::Set(1.0);
+    im = Widened(hn::Add(Sums{TZM_X86(madd_epi16)(swapped.raw, flipped.raw)}, ar));
+#endif
+  }
+
+ private:
+#if HWY_ARCH_X86
+  static TZM_INLINE Lanes Widened(Sums v) {
+    const hn::Half<Full<int32_t>> half;
+    return {{hn::PromoteTo(Lanes::D(), hn::LowerHalf(half, v)), hn::PromoteTo(Lanes::D(), hn::UpperHalf(half, v))}};
+  }
+#endif
+};
+
+// Complex elements from parts in binary64, rounded to nearest, ties to even, and saturated; NaN gives 0.
+TZM_INLINE void StoreRoundedParts(const ConjugateProduct::Lanes& re, const ConjugateProduct::Lanes& im, int16_t* to) {
+  const Full<int16_t> d;
+#if HWY_ARCH_ARM_A64
+  const Full<int32_t> d32;
+  const auto narrow = [=](const auto& part) TZM_LAMBDA {
+    const auto pair = [&](size_t r) TZM_LAMBDA {
+      return NarrowPair(d32, RoundToInt64(part.v[r]), RoundToInt64(part.v[r + 1]));
+    };
+    return NarrowPair(d, pair(0), pair(2));
+  };
+  hn::StoreInterleaved2(narrow(re), narrow(im), d, to);
+#else
+  const Full<int32_t> d32;
+  const auto rounded = [=](const auto& part) TZM_LAMBDA {
+    return hn::Combine(d32, RoundToInt32(part.v[1]), RoundToInt32(part.v[0]));
+  };
+  const auto even = rounded(re), odd = rounded(im);
+  const auto low = hn::InterleaveLower(d32, even, odd), high = hn::InterleaveUpper(d32, even, odd);
+  hn::StoreU(NarrowProducts(d, low, high), d, to);
+#endif
+}
 
 #if HWY_ARCH_X86
 #undef TZM_X86

@@ -129,9 +129,19 @@ class ShiftRightRounding {
   TZM_INLINE Vec<D> operator()(Vec<D> v) const {
     const D d;
     const auto quotient = hn::ShiftRightSame(v, count_);
-    const auto fraction = hn::And(v, hn::Set(d, fraction_));
-    const auto limit = hn::Sub(hn::Set(d, half_), hn::And(quotient, hn::Set(d, T{1})));  // half less one where odd
-    return hn::Sub(quotient, hn::VecFromMask(d, hn::Gt(fraction, limit)));
+    if constexpr (std::is_same_v<T, uint16_t>) {
+      // As on AArch64; the average with 0 is a shift by one that rounds ties up.
+      const auto less = hn::SaturatedSub(v, hn::AndNot(quotient, hn::Set(d, T{1})));
+      return hn::AverageRound(hn::ShiftRightSame(less, count_ - 1), hn::Zero(d));
+    } else {
+      // Half, less one where the quotient is odd; unsigned lanes are compared as signed ones, less 2^(bits-1).
+      constexpr T kBias = std::is_signed_v<T> ? 0 : T{1} << (kBits - 1);
+      const hn::RebindToSigned<D> ds;
+      const auto fraction = hn::Xor(hn::And(v, hn::Set(d, fraction_)), hn::Set(d, kBias));
+      const auto limit = hn::Sub(hn::Set(d, static_cast<T>(half_ ^ kBias)), hn::And(quotient, hn::Set(d, T{1})));
+      const auto up = hn::Gt(hn::BitCast(ds, fraction), hn::BitCast(ds, limit));
+      return hn::Sub(quotient, hn::VecFromMask(d, hn::RebindMask(d, up)));
+    }
   }
 
  private:

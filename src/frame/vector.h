@@ -140,12 +140,21 @@ TZM_INLINE V MaxOrNaN(V a, V b) {
 // The instruction alone; Highway's form of it repairs what our callers see to themselves.
 template <class V>
 TZM_INLINE auto ConvertNearest(V x) {
-  using Integers = Vec<hn::RebindToSigned<hn::DFromV<V>>>;
-  if constexpr (sizeof(x.raw) == 16) return Integers{_mm_cvtps_epi32(x.raw)};
+  const hn::Rebind<int32_t, hn::DFromV<V>> d32;
+  using Integers = Vec<decltype(d32)>;
+  if constexpr (sizeof(hn::TFromV<V>) == 8) {
+    if constexpr (sizeof(x.raw) == 16) return Integers{_mm_cvtpd_epi32(x.raw)};
 #if HWY_TARGET <= HWY_AVX3
-  else if constexpr (sizeof(x.raw) == 64) return Integers{_mm512_cvtps_epi32(x.raw)};
+    else if constexpr (sizeof(x.raw) == 64) return Integers{_mm512_cvtpd_epi32(x.raw)};
 #endif
-  else return Integers{_mm256_cvtps_epi32(x.raw)};
+    else return Integers{_mm256_cvtpd_epi32(x.raw)};
+  } else {
+    if constexpr (sizeof(x.raw) == 16) return Integers{_mm_cvtps_epi32(x.raw)};
+#if HWY_TARGET <= HWY_AVX3
+    else if constexpr (sizeof(x.raw) == 64) return Integers{_mm512_cvtps_epi32(x.raw)};
+#endif
+    else return Integers{_mm256_cvtps_epi32(x.raw)};
+  }
 }
 #endif
 
@@ -175,17 +184,41 @@ TZM_INLINE auto TruncateToInt32(V x) {
 }
 template <class V>
 TZM_INLINE auto RoundToInt32(V x) {
-  return TruncateToInt32(hn::Round(x));
+  const hn::DFromV<V> df;
+#if HWY_ARCH_X86
+  x = hn::IfThenElseZero(hn::Eq(x, x), x);
+  return ConvertNearest(MinOrSecond(x, hn::Set(df, 2147483647.0)));
+#else
+  const hn::Rebind<int32_t, decltype(df)> d32;
+  return Vec<decltype(d32)>(vqmovn_s64(vcvtnq_s64_f64(x.raw)));
+#endif
 }
 
 // binary64 lanes to 64-bit integer lanes.
 template <class V>
 TZM_INLINE auto RoundToInt64(V x) {
-  const hn::RebindToSigned<hn::DFromV<V>> d64;
+  const hn::DFromV<V> df;
+  const hn::RebindToSigned<decltype(df)> d64;
 #if HWY_ARCH_X86
-  x = hn::IfThenZeroElse(hn::IsNaN(x), x);
+  x = hn::Round(hn::IfThenElseZero(hn::Eq(x, x), x));
+#if HWY_TARGET <= HWY_AVX3
+  return hn::ConvertTo(d64, x);
+#else
+  // In two halves, each an integer below 2^52 that an addition puts into the low bits of a binary64 number.
+  const auto twoTo32 = hn::Set(df, 0x1p32);
+  const auto least = hn::Max(x, hn::Set(df, -0x1p63));
+  const auto high = hn::Floor(hn::Mul(least, hn::Set(df, 0x1p-32)));
+  const auto low = hn::NegMulAdd(high, twoTo32, least);
+  const hn::Repartition<int32_t, decltype(df)> d32;
+  const auto bits = [&](auto v, double magic) TZM_LAMBDA { return hn::BitCast(d64, hn::Add(v, hn::Set(df, magic))); };
+  const auto both = hn::OddEven(hn::BitCast(d32, hn::ShiftLeft<32>(bits(high, 0x1.8p52))),
+                                hn::BitCast(d32, bits(low, 0x1p52)));
+  const auto above = hn::RebindMask(d64, hn::Ge(x, hn::Set(df, 0x1p63)));
+  return hn::IfThenElse(above, hn::Set(d64, std::numeric_limits<int64_t>::max()), hn::BitCast(d64, both));
 #endif
-  return hn::ConvertTo(d64, hn::Round(x));
+#else
+  return Vec<decltype(d64)>(vcvtnq_s64_f64(x.raw));
+#endif
 }
 
 // ---- Widths ----
@@ -197,14 +230,6 @@ TZM_INLINE Vec<D> Indices(D d, size_t first) {
   const auto index = hn::Add(hn::Set(di, static_cast<int32_t>(first)), hn::Iota(di, 0));
   if constexpr (sizeof(T) == 8) return hn::PromoteTo(d, index);
   else return hn::ConvertTo(d, index);
-}
-
-// Two registers of wide integers to one of half their width, saturating, in order.
-template <class D, class V>
-TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
-  static_assert(sizeof(hn::TFromD<D>) * 2 == sizeof(hn::TFromV<V>));
-  const hn::Half<D> half;
-  return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
 }
 
 // One register of narrow elements from memory to two of twice the width, in order.
@@ -264,26 +289,6 @@ TZM_INLINE void StoreSaturated(V v, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
 
-// binary32 lanes as integers of up to 32 bits, rounded as above. Where the conversion does not saturate,
-// narrow ones are clamped first.
-template <class V, class T>
-TZM_INLINE void StoreRounded(V x, T* to) {
-#if HWY_ARCH_X86
-  if constexpr (sizeof(T) < 4) {
-    const hn::DFromV<V> d;
-    const hn::Rebind<T, decltype(d)> dn;
-    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
-    else x = MaxOrSecond(x, hn::Zero(d));
-    x = MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max()));
-    hn::StoreU(hn::DemoteTo(dn, ConvertNearest(x)), dn, to);
-  } else {
-    StoreSaturated(RoundToInt(x), to);
-  }
-#else
-  StoreSaturated(RoundToInt(x), to);
-#endif
-}
-
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
 // the elements in the registers is the machine's own: enough for element-wise work, and cheaper than
 // the memory order where registers are made of 128-bit blocks.
@@ -328,6 +333,35 @@ TZM_INLINE V PartsInOrder(V v) {
 #endif
   return v;
 }
+// Two registers of numbers to one of half their width, in order: signed integers, saturating, or floats.
+template <class D, class V, class T = hn::TFromD<D>>
+TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
+  const hn::Half<D> half;
+  if constexpr (std::is_same_v<T, float>) return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+#if HWY_ARCH_X86  // the machine narrows within 128-bit blocks
+  const auto pack = [](auto a, auto b) TZM_LAMBDA {
+#if HWY_TARGET <= HWY_AVX3
+    if constexpr (std::is_same_v<T, int16_t>) return _mm512_packs_epi32(a, b);
+    else if constexpr (std::is_same_v<T, uint16_t>) return _mm512_packus_epi32(a, b);
+    else if constexpr (std::is_same_v<T, uint8_t>) return _mm512_packus_epi16(a, b);
+#else
+    if constexpr (std::is_same_v<T, int16_t>) return _mm256_packs_epi32(a, b);
+    else if constexpr (std::is_same_v<T, uint16_t>) return _mm256_packus_epi32(a, b);
+    else if constexpr (std::is_same_v<T, uint8_t>) return _mm256_packus_epi16(a, b);
+#endif
+  };
+  if constexpr (std::is_integral_v<T>) {
+    const Vec<Full<int32_t>> blocks{pack(low.raw, high.raw)};
+    return hn::BitCast(d, PartsInOrder(blocks));
+  }
+#else
+  if constexpr (std::is_same_v<T, int32_t>) return Vec<D>(vqmovn_high_s64(vqmovn_s64(low.raw), high.raw));
+  else if constexpr (std::is_same_v<T, int16_t>) return Vec<D>(vqmovn_high_s32(vqmovn_s32(low.raw), high.raw));
+  else if constexpr (std::is_same_v<T, uint16_t>) return Vec<D>(vqmovun_high_s32(vqmovun_s32(low.raw), high.raw));
+  else if constexpr (std::is_same_v<T, uint8_t>) return Vec<D>(vqmovun_high_s16(vqmovun_s16(low.raw), high.raw));
+#endif
+}
+
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
 #if HWY_ARCH_X86

@@ -1,17 +1,13 @@
-// Conversions to and from binary16 over all of its values, under every rounding mode of the caller.
-#include <signal_tzm/arith.h>
+// Conversions to and from binary16 over all of its values, under every rounding mode of the caller;
+// normalisation.
+#include "check.h"
 
 #include <cfenv>
-#include <cmath>
-#include <limits>
-
-#include "support/compare.h"
-#include "support/random.h"
 
 namespace tzm_test {
 namespace {
 
-// The value of a finite or infinite half: f * 2^(e - 25) with the leading one made explicit.
+// The value of a half: f * 2^(e - 25) with the leading one made explicit.
 double Value(Orva16f half) {
   const int exponent = half >> 10 & 31, fraction = half & 1023;
   double magnitude = exponent == 0 ? std::ldexp(fraction, -24) : std::ldexp(1024 + fraction, exponent - 25);
@@ -19,179 +15,86 @@ double Value(Orva16f half) {
   return half & 0x8000 ? -magnitude : magnitude;
 }
 
-// The half that x rounds to: the largest one not above |x|, or its successor if that is nearer.
+// The half that x rounds to. Its bits less the sign are its magnitude in units of 2^e, plus 1024 * (e + 24).
 Orva16f ToHalf(double x, bool nearest) {
-  if (std::isnan(x)) return 0x7e00;
-  const double magnitude = std::fabs(x);
-  int below = 0;
-  for (int bit = 0x4000; bit != 0; bit /= 2)
-    if (below + bit <= 0x7c00 && Value(static_cast<Orva16f>(below + bit)) <= magnitude) below += bit;
-  if (nearest && below < 0x7c00) {
-    const double low = Value(static_cast<Orva16f>(below));
-    const double high = below == 0x7bff ? 65536 : Value(static_cast<Orva16f>(below + 1));
-    if (magnitude - low > high - magnitude || (magnitude - low == high - magnitude && below % 2 != 0)) ++below;
-  }
-  return static_cast<Orva16f>(std::signbit(x) ? below | 0x8000 : below);
+  if (std::isnan(x)) return std::signbit(x) ? 0xfe00 : 0x7e00;
+  const int exponent = std::max(std::ilogb(std::max(std::fabs(x), 0x1p-30)), -14) - 10;
+  const double units = std::ldexp(std::fabs(x), -exponent), most = nearest || std::isinf(x) ? 0x7c00 : 0x7bff;
+  const double bits = (nearest ? std::nearbyint(units) : std::trunc(units)) + 1024.0 * (exponent + 24);
+  return static_cast<Orva16f>(static_cast<int>(std::min(bits, most)) | (std::signbit(x) ? 0x8000 : 0));
 }
 
-Orva16f Canonical(Orva16f half) { return (half & 0x7fff) > 0x7c00 ? 0x7e00 : half; }
-
-class Half : public testing::TestWithParam<int> {
- protected:
-  // Runs op under the caller's rounding mode, which must survive it.
-  template <class Op>
-  void Call(Op op) {
-    std::fesetround(GetParam());
-    const OrvaStatus status = op();
-    const int after = std::fegetround();
-    std::fesetround(FE_TONEAREST);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(after, GetParam());
-  }
+// Calls under a rounding mode of the caller, which must survive.
+int callersMode;
+template <auto kMember, uint32_t... kMode>
+constexpr auto under = [](auto* src, auto* dst, int32_t len, auto... scale)
+    -> decltype(kMember(src, dst, len, kMode..., scale...)) {
+  std::fesetround(callersMode);
+  const OrvaStatus status = kMember(src, dst, len, kMode..., scale...);
+  EXPECT_EQ(std::fegetround(), callersMode);
+  std::fesetround(FE_TONEAREST);
+  return status;
 };
 
-TEST_P(Half, FromEvery16BitInteger) {
-  std::vector<Orva16s> src(65536 + 5);
-  std::vector<Orva16f> dst(src.size()), want(src.size());
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<Orva16s>(i);
-  for (const uint32_t mode : {0u, 1u}) {
-    for (size_t i = 0; i < src.size(); ++i) want[i] = ToHalf(src[i], mode == 1);
-    Call([&] { return ORVAS_Convert_16s16f(src.data(), dst.data(), static_cast<int32_t>(src.size()), mode); });
-    EXPECT_TRUE(SameBits("ORVAS_Convert_16s16f", want.data(), dst.data(), dst.size())) << mode;
-  }
-}
-
-TEST_P(Half, FromFloatsAroundEveryHalf) {
-  std::vector<Orva32f> src = {1e30f, -1e30f, 65519.996f, 65520.0f, -0.0f, 0x1p-25f, 0x1.000002p-25f, 0x1p-149f};
-  for (uint32_t half = 0; half < 0x10000; ++half) {
+template <uint32_t kMode>
+void CheckConversions() {
+  const auto narrowed = [=](auto x, At) { return ToHalf(x, kMode == 1); };
+  const auto real = [](Orva16f x, At) { return static_cast<float>(Value(x)); };
+  std::vector<Orva32f> floats = {1e30f, -1e30f, 65519.996f, 65520.0f, -0.0f, 0x1p-25f, 0x1.000002p-25f, 0x1p-149f};
+  for (int half = 0; half < 0x10000; ++half) {
     const float value = static_cast<float>(Value(static_cast<Orva16f>(half)));
-    const float next = static_cast<float>(Value(static_cast<Orva16f>(half + 1)));
-    const float middle = value + (next - value) / 2;
-    src.insert(src.end(), {value, middle, std::nextafter(middle, value), std::nextafter(middle, next)});
+    const float middle = value + (static_cast<float>(Value(static_cast<Orva16f>(half + 1))) - value) / 2;
+    floats.insert(floats.end(), {value, middle, std::nextafter(middle, -INFINITY), std::nextafter(middle, INFINITY)});
   }
-  src.resize(src.size() - 1);  // and a tail
-  std::vector<Orva16f> dst(src.size()), want(src.size());
-  for (const uint32_t mode : {0u, 1u}) {
-    for (size_t i = 0; i < src.size(); ++i) want[i] = ToHalf(src[i], mode == 1);
-    Call([&] { return ORVAS_Convert_32f16f(src.data(), dst.data(), static_cast<int32_t>(src.size()), mode); });
-    for (Orva16f& half : dst) half = Canonical(half);
-    EXPECT_TRUE(SameBits("ORVAS_Convert_32f16f", want.data(), dst.data(), dst.size())) << mode;
-  }
-}
-
-TEST_P(Half, EveryHalfToFloatAndInteger) {
-  std::vector<Orva16f> src(65536 + 5);
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<Orva16f>(i);
-  const auto len = static_cast<int32_t>(src.size());
-  std::vector<Orva32f> real(src.size()), wantReal(src.size());
-  for (size_t i = 0; i < src.size(); ++i) wantReal[i] = static_cast<float>(Value(src[i]));
-  Call([&] { return ORVAS_Convert_16f32f(src.data(), real.data(), len); });
-  EXPECT_TRUE(SameBits("ORVAS_Convert_16f32f", wantReal.data(), real.data(), real.size()));
-
-  std::vector<Orva16s> dst(src.size()), want(src.size());
-  constexpr double kScales[] = {1, 2, 0.5, 0x1p10, 0x1p-20, 0x1p-128, 0x1p127, 0x1p149, 0x1p151, 0x1p-1074};
-  for (const double scale : kScales) {
-    const float factor = static_cast<float>(1 / scale);
-    for (const uint32_t mode : {0u, 1u}) {
-      for (size_t i = 0; i < src.size(); ++i) {
-        const float y = factor * wantReal[i];
-        want[i] = std::isnan(y)   ? Orva16s(0)
-                  : y >= 32767.0f  ? Orva16s(32767)
-                  : y <= -32768.0f ? Orva16s(-32768)
-                                   : static_cast<Orva16s>(mode == 1 ? std::nearbyint(y) : std::trunc(y));
-      }
-      Call([&] { return ORVAS_Convert_16f16s_S(src.data(), dst.data(), len, mode, scale); });
-      EXPECT_TRUE(SameBits("ORVAS_Convert_16f16s_S", want.data(), dst.data(), dst.size())) << mode << " " << scale;
-    }
+  CheckOn<Orva16f>("32f16f", under<ORVAS_Convert_32f16f, kMode>, narrowed, 0, floats);
+  CheckOn<Orva16f>("16s16f", under<ORVAS_Convert_16s16f, kMode>, narrowed, 0, AllValues<Orva16s>());
+  CheckOn<Orva32f>("16f32f", under<ORVAS_Convert_16f32f>, real, 0, AllValues<Orva16f>());
+  for (int exponent : {0, 1, -1, 10, -20, -128, 127, 149, 151, -1074}) {
+    CheckOn<Orva16s>("16f16s", under<ORVAS_Convert_16f16s_S, kMode>, [](Orva16f x, At at) {
+      const float y = static_cast<float>(at.Factor()) * static_cast<float>(Value(x));
+      return RoundSaturate<Orva16s>(kMode == 1 ? y : std::trunc(y));
+    }, exponent, AllValues<Orva16f>());
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(CallersMode, Half, testing::Values(FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO));
-
-TEST(HalfStatus, ModeBeforeScale) {
-  const Orva16f src = 0x4100;
-  Orva16s dst = 5;
-  EXPECT_EQ(ORVAS_Convert_16f16s_S(&src, &dst, 1, 2, 0.0), ORVA_STS_ROUND_MODE_ERR);
-  EXPECT_EQ(ORVAS_Convert_16f16s_S(&src, &dst, 0, 2, 0.0), ORVA_STS_SIZE_ERR);
-  EXPECT_EQ(ORVAS_Convert_16f16s_S(&src, &dst, 1, 1, 0.0), ORVA_STS_SCALE_ERR);
-  EXPECT_EQ(dst, 5);
-}
-
-// ---- Normalisation ----
-
-template <class Real>
-Real Fused(Real x, Real vSub, Real vDiv) {
-  return std::fma(x, 1 / vDiv, -(vSub / vDiv));
-}
-
-// One kind of member at one length; `parts` of an element take their own constant, even and odd.
-template <class Real, class Run>
-bool CheckNormalize(const char* name, int len, int parts, bool fused, Run run) {
-  const Real even = Real(1.3), odd = parts == 2 ? Real(-0.9) : even, vDiv = Real(0.7);
-  const auto src = RandomArray<Real>(parts * len, len, Variety::kSpecial);
-  std::vector<Real> dst(src.size()), want(src.size());
-  bool different = false;
-  for (size_t i = 0; i < src.size(); ++i) {
-    const Real vSub = i % 2 != 0 ? odd : even;
-    const Real forms[] = {(src[i] - vSub) * (1 / vDiv), Fused(src[i], vSub, vDiv)};
-    want[i] = forms[fused];
-    different |= forms[0] != forms[1];
+TEST(Half, EveryValueUnderEveryMode) {
+  for (int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    callersMode = mode;
+    CheckConversions<0>();
+    CheckConversions<1>();
   }
-  EXPECT_EQ(run(src.data(), dst.data(), even, odd, vDiv), 0);
-  EXPECT_TRUE(SameBits(name, want.data(), dst.data(), dst.size())) << "len " << len;
-  return different;
 }
+
+// A member with its two constants, as a unary one.
+template <auto kMember, class T, class... Scale>
+OrvaStatus (*const kNormalize)(const T*, T*, int32_t, Scale...) =
+    [](const T* src, T* dst, int32_t len, Scale... scale) {
+      if constexpr (!std::is_class_v<T>) return kMember(src, dst, len, T(100.7), 0.7f, scale...);
+      else return kMember(src, dst, len, {decltype(T::re)(100.7), -32768}, 0.7f, scale...);
+    };
+
+// Scaled members and binary64 have the fused form always, binary32 from `fusedFrom` elements on.
+constexpr auto normal = [](auto x, At at) {
+  using T = decltype(x);
+  const auto part = [&](auto v, double constant, int fusedFrom) {
+    using Part = decltype(v);
+    using Real = std::conditional_t<sizeof(v) == 8, double, float>;
+    const Real vSub = Part(constant), vDiv = 0.7f, r = 1 / vDiv;
+    const bool fused = !std::is_same_v<Part, float> || at.len >= fusedFrom;
+    const Real y = fused ? std::fma(Real(v), r, -(vSub / vDiv)) : (Real(v) - vSub) * r;
+    if constexpr (std::is_integral_v<Part>) return RoundSaturate<Part>(static_cast<float>(at.Factor()) * y);
+    else return y;
+  };
+  if constexpr (!std::is_class_v<T>) return part(x, 100.7, 64);
+  else return T{part(x.re, 100.7, 128), part(x.im, -32768, 128)};
+};
 
 TEST(Normalize, TheFormFollowsTheLength) {
-  bool different = false;
-  for (int len = 1; len <= 260; ++len) {
-    different |= CheckNormalize<Orva32f>("ORVAS_Normalize_32f", len, 1, len >= 64,
-        [=](auto* src, auto* dst, float vSub, float, float vDiv) {
-          return ORVAS_Normalize_32f(src, dst, len, vSub, vDiv);
-        });
-    CheckNormalize<Orva64f>("ORVAS_Normalize_64f", len, 1, true,
-        [=](auto* src, auto* dst, double vSub, double, double vDiv) {
-          return ORVAS_Normalize_64f(src, dst, len, vSub, vDiv);
-        });
-    CheckNormalize<Orva32f>("ORVAS_Normalize_32fc", len, 2, len >= 128,
-        [=](auto* src, auto* dst, float re, float im, float vDiv) {
-          return ORVAS_Normalize_32fc(reinterpret_cast<const Orva32fc*>(src), reinterpret_cast<Orva32fc*>(dst), len,
-                                      {re, im}, vDiv);
-        });
-    CheckNormalize<Orva64f>("ORVAS_Normalize_64fc", len, 2, true,
-        [=](auto* src, auto* dst, double re, double im, double vDiv) {
-          return ORVAS_Normalize_64fc(reinterpret_cast<const Orva64fc*>(src), reinterpret_cast<Orva64fc*>(dst), len,
-                                      {re, im}, vDiv);
-        });
-  }
-  EXPECT_TRUE(different);  // else the lengths prove nothing
-}
-
-TEST(Normalize, ScaledIntegers) {
-  const int n = 65536 + 3;
-  std::vector<Orva16s> src(2 * n), dst(2 * n), want(2 * n);
-  for (int i = 0; i < 2 * n; ++i) src[i] = static_cast<Orva16s>(i);
-  for (const double scale : {1.0, 0.25, 16.0, 0x1p-200, 0x1p200}) {
-    for (const float vDiv : {0.7f, -3.0f, 1e30f, 1e-42f}) {
-      const float factor = static_cast<float>(1 / scale);
-      const auto expect = [&](float even, float odd, int count) {
-        for (int i = 0; i < count; ++i) {
-          const float y = factor * Fused<float>(src[i], i % 2 ? odd : even, vDiv);
-          want[i] = std::isnan(y)   ? Orva16s(0)
-                    : y >= 32767.0f  ? Orva16s(32767)
-                    : y <= -32768.0f ? Orva16s(-32768)
-                                     : static_cast<Orva16s>(std::nearbyint(y));
-        }
-      };
-      expect(-32768, -32768, n);
-      EXPECT_EQ(ORVAS_Normalize_16s_S(src.data(), dst.data(), n, -32768, vDiv, scale), 0);
-      ASSERT_TRUE(SameBits("ORVAS_Normalize_16s_S", want.data(), dst.data(), n)) << scale << " " << vDiv;
-      expect(100, 32767, 2 * n);
-      EXPECT_EQ(ORVAS_Normalize_16sc_S(reinterpret_cast<const Orva16sc*>(src.data()),
-                                       reinterpret_cast<Orva16sc*>(dst.data()), n, {100, 32767}, vDiv, scale), 0);
-      ASSERT_TRUE(SameBits("ORVAS_Normalize_16sc_S", want.data(), dst.data(), 2 * n)) << scale << " " << vDiv;
-    }
-  }
+  Check(normal, MEMBER((kNormalize<ORVAS_Normalize_32f, Orva32f>)), MEMBER((kNormalize<ORVAS_Normalize_64f, Orva64f>)));
+  CHECK((kNormalize<ORVAS_Normalize_32fc, Orva32fc>), normal);
+  CHECK((kNormalize<ORVAS_Normalize_64fc, Orva64fc>), normal);
+  CHECK((kNormalize<ORVAS_Normalize_16s_S, Orva16s, double>), normal);
+  CHECK((kNormalize<ORVAS_Normalize_16sc_S, Orva16sc, double>), normal);
 }
 
 }  // namespace

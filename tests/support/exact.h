@@ -3,6 +3,7 @@
 
 #include <signal_tzm/types.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -19,17 +20,26 @@ T Saturated(Int128 value) {
   return value > Limits::max() ? Limits::max() : value < Limits::min() ? Limits::min() : static_cast<T>(value);
 }
 
-// value * 2^-exponent, to nearest with ties to even, saturated. `value` is below 2^66.
+enum class Ties { kTruncate, kToEven, kAway };
+
+// numerator / denominator * 2^-exponent, to nearest unless it is to be truncated, saturated; by zero the nearest
+// end, or 0. `numerator` is below 2^66, and below 2^33 where `denominator` is not 1.
+template <class T>
+T Quotient(Int128 numerator, Int128 denominator, int exponent, Ties ties = Ties::kToEven) {
+  const auto magnitude = [](Int128 x) { return x < 0 ? -x : x; };
+  if (denominator == 0) return Saturated<T>(numerator << 60);
+  if (exponent < -60 && denominator == 1) return Saturated<T>(numerator << 60);
+  const Int128 n = magnitude(numerator) << std::min(70, std::max(-exponent, 0));
+  const Int128 d = magnitude(denominator) << std::min(70, std::max(exponent, 0));
+  Int128 quotient = n / d;
+  const Int128 twice = 2 * (n % d);
+  if (ties == Ties::kToEven && (twice > d || (twice == d && quotient % 2 != 0))) ++quotient;
+  if (ties == Ties::kAway && twice >= d) ++quotient;
+  return Saturated<T>((numerator < 0) != (denominator < 0) ? -quotient : quotient);
+}
 template <class T>
 T Scaled(Int128 value, int exponent) {
-  if (value == 0 || exponent > 100) return 0;
-  if (exponent < -60) return Saturated<T>(value < 0 ? -(Int128{1} << 100) : Int128{1} << 100);
-  if (exponent <= 0) return Saturated<T>(value * (Int128{1} << -exponent));
-  const Int128 unit = Int128{1} << exponent;
-  Int128 quotient = value / unit, rest = value % unit;
-  if (rest < 0) rest += unit, --quotient;
-  if (2 * rest > unit || (2 * rest == unit && quotient % 2 != 0)) ++quotient;
-  return Saturated<T>(quotient);
+  return Quotient<T>(value, 1, exponent);
 }
 
 // A complex product before the scale.
