@@ -289,6 +289,26 @@ TZM_INLINE void StoreSaturated(V v, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
 
+// binary32 lanes as integers of up to 32 bits, rounded as above. Where the conversion does not saturate,
+// narrow ones are clamped first.
+template <class V, class T>
+TZM_INLINE void StoreRounded(V x, T* to) {
+#if HWY_ARCH_X86
+  if constexpr (sizeof(T) < 4) {
+    const hn::DFromV<V> d;
+    const hn::Rebind<T, decltype(d)> dn;
+    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
+    else x = MaxOrSecond(x, hn::Zero(d));
+    x = MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max()));
+    hn::StoreU(hn::DemoteTo(dn, ConvertNearest(x)), dn, to);
+  } else {
+    StoreSaturated(RoundToInt(x), to);
+  }
+#else
+  StoreSaturated(RoundToInt(x), to);
+#endif
+}
+
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
 // the elements in the registers is the machine's own: enough for element-wise work, and cheaper than
 // the memory order where registers are made of 128-bit blocks.
