@@ -36,17 +36,7 @@ TZM_INLINE Lanes LoadFloats(const T* from) {
 template <class T>
 TZM_INLINE void StoreRounded(const FloatLanes<T>& lanes, T* to) {
   const Full<T> d;
-  const auto rounded = [&](size_t r) TZM_LAMBDA {
-    auto x = lanes.v[r];
-#if HWY_ARCH_X86  // its conversion does not saturate, so that wide numbers are clamped before it
-    const Full<float> df;
-    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
-    else x = MaxOrSecond(x, hn::Zero(df));
-    return ConvertNearest(MinOrSecond(x, hn::Set(df, std::numeric_limits<T>::max())));
-#else
-    return RoundToInt(x);
-#endif
-  };
+  const auto rounded = [&](size_t r) TZM_LAMBDA { return RoundFor<T>(lanes.v[r]); };
   if constexpr (sizeof(T) == 2) {
     hn::StoreU(NarrowPair(d, rounded(0), rounded(1)), d, to);
   } else {

@@ -289,24 +289,30 @@ TZM_INLINE void StoreSaturated(V v, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
 
-// binary32 lanes as integers of up to 32 bits, rounded as above. Where the conversion does not saturate,
-// narrow ones are clamped first.
-template <class V, class T>
-TZM_INLINE void StoreRounded(V x, T* to) {
+// binary32 lanes as integers of T, rounded as above, in 32 bits that a saturating narrowing takes to T. Where the
+// conversion does not saturate, what narrow ones cannot hold is clamped first.
+template <class T, class V>
+TZM_INLINE auto RoundFor(V x) {
 #if HWY_ARCH_X86
   if constexpr (sizeof(T) < 4) {
     const hn::DFromV<V> d;
-    const hn::Rebind<T, decltype(d)> dn;
     if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
     else x = MaxOrSecond(x, hn::Zero(d));
-    x = MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max()));
-    hn::StoreU(hn::DemoteTo(dn, ConvertNearest(x)), dn, to);
+    return ConvertNearest(MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max())));
   } else {
-    StoreSaturated(RoundToInt(x), to);
+    return RoundToInt(x);
   }
 #else
-  StoreSaturated(RoundToInt(x), to);
+  return RoundToInt(x);
 #endif
+}
+
+// One register of binary32 lanes as integers of up to 32 bits.
+template <class V, class T>
+TZM_INLINE void StoreRounded(V x, T* to) {
+  const hn::Rebind<T, hn::DFromV<V>> dn;
+  if constexpr (sizeof(T) == 4) hn::StoreU(RoundFor<T>(x), dn, to);
+  else hn::StoreU(hn::DemoteTo(dn, RoundFor<T>(x)), dn, to);
 }
 
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
