@@ -1,5 +1,6 @@
 // tzm convolve: a recording through an impulse response.
 #include <signal_tzm/correlate.h>
+#include <signal_tzm/selectors.h>
 
 #include <algorithm>
 #include <cmath>
@@ -56,7 +57,7 @@ void Run(int argc, char** argv) {
       ReadResponse(operands->at(1), reader.Rate(), reader.Channels(), std::pow(10, gain / 20));
   const size_t taps = response[0].size(), full = kStreamBlock + taps - 1;
   const auto convolution = MakeHandle<Convolution>("the convolution", [&](auto** state) {
-    return ORVAS_ConvInit_32f(int32_t(kStreamBlock), int32_t(taps), 0, state);
+    return ORVAS_ConvInit_32f(int32_t(kStreamBlock), int32_t(taps), ORVA_ROUTE_BY_LENGTH, state);
   });
   AudioWriter writer(operands->at(2), reader.Rate(), reader.Channels(), reader.SampleFormat());
   // Each block's response is longer than the block: what lies beyond is added to the blocks that follow.

@@ -1,6 +1,7 @@
 // tzm delay: how much later one recording has a sound than another.
 #include <signal_tzm/correlate.h>
 #include <signal_tzm/reduce.h>
+#include <signal_tzm/selectors.h>
 
 #include <algorithm>
 #include <cmath>
@@ -41,7 +42,7 @@ double Energy(std::span<const float> samples) {
 std::vector<double> Correlate(AudioReader& recording, AudioReader& reference, size_t lags) {
   const size_t block = std::max(kLeastBlock, 2 * lags), window = block + 2 * lags, count = 2 * lags + 1;
   const auto correlation = MakeHandle<Correlation>("the correlation", [&](auto** state) {
-    return ORVAS_CrossCorrInit_32f(int32_t(block), int32_t(window), int32_t(count), 0, 0, state);
+    return ORVAS_CrossCorrInit_32f(int32_t(block), int32_t(window), int32_t(count), 0, ORVA_ROUTE_BY_LENGTH, state);
   });
   std::vector<float> held(window), fixed(block), piece(count);  // held[lags] is heard with fixed[0]
   std::vector<double> sum(count);

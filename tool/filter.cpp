@@ -2,6 +2,7 @@
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/fir.h>
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include <algorithm>
@@ -28,7 +29,7 @@ constexpr int32_t kMostTaps = 1 << 20;
 
 struct Settings {
   std::string file, output, response;
-  size_t kind = kLowpass, window = 2;
+  size_t kind = kLowpass, window = ORVA_WINDOW_HAMMING;
   double cutoff = 0, upper = 0;
   int32_t taps = 255;
 };
@@ -64,7 +65,9 @@ void DrawResponse(const Settings& s, const std::vector<float>& taps, int32_t rat
   padded.resize(len);
   std::vector<Orva32fc> bin(bins);
   const auto spec = MakeHandle<Spec>("the transform",
-                                     [&](auto** made) { return ORVAS_DFTRToCInit_32f(int32_t(len), 4, made); });
+                                     [&](auto** made) {
+                                       return ORVAS_DFTRToCInit_32f(int32_t(len), ORVA_DIVIDE_NONE, made);
+                                     });
   Require(ORVAS_DFTRToC_32f(padded.data(), &bin[0].re, spec.get()), "the transform");
   Require(ORVAS_Magnitude_32fc(bin.data(), magnitude.data(), int32_t(bins)), "the magnitude");
   Plot plot;
@@ -85,7 +88,7 @@ void DrawResponse(const Settings& s, const std::vector<float>& taps, int32_t rat
 // The filter delays by half its length, which is taken out.
 void Apply(AudioReader& reader, const std::vector<float>& taps, AudioWriter& writer) {
   const auto filter = MakeHandle<Filter>("the filter", [&](auto** state) {
-    return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), 0, state);
+    return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), ORVA_ROUTE_BY_LENGTH, state);
   });
   const auto channels = size_t(reader.Channels());
   const size_t delay = taps.size() / 2;

@@ -32,7 +32,8 @@ void PlotOptions::Settle(const std::string& file, const char* suffix) {
   Check();
   if (noPlot && !output.empty()) throw UsageError("--no-plot and --output exclude each other");
   if (!output.empty()) return CheckPlotName(output);
-  if (byDefault && !noPlot && !csv && !json) output = std::filesystem::path(file).stem().string() + "-" + suffix + ".png";
+  if (byDefault && !noPlot && !csv && !json)
+    output = std::filesystem::path(file).stem().string() + "-" + suffix + ".png";
 }
 
 void PlotOptions::PrintPlotName() const {

@@ -3,6 +3,7 @@
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/generate.h>
 #include <signal_tzm/reduce.h>
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include <algorithm>
@@ -50,7 +51,9 @@ Spectrogram Analyse(AudioReader& reader, const Settings& s) {
   const int64_t frames = 1 + (reader.Length() - s.segment) / int64_t(hop);
   const int64_t perColumn = (frames + kMostColumns - 1) / kMostColumns;
   const auto spec = MakeHandle<Spec>("the transform",
-                                     [&](auto** made) { return ORVAS_DFTRToCInit_32f(s.segment, 4, made); });
+                                     [&](auto** made) {
+                                       return ORVAS_DFTRToCInit_32f(s.segment, ORVA_DIVIDE_NONE, made);
+                                     });
   std::vector<float> window(len, 1.0f), samples(len), windowed(len), power(bins);
   std::vector<Orva32fc> bin(bins);
   std::vector<double> sum(bins);

@@ -1,5 +1,6 @@
 // Division: quotients of two arrays, element by element, the divisor first.
 #include <signal_tzm/arith.h>
+#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"
@@ -143,9 +144,9 @@ OrvaStatus DivideRounded(const T* divisor, const T* dividend, T* dst, int32_t le
     return Status(zero);
   };
   switch (roundMode) {
-    case 0: return run.template operator()<Rounding::kToZero>();
-    case 1: return run.template operator()<Rounding::kToEven>();
-    case 2: return run.template operator()<Rounding::kFromZero>();
+    case ORVA_ROUND_ZERO: return run.template operator()<Rounding::kToZero>();
+    case ORVA_ROUND_NEAREST: return run.template operator()<Rounding::kToEven>();
+    case ORVA_ROUND_TIES_AWAY: return run.template operator()<Rounding::kFromZero>();
     default: return run.template operator()<Rounding::kUnknown>();
   }
 }

@@ -1,5 +1,6 @@
 // Conversion to and from binary16.
 #include <signal_tzm/arith.h>
+#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"
@@ -11,10 +12,9 @@ using namespace tzm;
 
 namespace {
 
-constexpr uint32_t kModeToNearest = 1;  // the other mode, 0, is toward zero
 
 OrvaStatus CheckRoundMode(uint32_t roundMode) {
-  return roundMode > kModeToNearest ? ORVA_STS_ROUND_MODE_ERR : ORVA_STS_NO_ERR;
+  return roundMode > ORVA_ROUND_NEAREST ? ORVA_STS_ROUND_MODE_ERR : ORVA_STS_NO_ERR;
 }
 
 constexpr Full<float> kReal;
@@ -44,7 +44,7 @@ template <class T>
 OrvaStatus ConvertToHalf(const T* src, Orva16f* dst, int32_t len, uint32_t roundMode) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckRoundMode(roundMode)) return status;
-  if (roundMode == kModeToNearest) Narrow<false>(src, dst, len);
+  if (roundMode == ORVA_ROUND_NEAREST) Narrow<false>(src, dst, len);
   else Narrow<true>(src, dst, len);
   return ORVA_STS_NO_ERR;
 }
@@ -96,7 +96,7 @@ OrvaStatus ORVAS_Convert_16f16s_S(const Orva16f* src, Orva16s* dst, int32_t len,
   if (OrvaStatus status = CheckRoundMode(roundMode)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = FactorBits(ScaleExponent(scale));
-  if (roundMode == kModeToNearest) RoundHalf<false>(src, dst, len, factor);
+  if (roundMode == ORVA_ROUND_NEAREST) RoundHalf<false>(src, dst, len, factor);
   else RoundHalf<true>(src, dst, len, factor);
   return ORVA_STS_NO_ERR;
 }

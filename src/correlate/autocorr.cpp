@@ -117,7 +117,7 @@ OrvaStatus Init(int32_t srcLen, int32_t dstLen, int32_t kind, CorrState** stateO
   *state = {};
   const int32_t lags = std::min(srcLen, dstLen);
   state->outCount = lags;
-  if (kind == kFftKind || (kind == kAutomatic && (lags > 32 || 2048 / lags < srcLen)))
+  if (kind == ORVA_ROUTE_FFT || (kind == ORVA_ROUTE_BY_LENGTH && (lags > 32 || 2048 / lags < srcLen)))
     if (OrvaStatus status = MakeTransforms(state, srcLen, lags, kLimit<Sample>, kNeeded<Sample>)) return status;
   *stateOut = reinterpret_cast<CorrState*>(state);
   return ORVA_STS_NO_ERR;
@@ -154,8 +154,8 @@ OrvaStatus Run(const Sample* src, int32_t srcLen, Sample* dst, int32_t dstLen, i
     Zero(dst, dstLen);
     Direct(src, srcLen, lags, dst);
   }
-  if (normalisation == kBiased) DivideParts(dst, srcLen, dst, lags);
-  else if (normalisation == kUnbiased) DivideByOverlap(dst, lags, 0, srcLen, srcLen);
+  if (normalisation == ORVA_NORMALISATION_BIASED) DivideParts(dst, srcLen, dst, lags);
+  else if (normalisation == ORVA_NORMALISATION_UNBIASED) DivideByOverlap(dst, lags, 0, srcLen, srcLen);
   return ORVA_STS_NO_ERR;
 }
 

@@ -289,7 +289,8 @@ OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** stat
     return status;
   };
   const int64_t total = int64_t{src1Len} + src2Len;
-  const bool fft = kind == kFftKind || (kind == kAutomatic && std::min(src1Len, src2Len) > kShort && total > 512);
+  const bool isLong = std::min(src1Len, src2Len) > kShort && total > 512;
+  const bool fft = kind == ORVA_ROUTE_FFT || (kind == ORVA_ROUTE_BY_LENGTH && isLong);
   if (fft) {
     if (total >= kLimit<T>) return refuse(ORVA_STS_OVERFLOW_ERR);
     state->route = kFftRoute;

@@ -192,8 +192,6 @@ void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Cou
 
 // ---- Normalisation ----
 
-enum Normalisation : int32_t { kBiased = 1, kUnbiased = 2 };  // anything else leaves the sums
-
 // dst[j] divided by the number of products of lag firstLag + j, between sequences of len1 and len2.
 template <class Sample>
 void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1, int64_t len2) {

@@ -90,7 +90,7 @@ OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t dstLen, int32_t lowLag
   state->outCount = static_cast<int32_t>(lags.count);
   if (lags.count > 0) {
     const int32_t chunk = static_cast<int32_t>(lags.chunk);
-    if (kind == kFftKind || (kind == kAutomatic && (chunk > 64 || 4096 / chunk < src1Len)))
+    if (kind == ORVA_ROUTE_FFT || (kind == ORVA_ROUTE_BY_LENGTH && (chunk > 64 || 4096 / chunk < src1Len)))
       if (OrvaStatus status = MakeTransforms(state, src1Len, chunk, kLimit<Sample>, State::kBuffers)) return status;
   }
   *stateOut = reinterpret_cast<CorrState*>(state);
@@ -119,8 +119,10 @@ OrvaStatus Run(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t 
     if (lags.count > 0) Direct<Sample>(src1, src1Len, src2, src2Len, lags, computed);
   }
   // Deliberately over the state's number of lags on both routes.
-  if (normalisation == kBiased) DivideParts(computed, std::min(src1Len, src2Len), computed, state.outCount);
-  else if (normalisation == kUnbiased) DivideByOverlap(computed, state.outCount, lags.first, src1Len, src2Len);
+  if (normalisation == ORVA_NORMALISATION_BIASED)
+    DivideParts(computed, std::min(src1Len, src2Len), computed, state.outCount);
+  else if (normalisation == ORVA_NORMALISATION_UNBIASED)
+    DivideByOverlap(computed, state.outCount, lags.first, src1Len, src2Len);
   return ORVA_STS_NO_ERR;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <signal_tzm/arith.h>
+#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/core.h"
@@ -13,8 +14,6 @@
 namespace tzm {
 
 enum Route : int32_t { kDirectRoute, kFftRoute };
-enum AlgorithmKind : int32_t { kAutomatic = 0, kFftKind = 2 };  // anything else is direct
-
 // 1 for 1, otherwise the smallest power of two from 2 on that is not below `count`, which arguments without any lag
 // can make negative.
 inline int64_t TransformLength(int64_t count) {

@@ -4,6 +4,7 @@
 #include <signal_tzm/fir.h>
 #include <signal_tzm/generate.h>
 #include <signal_tzm/reduce.h>
+#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/vector.h"
@@ -71,10 +72,10 @@ OrvaStatus CheckFrequency(double frequency) {
 OrvaStatus MakeWindow(FIRGenState* buffer, int32_t len, int32_t kind) {
   ORVAS_Set_64f(1.0, Window(buffer), len);
   switch (kind) {
-    case 0: return ORVAS_WinBartlett_64f_I(Window(buffer), len);
-    case 1: return ORVAS_WinBlackmanOpt_64f_I(Window(buffer), len);
-    case 2: return ORVAS_WinHamming_64f_I(Window(buffer), len);
-    case 3: return ORVAS_WinHann_64f_I(Window(buffer), len);
+    case ORVA_WINDOW_BARTLETT: return ORVAS_WinBartlett_64f_I(Window(buffer), len);
+    case ORVA_WINDOW_BLACKMAN: return ORVAS_WinBlackmanOpt_64f_I(Window(buffer), len);
+    case ORVA_WINDOW_HAMMING: return ORVAS_WinHamming_64f_I(Window(buffer), len);
+    case ORVA_WINDOW_HANN: return ORVAS_WinHann_64f_I(Window(buffer), len);
     default: return ORVA_STS_FIRGEN_WINDOW_ERR;
   }
 }

@@ -2,6 +2,7 @@
 #include <signal_tzm/arith.h>
 #include <signal_tzm/fir.h>
 #include <signal_tzm/reduce.h>
+#include <signal_tzm/selectors.h>
 
 #include "fir/samples.h"
 #include "frame/call.h"
@@ -28,8 +29,6 @@ struct FIRSRState {
 };
 
 namespace {
-
-enum Kind : int32_t { kAutomatic, kDirect, kFft };
 
 constexpr int32_t kMostTaps = 0x1fffffff;
 
@@ -357,7 +356,7 @@ void RunFft(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state
 template <class Real>
 OrvaStatus Release(FIRSRState* state) {
   if (state == nullptr) return ORVA_STS_NO_ERR;
-  if (state->route == kFft) {
+  if (state->route == ORVA_ROUTE_FFT) {
     using Plan = typename Fft<Real>::Plan;
     Fft<Real>::Destroy(static_cast<Plan>(state->forwardPlan));
     Fft<Real>::Destroy(static_cast<Plan>(state->inversePlan));
@@ -394,7 +393,7 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, 
   if (tapsLen < 1) return ORVA_STS_SIZE_ERR;
   if (tapsLen > kMostTaps) return ORVA_STS_OVERFLOW_ERR;
   if (maxLen < 1) return ORVA_STS_SIZE_ERR;
-  if (kind < kAutomatic || kind > kFft) return ORVA_STS_FIR_ALG_ERR;
+  if (kind < ORVA_ROUTE_BY_LENGTH || kind > ORVA_ROUTE_FFT) return ORVA_STS_FIR_ALG_ERR;
 
   int64_t power = 1;
   while (power < tapsLen) power *= 2;
@@ -402,14 +401,14 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, 
   const int64_t spectrumAt = RoundUp16(sizeof(FIRSRState)) + RoundUp16(int64_t{tapsLen} * sizeof(Tap));
   const int64_t spectrumEnd = spectrumAt + 2 * points * sizeof(Complex);
   const bool possible = power <= kMostTaps && points <= kMostPoints && spectrumEnd <= kMostBytes;
-  if (kind == kFft && !possible) return ORVA_STS_OVERFLOW_ERR;
-  if (kind == kAutomatic)
-    kind = possible && tapsLen > kMostDirectTaps && maxLen > kMostDirectLen ? kFft : kDirect;
+  if (kind == ORVA_ROUTE_FFT && !possible) return ORVA_STS_OVERFLOW_ERR;
+  if (kind == ORVA_ROUTE_BY_LENGTH)
+    kind = possible && tapsLen > kMostDirectTaps && maxLen > kMostDirectLen ? ORVA_ROUTE_FFT : ORVA_ROUTE_DIRECT;
 
   if (maxLen >= kMostTaps - tapsLen) return ORVA_STS_OVERFLOW_ERR;
-  const int64_t stateBytes = kind == kFft ? spectrumEnd : spectrumAt;
+  const int64_t stateBytes = kind == ORVA_ROUTE_FFT ? spectrumEnd : spectrumAt;
   const int64_t workBytes =
-      kind == kFft ? 3 * points * sizeof(Complex) + 15 : DirectBytes<Tap>(int64_t{tapsLen} + maxLen);
+      kind == ORVA_ROUTE_FFT ? 3 * points * sizeof(Complex) + 15 : DirectBytes<Tap>(int64_t{tapsLen} + maxLen);
   if (stateBytes > kMostBytes || workBytes > kMostBytes) return ORVA_STS_OVERFLOW_ERR;
 
   Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
@@ -426,7 +425,7 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, 
   state->taps = block + RoundUp16(sizeof(FIRSRState));
   state->work = work;
   Flip(taps, state->taps, tapsLen);
-  if (kind == kFft) {
+  if (kind == ORVA_ROUTE_FFT) {
     state->fftLen = static_cast<int32_t>(points);
     state->spectrum = block + spectrumAt;
     if constexpr (kComplex) {
@@ -451,12 +450,12 @@ OrvaStatus Run(const Sample* src, Sample* dst, int32_t len, const FIRSRState* st
                Sample* delayDst) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckPointers(state)) return status;
-  if (state->route == kFft) {
+  if (state->route == ORVA_ROUTE_FFT) {
     if (OrvaStatus status = CheckPointers(state->forwardPlan, state->inversePlan, state->spectrum)) return status;
   }
   if (OrvaStatus status = CheckPointers(state->taps, state->work)) return status;
   if constexpr (!std::is_same_v<Sample, Wide>) Zero(dst, len);
-  if (state->route == kFft) RunFft<Tap, Wide>(src, dst, len, *state, delaySrc, delayDst);
+  if (state->route == ORVA_ROUTE_FFT) RunFft<Tap, Wide>(src, dst, len, *state, delaySrc, delayDst);
   else RunDirect<Tap>(src, dst, len, *state, delaySrc, delayDst);
   return ORVA_STS_NO_ERR;
 }

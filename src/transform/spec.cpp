@@ -1,4 +1,5 @@
 // FFT and DFT specs: a plan made once by Init, run by the working calls, given back by Release.
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
@@ -55,7 +56,7 @@ template <class Family, class Record, class MakePlan>
 OrvaStatus Init(int32_t length, int32_t direction, int32_t flag, OrvaTransformSpec** specOut, MakePlan makePlan) {
   if (OrvaStatus status = CheckPointers(specOut)) return status;
   if (OrvaStatus status = Family::CheckArgument(length)) return status;
-  if (flag < 1 || flag > 4) return ORVA_STS_FFT_FLAG_ERR;
+  if (flag < ORVA_DIVIDE_FORWARD || flag > ORVA_DIVIDE_NONE) return ORVA_STS_FFT_FLAG_ERR;
   auto* const spec = static_cast<Record*>(ORVA_Malloc(sizeof(Record)));
   if (spec == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
   spec->flag = flag;
@@ -106,12 +107,14 @@ OrvaStatus CheckRun(const OrvaTransformSpec* spec, const T*... arrays) {
   return Family::CheckLength(spec->len);
 }
 
-// A transform in the given direction is divided by n (flag 1 forward, 2 inverse), by its root (3), or
-// not at all: ORVAS_DivC without its call, which short transforms would notice.
+// A transform is divided by its length, by its root, or not at all: ORVAS_DivC without its call, which short
+// transforms would notice.
 template <class Real>
 void Normalise(const OrvaTransformSpec* spec, int32_t direction, Real* data, int32_t count) {
-  if (spec->flag != 3 && spec->flag != (direction == kForward ? 1 : 2)) return;
-  const Real by = static_cast<Real>(spec->flag == 3 ? sqrt(static_cast<double>(spec->len)) : spec->len);
+  const int32_t own = direction == kForward ? ORVA_DIVIDE_FORWARD : ORVA_DIVIDE_INVERSE;
+  if (spec->flag != own && spec->flag != ORVA_DIVIDE_BY_ROOT) return;
+  const double len = spec->len;
+  const Real by = static_cast<Real>(spec->flag == ORVA_DIVIDE_BY_ROOT ? sqrt(len) : len);
   MulReciprocal(data, by, data, static_cast<size_t>(count));
 }
 

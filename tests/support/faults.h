@@ -35,8 +35,8 @@ int ForEachFault(Call call, OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR, OrvaStat
   }
 }
 
-// ForEachFault for an Init that makes a State and its Release: a refused Init leaves the pointer alone, or null where it
-// `clears` it.
+// ForEachFault for an Init that makes a State and its Release: a refused Init leaves the pointer alone, or null where
+// it `clears` it.
 template <class State, class Init>
 int ForEachFaultOfInit(Init init, OrvaStatus (*release)(State*), bool clears = false) {
   return ForEachFault([=] {
