@@ -172,9 +172,9 @@ TZM_API OrvaStatus ORVAS_Div_16sc_IS(const Orva16sc* src, Orva16sc* srcDst, int3
 
 /** @name Scaled division with a chosen rounding
  * dst[i] = src2[i] / src1[i] / 2^s, or srcDst[i] / src[i] / 2^s in place, saturated; s is log2(scale) truncated
- * toward zero. The exact quotient is rounded by `roundMode`: 0 toward zero, 1 to nearest with ties to even, 2 to
- * nearest with ties away from zero. A zero divisor gives the largest value for a positive dividend, the smallest
- * for a negative one, and 0 for 0 by 0.
+ * toward zero. The exact quotient is rounded by `roundMode` (`ORVA_ROUND_...`): 0 toward zero, 1 to nearest with ties
+ * to even, 2 to nearest with ties away from zero. A zero divisor gives the largest value for a positive dividend, the
+ * smallest for a negative one, and 0 for 0 by 0.
  *
  * Any other `roundMode` is no error: the elements of the body (len without len % 32 for 8u, len % 16 for 16u,
  * len % 8 for 16s) become 0, with the warning for their divisors, and those of the tail are left alone.
@@ -349,10 +349,10 @@ TZM_API OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_
 /* ---- Half-precision conversion ---- */
 
 /** @name Half-precision conversion
- * dst[i] = src[i] in another format, `len` elements. `roundMode` 0 rounds toward zero, 1 to nearest with ties to
- * even, whatever the rounding mode of the caller, which is left as it is. A value beyond the range of binary16
- * becomes the largest finite value in mode 0, infinity in mode 1. 16f32f is exact. 16f16s_S: f * src[i] in binary32,
- * rounded and saturated, NaN giving 0, with f = 2^-s, s being log2(scale) truncated toward zero.
+ * dst[i] = src[i] in another format, `len` elements. `roundMode` (`ORVA_ROUND_...`) 0 rounds toward zero, 1 to
+ * nearest with ties to even, whatever the rounding mode of the caller, which is left as it is. A value beyond the
+ * range of binary16 becomes the largest finite value in mode 0, infinity in mode 1. 16f32f is exact. 16f16s_S: f *
+ * src[i] in binary32, rounded and saturated, NaN giving 0, with f = 2^-s, s being log2(scale) truncated toward zero.
  *
  * Body and tail give the same values. The arrays must not overlap. Status: 1 null pointer; 2 `len < 1`; 200
  * `roundMode` above 1; 20 scale not positive and finite (16f16s_S). @{ */

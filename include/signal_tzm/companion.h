@@ -67,9 +67,10 @@ TZM_API OrvaStatus ORVAS_Flip_64fc(const Orva64fc* src, Orva64fc* dst, int32_t l
 
 /** @name Core: conversions by value
  * A narrowing to binary32 rounds to nearest, ties to even. The scaled form divides by the power of two of
- * the scale rule, rounds by `roundMode` (0 toward zero, 1 to nearest with ties to even) and saturates; NaN
- * gives 0. Its further statuses are 200 for another mode, then 20 for a scale that is not positive and
- * finite. CplxToReal: dstRe[i] = src[i].re and dstIm[i] = src[i].im; RealToCplx: the reverse. @{ */
+ * the scale rule, rounds by `roundMode` (`ORVA_ROUND_...`: 0 toward zero, 1 to nearest with ties to even)
+ * and saturates; NaN gives 0. Its further statuses are 200 for another mode, then 20 for a scale that is
+ * not positive and finite. CplxToReal: dstRe[i] = src[i].re and dstIm[i] = src[i].im; RealToCplx: the
+ * reverse. @{ */
 TZM_API OrvaStatus ORVAS_Convert_16s32f(const Orva16s* src, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Convert_32f64f(const Orva32f* src, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Convert_64f32f(const Orva64f* src, Orva32f* dst, int32_t len);

@@ -13,9 +13,9 @@
  *     dst[k] = sum over i of src1[i] * src2[k-i],    k = 0 ... N-1,    N = src1Len + src2Len - 1
  *
  * with `N` samples in `dst`, which must not overlap the sources. Init chooses the route from the lengths
- * and `kind`: 2 by FFT; 0 by FFT where both lengths exceed 16 and their sum exceeds 512, else directly; any
- * other kind directly. Release (null allowed) gives the state back. Working calls write to the state: one
- * call at a time on each.
+ * and `kind` (`ORVA_ROUTE_...`): 2 by FFT; 0 by FFT where both lengths exceed 16 and their sum exceeds 512,
+ * else directly; any other kind directly. Release (null allowed) gives the state back. Working calls write to
+ * the state: one call at a time on each.
  *
  * Directly, an output is one fused chain from 0 in ascending i, over exactly its own samples where `src2`
  * has at most 16, and in the last N mod B outputs (B is 16 in 32f, 8 in 64f). With a longer `src2` the other
@@ -67,10 +67,10 @@ typedef struct CorrState CorrState;
  *     r[k] = sum over i from 0 to n-1-k of conj(src[i]) * src[i+k]
  *
  * `dstLen` elements in `dst`, which must not overlap `src`; those from m on become 0. Then, by
- * `normalisation`: 1 biased, every lag divided by n (ORVAS_DivC); 2 unbiased, lag k divided by n-k; anything
- * else leaves the sums. Init chooses the route from the lengths and `kind`: 2 by FFT; 0 by FFT where m exceeds
- * 32 or srcLen exceeds 2048/m (integer division), else directly; any other kind directly. Release is
- * ORVAS_CorrRelease of the same type.
+ * `normalisation` (`ORVA_NORMALISATION_...`): 1 biased, every lag divided by n (ORVAS_DivC); 2 unbiased, lag k
+ * divided by n-k; anything else leaves the sums. Init chooses the route from the lengths and `kind`
+ * (`ORVA_ROUTE_...`): 2 by FFT; 0 by FFT where m exceeds 32 or srcLen exceeds 2048/m (integer division), else
+ * directly; any other kind directly. Release is ORVAS_CorrRelease of the same type.
  *
  * Directly, lags are summed in blocks of L, the last m % L of them one by one. G samples are a 128-bit
  * vector of real or of imaginary parts:
@@ -128,17 +128,18 @@ TZM_API OrvaStatus ORVAS_CorrRelease_64fc(CorrState* state);
  *
  * A lag without overlap is 0. Computed are the lags from firstLag = max(1-src1Len, lowLag) on,
  * count = min(src2Len-lowLag, dstLen) - (firstLag-lowLag) of them. `dst` must not overlap the sources. Then,
- * by `normalisation`: 1 biased, division by min(src1Len, src2Len) (ORVAS_DivC); 2 unbiased, each lag divided
- * by its number of products; anything else leaves the sums. The division deliberately covers the `count` of
- * Init from firstLag on, also on the direct route, which otherwise goes by the lengths of the call. A state
- * whose `count` was not above 0 clears `dst`.
+ * by `normalisation` (`ORVA_NORMALISATION_...`): 1 biased, division by min(src1Len, src2Len) (ORVAS_DivC); 2
+ * unbiased, each lag divided by its number of products; anything else leaves the sums. The division
+ * deliberately covers the `count` of Init from firstLag on, also on the direct route, which otherwise goes by
+ * the lengths of the call. A state whose `count` was not above 0 clears `dst`.
  *
- * Init chooses the route by chunk = min(max(src1Len, 128), count) and `kind`: 2 by FFT; 0 by FFT where chunk
- * exceeds 64 or src1Len exceeds 4096/chunk (integer division), else directly; any other kind directly.
- * Directly, all lags are summed as the single lags of autocorrelation, from the first product on. By FFT,
- * src1 and, for each block of P - src1Len + 1 lags, a piece of src2 are transformed at length P, the smallest
- * power of two not below src1Len + chunk - 1. Any arguments with the same P may use the state, even such
- * without a lag; a call deliberately writes the `count` of Init, for which `dst` must have room from firstLag on.
+ * Init chooses the route by chunk = min(max(src1Len, 128), count) and `kind` (`ORVA_ROUTE_...`): 2 by FFT; 0
+ * by FFT where chunk exceeds 64 or src1Len exceeds 4096/chunk (integer division), else directly; any other
+ * kind directly. Directly, all lags are summed as the single lags of autocorrelation, from the first product
+ * on. By FFT, src1 and, for each block of P - src1Len + 1 lags, a piece of src2 are transformed at length P,
+ * the smallest power of two not below src1Len + chunk - 1. Any arguments with the same P may use the state,
+ * even such without a lag; a call deliberately writes the `count` of Init, for which `dst` must have room from
+ * firstLag on.
  *
  * Status of Init: 1 null `state`; 2 a length below 1; 9 no memory or no plan; 202 FFT route with
  * src1Len + chunk above 0x8000001 (64f, 32fc: 0x4000001; 64fc: 0x2000001). `*state` is written on success

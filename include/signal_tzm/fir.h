@@ -22,13 +22,13 @@
  * | `_64fc` | `_64fc` | 8 | `ORVAS_DotProd_64fc` |
  * | `32f_32fc` | `32f_32fc` | 16 | `ORVAS_DotProd_32f32fc` |
  *
- * **Init.** `maxLen` is the largest length that a run will be given; `kind` 1 asks for the direct sum, 2 for
- * fast convolution by FFT, 0 for the choice: FFT when T exceeds 95 (real samples) or 31 (complex) and `maxLen`
- * exceeds 5119, unless the transform would be too long. With P the smallest power of two not below T, the
- * transform has 2P points when maxLen-1 <= 2P-T, else 4P. Status, in this order: 1 `taps` or `stateOut` null;
- * 2 T < 1; 202 T > 536870911; 2 `maxLen` < 1; 406 another kind; 202 kind 2 and P > 536870911 or a transform
- * longer than 44739241 points (22369620 in binary64), `maxLen` >= 536870911 - T, or a block beyond 2^31-1
- * bytes; 9 no memory or no plan. `*stateOut` is set on success only.
+ * **Init.** `maxLen` is the largest length that a run will be given; `kind` (`ORVA_ROUTE_...`) 1 asks for the
+ * direct sum, 2 for fast convolution by FFT, 0 for the choice: FFT when T exceeds 95 (real samples) or 31
+ * (complex) and `maxLen` exceeds 5119, unless the transform would be too long. With P the smallest power of
+ * two not below T, the transform has 2P points when maxLen-1 <= 2P-T, else 4P. Status, in this order: 1 `taps`
+ * or `stateOut` null; 2 T < 1; 202 T > 536870911; 2 `maxLen` < 1; 406 another kind; 202 kind 2 and P >
+ * 536870911 or a transform longer than 44739241 points (22369620 in binary64), `maxLen` >= 536870911 - T, or a
+ * block beyond 2^31-1 bytes; 9 no memory or no plan. `*stateOut` is set on success only.
  *
  * **Run.** `len` samples from `src` to `dst`. `delaySrc` and `delayDst` hold T-1 samples, oldest first, and may
  * be null (zeros before the first sample; nothing kept) or the same array; with T = 1 they are not touched.
@@ -208,10 +208,10 @@ TZM_API OrvaStatus ORVAS_FIRSparseRelease_32f(FIRSparseState* state);
 
 /** @name FIR design
  * `tapsLen` taps of linear phase by the window method, in binary64. Frequencies are fractions of the
- * sampling rate, above 0 and below 0.5; the band members take low below high. `winType` is 0 Bartlett,
- * 1 optimal Blackman, 2 Hamming or 3 Hann. The taps are symmetric to the bit, save that a highpass of even
- * length is antisymmetric. The centre tap has no window factor. `doNormal` 1 (and nothing else) makes the
- * gain 1 at frequency 0 (lowpass, bandstop), half the rate (highpass) or the band's centre (bandpass).
+ * sampling rate, above 0 and below 0.5; the band members take low below high. `winType` (`ORVA_WINDOW_...`) is
+ * 0 Bartlett, 1 optimal Blackman, 2 Hamming or 3 Hann. The taps are symmetric to the bit, save that a highpass
+ * of even length is antisymmetric. The centre tap has no window factor. `doNormal` 1 (and nothing else) makes
+ * the gain 1 at frequency 0 (lowpass, bandstop), half the rate (highpass) or the band's centre (bandpass).
  *
  * Init makes a work buffer for up to `tapsLen` taps, which the designs do not check; it holds nothing from
  * call to call and serves one design at a time. Release takes null and always succeeds.

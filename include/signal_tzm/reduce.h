@@ -63,8 +63,8 @@ TZM_API OrvaStatus ORVAS_DotProd_32s_S(const Orva32s* src1, const Orva32s* src2,
  * `*sum` = sum over i of src[i], `len` samples; of complex samples the real and the imaginary parts
  * apart.
  *
- * `hint` 1 asks for binary32 arithmetic. With any other hint, 0 too, samples are widened and summed in
- * binary64, and the sum is rounded to binary32 once.
+ * `hint` 1 (`ORVA_HINT_FAST`) asks for binary32 arithmetic. With any other hint, 0 too, samples are
+ * widened and summed in binary64, and the sum is rounded to binary32 once.
  *
  * The order of a floating sum is fixed. The first samples, up to the last multiple of the step, go to
  * lanes (of each part), sample i to lane i modulo the number of lanes; neighbouring lanes are added, and

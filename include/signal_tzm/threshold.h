@@ -15,7 +15,7 @@
  * |---|---|---|
  * | LT | x < level | level |
  * | GT | x > level | level |
- * | (none) | as LT for `relOp` 0, as GT for `relOp` 4 | level |
+ * | (none) | as LT for `relOp` 0, as GT for `relOp` 4 (`ORVA_RELATION_...`) | level |
  * | LTVal, GTVal | x < level, x > level | value |
  * | LTValGTVal | x < levelLT; x > levelGT | valueLT; valueGT |
  * | LTAbs | abs(x) < level | level with the sign of x; either zero gives +level |

@@ -28,7 +28,7 @@ TZM_API OrvaStatus ORVAS_GetFFTNumberThreads(int32_t* numThreads);
  *     X[k] = sum over i of x[i] * exp(-+ 2 pi j i k / n), - forward, + inverse, then normalised
  *
  * Init makes a spec, which any number of calls, from any number of threads at once, may run until
- * Release gives it back. `direction` above 0 is forward, all else inverse. Kinds:
+ * Release gives it back. `direction` (`ORVA_DIRECTION_...`) above 0 is forward, all else inverse. Kinds:
  *
  * - `32fc`, `64fc`: interleaved complex, n elements in and out; `_I` in place.
  * - CToC `32f`, `64f`: split complex, n reals in each of the four arrays.
@@ -36,7 +36,7 @@ TZM_API OrvaStatus ORVAS_GetFFTNumberThreads(int32_t* numThreads);
  *   may be the parts of an array of complex samples (`&spectrum[0].re`).
  * - CToR: the half spectrum to n reals; the contents of `src` are lost.
  *
- * Source and destination may be the same array where their shapes allow it. `flag` divides:
+ * Source and destination may be the same array where their shapes allow it. `flag` (`ORVA_DIVIDE_...`) divides:
  *
  * | flag | forward, RToC | inverse, CToR |
  * |---|---|---|
