@@ -1,5 +1,5 @@
 // heartbeats ELECTROCARDIOGRAM: when the heart beats. The steep swing of each beat lies between 5 and 15 Hz: a
-// band-pass keeps it, squares make it stand out, a moving mean makes one hill of it, a threshold finds the hill.
+// bandpass keeps it, squares make it stand out, a moving mean makes one hill of it, a threshold finds the hill.
 #include <algorithm>
 #include <vector>
 

@@ -78,8 +78,8 @@ void Run(int argc, char** argv) {
   Options options("resample", "FILE OUTPUT",
                   "Brings all channels of a sound file to another sampling rate, in a WAV file of the same\n"
                   "sample format. What the lower of the two rates cannot hold is taken out, 100 dB down; the\n"
-                  "transition below that is 12.8 over the width of the lower Nyquist frequency (with 128, a\n"
-                  "tenth). Start and length in time stay.",
+                  "transition just below it takes up 12.8/WIDTH of the lower Nyquist frequency (a tenth by\n"
+                  "default). Start and length in time stay.",
                   "tzm resample --rate 16000 /usr/share/sounds/alsa/Front_Center.wav speech16.wav");
   options.Number("rate", 'r', "the new rate in Hz", rate, 1, 10000000);
   options.Number("width", 'w', "width of the filter in samples of the lower rate", width, 32, 4096);
