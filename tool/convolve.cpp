@@ -1,6 +1,5 @@
 // tzm convolve: a recording through an impulse response.
 #include <signal_tzm/correlate.h>
-#include <signal_tzm/selectors.h>
 
 #include <algorithm>
 #include <cmath>

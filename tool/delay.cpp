@@ -1,7 +1,6 @@
 // tzm delay: how much later one recording has a sound than another.
 #include <signal_tzm/correlate.h>
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/selectors.h>
 
 #include <algorithm>
 #include <cmath>

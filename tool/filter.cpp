@@ -2,7 +2,6 @@
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/fir.h>
-#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/generate.h>
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include <algorithm>

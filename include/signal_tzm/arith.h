@@ -2,6 +2,7 @@
 #ifndef SIGNAL_TZM_ARITH_H
 #define SIGNAL_TZM_ARITH_H
 
+#include <signal_tzm/selectors.h>
 #include <signal_tzm/status.h>
 #include <signal_tzm/types.h>
 

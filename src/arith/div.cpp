@@ -1,6 +1,5 @@
 // Division: quotients of two arrays, element by element, the divisor first.
 #include <signal_tzm/arith.h>
-#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"

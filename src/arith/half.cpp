@@ -1,6 +1,5 @@
 // Conversion to and from binary16.
 #include <signal_tzm/arith.h>
-#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <signal_tzm/arith.h>
-#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/core.h"

@@ -4,7 +4,6 @@
 #include <signal_tzm/fir.h>
 #include <signal_tzm/generate.h>
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/vector.h"

@@ -2,7 +2,6 @@
 #include <signal_tzm/arith.h>
 #include <signal_tzm/fir.h>
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/selectors.h>
 
 #include "fir/samples.h"
 #include "frame/call.h"

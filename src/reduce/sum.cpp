@@ -1,6 +1,5 @@
 // Sums, means and sample standard deviations of whole arrays, in a fixed order.
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/selectors.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"

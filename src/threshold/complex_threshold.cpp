@@ -1,6 +1,5 @@
 // Thresholds of complex samples: magnitudes are compared with a real level, and an element is scaled along
 // its own direction or replaced.
-#include <signal_tzm/selectors.h>
 #include <signal_tzm/threshold.h>
 
 #include "frame/call.h"

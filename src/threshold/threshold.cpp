@@ -1,6 +1,5 @@
 // Thresholds of real samples: elements below or above a level, or of small or large magnitude, are
 // replaced. Comparisons are strict and what is not caught is copied bit for bit.
-#include <signal_tzm/selectors.h>
 #include <signal_tzm/threshold.h>
 
 #include "frame/call.h"

@@ -1,5 +1,4 @@
 // FFT and DFT specs: a plan made once by Init, run by the working calls, given back by Release.
-#include <signal_tzm/selectors.h>
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"

@@ -2,6 +2,7 @@
 // normalisation.
 #include "check.h"
 
+#include <algorithm>
 #include <cfenv>
 
 namespace tzm_test {
@@ -18,7 +19,7 @@ double Value(Orva16f half) {
 // The half that x rounds to. Its bits less the sign are its magnitude in units of 2^e, plus 1024 * (e + 24).
 Orva16f ToHalf(double x, bool nearest) {
   if (std::isnan(x)) return std::signbit(x) ? 0xfe00 : 0x7e00;
-  const int exponent = std::max(std::ilogb(std::max(std::fabs(x), 0x1p-30)), -14) - 10;
+  const int exponent = std::max(std::ilogb(std::clamp(std::fabs(x), 0x1p-30, 0x1p30)), -14) - 10;
   const double units = std::ldexp(std::fabs(x), -exponent), most = nearest || std::isinf(x) ? 0x7c00 : 0x7bff;
   const double bits = (nearest ? std::nearbyint(units) : std::trunc(units)) + 1024.0 * (exponent + 24);
   return static_cast<Orva16f>(static_cast<int>(std::min(bits, most)) | (std::signbit(x) ? 0x8000 : 0));
