@@ -367,7 +367,7 @@ void Pack(const Axis* axis, const Axis* end, const Real* re, const Real* im, Rea
   }
   ptrdiff_t k = 0;
   if (axis + 1 == end && axis->is == 1) {
-    const hn::ScalableTag<Real> d;
+    const Full<Real> d;
     const ptrdiff_t lanes = hn::Lanes(d);
     for (; k + lanes <= axis->n; k += lanes, packed += 2 * lanes) {
       hn::StoreInterleaved2(hn::LoadU(d, re + k), hn::LoadU(d, im + k), d, packed);
@@ -386,7 +386,7 @@ void Unpack(const Axis* axis, const Axis* end, const Real*& packed, Real* re, Re
   }
   ptrdiff_t k = 0;
   if (axis + 1 == end && axis->os == 1) {
-    const hn::ScalableTag<Real> d;
+    const Full<Real> d;
     const ptrdiff_t lanes = hn::Lanes(d);
     for (; k + lanes <= axis->n; k += lanes, packed += 2 * lanes) {
       hn::Vec<decltype(d)> real, imag;

@@ -11,7 +11,6 @@ using namespace tzm;
 
 namespace {
 
-
 OrvaStatus CheckRoundMode(uint32_t roundMode) {
   return roundMode > ORVA_ROUND_NEAREST ? ORVA_STS_ROUND_MODE_ERR : ORVA_STS_NO_ERR;
 }

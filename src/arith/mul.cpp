@@ -1,11 +1,11 @@
 // Element-wise products of two arrays.
+#include <signal_tzm/arith.h>
+#include <signal_tzm/companion.h>
+
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/product.h"
 #include "frame/scale.h"
-
-#include <signal_tzm/arith.h>
-#include <signal_tzm/companion.h>
 
 using namespace tzm;
 

@@ -1,11 +1,11 @@
 // Element-wise products of an array and one constant.
+#include <signal_tzm/arith.h>
+
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/float_lanes.h"
 #include "frame/product.h"
 #include "frame/scale.h"
-
-#include <signal_tzm/arith.h>
 
 using namespace tzm;
 

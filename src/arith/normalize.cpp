@@ -51,7 +51,7 @@ OrvaStatus NormalizeScaled(const Orva16s* src, Orva16s* dst, size_t len, Pair<fl
   if (OrvaStatus status = CheckScale(scale)) return status;
   const Full<float> d;
   const auto reciprocal = hn::Set(d, 1 / vDiv), addend = Addend(vSub, vDiv).Lanes();
-  const auto factor = hn::Set(d, static_cast<float>(ScaleFactor(ScaleExponent(scale))));
+  const auto factor = hn::Set(d, FloatFactor(scale));
   RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(factor, hn::MulAdd(x, reciprocal, addend)); }, dst, src);
   return ORVA_STS_NO_ERR;
 }

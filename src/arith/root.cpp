@@ -1,12 +1,14 @@
 // Element-wise square and cube roots.
+#include <signal_tzm/arith.h>
+#include <signal_tzm/companion.h>
+
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/estimate.h"
 #include "frame/float_lanes.h"
 #include "frame/scale.h"
 
-#include <signal_tzm/arith.h>
-#include <signal_tzm/companion.h>
+#include <cmath>
 
 using namespace tzm;
 
@@ -52,7 +54,21 @@ OrvaStatus ScaledRoots(const T* src, Dst* dst, int32_t len, float factor) {
   return negative.Seen() ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
 }
 
-float FactorOf(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
+// ---- Complex square roots ----
+
+// The root of a + bi from its modulus m: sqrt((m + a)/2), and sqrt((m - a)/2) with the sign of b.
+template <class V>
+struct ComplexRoot {
+  V re, im;
+};
+template <class V>
+TZM_INLINE ComplexRoot<V> RootByModulus(V a, V b) {
+  const auto half = hn::Set(hn::DFromV<V>(), hn::TFromV<V>(0.5));
+  const V m = hn::Sqrt(hn::Add(hn::Mul(b, b), hn::Mul(a, a)));
+  const V re = hn::Sqrt(hn::Abs(hn::Mul(hn::Add(m, a), half)));
+  const V im = hn::Sqrt(hn::Abs(hn::Mul(hn::Sub(m, a), half)));
+  return {re, hn::CopySignToAbs(im, b)};
+}
 
 // ---- Cube roots ----
 
@@ -111,11 +127,8 @@ OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva32fc* from, Orva32fc* to) TZM_LAMBDA {
     Vec<decltype(d)> a, b;
     LoadParts(d, Parts(from), a, b);
-    const auto half = hn::Set(d, 0.5f);
-    const auto m = hn::Sqrt(hn::Add(hn::Mul(b, b), hn::Mul(a, a)));
-    const auto re = hn::Sqrt(hn::Abs(hn::Mul(hn::Add(m, a), half)));
-    const auto im = hn::Sqrt(hn::Abs(hn::Mul(hn::Sub(m, a), half)));
-    StoreParts(re, hn::CopySignToAbs(im, b), d, Parts(to));
+    const auto root = RootByModulus(a, b);
+    StoreParts(root.re, root.im, d, Parts(to));
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }
@@ -140,13 +153,13 @@ OrvaStatus ORVAS_Sqrt_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len) {
 OrvaStatus ORVAS_Sqrt_8u_S(const Orva8u* src, Orva8u* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return ScaledRoots(src, dst, len, FactorOf(scale));
+  return ScaledRoots(src, dst, len, FloatFactor(scale));
 }
 
 OrvaStatus ORVAS_Sqrt_16u_S(const Orva16u* src, Orva16u* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return ScaledRoots(src, dst, len, FactorOf(scale));
+  return ScaledRoots(src, dst, len, FloatFactor(scale));
 }
 
 OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale) {
@@ -155,14 +168,14 @@ OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, doubl
   // The result is that of binary64, which is that of the exact root. Up to a left shift by 3, a root that is not
   // itself a tie is at least 2^-8 / 2^9 away from one, and binary32 roots, 2^-17 from the true ones, round the
   // same way.
-  const float factor = FactorOf(scale);
+  const float factor = FloatFactor(scale);
   return factor <= 8 ? ScaledRoots(src, dst, len, factor) : ScaledRoots<true>(src, dst, len, factor);
 }
 
 OrvaStatus ORVAS_Sqrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const float factor = FactorOf(scale);
+  const float factor = FloatFactor(scale);
   const int32_t body = len - len % 4;
   OrvaStatus found = ScaledRoots(src, dst, body, factor);
   // Deliberately finer in the tail: the body rounds its source to binary32 before the root.
@@ -184,16 +197,13 @@ OrvaStatus ORVAS_Sqrt_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, do
     const auto element = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
     const auto a = hn::PromoteTo(d, hn::ShiftRight<16>(hn::ShiftLeft<16>(element)));
     const auto b = hn::PromoteTo(d, hn::ShiftRight<16>(element));
-    const auto half = hn::Set(d, 0.5);
-    const auto m = hn::Sqrt(hn::Add(hn::Mul(b, b), hn::Mul(a, a)));
-    const auto re = hn::Sqrt(hn::Abs(hn::Mul(hn::Add(m, a), half)));
-    const auto im = hn::CopySignToAbs(hn::Sqrt(hn::Abs(hn::Mul(hn::Sub(m, a), half))), b);
+    const auto root = RootByModulus(a, b);
     const auto stored = [&](auto v) TZM_LAMBDA {
       const auto least = hn::Set(d32, -32768), most = hn::Set(d32, 32767);
       return hn::Min(hn::Max(RoundToInt32(hn::Mul(v, factor)), least), most);
     };
-    const auto low = hn::And(stored(re), hn::Set(d32, 0xffff));
-    hn::StoreU(hn::Or(low, hn::ShiftLeft<16>(stored(im))), d32, reinterpret_cast<int32_t*>(to));
+    const auto low = hn::And(stored(root.re), hn::Set(d32, 0xffff));
+    hn::StoreU(hn::Or(low, hn::ShiftLeft<16>(stored(root.im))), d32, reinterpret_cast<int32_t*>(to));
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }

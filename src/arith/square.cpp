@@ -1,8 +1,8 @@
 // Element-wise squares.
+#include <signal_tzm/arith.h>
+
 #include "frame/call.h"
 #include "frame/drive.h"
-
-#include <signal_tzm/arith.h>
 
 using namespace tzm;
 

@@ -109,7 +109,7 @@ OrvaStatus Run(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t 
   }
   const LagRange lags(src1Len, src2Len, dstLen, lowLag);
   Sample* const computed = dst + lags.skip;
-  if (state.route == kFftRoute) {
+  if (state.route == ORVA_ROUTE_FFT) {
     if (TransformLength(src1Len + lags.chunk - 1) != state.fftLen) return ORVA_STS_LEN_MISMATCH_ERR;
     if (!state.area.Has(Correlation<Sample>::kBuffers)) return ORVA_STS_NULL_PTR_ERR;
     Zero(dst, dstLen);

@@ -12,7 +12,6 @@
 
 namespace tzm {
 
-enum Route : int32_t { kDirectRoute, kFftRoute };
 // 1 for 1, otherwise the smallest power of two from 2 on that is not below `count`, which arguments without any lag
 // can make negative.
 inline int64_t TransformLength(int64_t count) {

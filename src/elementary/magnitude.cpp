@@ -28,17 +28,12 @@ TZM_INLINE OrvaStatus BodyAndTail(T* dst, int32_t len, Body body, Tail tail, con
 
 // ---- Floating samples ----
 
-enum class Sum { kFused, kRounded };
-
-// kFused: one rounding for re*re and the sum. kRounded: each product and the sum rounded.
-template <Sum kSum, class T, class... Source>
+template <SquareSum kSum, class T, class... Source>
 OrvaStatus Magnitude(T* dst, int32_t len, const Source*... src) {
   if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [&](T* to, const Source*... from) TZM_LAMBDA {
-    const auto z = LoadSplit(d, from...);
-    const auto im2 = hn::Mul(z.im, z.im);
-    const auto sum = kSum == Sum::kFused ? hn::MulAdd(z.re, z.re, im2) : hn::Add(hn::Mul(z.re, z.re), im2);
+    const auto sum = SumOfSquares<kSum>(LoadSplit(d, from...));
     hn::StoreU(InOrder<sizeof...(Source)>(hn::Sqrt(sum)), d, to);
   }, dst, src...);
   return ORVA_STS_NO_ERR;
@@ -132,21 +127,18 @@ Orva32f FloatTail(const Source*... from) {
   return static_cast<Orva32f>(Root(SquareSumOf(from...)));
 }
 
-// The factor of the scale rule as binary32, by which the members of 16-bit samples multiply.
-float FloatFactor(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
-
 }  // namespace
 
 OrvaStatus ORVAS_Magnitude_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len) {
-  return Magnitude<Sum::kFused>(dst, len, srcRe, srcIm);
+  return Magnitude<SquareSum::kFused>(dst, len, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Magnitude_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len) {
-  return Magnitude<Sum::kFused>(dst, len, srcRe, srcIm);
+  return Magnitude<SquareSum::kFused>(dst, len, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Magnitude_32fc(const Orva32fc* src, Orva32f* dst, int32_t len) {
-  return Magnitude<Sum::kRounded>(dst, len, src);
+  return Magnitude<SquareSum::kRounded>(dst, len, src);
 }
 
 OrvaStatus ORVAS_Magnitude_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) {
@@ -203,7 +195,7 @@ OrvaStatus ORVAS_Magnitude_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orv
   const auto body = [&](Orva16s* to, const Orva16s* re, const Orva16s* im) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(re, im);
     const auto scaled = [&](auto sum) TZM_LAMBDA {
-      return RoundToInt(hn::Mul(hn::Sqrt(SquareSumToFloat(sum)), factors));
+      return RoundFor<Orva16s>(hn::Mul(hn::Sqrt(SquareSumToFloat(sum)), factors));
     };
     hn::StoreU(NarrowPair(d16, scaled(sums.low), scaled(sums.high)), d16, to);
   };

@@ -6,6 +6,7 @@
 
 #include "frame/call.h"
 #include "frame/drive.h"
+#include "frame/float_lanes.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 
@@ -32,9 +33,6 @@ OrvaStatus WithTwoArrays(int32_t len, Use use) {
   return status;
 }
 
-// The factor of the scale rule as binary32.
-float FloatFactor(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
-
 // ---- Phase ----
 
 void Split(const Orva16sc* src, Orva16s* re, Orva16s* im, int32_t len) { ORVAS_CplxToReal_16sc(src, re, im, len); }
@@ -57,10 +55,10 @@ OrvaStatus Phase(const Part* re, const Part* im, Angle* dst, int32_t len) {
   Angle* const correction = NewArray<Angle>(len);
   if (correction == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
   const Full<Angle> d;
-  const auto pi = hn::Set(d, Angle(3.141592653589793)), zero = hn::Zero(d), sign = hn::SignBit(d);
+  const auto pi = hn::Set(d, Angle(kPi)), zero = hn::Zero(d), sign = hn::SignBit(d);
   const auto load = [&](const Part* from) TZM_LAMBDA {
     if constexpr (std::is_same_v<Part, Angle>) return hn::LoadU(d, from);
-    else return hn::ConvertTo(d, hn::PromoteTo(Full<int32_t>(), hn::LoadU(hn::Rebind<Part, Full<int32_t>>(), from)));
+    else return LoadAsFloat(d, from);
   };
   ForEach<hn::MaxLanes(d)>(len, [&](const Part* fromRe, const Part* fromIm, Angle* ratio, Angle* add) TZM_LAMBDA {
     const auto r = load(fromRe), i = load(fromIm);
@@ -77,13 +75,8 @@ OrvaStatus ScaledPhase(const Part* re, const Part* im, Orva16s* dst, int32_t len
   Orva32f* const angle = NewArray<Orva32f>(len);
   const OrvaStatus status = angle != nullptr ? Phase(re, im, angle, len) : ORVA_STS_MEM_ALLOC_ERR;
   if (status == ORVA_STS_NO_ERR) {
-    const Full<float> d;
-    const auto factor = hn::Set(d, FloatFactor(scale));
-    ForEach<2 * hn::MaxLanes(d)>(len, [&](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
-      const auto scaled = [&](size_t at) TZM_LAMBDA { return RoundToInt(hn::Mul(hn::LoadU(d, from + at), factor)); };
-      const Full<int16_t> d16;
-      hn::StoreU(NarrowPair(d16, scaled(0), scaled(hn::Lanes(d))), d16, to);
-    }, static_cast<const Orva32f*>(angle), dst);
+    const auto factor = hn::Set(Full<float>(), FloatFactor(scale));
+    RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, dst, angle);
   }
   ORVA_Free(angle);
   return status;
@@ -114,9 +107,9 @@ TZM_INLINE void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* d
   }, phase, &angle[0]);
   vssincos(count, angle, sine, cosine);
   const auto turn = [&](const Orva16s* m, const Orva32f* s, const Orva32f* c, Orva16sc* to) TZM_LAMBDA {
-    const auto magnitude = LoadAsFloat(d, m);
+    const auto magnitude = LoadAsFloat(d, m), factor = hn::Set(d, magFactor);
     const auto part = [&](const Orva32f* from) TZM_LAMBDA {
-      return hn::DemoteTo(d16, RoundToInt(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), hn::Set(d, magFactor))));
+      return hn::DemoteTo(d16, RoundFor<Orva16s>(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), factor)));
     };
     hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
   };

@@ -11,17 +11,12 @@ using namespace tzm;
 
 namespace {
 
-enum class Sum { kFused, kRounded };
-
-// kFused: one rounding for re*re and the sum. kRounded: each product and the sum rounded.
-template <Sum kSum, class T, class... Source>
+template <SquareSum kSum, class T, class... Source>
 OrvaStatus PowerSpectrum(T* dst, int32_t len, const Source*... src) {
   if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [&](T* to, const Source*... from) TZM_LAMBDA {
-    const auto z = LoadSplit(d, from...);
-    const auto im2 = hn::Mul(z.im, z.im);
-    const auto sum = kSum == Sum::kFused ? hn::MulAdd(z.re, z.re, im2) : hn::Add(hn::Mul(z.re, z.re), im2);
+    const auto sum = SumOfSquares<kSum>(LoadSplit(d, from...));
     hn::StoreU(InOrder<sizeof...(Source)>(sum), d, to);
   }, dst, src...);
   return ORVA_STS_NO_ERR;
@@ -63,19 +58,19 @@ OrvaStatus ScaledPowerSpectrum(Orva16s* dst, int32_t len, double scale, const So
 }  // namespace
 
 OrvaStatus ORVAS_PowerSpectr_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len) {
-  return PowerSpectrum<Sum::kFused>(dst, len, srcRe, srcIm);
+  return PowerSpectrum<SquareSum::kFused>(dst, len, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_PowerSpectr_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len) {
-  return PowerSpectrum<Sum::kRounded>(dst, len, srcRe, srcIm);
+  return PowerSpectrum<SquareSum::kRounded>(dst, len, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_PowerSpectr_32fc(const Orva32fc* src, Orva32f* dst, int32_t len) {
-  return PowerSpectrum<Sum::kRounded>(dst, len, src);
+  return PowerSpectrum<SquareSum::kRounded>(dst, len, src);
 }
 
 OrvaStatus ORVAS_PowerSpectr_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) {
-  return PowerSpectrum<Sum::kRounded>(dst, len, src);
+  return PowerSpectrum<SquareSum::kRounded>(dst, len, src);
 }
 
 OrvaStatus ORVAS_PowerSpectr_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len) {

@@ -19,8 +19,8 @@ TZM_INLINE V LoadAsDouble(const Orva64f* from) { return hn::LoadU(D(), from); }
 TZM_INLINE V LoadAsDouble(const Orva32f* from) {
   return hn::PromoteTo(D(), hn::LoadU(hn::Rebind<float, D>(), from));
 }
-TZM_INLINE void StoreRounded(V value, Orva64f* to) { hn::StoreU(value, D(), to); }
-TZM_INLINE void StoreRounded(V value, Orva32f* to) {
+TZM_INLINE void StoreDouble(V value, Orva64f* to) { hn::StoreU(value, D(), to); }
+TZM_INLINE void StoreDouble(V value, Orva32f* to) {
   const hn::Rebind<float, D> narrow;
   hn::StoreU(hn::DemoteTo(narrow, value), narrow, to);
 }
@@ -82,7 +82,7 @@ OrvaStatus PowxByLogarithm(const T* src, T value, T* dst, int32_t len) {
       if (y.finite && !y.integer) result = hn::IfThenElse(hn::And(negative, hn::IsFinite(x)), nan, result);
       if (y.odd) result = hn::CopySign(result, x);
       if (y.value == 0) result = one;
-      StoreRounded(result, to);
+      StoreDouble(result, to);
     }, src + i, static_cast<const double*>(block), dst + i);
   }
   return status;

@@ -14,7 +14,6 @@ using namespace tzm;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr int32_t kFewestTaps = 5;
 
 // cos(kb) and sin(kb) for k = 0, 1, ... by the recurrence v[k+1] = 2 cos(b) v[k] - v[k-1], for
@@ -22,7 +21,7 @@ constexpr int32_t kFewestTaps = 5;
 class Oscillator {
  public:
   Oscillator(double frequency, int32_t tapsLen) {
-    sincos(2 * kPi * frequency, &sin_, &cos_);
+    sincos(kTwoPi * frequency, &sin_, &cos_);
     twice_ = 2 * cos_;
     sincos(kPi * frequency * (tapsLen - 1), &middleSin, &middleCos);
   }

@@ -228,7 +228,7 @@ struct Tile {
   static TZM_INLINE void StoreAll(const Sums& sum, Narrow* dst, int64_t stride) {
     const auto ready = [&](V v) TZM_LAMBDA {
       if constexpr (std::is_same_v<Narrow, Real>) return v;
-      else return RoundToInt(v);
+      else return RoundFor<Narrow>(v);
     };
     Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
       for (size_t first = 0; first < kReals; first += kBlock) {

@@ -211,10 +211,8 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
   } else if constexpr (std::is_same_v<Sample, Orva16s>) {
     auto* const wide = reinterpret_cast<Orva32f*>(behind);
     Copy(line, wide, used);
-    RealBlocks<1>(taps, state.tapsLen, wide, body, [=](auto d, size_t n, auto sum) TZM_LAMBDA {
-      const hn::Rebind<Orva16s, decltype(d)> narrow;
-      hn::StoreU(hn::DemoteTo(narrow, RoundToInt(sum)), narrow, out + n);
-    });
+    RealBlocks<1>(taps, state.tapsLen, wide, body,
+                  [=](auto, size_t n, auto sum) TZM_LAMBDA { StoreRounded(sum, out + n); });
   } else if constexpr (!kIsComplex<Tap>) {
     constexpr size_t kStride = kIsComplex<Sample> ? 2 : 1;
     RealBlocks<kStride>(taps, state.tapsLen, Reals(line), kStride * body,
@@ -229,8 +227,8 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
     Copy(narrowIm, im, used);
     ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       const hn::Rebind<Orva16s, decltype(d)> narrow;
-      hn::StoreInterleaved2(hn::DemoteTo(narrow, RoundToInt(sumRe)), hn::DemoteTo(narrow, RoundToInt(sumIm)), narrow,
-                            out + 2 * n);
+      const auto part = [=](auto sum) TZM_LAMBDA { return hn::DemoteTo(narrow, RoundFor<Orva16s>(sum)); };
+      hn::StoreInterleaved2(part(sumRe), part(sumIm), narrow, out + 2 * n);
     });
   } else {
     auto* const re = reinterpret_cast<PartOf<Sample>*>(behind);
@@ -261,8 +259,7 @@ TZM_INLINE void Output(const Sample* line, Sample* dst, int32_t len) {
 TZM_INLINE void Output(const Orva32f* line, Orva16s* dst, int32_t len) {
   const Full<Orva32f> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
-    const hn::Rebind<Orva16s, decltype(d)> narrow;
-    hn::StoreU(hn::DemoteTo(narrow, RoundToInt(NanBySign(hn::LoadU(d, from)))), narrow, to);
+    StoreRounded(NanBySign(hn::LoadU(d, from)), to);
   }, line, dst);
 }
 TZM_INLINE void Output(const Orva32fc* line, Orva16sc* dst, int32_t len) { Output(Parts(line), Parts(dst), 2 * len); }

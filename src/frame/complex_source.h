@@ -28,6 +28,14 @@ TZM_INLINE V InOrder(V v) {
   else return v;
 }
 
+// re^2 + im^2. kFused: one rounding for re*re and the sum. kRounded: each product and the sum rounded.
+enum class SquareSum { kFused, kRounded };
+template <SquareSum kSum, class D>
+TZM_INLINE Vec<D> SumOfSquares(const SplitComplex<D>& z) {
+  const auto im2 = hn::Mul(z.im, z.im);
+  return kSum == SquareSum::kFused ? hn::MulAdd(z.re, z.re, im2) : hn::Add(hn::Mul(z.re, z.re), im2);
+}
+
 // ---- Exact sums of the squares of two 16-bit parts ----
 // At most 2^31, in unsigned lanes, in memory order; `low` holds the first half.
 using SquareSums = Widened<Full<uint32_t>>;
@@ -50,11 +58,7 @@ TZM_INLINE SquareSums LoadSquareSums(const Orva16sc* from) {
 #else
 // The machine multiplies neighbours and adds the two products.
 TZM_INLINE Vec<Full<uint32_t>> SumNeighbourSquares(Vec<Full<int16_t>> v) {
-#if HWY_TARGET <= HWY_AVX3
-  return Vec<Full<uint32_t>>{_mm512_madd_epi16(v.raw, v.raw)};
-#else
-  return Vec<Full<uint32_t>>{_mm256_madd_epi16(v.raw, v.raw)};
-#endif
+  return Vec<Full<uint32_t>>{TZM_X86(madd_epi16)(v.raw, v.raw)};
 }
 TZM_INLINE SquareSums LoadSquareSums(const Orva16s* re, const Orva16s* im) {
   const Full<uint32_t> d;

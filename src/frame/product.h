@@ -5,14 +5,6 @@
 
 namespace tzm {
 
-#if HWY_ARCH_X86
-#if HWY_TARGET <= HWY_AVX3
-#define TZM_X86(operation) _mm512_##operation
-#else
-#define TZM_X86(operation) _mm256_##operation
-#endif
-#endif
-
 // ---- Real ----
 // The order of the lanes in the two wide registers is the machine's own: on x86 they stay within their
 // 128-bit blocks. NarrowProducts narrows with saturation and restores the order.
@@ -298,9 +290,5 @@ TZM_INLINE void StoreRoundedParts(const ConjugateProduct::Lanes& re, const Conju
   hn::StoreU(NarrowProducts(d, low, high), d, to);
 #endif
 }
-
-#if HWY_ARCH_X86
-#undef TZM_X86
-#endif
 
 }  // namespace tzm

@@ -27,8 +27,11 @@ inline double ScaleFactor(int exponent) {
   return factor;
 }
 
-// The same in binary32, for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either
-// way they are 0 or saturate; there the factor stays, and infinity times it is never a NaN.
+// The factor of a scale in binary32: infinite and 0 for more of them.
+inline float FloatFactor(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
+
+// The same for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either way they are 0 or
+// saturate; there the factor stays, and infinity times it is never a NaN.
 inline float QuotientFactor(double scale) {
   return static_cast<float>(ScaleFactor(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64))));
 }

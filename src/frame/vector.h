@@ -16,6 +16,15 @@
 #define TZM_INLINE inline __attribute__((always_inline))
 #define TZM_LAMBDA __attribute__((always_inline))
 
+// An intrinsic of the whole register, by its name behind the prefix of the width.
+#if HWY_ARCH_X86
+#if HWY_TARGET <= HWY_AVX3
+#define TZM_X86(operation) _mm512_##operation
+#else
+#define TZM_X86(operation) _mm256_##operation
+#endif
+#endif
+
 namespace tzm {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -45,6 +54,8 @@ template <class T>
 TZM_INLINE void StoreElement(T value, T* to) {
   std::memcpy(to, &value, sizeof(T));
 }
+
+constexpr double kPi = 3.141592653589793, kTwoPi = 2 * kPi;
 
 // a*b + c of one value with one rounding.
 TZM_INLINE float Fma(float a, float b, float c) { return __builtin_fmaf(a, b, c); }
@@ -158,15 +169,22 @@ TZM_INLINE auto ConvertNearest(V x) {
 }
 #endif
 
-// binary32 lanes to 32-bit integer lanes.
-template <class V>
-TZM_INLINE auto RoundToInt(V x) {
+// binary32 lanes as integers of T, in 32 bits that a saturating narrowing takes to T. Where the conversion does not
+// saturate, what narrow ones cannot hold is clamped first.
+template <class T, class V>
+TZM_INLINE auto RoundFor(V x) {
 #if HWY_ARCH_X86
-  const hn::DFromV<V> df;
-  const hn::RebindToSigned<decltype(df)> d32;
-  const auto above = hn::RebindMask(d32, hn::Ge(x, hn::Set(df, 2147483648.0f)));
-  const auto fixed = hn::IfThenElse(above, hn::Set(d32, std::numeric_limits<int32_t>::max()), ConvertNearest(x));
-  return hn::IfThenZeroElse(hn::RebindMask(d32, hn::IsNaN(x)), fixed);
+  const hn::DFromV<V> d;
+  if constexpr (sizeof(T) < 4) {
+    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
+    else x = MaxOrSecond(x, hn::Zero(d));
+    return ConvertNearest(MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max())));
+  } else {
+    const hn::RebindToSigned<decltype(d)> d32;
+    const auto above = hn::RebindMask(d32, hn::Ge(x, hn::Set(d, 2147483648.0f)));
+    const auto fixed = hn::IfThenElse(above, hn::Set(d32, std::numeric_limits<int32_t>::max()), ConvertNearest(x));
+    return hn::IfThenZeroElse(hn::RebindMask(d32, hn::IsNaN(x)), fixed);
+  }
 #else
   return hn::NearestInt(x);
 #endif
@@ -289,24 +307,6 @@ TZM_INLINE void StoreSaturated(V v, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, v), dn, to);
 }
 
-// binary32 lanes as integers of T, rounded as above, in 32 bits that a saturating narrowing takes to T. Where the
-// conversion does not saturate, what narrow ones cannot hold is clamped first.
-template <class T, class V>
-TZM_INLINE auto RoundFor(V x) {
-#if HWY_ARCH_X86
-  if constexpr (sizeof(T) < 4) {
-    const hn::DFromV<V> d;
-    if constexpr (std::is_signed_v<T>) x = hn::IfThenElseZero(hn::Eq(x, x), x);
-    else x = MaxOrSecond(x, hn::Zero(d));
-    return ConvertNearest(MinOrSecond(x, hn::Set(d, std::numeric_limits<T>::max())));
-  } else {
-    return RoundToInt(x);
-  }
-#else
-  return RoundToInt(x);
-#endif
-}
-
 // One register of binary32 lanes as integers of up to 32 bits.
 template <class V, class T>
 TZM_INLINE void StoreRounded(V x, T* to) {
@@ -329,13 +329,8 @@ TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
   } else if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) == hn::MaxLanes(Full<T>())) {
     const hn::RebindToFloat<D> df;
     const auto first = hn::BitCast(df, hn::LoadU(d, from)), second = hn::BitCast(df, hn::LoadU(d, from + hn::Lanes(d)));
-#if HWY_TARGET <= HWY_AVX3
-    re = hn::BitCast(d, Vec<decltype(df)>{_mm512_shuffle_ps(first.raw, second.raw, 0x88)});
-    im = hn::BitCast(d, Vec<decltype(df)>{_mm512_shuffle_ps(first.raw, second.raw, 0xdd)});
-#else
-    re = hn::BitCast(d, Vec<decltype(df)>{_mm256_shuffle_ps(first.raw, second.raw, 0x88)});
-    im = hn::BitCast(d, Vec<decltype(df)>{_mm256_shuffle_ps(first.raw, second.raw, 0xdd)});
-#endif
+    re = hn::BitCast(d, Vec<decltype(df)>{TZM_X86(shuffle_ps)(first.raw, second.raw, 0x88)});
+    im = hn::BitCast(d, Vec<decltype(df)>{TZM_X86(shuffle_ps)(first.raw, second.raw, 0xdd)});
     return;
   }
 #endif
@@ -346,15 +341,14 @@ template <class V>
 TZM_INLINE V PartsInOrder(V v) {
 #if HWY_ARCH_X86
   if constexpr (sizeof(hn::TFromV<V>) >= 4) {
-#if HWY_TARGET <= HWY_AVX3
     const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+#if HWY_TARGET <= HWY_AVX3
     const __m512i evenFirst = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
     const auto sorted = _mm512_permutexvar_epi64(evenFirst, hn::BitCast(d64, v).raw);
-    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{sorted});
 #else
-    const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
-    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{_mm256_permute4x64_epi64(hn::BitCast(d64, v).raw, 0xd8)});
+    const auto sorted = _mm256_permute4x64_epi64(hn::BitCast(d64, v).raw, 0xd8);
 #endif
+    return hn::BitCast(hn::DFromV<V>(), Vec<decltype(d64)>{sorted});
   }
 #endif
   return v;
@@ -366,15 +360,9 @@ TZM_INLINE Vec<D> NarrowPair(D d, V low, V high) {
   if constexpr (std::is_same_v<T, float>) return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
 #if HWY_ARCH_X86  // the machine narrows within 128-bit blocks
   const auto pack = [](auto a, auto b) TZM_LAMBDA {
-#if HWY_TARGET <= HWY_AVX3
-    if constexpr (std::is_same_v<T, int16_t>) return _mm512_packs_epi32(a, b);
-    else if constexpr (std::is_same_v<T, uint16_t>) return _mm512_packus_epi32(a, b);
-    else if constexpr (std::is_same_v<T, uint8_t>) return _mm512_packus_epi16(a, b);
-#else
-    if constexpr (std::is_same_v<T, int16_t>) return _mm256_packs_epi32(a, b);
-    else if constexpr (std::is_same_v<T, uint16_t>) return _mm256_packus_epi32(a, b);
-    else if constexpr (std::is_same_v<T, uint8_t>) return _mm256_packus_epi16(a, b);
-#endif
+    if constexpr (std::is_same_v<T, int16_t>) return TZM_X86(packs_epi32)(a, b);
+    else if constexpr (std::is_same_v<T, uint16_t>) return TZM_X86(packus_epi32)(a, b);
+    else if constexpr (std::is_same_v<T, uint8_t>) return TZM_X86(packus_epi16)(a, b);
   };
   if constexpr (std::is_integral_v<T>) {
     const Vec<Full<int32_t>> blocks{pack(low.raw, high.raw)};
@@ -424,11 +412,7 @@ class ProductSums16 {
 #else
     // A pair of products lies in [-2^31 + 2^16, 2^31]; with 2^31 - 1 added it is an unsigned number.
     const hn::Repartition<uint32_t, D> d32;
-#if HWY_TARGET <= HWY_AVX3
-    const Vec<decltype(d32)> pairs{_mm512_madd_epi16(a.raw, b.raw)};
-#else
-    const Vec<decltype(d32)> pairs{_mm256_madd_epi16(a.raw, b.raw)};
-#endif
+    const Vec<decltype(d32)> pairs{TZM_X86(madd_epi16)(a.raw, b.raw)};
     const auto biased = hn::BitCast(D64(), hn::Add(pairs, hn::Set(d32, kBias)));
     even_ = hn::Add(even_, hn::And(biased, hn::Set(D64(), 0xffffffff)));
     odd_ = hn::Add(odd_, hn::ShiftRight<32>(biased));
@@ -460,10 +444,8 @@ constexpr size_t kPairSums = size_t{1} << 15;
 TZM_INLINE Vec<Full<int32_t>> AddPairs(Vec<Full<int32_t>> sums, Vec<Full<int16_t>> v) {
 #if HWY_ARCH_ARM_A64
   return Vec<Full<int32_t>>(vpadalq_s16(sums.raw, v.raw));
-#elif HWY_TARGET <= HWY_AVX3
-  return hn::Add(sums, Vec<Full<int32_t>>{_mm512_madd_epi16(v.raw, _mm512_set1_epi16(1))});
 #else
-  return hn::Add(sums, Vec<Full<int32_t>>{_mm256_madd_epi16(v.raw, _mm256_set1_epi16(1))});
+  return hn::Add(sums, Vec<Full<int32_t>>{TZM_X86(madd_epi16)(v.raw, TZM_X86(set1_epi16)(1))});
 #endif
 }
 TZM_INLINE Vec<Full<uint32_t>> AddPairs(Vec<Full<uint32_t>> sums, Vec<Full<uint16_t>> v) {

@@ -8,8 +8,6 @@
 
 namespace tzm {
 
-constexpr double kTwoPi = 6.283185307179586;
-
 // How samples are held and multiplied: integers in binary32, floating samples in their own type.
 template <class Sample>
 struct WindowTypes {
@@ -24,12 +22,8 @@ struct WindowTypes {
 // Lanes of samples as floating values, and their products rounded to the nearest sample, ties to even.
 template <class D, class Part>
 TZM_INLINE Vec<D> LoadSamples(D d, const Part* from) {
-  if constexpr (std::is_integral_v<Part>) {
-    const hn::Rebind<int32_t, D> wide;
-    return hn::ConvertTo(d, hn::PromoteTo(wide, hn::LoadU(hn::Rebind<Part, D>(), from)));
-  } else {
-    return hn::LoadU(d, from);
-  }
+  if constexpr (std::is_integral_v<Part>) return LoadAsFloat(d, from);
+  else return hn::LoadU(d, from);
 }
 template <class D, class Part>
 TZM_INLINE void StoreSamples(Vec<D> product, D d, Part* to) {

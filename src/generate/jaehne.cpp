@@ -34,7 +34,7 @@ OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
   using F = std::conditional_t<std::is_same_v<T, Orva32s> || std::is_same_v<T, double>, double, float>;
   constexpr size_t kChunk = 256, kStep = 16 / sizeof(F);
   const hn::FixedTag<F, kStep> narrow;
-  const F s = static_cast<F>(1.5707963267948966 / len);
+  const F s = static_cast<F>(kPi / 2 / len);
   const size_t n = static_cast<size_t>(len), body = n - n % kStep;
   F angles[kChunk];
   size_t i = 0;

@@ -12,8 +12,6 @@ using namespace tzm;
 
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-
 // Four values as four parts of samples in a row; the integers are truncated and saturated.
 template <class Part, class V = Vec<TwoDoubles>>
 TZM_INLINE void StoreFour(V low, V high, Part* to) {

@@ -98,7 +98,6 @@ OrvaStatus Init(Orva32f window, int32_t nStep, Orva32f rollf, Orva32f alpha, int
   auto* const state = reinterpret_cast<ResamplePolyphaseState*>(block);
   auto* const table = reinterpret_cast<Entry*>(block + kRecordBytes);
   auto* const work = reinterpret_cast<Orva64f*>(block + bytes - int64_t{sizeof(Orva64f)} * tableLen);
-  constexpr double kPi = 3.141592653589793;
   *state = {static_cast<Orva32f>(kPi / nStep), nStep, tableLen, 1, hint, table, nullptr};
   Design(*state, rollf, alpha, work);
   FillTable(work, table, *state);

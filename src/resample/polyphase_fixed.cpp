@@ -51,7 +51,6 @@ void ForEachTap(const State& state, Take take) {
 
 // A low-pass filter `half` source samples wide on either side, in steps of 1/up of them. Every phase sums to 1.
 void Design(const State& state, double half, Orva32f rollf, Orva32f alpha, Orva32f* filter) {
-  constexpr double kPi = 3.141592653589793;
   const KaiserSinc sinc(rollf, alpha);
   const double lower = HWY_MIN(1.0, static_cast<double>(state.up) / state.down);  // of the two rates
   for (int32_t phase = 0; phase < state.up; ++phase) {

@@ -11,8 +11,6 @@ using namespace tzm;
 
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-
 // Every lane l sums src[lanes*m + l] * exp(-i lanes m theta); at the end it is turned by l*theta.
 template <class Real>
 struct Rotation {

@@ -12,8 +12,6 @@ using namespace tzm;
 
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-
 // The exported operations that the estimate is made of, by real type.
 template <class Real>
 struct Call;

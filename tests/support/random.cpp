@@ -1,7 +1,5 @@
 #include "random.h"
 
-#include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
