@@ -5,24 +5,18 @@ BENCH.json is made by tzm_bench --benchmark_out with the operations and memcpy, 
 OPERATION gives a row: its time as a multiple of copying as many bytes, in the L1 cache (the slowest of the scales) and
 in memory, and the cycles an element of the slowest hot loop on an AArch64 core (cycles.py).
 """
-import json
 import sys
 
 import cycles
+import report
 
 
 def main():
     if len(sys.argv) < 4:
         sys.exit("usage: page.py BENCH.json LIBRARY OPERATION ...")
-    try:
-        with open(sys.argv[1]) as file:
-            runs = json.load(file)["benchmarks"]
-    except (OSError, ValueError, KeyError) as error:
-        sys.exit(f"page.py: {sys.argv[1]} is not the output of tzm_bench: {error}")
     rates = {}
-    for run in runs:  # the best of the repetitions
-        if run.get("run_type") != "aggregate" and "bytes_per_second" in run:
-            rates[run["name"]] = max(run["bytes_per_second"], rates.get(run["name"], 0))
+    for run in report.read_runs(sys.argv[1]):  # the best of the repetitions
+        rates[run["name"]] = max(run["bytes_per_second"], rates.get(run["name"], 0))
     functions = cycles.disassemble(sys.argv[2])
     print("| Operation | Copies, L1 | Copies, memory | Cycles an element |\n|---|---|---|---|")
     for operation in sys.argv[3:]:

@@ -247,27 +247,26 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
 
 TZM_INLINE void Multiply(const Orva32fc* by, Orva32fc* srcDst, int32_t len) { ORVAS_Mul_32fc_I(by, srcDst, len); }
 TZM_INLINE void Multiply(const Orva64fc* by, Orva64fc* srcDst, int32_t len) { ORVAS_Mul_64fc_I(by, srcDst, len); }
-TZM_INLINE void Scale(Orva32f value, Orva32f* srcDst, int32_t len) { ORVAS_MulC_32f_I(value, srcDst, len); }
-TZM_INLINE void Scale(Orva64f value, Orva64f* srcDst, int32_t len) { ORVAS_MulC_64f_I(value, srcDst, len); }
 TZM_INLINE void Conjugate(Orva32fc* srcDst, int32_t len) { ORVAS_Conj_32fc_I(srcDst, len); }
 TZM_INLINE void Conjugate(Orva64fc* srcDst, int32_t len) { ORVAS_Conj_64fc_I(srcDst, len); }
 
-template <class Sample>
-TZM_INLINE void Output(const Sample* line, Sample* dst, int32_t len) {
-  Copy(line, dst, len);
+// What the inverse transform gave, divided by its points, to the outputs.
+TZM_INLINE void Divide(Orva32f* line, Orva32f points, Orva32f* dst, int32_t len) {
+  ORVAS_DivC_32f(line, points, dst, len);
 }
-TZM_INLINE void Output(const Orva32f* line, Orva16s* dst, int32_t len) {
+TZM_INLINE void Divide(Orva64f* line, Orva64f points, Orva64f* dst, int32_t len) {
+  ORVAS_DivC_64f(line, points, dst, len);
+}
+TZM_INLINE void Divide(Orva32f* line, Orva32f points, Orva16s* dst, int32_t len) {
+  ORVAS_DivC_32f_I(points, line, len);
   const Full<Orva32f> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
     StoreRounded(NanBySign(hn::LoadU(d, from)), to);
-  }, line, dst);
+  }, static_cast<const Orva32f*>(line), dst);
 }
-TZM_INLINE void Output(const Orva32fc* line, Orva16sc* dst, int32_t len) { Output(Parts(line), Parts(dst), 2 * len); }
 
 // Overlap-save with the spectrum of the reversed taps, so prepared that multiplying another spectrum by it
-// correlates with them. The number of points is a power of two, so the division by it that makes the inverse
-// transform one is exact on the spectrum already. Of real signals only the half that transforms give and take
-// is used.
+// correlates with them. Of real signals only the half that transforms give and take is used.
 template <class Tap, class Wide>
 struct Overlap {
   using Real = PartOf<Wide>;
@@ -294,9 +293,9 @@ struct Overlap {
     if constexpr (kComplex) F::Execute(forward, line, to);
     else F::ExecuteRealToComplex(forward, line, to);
   }
-  void Inverse(Wide* to) const {
-    if constexpr (kComplex) F::Execute(inverse, block, to);
-    else F::ExecuteComplexToReal(inverse, block, to);
+  void Inverse() const {
+    if constexpr (kComplex) F::Execute(inverse, block, line);
+    else F::ExecuteComplexToReal(inverse, block, line);
   }
 
   void Prepare(const Tap* taps, int32_t tapsLen) const {
@@ -309,20 +308,15 @@ struct Overlap {
     }
     Forward(spectrum);
     Conjugate(spectrum, bins);
-    Scale(Real{1} / static_cast<Real>(points), Reals(spectrum), 2 * bins);
   }
 
-  // Outputs from the line's `points` samples, which begin T-1 before the first of them. `room` elements may be
-  // written, of which those after the first `count` are no outputs.
+  // Outputs from the line's `points` samples, which begin T-1 before the first of them.
   template <class Sample>
-  void Filter(Sample* dst, int32_t count, int64_t room) const {
+  void Filter(Sample* dst, int32_t count) const {
     Forward(block);
     Multiply(spectrum, block, bins);
-    if constexpr (std::is_same_v<Sample, Wide>) {
-      if (room >= points && reinterpret_cast<uintptr_t>(dst) % 16 == 0) return Inverse(dst);
-    }
-    Inverse(line);
-    Output(line, dst, count);
+    Inverse();
+    Divide(Reals(line), static_cast<Real>(points), Reals(dst), kParts<Sample> * count);
   }
 };
 
@@ -342,7 +336,7 @@ void RunFft(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state
       Copy(src + (at - kept), overlap.line, filled);
     }
     Zero(overlap.line + filled, overlap.points - filled);
-    overlap.Filter(dst + at, static_cast<int32_t>(std::min<int64_t>(step, len - at)), len - at);
+    overlap.Filter(dst + at, static_cast<int32_t>(std::min<int64_t>(step, len - at)));
   }
   HandOn(delaySrc, src, len, delayDst, kept);
 }
