@@ -82,15 +82,14 @@ template <Function kFunction, class Complex>
 OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   alignas(64) double angle[kBlock], sine[kBlock], cosine[kBlock], power[kBlock];
-  for (int32_t i = 0; i < len; i += kBlock) {
-    const int32_t count = HWY_MIN(kBlock, len - i);
+  ForBlocks<kBlock>(len, [&](int32_t count, const Complex* source, Complex* result) {
     ForEach<kStep>(count, [&](const Complex* from, double* x, double* e) TZM_LAMBDA {
       const auto z = Load(from);
       const V magnitude = hn::Abs(z.im);
       const V shift = hn::IfThenElseZero(IsLarge(magnitude), Constant(kShift));
       hn::StoreU(z.re, D(), x);
       hn::StoreU(hn::Sub(magnitude, shift), D(), e);
-    }, src + i, &angle[0], &power[0]);
+    }, source, &angle[0], &power[0]);
     vdsincos(count, angle, sine, cosine);
     vdexp(count, power, power);
     const auto combine = [&](const Complex* from, const double* s, const double* c, const double* e,
@@ -111,8 +110,8 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
       if constexpr (kFunction == Function::kSin) Store(Product(sin, cosh, large), Product(cos, sinh, large), to);
       else Store(Product(cos, cosh, large), hn::Neg(Product(sin, sinh, large)), to);
     };
-    ForEach<kStep>(count, combine, src + i, Read(sine), Read(cosine), Read(power), dst + i);
-  }
+    ForEach<kStep>(count, combine, source, Read(sine), Read(cosine), Read(power), result);
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -171,8 +170,7 @@ OrvaStatus Log10(const Complex* src, Complex* dst, int32_t len) {
   constexpr double kLog10OfE = 0x1.bcb7b1526e50ep-2, kLog10OfELow = 0x1.95355baaafad3p-57;
   alignas(64) double re[kBlock], angle[kBlock], magnitude[kBlock], rest[kBlock];
   AnyLane<D> zero;
-  for (int32_t i = 0; i < len; i += kBlock) {
-    const int32_t count = HWY_MIN(kBlock, len - i);
+  ForBlocks<kBlock>(len, [&](int32_t count, const Complex* source, Complex* result) {
     ForEach<kStep>(count, [&](const Complex* from, double* x, double* y, double* high, double* low) TZM_LAMBDA {
       const auto z = Load(from);
       const auto square = SquareMagnitude(z);
@@ -181,15 +179,15 @@ OrvaStatus Log10(const Complex* src, Complex* dst, int32_t len) {
       hn::StoreU(z.im, D(), y);
       hn::StoreU(square.high, D(), high);
       hn::StoreU(hn::MulAdd(square.ratio, Constant(kLog10OfE / 2), square.logOfScale), D(), low);
-    }, src + i, &re[0], &angle[0], &magnitude[0], &rest[0]);
+    }, source, &re[0], &angle[0], &magnitude[0], &rest[0]);
     vdatan2(count, angle, re, angle);
     vdlog10(count, magnitude, magnitude);
     ForEach<kStep>(count, [&](const double* high, const double* low, const double* phi, Complex* to) TZM_LAMBDA {
       const V y = hn::LoadU(D(), phi);
       const V logarithm = hn::MulAdd(hn::LoadU(D(), high), Constant(0.5), hn::LoadU(D(), low));
       Store(logarithm, hn::MulAdd(y, Constant(kLog10OfE), hn::Mul(y, Constant(kLog10OfELow))), to);
-    }, Read(magnitude), Read(rest), Read(angle), dst + i);
-  }
+    }, Read(magnitude), Read(rest), Read(angle), result);
+  }, src, dst);
   return zero.Seen() ? ORVA_STS_SINGULARITY_ERR : ORVA_STS_NO_ERR;
 }
 

@@ -57,18 +57,17 @@ OrvaStatus Scan(const T* src, int32_t len, Exponent y) {
 
 // e^(y ln |x|) in binary64, and the sign and the special values that the logarithm does not see.
 template <class T>
-OrvaStatus PowxByLogarithm(const T* src, T value, T* dst, int32_t len) {
+OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const Exponent y(value);
+  const Exponent y(constant);
   const OrvaStatus status = Scan(src, len, y);
   const V one = hn::Set(D(), 1), zero = hn::Zero(D()), exponent = hn::Set(D(), y.value);
   const V nan = hn::Set(D(), std::numeric_limits<double>::quiet_NaN());
   alignas(64) double block[kBlock];
-  for (int32_t i = 0; i < len; i += kBlock) {
-    const int32_t count = HWY_MIN(kBlock, len - i);
+  ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {
     ForEach<kStep>(count, [&](const T* from, double* to) TZM_LAMBDA {
       hn::StoreU(hn::Abs(LoadAsDouble(from)), D(), to);
-    }, src + i, &block[0]);
+    }, source, &block[0]);
     ORVAS_Ln_64f(block, block, count);
     ForEach<kStep>(count, [&](const double* from, double* to) TZM_LAMBDA {
       hn::StoreU(hn::Mul(hn::LoadU(D(), from), exponent), D(), to);
@@ -76,25 +75,27 @@ OrvaStatus PowxByLogarithm(const T* src, T value, T* dst, int32_t len) {
     ORVAS_Exp_64f(block, block, count);
     ForEach<kStep>(count, [&](const T* from, const double* power, T* to) TZM_LAMBDA {
       const V x = LoadAsDouble(from);
-      V result = hn::IfThenElse(hn::Eq(hn::Abs(x), one), one, hn::LoadU(D(), power));
+      V value = hn::IfThenElse(hn::Eq(hn::Abs(x), one), one, hn::LoadU(D(), power));
       const auto negative = hn::Lt(x, zero);
-      if (y.value != y.value) result = hn::IfThenElse(negative, nan, result);
-      if (y.finite && !y.integer) result = hn::IfThenElse(hn::And(negative, hn::IsFinite(x)), nan, result);
-      if (y.odd) result = hn::CopySign(result, x);
-      if (y.value == 0) result = one;
-      StoreDouble(result, to);
-    }, src + i, static_cast<const double*>(block), dst + i);
-  }
+      if (y.value != y.value) value = hn::IfThenElse(negative, nan, value);
+      if (y.finite && !y.integer) value = hn::IfThenElse(hn::And(negative, hn::IsFinite(x)), nan, value);
+      if (y.odd) value = hn::CopySign(value, x);
+      if (y.value == 0) value = one;
+      StoreDouble(value, to);
+    }, source, static_cast<const double*>(block), result);
+  }, src, dst);
   return status;
 }
 
 // By the companion's power, whose logarithm carries more bits than binary64 has.
-OrvaStatus PowxByPower(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
+OrvaStatus PowxByPower(const Orva64f* src, Orva64f constant, Orva64f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const OrvaStatus status = Scan(src, len, Exponent(value));
+  const OrvaStatus status = Scan(src, len, Exponent(constant));
   alignas(64) double exponents[kBlock];
-  for (double& y : exponents) y = value;
-  for (int32_t i = 0; i < len; i += kBlock) vdpow(HWY_MIN(kBlock, len - i), src + i, exponents, dst + i);
+  for (double& y : exponents) y = constant;
+  ForBlocks<kBlock>(len, [&](int32_t count, const Orva64f* base, Orva64f* power) {
+    vdpow(count, base, exponents, power);
+  }, src, dst);
   return status;
 }
 

@@ -20,6 +20,13 @@ TZM_INLINE Vec<F64> LoadAsDouble(const Orva16s* from) {
   return hn::PromoteTo(F64(), hn::PromoteTo(I32(), hn::LoadU(hn::Rebind<int16_t, F64>(), from)));
 }
 
+// Lanes of 32-bit integers as integers of 16 or 32 bits, saturated.
+TZM_INLINE void StoreSaturated(Vec<I32> v, Orva32s* to) { hn::StoreU(v, I32(), to); }
+TZM_INLINE void StoreSaturated(Vec<I32> v, Orva16s* to) {
+  const hn::Rebind<int16_t, I32> narrow;
+  hn::StoreU(hn::DemoteTo(narrow, v), narrow, to);
+}
+
 // The status of a block that holds elements not above 0 is see(block, count, status so far).
 template <class T, class See>
 OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*function)(int32_t, const double*, double*),
@@ -29,20 +36,19 @@ OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*functi
   const auto factor = hn::Set(F64(), ScaleFactor(ScaleExponent(scale)));
   OrvaStatus status = ORVA_STS_NO_ERR;
   alignas(64) double value[kBlock];
-  for (int32_t i = 0; i < len; i += kBlock) {
-    const int32_t count = HWY_MIN(kBlock, len - i);
+  ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {
     AnyLane<F64> notPositive;
     ForEach<hn::MaxLanes(F64())>(count, [&](const T* from, double* to) TZM_LAMBDA {
       const auto x = LoadAsDouble(from);
       notPositive.See(hn::Le(x, hn::Zero(F64())));
       hn::StoreU(x, F64(), to);
-    }, src + i, &value[0]);
-    if (notPositive.Seen()) status = see(src + i, count, status);
+    }, source, &value[0]);
+    if (notPositive.Seen()) status = see(source, count, status);
     function(count, value, value);
     ForEach<hn::MaxLanes(F64())>(count, [&](const double* from, T* to) TZM_LAMBDA {
       StoreSaturated(RoundToInt32(hn::Mul(hn::LoadU(F64(), from), factor)), to);
-    }, static_cast<const double*>(value), dst + i);
-  }
+    }, static_cast<const double*>(value), result);
+  }, src, dst);
   return status;
 }
 

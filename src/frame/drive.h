@@ -56,6 +56,14 @@ TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
   }, padded);
 }
 
+// Calls block(count, arrays + i...) for blocks of kBlock elements and for what is left, with `count` elements each:
+// work in several passes, by way of a companion or of an array on the stack, goes by blocks that stay in the cache.
+template <int32_t kBlock, class Block, class... T>
+TZM_INLINE void ForBlocks(size_t len, Block&& block, T*... arrays) {
+  for (size_t i = 0; i < len; i += kBlock)
+    block(static_cast<int32_t>(HWY_MIN(size_t{kBlock}, len - i)), (arrays + i)...);
+}
+
 // Calls step(one register from each array) for all elements, the last register filled up with zeros, and
 // flush() after at most kRegisters steps and at the end: an exact integer reduction keeps narrow lanes
 // in step and empties them into wide ones in flush.

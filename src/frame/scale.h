@@ -36,18 +36,6 @@ inline float QuotientFactor(double scale) {
   return static_cast<float>(ScaleFactor(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64))));
 }
 
-// Rounds one value to the nearest integer, ties to even, and saturates it to the range of T; NaN gives
-// 0. The bounds are those of T as values of F.
-template <class T, class F>
-TZM_INLINE T RoundSaturate(F value) {
-  using Limits = std::numeric_limits<T>;
-  if (value >= static_cast<F>(Limits::max())) return Limits::max();
-  if (value <= static_cast<F>(Limits::min())) return Limits::min();
-  if (value != value) return 0;
-  const hn::CappedTag<F, 1> one;
-  return static_cast<T>(hn::GetLane(hn::Round(hn::Set(one, value))));
-}
-
 // ---- The rule on exact integers ----
 
 #if HWY_ARCH_ARM_A64

@@ -3,7 +3,7 @@
 
 #include "frame/bessel.h"
 #include "frame/call.h"
-#include "frame/window.h"
+#include "generate/window.h"
 
 #include <array>
 

@@ -3,7 +3,7 @@
 #include <signal_tzm/generate.h>
 
 #include "frame/call.h"
-#include "frame/window.h"
+#include "generate/window.h"
 
 #include <array>
 #include <bit>
