@@ -18,6 +18,15 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
 else()
   set(TZM_MARCH x86-64-v3 CACHE STRING "Value of -march")
 endif()
-add_library(tzm_vector INTERFACE)
-target_compile_options(tzm_vector INTERFACE -march=${TZM_MARCH})
-target_compile_definitions(tzm_vector INTERFACE HWY_COMPILE_ONLY_STATIC HWY_DISABLE_PCLMUL_AES)
+
+# tzm_vector_level(NAME MARCH): what libraries for that level link. They carry a note of it, so that an older processor
+# gets a sentence from the loader, not an illegal instruction.
+function(tzm_vector_level name march)
+  add_library(${name} INTERFACE)
+  target_compile_options(${name} INTERFACE -march=${march})
+  target_compile_definitions(${name} INTERFACE HWY_COMPILE_ONLY_STATIC HWY_DISABLE_PCLMUL_AES)
+  if(march MATCHES "^x86-64-v[2-4]$")
+    target_link_options(${name} INTERFACE -Wl,-z,${march})
+  endif()
+endfunction()
+tzm_vector_level(tzm_vector ${TZM_MARCH})

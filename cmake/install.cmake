@@ -2,8 +2,6 @@
 # also after the whole prefix has been moved. A component is one Debian package.
 include(CMakePackageConfigHelpers)
 
-set(tzm_libraries signal_tzm tzm_core tzm_vmath tzm_fft)
-set_target_properties(${tzm_libraries} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 set(tzm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/signal_tzm)
 set(CMAKE_INSTALL_SO_NO_EXE TRUE)  # as Debian has it; CMake does so by itself only where it does not cross-compile
 
@@ -29,8 +27,13 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/signal_tzm.pc.in ${PROJECT_BINARY_DIR}/
 install(FILES ${PROJECT_BINARY_DIR}/signal_tzm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(TARGET tzm)
+  # One run path for the build and for any prefix: CMake writes an empty entry, the current folder, where it has to
+  # exchange one for the other.
   file(RELATIVE_PATH libraries_from_tool ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(tzm PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_tool}")
+  set(run_path ../lib ${libraries_from_tool})
+  list(REMOVE_DUPLICATES run_path)
+  list(TRANSFORM run_path PREPEND $ORIGIN/)
+  set_target_properties(tzm PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${run_path}")
   install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()
 if(TARGET tzm_manual)
@@ -45,3 +48,15 @@ install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
 install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
   FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN CMakeLists.txt)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)
+
+# tzm_all: what has to be built before it is installed.
+add_custom_target(tzm_all)
+foreach(target IN LISTS tzm_libraries tzm_wider_libraries ITEMS tzm tzm_manual)
+  if(TARGET ${target})
+    add_dependencies(tzm_all ${target})
+  endif()
+endforeach()
+
+# tzm_uninstall: takes away what the last installation from this build put into its prefix.
+add_custom_target(tzm_uninstall VERBATIM
+  COMMAND ${CMAKE_COMMAND} -P ${CMAKE_CURRENT_LIST_DIR}/uninstall.cmake ${PROJECT_BINARY_DIR})

@@ -1,6 +1,6 @@
-# Debian packages, one for each component, of the architecture that the build is for: the target `packages` makes them
+# Debian packages, one for each component, of the architecture that the build is for: the target `tzm_packages` makes them
 # in the build folder. ./run package makes those of both architectures.
-if(NOT TZM_MULTIARCH)
+if(NOT TZM_MULTIARCH OR NOT PROJECT_IS_TOP_LEVEL)
   return()
 endif()
 
@@ -71,35 +71,42 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libsignal-tzm-doc)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 file(WRITE ${PROJECT_BINARY_DIR}/debian/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/cpack.cmake)
 
-# The loader's cache is renewed. The vector mathematics call nothing but the library that they stand for, not even the
-# C library, and lintian is told that this is meant.
+# The loader's cache is renewed, and programs that link the libraries get their dependency. (What CPack would write for
+# the latter counts the libraries of a wider level again.)
+set(run_package ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)
+list(TRANSFORM tzm_libraries REPLACE "(.+)"
+  "lib\\1 ${PROJECT_VERSION_MAJOR} ${run_package} ${same_version}\n" OUTPUT_VARIABLE shlibs)
+string(JOIN "" shlibs ${shlibs})
+file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs ${shlibs})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_BINARY_DIR}/debian/triggers ${PROJECT_BINARY_DIR}/debian/shlibs)
+
+# The vector mathematics call nothing but the library that they stand for, not even the C library, and lintian is told
+# that this is meant.
 file(WRITE ${PROJECT_BINARY_DIR}/debian/overrides
-  "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}: library-not-linked-against-libc [usr/lib/*/libtzm_vmath.so.*]\n")
+  "${run_package}: library-not-linked-against-libc [usr/lib/*/libtzm_vmath.so.*]\n")
 install(FILES ${PROJECT_BINARY_DIR}/debian/overrides DESTINATION share/lintian/overrides
-  RENAME ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} COMPONENT runtime EXCLUDE_FROM_ALL)
+  RENAME ${run_package} COMPONENT runtime EXCLUDE_FROM_ALL)
 
 # A changelog in Debian's form.
-execute_process(COMMAND date -R -u -d ${TZM_RELEASE_DATE} OUTPUT_VARIABLE date COMMAND_ERROR_IS_FATAL ANY)
 file(WRITE ${PROJECT_BINARY_DIR}/debian/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgency=medium
 
   * What is new is told by CHANGELOG.md, in the package libsignal-tzm-doc.
 
- -- ${CPACK_PACKAGE_CONTACT}  ${date}")
+ -- ${CPACK_PACKAGE_CONTACT}  ${TZM_RELEASE_DAY}
+")
 execute_process(COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/debian/changelog COMMAND_ERROR_IS_FATAL ANY)
 
 include(CPack)
 
-add_custom_target(packages VERBATIM
+add_custom_target(tzm_packages VERBATIM
   COMMAND ${CMAKE_COMMAND} -E rm -rf ${PROJECT_BINARY_DIR}/packages
   COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake -B ${PROJECT_BINARY_DIR}/packages)
-foreach(target ${tzm_libraries} tzm tzm_manual docs)
-  if(TARGET ${target})
-    add_dependencies(packages ${target})
-  endif()
-endforeach()
+add_dependencies(tzm_packages tzm_all)
+if(TARGET tzm_docs)
+  add_dependencies(tzm_packages tzm_docs)
+endif()

@@ -3,7 +3,7 @@
 # every status.
 #   manual.sh CMAKE BUILD NM LIBRARY SOURCE_DIR
 set -euo pipefail
-"$1" --build "$2" --target docs
+"$1" --build "$2" --target tzm_docs
 sed -n '/kind="function"/,/<name>/s/.*<name>\(.*\)<\/name>.*/\1/p' "$2/docs/operations.xml" | LC_ALL=C sort -u \
   >"$2/docs/operations"
 missing=$("$3" -D --defined-only "$4" | awk '{print $3}' | LC_ALL=C sort | LC_ALL=C comm -23 - "$2/docs/operations")

@@ -89,8 +89,17 @@ for program in "$scratch"/consumer/as_c "$scratch"/consumer/as_cxx "$scratch"/pc
   said=$(${EMULATOR:-} "$program")
   [ "$said" = "strongest: 1000 Hz" ] || wrong "${program##*/} said '$said'"
 done
+# The installed tool, which needs no LD_LIBRARY_PATH, and the level of the library that the loader takes for it.
+level() {
+  env -u LD_LIBRARY_PATH "$@" "$prefix/bin/tzm" info --json | sed 's/.*"vector_level": "\([^"]*\)".*/\1/'
+}
 if [ -x "$prefix/bin/tzm" ]; then
   [ "$(${EMULATOR:-} "$prefix/bin/tzm" --version)" = "tzm $VERSION" ] || wrong 'version of the installed tzm'
+fi
+if [ -n "$HWCAPS" ]; then
+  narrow=$(level GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX512F) wide=$(level) expected=$MARCH
+  if /lib64/ld-linux-x86-64.so.2 --help | grep -q "$HWCAPS (supported"; then expected=$HWCAPS; fi
+  [ "$narrow $wide" = "$MARCH $expected" ] || wrong "levels $narrow and $wide, not $MARCH and $expected"
 fi
 
 # All examples, as someone builds them who has the installed package alone; they need the target's libsndfile.
@@ -98,4 +107,20 @@ if [ -z "${TOOLCHAIN:-}" ]; then
   "$CMAKE" -S "$(dirname "$source")" -B "$scratch/examples" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_C_FLAGS="$FLAGS" -DCMAKE_CXX_FLAGS="$FLAGS" >"$scratch/examples.log"
   "$CMAKE" --build "$scratch/examples" >>"$scratch/examples.log"
+fi
+
+# What was installed goes away again; and the source tree is part of another project, whose targets keep their names.
+if [ "$way" = prefix ]; then
+  mv "$prefix" "$scratch/installed"
+  tree=$(dirname "$source")/..
+  "$CMAKE" -P "$tree/cmake/uninstall.cmake" "$build"
+  left=$(find "$scratch/installed" ! -type d -o -name 'signal_tzm*' -o -name glibc-hwcaps)
+  [ -z "$left" ] || wrong "tzm_uninstall leaves $left"
+  mkdir "$scratch/parent"
+  printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(parent LANGUAGES C CXX)' \
+    'foreach(name docs packages uninstall)' 'add_custom_target(${name})' 'endforeach()' \
+    "add_subdirectory($tree signal_tzm)" >"$scratch/parent/CMakeLists.txt"
+  "$CMAKE" -S "$scratch/parent" -B "$scratch/parent/build" -G Ninja \
+    ${TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN"} >"$scratch/parent.log"
+  grep -q -- '-O3' "$scratch/parent/build/build.ninja" || wrong 'the library is not optimised in another project'
 fi
