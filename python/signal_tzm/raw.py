@@ -1,0 +1,22 @@
+"""The operations under their own names: `raw.ORVAS_Mul_16s_S(a, b, out, n, 4.0)` returns the status. Arrays go by
+address, None is a null pointer, everything else as cffi takes it (`ffi`, `lib`). Nothing is checked here."""
+import numpy as _np
+
+from ._raw import ffi, lib
+
+
+def __getattr__(name):
+    function = getattr(lib, name)  # AttributeError for a name that is none
+    if not callable(function):
+        return function
+
+    def call(*arguments):
+        return function(*[ffi.cast("void *", ffi.from_buffer(a)) if isinstance(a, _np.ndarray) else
+                          ffi.NULL if a is None else a for a in arguments])
+
+    call.__name__ = call.__qualname__ = name
+    return call
+
+
+def __dir__():
+    return dir(lib)

@@ -1,0 +1,80 @@
+#!/usr/bin/python3
+"""tests/digests.txt through signal_tzm for Python.   digests.py SOURCE_DIR SUPPORT_LIBRARY
+
+The C++ table makes the arrays, guarded, and takes the digests; every call in between is one of a function of the
+package, on NumPy arrays that lie over the table's own.
+"""
+import ctypes
+import math
+import pathlib
+import sys
+
+import numpy as np
+import signal_tzm as tz
+from signal_tzm import _call
+
+VALUE = 16  # bytes of an argument in the table
+
+
+def caller(member, arguments):
+    """A call of the table, (addresses and values) -> status, by way of the package's function."""
+    function = getattr(tz, member.family)
+    kept = [(i, a) for i, a in enumerate(arguments) if a.role != "length"]
+    at_length = [a.role for a in arguments].index("length")
+    types = [_call.DTYPES[a.type] for _, a in kept]
+    names = _call.FAMILIES[member.family].constants
+
+    def call(values):
+        read = lambda i, dtype: np.frombuffer(ctypes.string_at(values + VALUE * i, VALUE), dtype, 1)[0]
+        n = int(read(at_length, np.int32))
+
+        def array(place):
+            size = n if kept[place][1].role in ("source", "mask", "dst", "both") else 1
+            memory = (ctypes.c_char * (size * types[place].itemsize)).from_address(int(read(kept[place][0], np.int64)))
+            return np.frombuffer(memory, types[place])
+
+        arrays = {place: array(place) for place, (_, a) in enumerate(kept) if a.pointer}
+        given = [arrays[place] for place in member.sources + member.masks] or [n]
+        optional = {}
+        for place in member.constants + member.scales:
+            value = arrays[place][0] if place in arrays else read(kept[place][0], types[place])
+            optional[member.names[place]] = value if types[place].kind in "fcV" else int(value)
+        outputs = [arrays[place] for place in member.outputs]
+        if not member.reduces:
+            optional["out"] = outputs[0] if len(outputs) == 1 else outputs
+        if member.kind:
+            optional["kind"] = member.kind
+        seen = [0]
+        with tz.errstate("call", call=lambda status, *_: seen.append(status)):
+            results = function(*given, **optional, dtype=member.output_types)
+        if member.reduces:
+            for output, result in zip(outputs, results if len(outputs) > 1 else [results]):
+                output[0] = result
+        return seen[-1]
+
+    return call
+
+
+def main(source, library):
+    source = pathlib.Path(source)
+    sys.path.insert(0, str(source / "python"))
+    import generate
+
+    expected = dict(line.split() for line in (source / "tests" / "digests.txt").read_text().splitlines())
+    through = ctypes.CDLL(library).DigestThrough
+    through.restype = ctypes.c_char_p
+    callback = ctypes.CFUNCTYPE(ctypes.c_int32, ctypes.c_void_p)
+    members = {m.name: m for family in _call.FAMILIES.values() for m in family.members + [
+        m.twin for m in family.members if m.twin]}
+    same, different = 0, []
+    for row in generate.read(source)[1]:
+        digest = through(row.name.encode(), callback(caller(members[row.name], row.arguments))).decode()
+        if digest:
+            same += digest == expected[row.name]
+            different += [row.name] * (digest != expected[row.name])
+    print(f"{same} digests the same, different: {' '.join(different) or 'none'}")
+    return not same or bool(different)
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
