@@ -16,7 +16,8 @@
  * interpolated linearly between two entries; g = norm * min(1, factor).
  *
  * **Init.** `window` is the filter's full width in source samples (it grows by 1/factor below factor 1), `rollf` the
- * cut-off relative to the lower Nyquist frequency, above 0 and up to 1, `alpha` the Kaiser parameter, 1 or more. Entry
+ * cut-off relative to the lower Nyquist frequency, above 0 and up to 1, `alpha` the Kaiser parameter, 1 or more (above
+ * 713 I0 passes binary64, and the table holds NaN). Entry
  * i of the half filter, K = floor(window/2 * nStep), s = pi/nStep rounded to binary32 (deliberately) and x = i*s, is
  * rollf at 0 and else I0(alpha*sqrt(1-(i/K)^2)) / I0(alpha) * sin(x*rollf) / x, all scaled so that the sum at whole
  * samples on both sides is 1. The table is binary32, and with `_16s` 16-bit, its largest magnitude being 16383; `hint`
@@ -71,10 +72,10 @@ TZM_API OrvaStatus ORVAS_ResamplePolyphaseRelease_32f(ResamplePolyphaseState* st
  * moves time on by inRate. So it is exact: it does not drift however long the stream, and blocks of any sizes give what
  * one call gives, to the bit.
  *
- * **Init** designs h: a sinc under a Kaiser window of the parameter `alpha`, 1 or more, with its cut-off at `rollf`,
- * above 0 and up to 1, of the lower Nyquist frequency; every phase sums to 1. `window`, 2 or more, is the filter's full
- * width in source samples (when the rate falls: in samples of the output), and R is half of it in source samples,
- * rounded up to a multiple of 4. A stop-band A dB down wants alpha = 0.11*(A - 8.7); the transition, centred at the
+ * **Init** designs h: a sinc under a Kaiser window of the parameter `alpha`, 1 to 713, with its cut-off at `rollf`, above
+ * 0 and up to 1, of the lower Nyquist frequency; every phase sums to 1. `window`, 2 or more, is the filter's full width
+ * in source samples (when the rate falls: in samples of the output), its two ends included, and R is half of it in
+ * source samples, rounded up to a multiple of 4. A stop-band A dB down wants alpha = 0.11*(A - 8.7); the transition, centred at the
  * cut-off, is then (A - 8) / (7.2*window) of the lower Nyquist frequency wide. Status, in this order: 1 `stateOut`
  * null; 2 a rate below 1; 7 another argument out of its range; 202 a filter beyond 2^31-1 bytes; 9 no memory.
  * `*stateOut` is null after a failure.

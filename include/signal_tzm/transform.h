@@ -178,8 +178,9 @@ TZM_API OrvaStatus ORVAS_Goertz_64fc(const Orva64fc* src, int32_t len, Orva64fc*
  * transform, `len` complex elements in `dst`. Init makes a spec for one length, which any number of
  * threads may use at once, on separate arrays, until Release (null allowed) gives it back.
  *
- * Status of Init: 1 null `specOut`; 2 `len < 1`; 9 no memory or no plan (`*specOut` unchanged). Of the
- * transform: 1 null array or spec; 2 `len < 1`; 204 `len` is not what it was made for. @{ */
+ * Status of Init: 1 null `specOut`; 2 `len < 1`; 9 no memory, or no plan: none beyond 2^27 samples
+ * (`*specOut` unchanged). Of the transform: 1 null array or spec; 2 `len < 1`; 204 `len` is not what it
+ * was made for. @{ */
 typedef struct OrvaHilbertSpec OrvaHilbertSpec;
 
 TZM_API OrvaStatus ORVAS_HilbertInit_32f32fc(int32_t len, OrvaHilbertSpec** specOut);

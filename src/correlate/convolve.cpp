@@ -16,21 +16,23 @@ template <class T>
 constexpr int64_t kBlock = 64 / sizeof(T);
 constexpr int32_t kShort = 16;
 
-// Two sequences and, for their convolution, the samples of src1 that output k sums: First(k) to End(k). Where
-// src2 is not `whole`, only what such sums need may be read of it, and outputs may lie before the first one.
+// Two sequences and, for their convolution, the samples of src1 that output k sums: First(k) to End(k). With a bias,
+// sums take src2 from so many samples further back, only what they need may be read of it, and outputs may lie before
+// the first one.
 template <class T>
 struct Pair {
   const T* src1;
   const T* src2;
   int64_t len1, len2;
-  bool whole = true;
+  int64_t bias = 0;
 
   int64_t First(int64_t k) const { return std::max<int64_t>(k - len2 + 1, 0); }
   int64_t End(int64_t k) const { return std::min(k + 1, len1); }
+  const T* Src2(int64_t index) const { return src2 + (index - bias); }
   T Chain(int64_t k) const {
     T sum = 0;
     for (int64_t i = First(k), end = End(k); i < end; ++i)
-      sum = Fma(LoadElement(src2 + (k - i)), LoadElement(src1 + i), sum);
+      sum = Fma(LoadElement(Src2(k - i)), LoadElement(src1 + i), sum);
     return sum;
   }
 };
@@ -74,9 +76,9 @@ template <size_t kOutputs, class T>
 HWY_NOINLINE void FullOverlap(const Pair<T>& pair, int64_t k, T* dst) {
   auto sum = LaneArray<T, kOutputs>::Set(0);
   if (pair.len1 >= pair.len2)
-    AddProducts<1>(pair.src2 + (pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
+    AddProducts<1>(pair.Src2(pair.len2 - 1), pair.src1 + (k - pair.len2 + 1), pair.len2, sum);
   else
-    AddProducts<-1>(pair.src1, pair.src2 + k, pair.len1, sum);
+    AddProducts<-1>(pair.src1, pair.Src2(k), pair.len1, sum);
   sum.Store(dst);
 }
 
@@ -184,7 +186,7 @@ void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
     for (; last - k >= kWide && fits(k); k += kWide) tile(std::integral_constant<size_t, kWide>(), k);
     for (; k < last; k += kB) tile(std::integral_constant<size_t, kB>(), std::min(k, last - kB));
   };
-  const bool tiled = pair.whole && pair.len2 > kShort;
+  const bool tiled = pair.bias == 0 && pair.len2 > kShort;
   const auto edge = [&](int64_t k, int64_t last) {
     const int64_t inside = tiled ? std::clamp(pair.len1 + pair.len2 - 1, k, last) : k;
     if (k < inside) {
@@ -353,8 +355,7 @@ OrvaStatus ORVAS_ConvBiased_32f(const Orva32f* src1, int32_t src1Len, const Orva
                                 Orva32f* dst, int32_t dstLen, int32_t bias) {
   if (OrvaStatus status = CheckPointers(src1, src2, dst)) return status;
   if (dstLen < 1 || src2Len < 1 || src1Len < 1) return ORVA_STS_SIZE_ERR;
-  // The window of i of output k + bias with src2's index of output k: src2 seen from `bias` further back.
-  Chains<Orva32f>({src1, src2 - bias, src1Len, src2Len, bias == 0}, bias, int64_t{bias} + dstLen, dst);
+  Chains<Orva32f>({src1, src2, src1Len, src2Len, bias}, bias, int64_t{bias} + dstLen, dst);
   return ORVA_STS_NO_ERR;
 }
 

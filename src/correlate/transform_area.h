@@ -24,10 +24,11 @@ inline void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len)
 inline void Divide(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
   ORVAS_DivC_64f(src, value, dst, len);
 }
-// src[i] / value for both parts of `len` samples.
+// src[i] / value for both parts of `len` samples, which may be more reals than one call takes.
 template <class Sample>
 void DivideParts(const Sample* src, int32_t value, Sample* dst, int32_t len) {
-  Divide(Reals(src), static_cast<PartOf<Sample>>(value), Reals(dst), kParts<Sample> * len);
+  for (size_t at = 0, reals = kParts<Sample> * static_cast<size_t>(len); at < reals; at += static_cast<size_t>(len))
+    Divide(Reals(src) + at, static_cast<PartOf<Sample>>(value), Reals(dst) + at, len);
 }
 
 // Up to kBuffers buffers and the plans of one length P. Of a real type, buffer 0 holds P samples in time

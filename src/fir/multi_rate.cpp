@@ -9,7 +9,8 @@
 
 using namespace tzm;
 
-// One block: the record, the taps, the rows' pointers, the rows. A second one: work. Row r holds for each
+// One block: the record, the taps, the rows' pointers, the rows. A second one: work, the line and behind it the area of
+// a tile. Row r holds for each
 // output of a period the tap that meets the r-th sample of its window, the period being repeated for 15
 // columns more, so that 16 outputs in a row find their taps side by side.
 struct FIRMRState {
@@ -77,6 +78,9 @@ struct Signal {
   }
 };
 
+// Samples laid side by side: too many for the stack of a small thread.
+constexpr int64_t kTileBytes = 32768, kTileAlignment = 64;
+
 // ---- Tiles: a few phases of many periods ----
 
 // A period is a whole number of times U outputs; the outputs of one phase in successive periods have their
@@ -88,11 +92,10 @@ struct Periods {
   const Tap* taps;                 // the matrix of the phases
   int64_t factor;                  // of a period: factor*up outputs from factor*down samples
   Signal<Sample> signal;
+  PartOf<Tap>* area;               // kTileBytes
 
   int64_t Q(int64_t n) const { return (offset + n * down) / up; }
 };
-
-constexpr size_t kTileBytes = 32768;  // of samples laid side by side
 
 template <class Tap, class Sample, size_t kVectors>
 struct Tile {
@@ -106,7 +109,7 @@ struct Tile {
   static constexpr size_t kReals = kVectors == 1 ? 8 : 4;    // in a row of each period, summed together
   static constexpr size_t kPhases = kReals / kParts<Sample>;
   static constexpr size_t kRow = kParts<Sample> * kPeriods;  // the parts of complex samples have rows of their own
-  static constexpr int64_t kRows = kTileBytes / (kRow * sizeof(Real));
+  static constexpr int64_t kRows = kTileBytes / int64_t{kRow * sizeof(Real)};
   using Sums = V[kReals * kVectors];
 
   static TZM_INLINE V Widen(Vec<hn::Rebind<Narrow, D>> v) {
@@ -246,7 +249,6 @@ struct Tile {
   static void Run(const Periods<Tap, Sample>& p, int64_t from, int64_t valid, Sample* dst) {
     constexpr int64_t kGroup = kPhases;
     const int64_t outputs = p.factor * p.up, step = p.factor * p.down, width = p.up + kExtension;
-    HWY_ALIGN Real area[kRows * kRow];
     // So many outputs of a period find so many rows of their samples in the area together. What has more rows
     // goes through it in several turns, and its sums are kept between them.
     Sums kept[16];
@@ -263,14 +265,14 @@ struct Tile {
       const int64_t first = p.Q(begin), span = p.Q(end - 1) - first;
       for (int64_t r = 0; r < p.rows; r += rows) {
         const int64_t count = std::min(rows, p.rows - r);
-        if (!apart) Lay(p.signal, from + first + r, step, valid, span + count, area);
+        if (!apart) Lay(p.signal, from + first + r, step, valid, span + count, p.area);
         Position position(p.offset + begin * p.down, p.up, p.down);
         int64_t column = begin % p.up;
         for (int64_t n = begin; n < end; n += kGroup) {
           const Real* x[kPhases];
           for (int64_t i = 0; i < kGroup; ++i) {
             const int64_t q = position.Q();
-            Real* const own = area + static_cast<size_t>(apart ? i * rows : q - first) * kRow;
+            Real* const own = p.area + static_cast<size_t>(apart ? i * rows : q - first) * kRow;
             if (apart) Lay(p.signal, from + q + r, step, valid, count, own);
             x[i] = own;
             if (n + i < outputs - 1) position.Next();  // phases beyond the period repeat the last one
@@ -336,10 +338,11 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t up, int32_t upPhase, i
   const int64_t rowsAt = tapsAt + RoundUp16(int64_t{tapsLen} * sizeof(Tap));
   const int64_t matrixAt = rowsAt + shape.rows * static_cast<int64_t>(sizeof(void*));
   const int64_t stateBytes = matrixAt + shape.rows * width * static_cast<int64_t>(sizeof(Sample));
-  if (stateBytes > kMost) return ORVA_STS_OVERFLOW_ERR;
+  const int64_t workBytes = (shape.rows + lineLen) * int64_t{sizeof(Sample)} + kTileAlignment + kTileBytes;
+  if (stateBytes > kMost || workBytes > kMost) return ORVA_STS_OVERFLOW_ERR;
 
   Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
-  Orva8u* const work = ORVAS_Malloc_8u(static_cast<int32_t>((shape.rows + lineLen) * sizeof(Sample)));
+  Orva8u* const work = ORVAS_Malloc_8u(static_cast<int32_t>(workBytes));
   if (CheckPointers(block, work)) {
     ORVAS_Free(block);
     ORVAS_Free(work);
@@ -390,7 +393,10 @@ OrvaStatus Run(const Sample* src, Sample* dst, int32_t iterations, const FIRMRSt
 
   // Periods of so many outputs that these share what is laid side by side, as long as there is a period for each
   // lane; of fewer than four a part of every step would be lost.
-  Periods<Tap, Sample> p = {shape.rows, up, down, shape.offset, rows[0], 1, {line, src, shape.rows, shape.copied}};
+  const auto lineEnd = reinterpret_cast<uintptr_t>(line + rowCount + copied);
+  auto* const area = reinterpret_cast<PartOf<Tap>*>((lineEnd + kTileAlignment - 1) / kTileAlignment * kTileAlignment);
+  const Signal<Sample> signal = {line, src, shape.rows, shape.copied};
+  Periods<Tap, Sample> p = {shape.rows, up, down, shape.offset, rows[0], 1, signal, area};
   constexpr int64_t kFewest = 4, kEnough = 16, kLanes = 64 / sizeof(PartOf<Tap>);
   while (2 * p.factor <= iterations &&
          (p.factor * up < kFewest || (p.factor * up < kEnough && iterations / (2 * p.factor) >= kLanes)))

@@ -131,7 +131,7 @@ uint64_t UnsignedArgument(Length length, Arguments& arguments) {
 
 using UInt128 = unsigned __int128;
 
-// mantissa * 2^exponent; the mantissa's leading one, where there is one, is bit kBits - 1.
+// mantissa * 2^exponent, the mantissa below 2^bits; its leading one is bit bits - 1 unless the value is subnormal or 0.
 struct Binary {
   UInt128 mantissa;
   int exponent;
@@ -174,79 +174,86 @@ Binary Split(long double value) {
 class Decimal {
  public:
   // m * 2^e is an integer for e >= 0, and m * 5^-e * 10^e below.
-  explicit Decimal(const Binary& value) {
-    uint32_t limbs[kLimbs];  // base 10^9, least first
-    int count = 0;
-    for (UInt128 rest = value.mantissa; rest != 0; rest /= kBase) limbs[count++] = static_cast<uint32_t>(rest % kBase);
+  explicit Decimal(const Binary& value) : scale_(value.exponent < 0 ? value.exponent : 0) {
+    for (UInt128 rest = value.mantissa; rest != 0; rest /= kBase) Append(static_cast<uint32_t>(rest % kBase));
     const int power = value.exponent < 0 ? -value.exponent : value.exponent;
     const uint32_t step = value.exponent < 0 ? 5 : 2;
     for (int done = 0; done < power;) {
       uint64_t factor = 1;
       for (; done < power && factor * step < kBase; ++done) factor *= step;
       uint64_t carry = 0;
-      for (int i = 0; i < count; ++i) {
-        carry += limbs[i] * factor;
-        limbs[i] = static_cast<uint32_t>(carry % kBase);
+      for (int i = 0; i < count_; ++i) {
+        carry += limbs_[i] * factor;
+        limbs_[i] = static_cast<uint32_t>(carry % kBase);
         carry /= kBase;
       }
-      if (carry != 0) limbs[count++] = static_cast<uint32_t>(carry);
+      if (carry != 0) Append(static_cast<uint32_t>(carry));
     }
-    for (int i = count - 1; i >= 0; --i) {
-      char digits[9];
-      char* const first = Digits(limbs[i], 10, false, digits + 9);
-      std::memset(digits, '0', static_cast<size_t>(first - digits));
-      const int skip = size_ == 0 ? static_cast<int>(first - digits) : 0;
-      std::memcpy(digits_ + size_, digits + skip, static_cast<size_t>(9 - skip));
-      size_ += 9 - skip;
-    }
-    exponent_ = size_ == 0 ? 0 : size_ - 1 + (value.exponent < 0 ? value.exponent : 0);
   }
 
   // Keeps `count` digits, ties to even.
   void Round(int64_t count) {
-    if (count >= size_) return;
+    const int size = Size();
+    if (count >= size) return;
     if (count < 0) {
-      size_ = 0;
+      count_ = 0;
       return;
     }
+    const int kept = size - static_cast<int>(count);  // the lowest digit that stays
+    const int next = Digit(kept - 1);
     bool more = false;
-    for (int i = static_cast<int>(count) + 1; i < size_; ++i) more = more || digits_[i] != '0';
-    const char next = digits_[count];
-    const bool odd = count > 0 && (digits_[count - 1] - '0') % 2 != 0;
-    size_ = static_cast<int>(count);
-    if (next < '5' || (next == '5' && !more && !odd)) return;
-    int at = size_ - 1;
-    while (at >= 0 && digits_[at] == '9') digits_[at--] = '0';
-    if (at >= 0) {
-      ++digits_[at];
-    } else {  // all nines, now zeros, or nothing kept: a 1 one place up
-      digits_[0] = '1';
-      size_ = 1;
-      ++exponent_;
+    for (int i = 0; i < kept - 1; ++i) more = more || Digit(i) != 0;
+    const bool odd = Digit(kept) % 2 != 0;
+    const int limb = kept / kPlaces;
+    for (int i = 0; i < limb; ++i) limbs_[i] = 0;
+    if (limb == count_) Append(0);  // all of its digits go
+    limbs_[limb] -= limbs_[limb] % kPower[kept % kPlaces];
+    if (next > 5 || (next == 5 && (more || odd))) {
+      limbs_[limb] += kPower[kept % kPlaces];
+      for (int i = limb; limbs_[i] >= kBase; ++i) {
+        limbs_[i] -= kBase;
+        if (i + 1 == count_) Append(0);
+        ++limbs_[i + 1];
+      }
     }
+    while (count_ > 0 && limbs_[count_ - 1] == 0) --count_;
   }
 
   // Digit of weight 10^place, also outside what is stored.
   char At(int64_t place) const {
-    const int64_t index = exponent_ - place;
-    return index < 0 || index >= size_ ? '0' : digits_[index];
+    const int64_t digit = place - scale_;
+    return digit < 0 || digit >= int64_t{kPlaces} * count_ ? '0' : static_cast<char>('0' + Digit(static_cast<int>(digit)));
   }
-  int Exponent() const { return size_ == 0 ? 0 : exponent_; }
+  int Exponent() const { return count_ == 0 ? 0 : Size() - 1 + scale_; }
   // The lowest place that holds a digit other than 0; 0 for zero.
   int LastPlace() const {
-    int last = size_;
-    while (last > 0 && digits_[last - 1] == '0') --last;
-    return last == 0 ? 0 : exponent_ - last + 1;
+    if (count_ == 0) return 0;
+    int digit = 0;
+    while (Digit(digit) == 0) ++digit;
+    return digit + scale_;
   }
 
  private:
   static constexpr uint32_t kBase = 1000000000;
-  // Integers below 2^LDBL_MAX_EXP, and mantissas times 5^k for the least exponent: under 0.7 digits a bit.
-  static constexpr int kDigits = (LDBL_MAX_EXP + 2 * LDBL_MANT_DIG) * 7 / 10 + 64;
-  static constexpr int kLimbs = kDigits / 9 + 2;
+  static constexpr int kPlaces = 9;
+  static constexpr uint32_t kPower[kPlaces] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+  // Integers below 2^LDBL_MAX_EXP, and mantissas times 5^k for the least exponent: under 0.7 digits a bit; and one more
+  // for a carry.
+  static constexpr int kLimbs = ((LDBL_MAX_EXP + 2 * LDBL_MANT_DIG) * 7 / 10 + 64) / kPlaces + 2;
 
-  char digits_[kDigits + 1];
-  int size_ = 0, exponent_ = 0;
+  void Append(uint32_t limb) { limbs_[count_++] = limb; }
+  // The digit of weight 10^(index + scale_), 0 beyond the highest.
+  int Digit(int index) const {
+    return index / kPlaces == count_ ? 0 : static_cast<int>(limbs_[index / kPlaces] / kPower[index % kPlaces] % 10);
+  }
+  int Size() const {
+    int size = kPlaces * count_;
+    while (size > 0 && Digit(size - 1) == 0) --size;
+    return size;
+  }
+
+  uint32_t limbs_[kLimbs];  // base 10^9, least first; the highest is not 0
+  int count_ = 0, scale_;
 };
 
 void Fixed(Output& out, const Conversion& c, std::string_view sign, const Decimal& value, int64_t precision) {

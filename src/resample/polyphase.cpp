@@ -301,11 +301,11 @@ OrvaStatus MakePlan(int32_t len, double factor, Orva32f norm, const double* time
 template <class Entry, class Sample, class TimeOf, class Store>
 void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* src, TimeOf timeOf, Store store) {
   using H = Half<Entry, Sample>;
-  for (int32_t j = 0; j < plan.count; j += 2) {
-    const int32_t outputs = HWY_MIN(2, plan.count - j);
+  for (int64_t j = 0; j < plan.count; j += 2) {
+    const int64_t outputs = HWY_MIN(2, plan.count - j);
     double at[2], acc[2] = {};
     const Sample* here[2];
-    for (int32_t k = 0; k < 2; ++k) {
+    for (int64_t k = 0; k < 2; ++k) {
       if (k == outputs) {
         at[1] = at[0];
         here[1] = here[0];
@@ -318,7 +318,7 @@ void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* sr
     const double step = plan.step;
     AddHalves<-1>({H(state, here[0], step, at[0]), H(state, here[1], step, at[1])}, acc);
     AddHalves<1>({H(state, here[0] + 1, step, step - at[0]), H(state, here[1] + 1, step, step - at[1])}, acc);
-    for (int32_t k = 0; k < outputs; ++k) store(j + k, plan.gain * acc[k]);
+    for (int64_t k = 0; k < outputs; ++k) store(j + k, plan.gain * acc[k]);
   }
 }
 
@@ -347,12 +347,12 @@ OrvaStatus ORVAS_ResamplePolyphase_16s(const Orva16s* src, int32_t len, Orva16s*
   Plan plan;
   if (OrvaStatus status = MakePlan(len, factor, norm, time, outLen, *state, plan)) return status;
   double next = plan.start;
-  const auto timeOf = [&](int32_t) TZM_LAMBDA {
+  const auto timeOf = [&](int64_t) TZM_LAMBDA {
     const double now = next;
     next += plan.interval;
     return now;
   };
-  const auto store = [=](int32_t j, double value) TZM_LAMBDA { StoreElement(RoundSaturate<Orva16s>(value), dst + j); };
+  const auto store = [=](int64_t j, double value) TZM_LAMBDA { StoreElement(RoundSaturate<Orva16s>(value), dst + j); };
   if (state->hint == kFloatTable) Run<Orva32f>(*state, plan, src, timeOf, store);
   else Run<Orva16s>(*state, plan, src, timeOf, store);
   StoreElement(next, time);
@@ -365,9 +365,9 @@ OrvaStatus ORVAS_ResamplePolyphase_32f(const Orva32f* src, int32_t len, Orva32f*
   if (OrvaStatus status = CheckArrays(len, state, outLen, dst, time, src)) return status;
   Plan plan;
   if (OrvaStatus status = MakePlan(len, factor, norm, time, outLen, *state, plan)) return status;
-  const auto timeOf = [=](int32_t j) TZM_LAMBDA { return Fma(j, plan.interval, plan.start); };
+  const auto timeOf = [=](int64_t j) TZM_LAMBDA { return Fma(static_cast<double>(j), plan.interval, plan.start); };
   Run<Orva32f>(*state, plan, src, timeOf,
-               [=](int32_t j, double value) TZM_LAMBDA { StoreElement(static_cast<Orva32f>(value), dst + j); });
+               [=](int64_t j, double value) TZM_LAMBDA { StoreElement(static_cast<Orva32f>(value), dst + j); });
   StoreElement((plan.count < 1 ? plan.start : timeOf(plan.count - 1)) + plan.interval, time);
   return ORVA_STS_NO_ERR;
 }

@@ -49,18 +49,30 @@ void ForEachTap(const State& state, Take take) {
       take(Row<Sample>(state, phase) + tap, n);
 }
 
-// A low-pass filter `half` source samples wide on either side, in steps of 1/up of them. Every phase sums to 1.
-void Design(const State& state, double half, Orva32f rollf, Orva32f alpha, Orva32f* filter) {
+// The source samples on either side of an output that the filter may reach, in steps of 1/(2*up): window * max(up, down)
+// as a product of integers and 2^-22, exact in binary64 as long as the filter has a legal length.
+double Width(double window, int32_t up, int32_t down) { return window * HWY_MAX(up, down); }
+
+// A low-pass filter `width` wide, in steps of 1/up of a source sample; the taps on its edges belong to it. Every phase
+// sums to 1.
+void Design(const State& state, double width, Orva32f rollf, Orva32f alpha, Orva32f* filter) {
   const KaiserSinc sinc(rollf, alpha);
   const double lower = HWY_MIN(1.0, static_cast<double>(state.up) / state.down);  // of the two rates
+  const int32_t centre = state.up * state.reach;
+  const auto at = [&](int32_t n) {
+    const int32_t steps = n < centre ? centre - n : n - centre;
+    if (steps == 0) return sinc.Centre();
+    if (2.0 * steps > width) return 0.0;
+    return sinc.At(kPi * lower * (static_cast<double>(steps) / state.up), 2.0 * steps / width);
+  };
   for (int32_t phase = 0; phase < state.up; ++phase) {
+    // Between samples a narrow window of a large alpha leaves next to nothing of a small cut-off: in binary32 nothing,
+    // if the phase's largest tap were not made about 1.
+    const int32_t nearest = centre + (phase <= state.up / 2 ? phase : phase - state.up);
+    const double unit = ScaleFactor(ScaleExponent(at(nearest)));
     double sum = 0;
     for (int32_t n = phase; n < state.FilterLen(); n += state.up) {
-      const double distance = __builtin_fabs(static_cast<double>(n) / state.up - state.reach);
-      const double value = distance == 0 ? sinc.Centre()
-                           : distance <= half ? sinc.At(kPi * lower * distance, distance / half)
-                                              : 0;
-      filter[n] = static_cast<Orva32f>(value);
+      filter[n] = static_cast<Orva32f>(at(n) * unit);
       sum += filter[n];
     }
     for (int32_t n = phase; n < state.FilterLen(); n += state.up) filter[n] = static_cast<Orva32f>(filter[n] / sum);
@@ -91,11 +103,11 @@ OrvaStatus Init(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf, 
   if (OrvaStatus status = CheckPointers(stateOut)) return status;
   *stateOut = nullptr;
   if (inRate < 1 || outRate < 1) return ORVA_STS_SIZE_ERR;
-  if (!(window >= 2) || !(rollf > 0) || rollf > 1 || !(alpha >= 1)) return ORVA_STS_BAD_ARG_ERR;
+  if (!(window >= 2) || !(rollf > 0) || rollf > 1 || !(alpha >= 1) || alpha > kBesselI0Limit) return ORVA_STS_BAD_ARG_ERR;
   const int32_t unit = std::gcd(inRate, outRate);
   const int32_t up = outRate / unit, down = inRate / unit;
-  const double half = window * 0.5 * HWY_MAX(1.0, static_cast<double>(down) / up);
-  const double reach = __builtin_ceil(half / 4) * 4;  // rows of whole steps of the dot products
+  const double width = Width(window, up, down);
+  const double reach = __builtin_ceil(width / (8.0 * up)) * 4;  // rows of whole steps of the dot products
   if (2 * reach * up > static_cast<double>(kMostTaps)) return ORVA_STS_OVERFLOW_ERR;
 
   State shape = {up, down, unit, static_cast<int32_t>(reach), 1, nullptr};
@@ -108,7 +120,7 @@ OrvaStatus Init(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf, 
     return ORVA_STS_MEM_ALLOC_ERR;
   }
   shape.bank = block + kRecordBytes;
-  Design(shape, half, rollf, alpha, filter);
+  Design(shape, width, rollf, alpha, filter);
   FillBank<Sample>(filter, shape);
   ORVAS_Free(filter);
   *stateOut = reinterpret_cast<State*>(block);

@@ -8,6 +8,8 @@
 
 using namespace tzm;
 
+constexpr int32_t kLongest = 0x8000000;  // as for the DFT: a longer one has no plan
+
 struct OrvaHilbertSpec {
   int32_t len;
   tzm_fftf_plan forward;
@@ -18,6 +20,7 @@ using F = Fft<Orva32f>;
 
 OrvaStatus ORVAS_HilbertInit_32f32fc(int32_t len, OrvaHilbertSpec** specOut) {
   if (OrvaStatus status = CheckArrays(len, specOut)) return status;
+  if (len > kLongest) return ORVA_STS_MEM_ALLOC_ERR;
   auto* const spec = static_cast<OrvaHilbertSpec*>(ORVA_Malloc(sizeof(OrvaHilbertSpec)));
   if (spec == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
   spec->forward = F::PlanComplex(len, kForward);

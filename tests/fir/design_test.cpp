@@ -102,6 +102,8 @@ TEST(FIRGen, StatusesInTheirOrder) {
   EXPECT_EQ(ORVAS_FIRGenInit_64f(89478484, &buffer), ORVA_STS_MEM_ALLOC_ERR);
   FailRequest(0);
   EXPECT_EQ(buffer, nullptr);
+  ASSERT_EQ(ORVAS_FIRGenInit_64f(5, &buffer), 0);
+  ORVAS_FIRGenRelease(buffer);
   ASSERT_EQ(ORVAS_FIRGenInit_64f(8, &buffer), 0);
   for (Shape shape : kShapes) {
     std::vector<double> taps(8, 7), unscaled(8), other(8);

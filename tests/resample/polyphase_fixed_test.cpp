@@ -108,6 +108,35 @@ TYPED_TEST(ResamplePolyphaseFixed, PassesAndStops) {
   }
 }
 
+// A tap is there where its distance from the centre, in steps of 1/U, is at most half the window, both edges alike; and
+// the least window and cut-off, with the least and the largest alpha, make a filter whose phases sum to 1.
+TYPED_TEST(ResamplePolyphaseFixed, TapsReachTheEdgesOfTheWindow) {
+  using M = Members<TypeParam>;
+  struct { int32_t in, out; float window, rollf, alpha; } const shapes[] = {
+      {8, 3, 8, 0.57f, 2}, {7, 5, 28, 0.9f, 3}, {8, 7, 17, 0.9f, 2}, {3, 2, 20, 0.8f, 4}, {5, 3, 6, 0.9f, 1}, {3, 8, 9, 0.9f, 2},
+      {9, 7, 2, 0.9f, 1}, {1, 2, 2, 1, 713}, {3, 100, 2, 1e-45f, 713}, {100, 3, 2, 1e-45f, 1}};
+  for (const auto& [in, out, window, rollf, alpha] : shapes) {
+    SCOPED_TRACE(testing::Message() << in << " to " << out << ", window " << window);
+    ResamplePolyphaseFixedState* state = nullptr;
+    int32_t len = 0;
+    ASSERT_EQ(M::Init(in, out, window, rollf, alpha, &state), 0);
+    ASSERT_EQ(M::Get(state, nullptr, &len), 0);
+    GuardedArray<Orva32f> taps(len);
+    ASSERT_EQ(M::Get(state, taps.data(), &len), 0);
+    ASSERT_EQ(M::Set(state, taps.data(), len), 0);
+    M::Release(state);
+    for (int32_t phase = 0; phase < out; ++phase) {
+      double sum = 0;
+      for (int32_t n = phase; n < len; n += out) sum += taps[n];
+      ASSERT_NEAR(sum, 1, 1e-5) << phase;
+    }
+    for (int32_t k = 1; k < len / 2 && alpha < 700; ++k) {
+      ASSERT_EQ(taps[len / 2 + k] != 0, 2 * k <= window * std::max(in, out)) << k;
+      ASSERT_NEAR(taps[len / 2 - k], taps[len / 2 + k], 1e-7) << k;
+    }
+  }
+}
+
 TYPED_TEST(ResamplePolyphaseFixed, StatusesInTheirOrderAndFaults) {
   using M = Members<TypeParam>;
   constexpr int32_t kMost = INT32_MAX;
@@ -123,7 +152,7 @@ TYPED_TEST(ResamplePolyphaseFixed, StatusesInTheirOrderAndFaults) {
   EXPECT_EQ(init(1, -1, 0, 0, 0), ORVA_STS_SIZE_ERR);
   for (float window : {1.9f, -1.0f, NAN}) EXPECT_EQ(init(kMost, 2, window, 0.9f, 5), ORVA_STS_BAD_ARG_ERR);
   for (float rollf : {0.0f, 1.1f, NAN}) EXPECT_EQ(init(kMost, 2, 8, rollf, 5), ORVA_STS_BAD_ARG_ERR);
-  for (float alpha : {0.9f, NAN}) EXPECT_EQ(init(kMost, 2, 8, 0.9f, alpha), ORVA_STS_BAD_ARG_ERR);
+  for (float alpha : {0.9f, 713.1f, NAN}) EXPECT_EQ(init(kMost, 2, 8, 0.9f, alpha), ORVA_STS_BAD_ARG_ERR);
   for (float window : {8.0f, 3e38f, INFINITY})
     for (auto [in, out] : {std::pair{kMost, 1}, {1, kMost}, {kMost, kMost - 1}})
       EXPECT_EQ(init(in, out, window, 0.9f, 5), ORVA_STS_OVERFLOW_ERR) << window;

@@ -358,6 +358,17 @@ TEST(Spectra, ThreadCount) {
   EXPECT_STREQ("4", getenv(variable));
 }
 
+// Deliberately three reals, of which a transform of one sample writes two: a signalling NaN shows the third.
+TEST(Specs, AnFftOfOneSampleDividesThreeReals) {
+  Spec* spec = nullptr;
+  const Orva32f one = 1;
+  Orva32f bins[3] = {7, 7, std::bit_cast<Orva32f>(0x7fa00000)};
+  ASSERT_EQ(ORVAS_FFTRToCInit_32f(0, ORVA_DIVIDE_FORWARD, &spec), ORVA_STS_NO_ERR);
+  EXPECT_EQ(ORVAS_FFTRToC_32f(&one, bins, spec), ORVA_STS_NO_ERR);
+  EXPECT_EQ(std::bit_cast<uint32_t>(bins[2]), 0x7fe00000u);
+  ORVAS_FFTRToCRelease_32f(spec);
+}
+
 // ---- Shift, chirp-Z, Goertzel, Hilbert ----
 
 TEST(Spectra, Shift) {
@@ -401,6 +412,9 @@ TEST(Spectra, ChirpZ) {
       EXPECT_EQ(ORVA_STS_SIZE_ERR, chirp(src, srcLen, dst, dstLen, w, a));
     for (auto [srcLen, dstLen] : {std::pair{most, most}, {0x3fffffff, 1}, {0x3ffffffe, 1}, {limit + 1, 1}})
       EXPECT_EQ(ORVA_STS_OVERFLOW_ERR, chirp(src, srcLen, dst, dstLen, w, a));
+    FailRequest(1);
+    EXPECT_EQ(ORVA_STS_MEM_ALLOC_ERR, chirp(src, limit, dst, 1, w, a));
+    FailRequest(0);
     EXPECT_EQ(5, ForEachFault([&] {
       dst[0].re = 77;
       const OrvaStatus status = chirp(src, 4, dst, 4, w, a);
@@ -483,6 +497,7 @@ TEST(Spectra, Hilbert) {
   EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(nullptr));
   EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_HilbertInit_32f32fc(0, nullptr));
   EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_HilbertInit_32f32fc(0, &spec));
+  for (int32_t len : {0x8000001, INT32_MAX}) EXPECT_EQ(ORVA_STS_MEM_ALLOC_ERR, ORVAS_HilbertInit_32f32fc(len, &spec));
   EXPECT_EQ(3, ForEachFault([&] {
     EXPECT_EQ(untouched, spec);
     const OrvaStatus status = ORVAS_HilbertInit_32f32fc(12, &spec);
