@@ -12,11 +12,11 @@
 #include <memory>
 #include <string>
 
-#include "support/random.h"
+#include "states.h"
 
 namespace {
 
-using namespace tzm_test;
+using tzm_bench::SharedArray;
 
 constexpr int32_t kDirect = 1, kFft = 2;
 

@@ -7,6 +7,7 @@
 
 #include "members/caller.h"
 #include "sizes.h"
+#include "states.h"
 
 namespace {
 
@@ -37,10 +38,9 @@ void Register(const Member& member, const Size& size, size_t scale, const std::s
   });
 }
 
-void RegisterScenario(const Member& member, int32_t len) {
-  benchmark::RegisterBenchmark((member.name + "/" + std::to_string(len)).c_str(),
-                               [=, &member](benchmark::State& state) {
-    const Timed timed = member.timed(len);
+void RegisterState(const std::string& name, const tzm_bench::Make& make, int32_t len) {
+  benchmark::RegisterBenchmark((name + "/" + std::to_string(len)).c_str(), [=](benchmark::State& state) {
+    const tzm_bench::Timed timed = make(len);
     if (!IsSuccess(timed.run())) state.SkipWithError("refused");
     for (auto _ : state) {
       benchmark::DoNotOptimize(timed.run());
@@ -55,8 +55,9 @@ void RegisterScenario(const Member& member, int32_t len) {
 int main(int argc, char** argv) {
   for (const Member* member : AllMembers()) {
     if (member->IsScenario()) {
-      if (member->timed)
-        for (int32_t len : {1024, 16384, 262144}) RegisterScenario(*member, len);
+      const auto state = tzm_bench::AllStates().find(member->name);
+      if (state != tzm_bench::AllStates().end())
+        for (int32_t len : {1024, 16384, 262144}) RegisterState(state->first, state->second, len);
       continue;
     }
     const bool scaled = member->Has(Role::kScale);

@@ -18,7 +18,7 @@ using namespace tzm_test;
 
 void Add(Digest& digest, Caller& caller, const Setting& setting) {
   digest.AddStatus(caller.Run(setting));
-  const auto outputs = caller.Outputs();
+  const auto outputs = caller.Results();
   const auto arguments = caller.OutputArguments();
   for (size_t i = 0; i < outputs.size(); ++i)
     digest.Add(arguments[i].sample, outputs[i].data(), Caller::Elements(arguments[i], setting.len));
@@ -31,7 +31,7 @@ std::string DigestOf(const Member& member) {
     member.scenario(digest);
   } else {
     Caller caller(member, 1000);
-    const size_t scales = member.Has(Role::kScale) ? std::size(kScales) : 1;
+    const size_t scales = member.Has(Role::kScale) ? kDigestScales : 1;
     size_t turn = 0;
     for (int32_t len = member.min_length; len <= 1000; len += len < 40 ? 1 : len / 3) {
       for (Variety variety : kVarieties) {

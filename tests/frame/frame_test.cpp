@@ -3,8 +3,10 @@
 // in place as out of place, and no allocation that its row does not tell.
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 #include "members/caller.h"
 #include "support/compare.h"
@@ -43,16 +45,32 @@ class Frame : public testing::TestWithParam<const Member*> {
     ForEach(Role::kScale, [&](size_t i) { caller.values[i].Set(-1.0); });
   }
 
-  // Two runs of the same setting: the statuses agree, and so does every bit.
-  void ExpectSame(const std::vector<std::vector<unsigned char>>& expected, OrvaStatus expected_status,
-                  OrvaStatus status, const Setting& setting) {
-    EXPECT_EQ(status, expected_status) << Describe(member, setting);
-    const auto actual = caller.Outputs();
-    const auto types = caller.OutputArguments();
+  // What a run gave is what was expected: the status, and every bit.
+  void ExpectSame(const Outputs& expected, OrvaStatus expected_status, const Caller& ran, OrvaStatus status,
+                  const std::string& what, int32_t len) {
+    EXPECT_EQ(status, expected_status) << what;
+    const auto actual = ran.Results();
+    const auto types = ran.OutputArguments();
     for (size_t i = 0; i < types.size(); ++i) {
       const std::string difference = FirstDifference(types[i].sample, expected[i].data(), actual[i].data(),
-                                                     Caller::Elements(types[i], setting.len));
-      EXPECT_TRUE(difference.empty()) << Describe(member, setting) << " output " << i << " " << difference;
+                                                     Caller::Elements(types[i], len));
+      EXPECT_TRUE(difference.empty()) << what << " output " << i << " " << difference;
+    }
+  }
+  void ExpectSame(const Outputs& expected, OrvaStatus expected_status, OrvaStatus status, const Setting& setting) {
+    ExpectSame(expected, expected_status, caller, status, tzm_test::Describe(member, setting), setting.len);
+  }
+  // Calls with what stands prepared, and holds it against the row's oracle.
+  void ExpectValues(Caller& prepared, const std::string& what, int32_t len) {
+    Outputs expected;
+    const OrvaStatus expected_status = prepared.Expect(expected);
+    for (int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+      std::fesetround(mode);
+      const OrvaStatus status = prepared.Invoke();
+      EXPECT_EQ(std::fegetround(), mode);
+      std::fesetround(FE_TONEAREST);
+      ExpectSame(expected, expected_status, prepared, status, what, len);
+      if (!member.any_rounding) break;
     }
   }
 
@@ -139,12 +157,46 @@ TEST_P(Frame, ArraysAndAddresses) {
     const OrvaStatus status = caller.Run(setting);
     EXPECT_TRUE(IsSuccess(status)) << Describe(member, setting) << " returns " << status;
     EXPECT_TRUE(caller.Untouched(false)) << Describe(member, setting) << " changed a source";
-    const auto expected = caller.Outputs();
+    const auto expected = caller.Results();
     for (Place place : {Place::kStart, Place::kUnaligned}) {
       setting.place = place;
       ExpectSame(expected, status, caller.Run(setting), setting);
     }
   });
+}
+
+// The oracle's values and statuses: the usual inputs, new ones for every scale, and those that the row names.
+TEST_P(Frame, Values) {
+  if (!member.oracle) return;
+  ForEachSetting([&](const Setting& setting) {
+    caller.Prepare(setting);
+    ExpectValues(caller, Describe(member, setting), setting.len);
+  });
+  const bool scaled = member.Has(Role::kScale);
+  uint64_t seed = 0;
+  for (size_t scale = 0; scale < (scaled ? std::size(kScales) : 2); ++scale)
+    for (int32_t len = member.min_length; len <= 128 && !HasFailure(); len += len % 8 == 1 || scaled ? 1 + len / 12 * 3 : 1)
+      for (Variety variety : kVarieties) {
+        ++seed;
+        const Setting setting{.len = len, .variety = variety, .constants = seed % member.ConstantSets(), .scale = scale,
+                              .place = Place(seed % 3), .seed = seed};
+        caller.Prepare(setting);
+        ExpectValues(caller, Describe(member, setting), len);
+      }
+  std::vector<int> exponents(scaled ? 57 : 1);
+  std::iota(exponents.begin(), exponents.end(), scaled ? -20 : 0);
+  for (int exponent : {-1074, -300, -160, -128, -127, -65, -31, 62, 63, 64, 65, 127, 149, 151, 300, 1023})
+    if (scaled) exponents.push_back(exponent);
+  for (const Cases& some : member.cases)
+    some([&](const Case& inputs) {
+      Caller with{member, inputs.len};
+      for (int exponent : inputs.exponents.empty() ? exponents : inputs.exponents) {
+        if (HasFailure()) return;
+        with.Prepare(inputs, exponent);
+        ExpectValues(with, member.name + " case of length " + std::to_string(inputs.len) + ", exponent " +
+                     std::to_string(exponent), inputs.len);
+      }
+    });
 }
 
 TEST_P(Frame, EveryConstantAndScale) {
@@ -166,7 +218,7 @@ TEST_P(Frame, InPlace) {
     if (member.arguments[source].sample != dst->sample) return;
     ForEachSetting([&](Setting setting) {
       const OrvaStatus status = caller.Run(setting);
-      const auto expected = caller.Outputs();
+      const auto expected = caller.Results();
       setting.alias = static_cast<int>(source);
       ExpectSame(expected, status, caller.Run(setting), setting);
     });
@@ -175,15 +227,12 @@ TEST_P(Frame, InPlace) {
 
 TEST_P(Frame, InPlaceTwin) {
   if (!member.Has(Role::kSrcDst)) return;
-  std::string twin_name = member.name;
-  if (twin_name.ends_with("_IS")) twin_name.erase(twin_name.size() - 2, 1);
-  else twin_name.erase(twin_name.size() - 2);
   for (const Member* twin : AllMembers()) {
-    if (twin->name != twin_name) continue;
+    if (twin->name != member.Twin()) continue;
     Caller twin_caller{*twin, kMaxLen};
     ForEachSetting([&](const Setting& setting) {
       const OrvaStatus status = twin_caller.Run(setting);
-      ExpectSame(twin_caller.Outputs(), status, caller.Run(setting), setting);
+      ExpectSame(twin_caller.Results(), status, caller.Run(setting), setting);
     });
   }
 }

@@ -9,6 +9,7 @@
 
 #include <signal_tzm.h>
 
+#include "bench/states.h"
 #include "members/members.h"
 #include "support/compare.h"
 #include "support/faults.h"
@@ -79,8 +80,8 @@ TEST(Rules, PageAgreesWithTheMembers) {
         const OrvaStatus status = member.allocation_status;
         EXPECT_EQ(rule.allocates, status == ORVA_STS_NO_ERR ? "no" : std::to_string(status));
         EXPECT_EQ(rule.in_place, !HasPair(member) ? rule.in_place : member.in_place ? "yes" : "no");
-      } else if (member.timed) {
-        const Timed timed = member.timed(2048);
+      } else if (const auto state = tzm_bench::AllStates().find(member.name); state != tzm_bench::AllStates().end()) {
+        const tzm_bench::Timed timed = state->second(2048);
         FailRequest(0);
         EXPECT_EQ(timed.run(), ORVA_STS_NO_ERR);
         EXPECT_EQ(rule.allocates != "no", Requests() > 0);

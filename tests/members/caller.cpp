@@ -32,7 +32,7 @@ void StorePart(Kind kind, void* to, double number) {
 }  // namespace
 
 std::string Describe(const Member& member, const Setting& s) {
-  return member.name + " length " + std::to_string(s.len) + " variety " + std::to_string(static_cast<int>(s.variety)) +
+  return member.name + (s.seed == 0 ? "" : " seed " + std::to_string(s.seed)) + " length " + std::to_string(s.len) + " variety " + std::to_string(static_cast<int>(s.variety)) +
          " constants " + std::to_string(s.constants) + " scale " + std::to_string(s.scale) + " place " +
          std::to_string(static_cast<int>(s.place)) + " alias " + std::to_string(s.alias);
 }
@@ -70,6 +70,7 @@ const std::vector<unsigned char>& Caller::Contents(size_t i, Variety variety) {
 
 void Caller::Prepare(const Setting& setting) {
   setting_ = setting;
+  Random random(setting.seed);
   size_t number = 0;
   size_t scale = setting.scale;
   for (size_t i = 0; i < arrays_.size(); ++i) {
@@ -78,6 +79,8 @@ void Caller::Prepare(const Setting& setting) {
       values[i].Set(setting.len);
     } else if (argument.role == Role::kScale) {
       values[i].Set(kScales[scale++ % std::size(kScales)]);
+    } else if (argument.role == Role::kConstant && setting.seed != 0 && member_.constants.empty()) {
+      Fill(random, argument.sample, setting.variety, values[i].bytes, 1);
     } else if (argument.role == Role::kConstant) {
       for (size_t part = 0; part < argument.sample.parts; ++part)
         StorePart(argument.sample.kind, values[i].bytes + part * argument.sample.PartSize(),
@@ -88,12 +91,35 @@ void Caller::Prepare(const Setting& setting) {
       const bool aliased = setting.alias >= 0 && argument.role == Role::kDst;
       const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
       array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
+      if (setting.seed != 0 && array.seed != 0 && argument.role != Role::kMask)
+        Fill(random, argument.sample, setting.variety, array.before.data(), Elements(argument, setting.len));
       array.data = array.bytes->At(setting.place, size);
       std::copy(array.before.begin(), array.before.end(), static_cast<unsigned char*>(array.data));
       values[i].Set(array.data);
       if (aliased) values[static_cast<size_t>(setting.alias)].Set(array.data);
     }
   }
+}
+
+void Caller::Prepare(const Case& inputs, int exponent) {
+  Prepare({.len = inputs.len});
+  auto source = inputs.sources.begin();
+  for (size_t i = 0; i < arrays_.size(); ++i) {
+    const Role role = member_.arguments[i].role;
+    if (role == Role::kScale) values[i].Set(std::ldexp(1.0, exponent));
+    if ((role != Role::kSource && role != Role::kSrcDst) || source == inputs.sources.end()) continue;
+    arrays_[i].before = *source++;
+    std::copy(arrays_[i].before.begin(), arrays_[i].before.end(), static_cast<unsigned char*>(arrays_[i].data));
+  }
+  if (!inputs.constants.empty()) SetConstants(inputs.constants);
+}
+
+OrvaStatus Caller::Expect(Outputs& outputs) const {
+  outputs = Results();
+  const Outputs before = outputs;
+  const OrvaStatus status = member_.oracle(values.data(), outputs);
+  if (!IsSuccess(status)) outputs = before;
+  return status;
 }
 
 void Caller::SetConstants(const std::vector<double>& set) {
@@ -127,8 +153,8 @@ std::vector<Argument> Caller::OutputArguments() const {
   return outputs;
 }
 
-std::vector<std::vector<unsigned char>> Caller::Outputs() const {
-  std::vector<std::vector<unsigned char>> outputs;
+Outputs Caller::Results() const {
+  Outputs outputs;
   for (size_t i = 0; i < arrays_.size(); ++i) {
     if (!IsOutput(member_.arguments[i].role)) continue;
     const auto* data = static_cast<const unsigned char*>(arrays_[i].data);

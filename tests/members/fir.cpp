@@ -38,22 +38,6 @@ void DigestMultiRate(Digest& digest) {
                                                                  down / 2);
 }
 
-constexpr int32_t kTaps = 64;
-
-template <class State, class Tap, class Sample>
-std::function<Timed(int32_t)> Time(auto make, auto run, OrvaStatus (*release)(State*), int64_t in, int64_t out) {
-  return [=](int32_t len) {
-    const auto taps = SharedArray<Tap>(kTaps);
-    State* made = nullptr;
-    make(taps->data(), len, &made);
-    const std::shared_ptr<State> state(made, release);
-    const auto src = SharedArray<Sample>(in * len), dst = SharedArray<Sample>(out * len);
-    const auto delay = SharedArray<Sample>(kTaps);
-    return Timed{[=] { return run(src->data(), dst->data(), len, state.get(), delay->data(), delay->data()); },
-                 static_cast<int64_t>(sizeof(Sample)) * (in + out) * len};
-  };
-}
-
 // Two runs, the first shorter than the filter; then the taps and the line.
 template <auto kInit, auto kRun, auto kGetTaps, auto kGetLine, auto kSetLine, auto kRelease, class Sample>
 void DigestAdaptive(Digest& digest) {
@@ -126,51 +110,23 @@ void DigestBand(Digest& digest) {
   DigestDesign(digest, [](auto... rest) { return kDesign(0.1, 0.35, rest...); });
 }
 
-// Times design(taps, tapsLen, winType, doNormal, buffer) with the optimal Blackman window.
-std::function<Timed(int32_t)> TimeDesign(auto design) {
-  return [=](int32_t taps_len) {
-    FIRGenState* made = nullptr;
-    ORVAS_FIRGenInit_64f(taps_len, &made);
-    const std::shared_ptr<FIRGenState> buffer(made, ORVAS_FIRGenRelease);
-    const auto taps = SharedArray<Orva64f>(taps_len);
-    return Timed{[=] { return design(taps->data(), taps_len, 1, 1, buffer.get()); }, 8 * int64_t{taps_len}};
-  };
-}
-
-// 64 taps on the direct route; 64 taps down by 4.
 #define SINGLE_RATE(run, init, tap, sample)                                                                     \
   Member({"ORVAS_FIRSR" #run, "ORVAS_FIRSRInit" #init, "ORVAS_FIRSRRelease" #init},                              \
-         DigestSingleRate<ORVAS_FIRSRInit##init, ORVAS_FIRSR##run, ORVAS_FIRSRRelease##init, tap, sample>)       \
-      .Benchmark(Time<FIRSRState, tap, sample>(                                                                  \
-          [](const tap* taps, int32_t len, FIRSRState** made) { ORVAS_FIRSRInit##init(taps, kTaps, len, 1, made); }, \
-          ORVAS_FIRSR##run, ORVAS_FIRSRRelease##init, 1, 1))
+         DigestSingleRate<ORVAS_FIRSRInit##init, ORVAS_FIRSR##run, ORVAS_FIRSRRelease##init, tap, sample>)
 #define ADAPTIVE(name, type, sample)                                                                           \
   Member({"ORVAS_FIRLMS" #name "_" #type, "ORVAS_FIRLMSInit" #name "_" #type, "ORVAS_FIRLMSGetTaps" #name "_" #type,  \
           "ORVAS_FIRLMSGetDlyLine" #name "_" #type, "ORVAS_FIRLMSSetDlyLine" #name "_" #type,                    \
           "ORVAS_FIRLMSRelease" #name "_" #type},                                                                \
          DigestAdaptive<ORVAS_FIRLMSInit##name##_##type, ORVAS_FIRLMS##name##_##type,                            \
                         ORVAS_FIRLMSGetTaps##name##_##type, ORVAS_FIRLMSGetDlyLine##name##_##type,               \
-                        ORVAS_FIRLMSSetDlyLine##name##_##type, ORVAS_FIRLMSRelease##name##_##type, sample>)      \
-      .Benchmark(Time<FIRLMSState, Orva32f, sample>(                                                             \
-          [](const Orva32f* taps, int32_t, FIRLMSState** made) {                                                 \
-            ORVAS_FIRLMSInit##name##_##type(made, taps, kTaps, nullptr, 0);                                      \
-          },                                                                                                     \
-          [](const sample* src, sample* dst, int32_t len, FIRLMSState* state, const sample*, sample*) {          \
-            return ORVAS_FIRLMS##name##_##type(state, src, src, dst, len, 0x1p-30f);                             \
-          },                                                                                                     \
-          ORVAS_FIRLMSRelease##name##_##type, 2, 1))
+                        ORVAS_FIRLMSSetDlyLine##name##_##type, ORVAS_FIRLMSRelease##name##_##type, sample>)
 #define CUT(design)                                                                           \
-  Member({"ORVAS_FIRGen" #design "_64f"}, DigestCut<ORVAS_FIRGen##design##_64f>)              \
-      .Benchmark(TimeDesign([](auto... rest) { return ORVAS_FIRGen##design##_64f(0.2, rest...); }))
+  Member({"ORVAS_FIRGen" #design "_64f"}, DigestCut<ORVAS_FIRGen##design##_64f>)
 #define BAND(design)                                                                          \
-  Member({"ORVAS_FIRGen" #design "_64f"}, DigestBand<ORVAS_FIRGen##design##_64f>)             \
-      .Benchmark(TimeDesign([](auto... rest) { return ORVAS_FIRGen##design##_64f(0.1, 0.35, rest...); }))
+  Member({"ORVAS_FIRGen" #design "_64f"}, DigestBand<ORVAS_FIRGen##design##_64f>)
 #define MULTI_RATE(run, init, tap, sample)                                                                      \
   Member({"ORVAS_FIRMR" #run, "ORVAS_FIRMRInit" #init, "ORVAS_FIRMRRelease" #init},                              \
-         DigestMultiRate<ORVAS_FIRMRInit##init, ORVAS_FIRMR##run, ORVAS_FIRMRRelease##init, tap, sample>)        \
-      .Benchmark(Time<FIRMRState, tap, sample>(                                                                  \
-          [](const tap* taps, int32_t, FIRMRState** made) { ORVAS_FIRMRInit##init(taps, kTaps, 1, 0, 4, 0, made); }, \
-          ORVAS_FIRMR##run, ORVAS_FIRMRRelease##init, 4, 1))
+         DigestMultiRate<ORVAS_FIRMRInit##init, ORVAS_FIRMR##run, ORVAS_FIRMRRelease##init, tap, sample>)
 
 #define PAIRINGS(row)                                                                                  \
   row(_32f, _32f, Orva32f, Orva32f), row(_16s, _32f, Orva32f, Orva16s), row(_64f, _64f, Orva64f, Orva64f), \
@@ -184,19 +140,8 @@ static const Rows rows("fir", {
     PAIRINGS(MULTI_RATE)
     ADAPTIVE(, 32f, Orva32f),
     ADAPTIVE(32f, 16s, Orva16s),
-    // 64 taps, spread over 64 times as many samples.
     Member({"ORVAS_FIRSparse_32f", "ORVAS_FIRSparseInit_32f", "ORVAS_FIRSparseGetDlyLine_32f",
-            "ORVAS_FIRSparseSetDlyLine_32f", "ORVAS_FIRSparseRelease_32f"}, DigestSparse)
-        .Benchmark(Time<FIRSparseState, Orva32f, Orva32f>(
-            [](const Orva32f* taps, int32_t, FIRSparseState** made) {
-              std::vector<int32_t> positions;
-              for (int32_t k = 0; k < kTaps; ++k) positions.push_back(kTaps * k + k % 7);
-              ORVAS_FIRSparseInit_32f(taps, positions.data(), kTaps, nullptr, made);
-            },
-            [](const Orva32f* src, Orva32f* dst, int32_t len, FIRSparseState* state, const Orva32f*, Orva32f*) {
-              return ORVAS_FIRSparse_32f(src, dst, len, state);
-            },
-            ORVAS_FIRSparseRelease_32f, 1, 1)),
+            "ORVAS_FIRSparseSetDlyLine_32f", "ORVAS_FIRSparseRelease_32f"}, DigestSparse),
     CUT(Lowpass),
     CUT(Highpass),
     BAND(Bandpass),

@@ -1,8 +1,13 @@
 #include "members.h"
 
+#include <signal_tzm.h>
+#include <signal_tzm/companion.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <set>
 
 namespace tzm_test {
 
@@ -13,39 +18,58 @@ std::vector<Room>& Rooms() {
   return rooms;
 }
 
-bool Contains(const std::string& name, const char* part) { return name.find(part) != std::string::npos; }
-
 [[noreturn]] void Refuse(const std::string& name, const char* why) {
   std::fprintf(stderr, "tests/members: %s: %s\n", name.c_str(), why);
   std::abort();
 }
 
+Room& RoomOf(const std::string& name) {
+  auto& rooms = Rooms();
+  auto found = std::find_if(rooms.begin(), rooms.end(), [&](const Room& r) { return r.name == name; });
+  return found == rooms.end() ? *rooms.insert(found, Room{name, {}}) : *found;
+}
+
+// A function of numbers, and of pointers to numbers, is an operation on arrays.
+template <class T>
+constexpr bool IsPlain = !std::is_pointer_v<T> || (!std::is_pointer_v<ElementOf<T>> && requires { sizeof(ElementOf<T>); });
+template <class... A>
+std::optional<Member> Plain(const char* name, OrvaStatus (*function)(A...)) {
+  if constexpr ((IsPlain<A> && ...)) return Member(name, function);
+  else return {};
+}
+
+// Adds the operations of the headers that no row names.
+void AddDeclared() {
+  std::set<std::string> named;
+  for (const Room& room : Rooms())
+    for (const Member& row : room.members) named.insert(row.covers.begin(), row.covers.end());
+#define DECLARED(room, function) \
+  if (!named.contains(#function)) \
+    if (const auto row = Plain(#function, function)) RoomOf(#room).members.push_back(*row);
+#include "declared.inc"
+#undef DECLARED
+  for (Room& room : Rooms()) {
+    for (Member& row : room.members) {
+      const auto twin = std::find_if(room.members.begin(), room.members.end(),
+                                     [&](const Member& other) { return other.name == row.Twin(); });
+      if (named.contains(row.name) || twin == room.members.end()) continue;
+      row.constants = twin->constants;
+      row.bad_constants = twin->bad_constants;
+      row.min_length = twin->min_length;
+      row.scale_first = twin->scale_first;
+    }
+  }
+}
+
 }  // namespace
 
-void Member::DeduceRoles(const ArgumentType* types, size_t n) {
-  const bool in_place_name = name.ends_with("_I") || name.ends_with("_IS");
-  const bool scaled = name.ends_with("S") && (name.ends_with("_S") || in_place_name);
-  const bool constant_first = Contains(name, "MulC_") || Contains(name, "DivC_") || Contains(name, "DivCRev_");
-  size_t length = 0;
-  bool dst_seen = !constant_first;
-  for (; length < n; ++length) {
-    if (types[length].pointer) dst_seen |= !types[length].constant;
-    else if (dst_seen && types[length].sample == SampleOf<int32_t>()) break;
-  }
-  if (length == n) Refuse(name, "no length argument: describe it by a scenario");
+void Member::Describe(const Role* roles, const Sample* samples, size_t n) {
+  if (std::find(roles, roles + n, Role::kLength) == roles + n) Refuse(name, "no length argument: describe it by a scenario");
   for (size_t i = 0; i < n; ++i) {
-    Argument argument{Role::kConstant, types[i].sample};
-    if (types[i].pointer) {
-      if (argument.sample.kind == Kind::k16u && Contains(name, "16f")) argument.sample.kind = Kind::k16f;
-      const Role further = argument.sample == SampleOf<Orva8u>() ? Role::kMask : Role::kInput;
-      if (types[i].constant) argument.role = i < length ? Role::kSource : further;
-      else if (i > length) argument.role = Role::kResult;
-      else argument.role = in_place_name ? Role::kSrcDst : Role::kDst;
-    } else if (i == length) {
-      argument.role = Role::kLength;
-    } else if (scaled && i > length && types[i].sample == SampleOf<double>()) {
-      argument.role = Role::kScale;
-    }
+    Argument argument{roles[i], samples[i]};
+    const bool pointer = roles[i] < Role::kLength || roles[i] == Role::kResult;
+    if (pointer && argument.sample.kind == Kind::k16u && name.find("16f") != name.npos) argument.sample.kind = Kind::k16f;
+    if (argument.role == Role::kDst && !Twin().empty()) argument.role = Role::kSrcDst;
     arguments.push_back(argument);
   }
 }
@@ -68,18 +92,25 @@ double Member::ConstantAt(size_t set, size_t position, Sample sample) const {
   return constants[set][position];
 }
 
-Rows::Rows(const char* room, std::initializer_list<Members> members) {
-  auto& rooms = Rooms();
-  auto found = std::find_if(rooms.begin(), rooms.end(), [&](const Room& r) { return r.name == room; });
-  if (found == rooms.end()) found = rooms.insert(found, Room{room, {}});
-  for (const Members& some : members) found->members.insert(found->members.end(), some.rows.begin(), some.rows.end());
+std::string Member::Twin() const {
+  if (name.ends_with("_IS")) return name.substr(0, name.size() - 2) + "S";
+  return name.ends_with("_I") ? name.substr(0, name.size() - 2) : "";
 }
 
-const std::vector<Room>& AllRooms() { return Rooms(); }
+Rows::Rows(const char* room, std::initializer_list<MemberList> members) {
+  auto& rows = RoomOf(room).members;
+  for (const MemberList& some : members) rows.insert(rows.end(), some.rows.begin(), some.rows.end());
+}
+
+const std::vector<Room>& AllRooms() {
+  static const bool once = (AddDeclared(), true);
+  static_cast<void>(once);
+  return Rooms();
+}
 
 std::vector<const Member*> AllMembers() {
   std::vector<const Member*> all;
-  for (const Room& room : Rooms())
+  for (const Room& room : AllRooms())
     for (const Member& member : room.members) all.push_back(&member);
   std::sort(all.begin(), all.end(), [](auto* a, auto* b) { return a->name < b->name; });
   for (size_t i = 1; i < all.size(); ++i)

@@ -1,65 +1,26 @@
-// The table of members: one row for each exported operation, from which the frame test, the digests
-// and the benchmarks are made. docs/adding_an_operation.md tells how to add one.
+// The table of members: one row for each exported operation, from which the frame test, the digests and the
+// benchmarks are made. docs/adding_an_operation.md tells how to add one.
 #pragma once
 
 #include <signal_tzm/status.h>
 #include <signal_tzm/types.h>
 
-#include <cstring>
+#include <array>
 #include <functional>
 #include <initializer_list>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "oracle.h"
 #include "support/digest.h"
-#include "support/sample.h"
 
 namespace tzm_test {
-
-enum class Role {
-  kSource,      // const pointer before the length: `len` elements
-  kMask,        // const pointer to bytes after the length: `len` elements, may be null
-  kInput,       // any other const pointer after the length: one element
-  kDst,         // pointer before the length: `len` elements
-  kSrcDst,      // the same in a member whose name ends in _I or _IS
-  kLength,      // the first int32_t; in the ...C families, the first one after the destination
-  kResult,      // pointer after the length: one element
-  kConstant,    // a sample, a level, a selector
-  kScale        // double after the length in a member whose name ends in _S or _IS
-};
 
 struct Argument {
   Role role;
   Sample sample;  // the element, for a pointer
 };
-
-// One argument of a call.
-struct Value {
-  alignas(8) unsigned char bytes[16];
-  template <class T>
-  T As() const {
-    T value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-  }
-  template <class T>
-  void Set(const T& value) {
-    static_assert(sizeof(T) <= sizeof bytes);
-    std::memcpy(bytes, &value, sizeof value);
-  }
-};
-
-struct ArgumentType {
-  bool pointer, constant;
-  Sample sample;
-};
-
-template <class T>
-constexpr ArgumentType ArgumentTypeOf() {
-  using Element = std::remove_cv_t<std::remove_pointer_t<T>>;
-  return {std::is_pointer_v<T>, std::is_const_v<std::remove_pointer_t<T>>, SampleOf<Element>()};
-}
 
 // Success, or a warning that all work was done under.
 constexpr bool IsSuccess(OrvaStatus status) {
@@ -67,11 +28,27 @@ constexpr bool IsSuccess(OrvaStatus status) {
          (status >= 300 && status <= 306);
 }
 
-// One benchmark: what to time, and how many bytes of arrays it reads and writes.
-struct Timed {
-  std::function<OrvaStatus()> run;
-  int64_t bytes;
+// Inputs of a call that a test names itself: sources in the order of the arguments, constants, exponents of the scale;
+// every exponent of the frame test, and constants of the row, where none are given.
+struct Case {
+  template <class... T>
+  explicit Case(const std::vector<T>&... arrays) : sources{Bytes(arrays)...} {
+    ((len = static_cast<int32_t>(arrays.size())), ...);
+  }
+  Case& With(std::vector<double> values) { constants = std::move(values); return *this; }
+  Case& Exponents(std::vector<int> values) { exponents = std::move(values); return *this; }
+
+  template <class T>
+  static std::vector<unsigned char> Bytes(const std::vector<T>& array) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(array.data());
+    return {bytes, bytes + array.size() * sizeof(T)};
+  }
+  std::vector<std::vector<unsigned char>> sources;
+  std::vector<double> constants;
+  std::vector<int> exponents;
+  int32_t len;
 };
+using Cases = void (*)(const std::function<void(const Case&)>& run);
 
 class Member {
  public:
@@ -83,47 +60,24 @@ class Member {
         return reinterpret_cast<OrvaStatus (*)(A...)>(erased)(values[i].As<A>()...);
       }(std::index_sequence_for<A...>());
     };
-    static constexpr ArgumentType kTypes[] = {ArgumentTypeOf<A>()...};
-    DeduceRoles(kTypes, sizeof...(A));
+    static constexpr auto kRoles = RolesOf<A...>();
+    static constexpr Sample kSamples[] = {SampleOf<ElementOf<A>>()...};
+    Describe(kRoles.data(), kSamples, sizeof...(A));
   }
 
-  // A row for operations that work together on a state object, or whose arrays differ in length:
-  // `run` calls them over fixed inputs and hands statuses and outputs to the digest; without it there is
-  // no digest. The first name is the one the row goes by.
+  // A row for operations that work together on a state object, or whose arrays differ in length: `run` calls them
+  // over fixed inputs and hands statuses and outputs to the digest; without it there is no digest. The first name is
+  // the one the row goes by.
   Member(std::initializer_list<const char*> names, void (*run)(Digest&) = nullptr)
       : name(*names.begin()), covers(names.begin(), names.end()), scenario(run), exact(run != nullptr) {}
-
-  // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
-  Member& Constants(std::initializer_list<std::initializer_list<double>> sets) {
-    constants.assign(sets.begin(), sets.end());
-    return *this;
-  }
-  // Constants that the member answers with `status`.
-  Member& BadConstants(std::initializer_list<double> set, OrvaStatus status) {
-    bad_constants.push_back({set, status});
-    return *this;
-  }
-  // What inputs of one element hold, and results and destinations before the call.
-  Member& Start(double value) { start = value; return *this; }
-  Member& MinLength(int32_t n) { min_length = n; return *this; }
-  // The member looks at its scale before its constants, at its length before its pointers (but after the
-  // pointer at position `but`).
-  Member& ScaleFirst() { scale_first = true; return *this; }
-  Member& LengthFirst(size_t but = -1) { length_first = true; before_length = but; return *this; }
-  // The destination may not be a source array.
-  Member& NotInPlace() { in_place = false; return *this; }
-  // Results come from the FFT companion: no digest.
-  Member& Inexact() { exact = false; return *this; }
-  // The member allocates, and returns `status` when it cannot. Every other one must not allocate.
-  Member& Allocates(OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR) { allocation_status = status; return *this; }
-  // What to time for a scenario at a length.
-  Member& Benchmark(std::function<Timed(int32_t)> make) { timed = std::move(make); return *this; }
 
   bool IsScenario() const { return invoke == nullptr; }
   bool Has(Role role) const;
   // Number of sets of constants to try.
   size_t ConstantSets() const;
   double ConstantAt(size_t set, size_t position, Sample sample) const;
+  // The name of the operation that writes to another array; empty when this one does.
+  std::string Twin() const;
 
   std::string name;
   std::vector<std::string> covers;  // the exported names that the row stands for
@@ -132,31 +86,37 @@ class Member {
   OrvaStatus (*invoke)(void (*)(), const Value*) = nullptr;
   void (*scenario)(Digest&) = nullptr;
   bool exact = true;
-  std::function<Timed(int32_t)> timed;
 
   struct BadSet {
     std::vector<double> set;
     OrvaStatus status;
   };
+  Oracle oracle;
+  std::vector<Cases> cases;
   std::vector<std::vector<double>> constants;
   std::vector<BadSet> bad_constants;
   double start = -77;
   int32_t min_length = 1;
-  bool scale_first = false, length_first = false, in_place = true;
+  bool scale_first = false, length_first = false, in_place = true, any_rounding = false;
   size_t before_length = -1;
   OrvaStatus allocation_status = ORVA_STS_NO_ERR;
 
  private:
-  void DeduceRoles(const ArgumentType* types, size_t n);
+  void Describe(const Role* roles, const Sample* samples, size_t n);
+};
+
+struct MemberList {
+  MemberList(std::vector<Member> list) : rows(std::move(list)) {}
+  MemberList(const Member& row) : rows{row} {}
+  std::vector<Member> rows;
 };
 
 // Rows that have the same options.
-class Members {
+template <class... F>
+class Members : public MemberList {
  public:
-  Members(const Member& member) : rows{member} {}
   // Of several functions, their names in a list with commas.
-  template <class... F>
-  Members(const char* names, F*... functions) {
+  explicit Members(const char* names, F*... functions) : MemberList(std::vector<Member>()) {
     std::istringstream list(names);
     const auto next = [&] {
       std::string name;
@@ -165,23 +125,63 @@ class Members {
     };
     (rows.push_back(Member(next(), functions)), ...);
   }
-  // Gives each row the option: Each(&Member::MinLength, 3).
-  template <class... A>
-  Members& Each(Member& (Member::*option)(A...), std::type_identity_t<A>... arguments) {
-    for (Member& row : rows) (row.*option)(arguments...);
+
+  // What each element is: oracle(elements and constants in the order of the call..., At).
+  Members& Is(auto oracle) {
+    size_t i = 0;
+    ((rows[i++].oracle = OracleOf<F>::ForElements(oracle)), ...);
     return *this;
   }
+  // What the results or the whole destination are: oracle(vectors of the sources and constants ..., At).
+  Members& Gives(auto oracle) {
+    size_t i = 0;
+    ((rows[i++].oracle = OracleOf<F>::ForArrays(oracle)), ...);
+    return *this;
+  }
+  // Inputs beside those of the frame test.
+  Members& On(Cases some) { return Each([=](Member& row) { row.cases.push_back(some); }); }
+  // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
+  Members& Constants(std::initializer_list<std::initializer_list<double>> sets) {
+    return Each([=](Member& row) { row.constants.assign(sets.begin(), sets.end()); });
+  }
+  // Constants that the member answers with `status`.
+  Members& BadConstants(std::initializer_list<double> set, OrvaStatus status) {
+    return Each([=](Member& row) { row.bad_constants.push_back({set, status}); });
+  }
+  // What inputs of one element hold, and results and destinations before the call.
+  Members& Start(double value) { return Each([=](Member& row) { row.start = value; }); }
+  Members& MinLength(int32_t n) { return Each([=](Member& row) { row.min_length = n; }); }
+  // The member looks at its scale before its constants, at its length before its pointers (but after the pointer at
+  // position `but`).
+  Members& ScaleFirst() { return Each([](Member& row) { row.scale_first = true; }); }
+  Members& LengthFirst(size_t but = -1) {
+    return Each([=](Member& row) { row.length_first = true, row.before_length = but; });
+  }
+  // The destination may not be a source array.
+  Members& NotInPlace() { return Each([](Member& row) { row.in_place = false; }); }
+  // Results differ between machines: no digest.
+  Members& Inexact() { return Each([](Member& row) { row.exact = false; }); }
+  // No rounding mode of the caller changes a result.
+  Members& AnyRounding() { return Each([](Member& row) { row.any_rounding = true; }); }
+  // The member allocates, and returns `status` when it cannot. Every other one must not allocate.
+  Members& Allocates(OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR) {
+    return Each([=](Member& row) { row.allocation_status = status; });
+  }
 
-  std::vector<Member> rows;
+ private:
+  Members& Each(auto change) {
+    for (Member& row : rows) change(row);
+    return *this;
+  }
 };
 
-#define MEMBER(function) tzm_test::Member(#function, function)
 #define MEMBERS(...) MEMBERS_NAMED(__VA_ARGS__)
 #define MEMBERS_NAMED(...) tzm_test::Members(#__VA_ARGS__, __VA_ARGS__)
 
-// A file of rows: `static const Rows rows("arith", {MEMBER(...), MEMBERS(...), ...});`
+// A file of rows: `static const Rows rows("arith", {MEMBERS(...), ...});`. Operations on arrays of one length that have
+// nothing to tell need none: they are found in the headers; an in-place twin takes the options of its other form.
 struct Rows {
-  Rows(const char* room, std::initializer_list<Members> members);
+  Rows(const char* room, std::initializer_list<MemberList> members);
 };
 
 struct Room {

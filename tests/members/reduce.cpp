@@ -14,14 +14,14 @@ static const Rows rows("reduce", {
             ORVAS_Sum_16sc32sc_S, ORVAS_Mean_64f, ORVAS_Mean_64fc, ORVAS_Mean_16s_S, ORVAS_Mean_32s_S,
             ORVAS_Mean_16sc_S, ORVAS_SumLn_32f, ORVAS_SumLn_64f, ORVAS_SumLn_16s32f),
     MEMBERS(ORVAS_Sum_32f, ORVAS_Sum_32fc, ORVAS_Mean_32f, ORVAS_Mean_32fc)
-        .Each(&Member::Constants, {{0}, {1}, {-1}}),
+        .Constants({{0}, {1}, {-1}}),
     MEMBERS(ORVAS_StdDev_16s_S, ORVAS_StdDev_16s32s_S, ORVAS_MeanStdDev_16s_S, ORVAS_MeanStdDev_16s32s_S)
-        .Each(&Member::MinLength, 2),
-    MEMBER(ORVAS_StdDev_32f).Constants({{0}, {1}, {-1}}).MinLength(2).LengthFirst(2),
-    MEMBER(ORVAS_StdDev_64f).MinLength(2).LengthFirst(2),
-    MEMBER(ORVAS_MeanStdDev_32f).Constants({{0}, {1}, {-1}}).MinLength(2).LengthFirst(3),
-    MEMBER(ORVAS_MeanStdDev_64f).MinLength(2).LengthFirst(3),
-    MEMBER(ORVAS_SumLn_32f64f).Allocates(ORVA_STS_NULL_PTR_ERR),
+        .MinLength(2),
+    MEMBERS(ORVAS_StdDev_32f).Constants({{0}, {1}, {-1}}).MinLength(2).LengthFirst(2),
+    MEMBERS(ORVAS_StdDev_64f).MinLength(2).LengthFirst(2),
+    MEMBERS(ORVAS_MeanStdDev_32f).Constants({{0}, {1}, {-1}}).MinLength(2).LengthFirst(3),
+    MEMBERS(ORVAS_MeanStdDev_64f).MinLength(2).LengthFirst(3),
+    MEMBERS(ORVAS_SumLn_32f64f).Allocates(ORVA_STS_NULL_PTR_ERR),
 
     MEMBERS(ORVAS_Norm_Inf_16s32f, ORVAS_Norm_Inf_32f, ORVAS_Norm_Inf_64f, ORVAS_Norm_Inf_32fc32f,
             ORVAS_Norm_Inf_64fc64f, ORVAS_Norm_Inf_16s32s_S, ORVAS_Norm_L1_16s32f, ORVAS_Norm_L1_32f,

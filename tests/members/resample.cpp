@@ -49,44 +49,13 @@ static void ResampleBetweenRates(Digest& digest, Init init, Run run, Set set, Ge
   }
 }
 
-// From 44.1 to 48 kHz through 64 taps.
-template <class Sample, class Init, class Run>
-static Timed TimeFactor(int32_t len, Init init, Run run) {
-  ResamplePolyphaseState* made = nullptr;
-  init(64, 512, 0.9f, 9, 0, &made);
-  const std::shared_ptr<ResamplePolyphaseState> state(made, ORVAS_ResamplePolyphaseRelease_32f);
-  const auto src = SharedArray<Sample>(len + 80), dst = SharedArray<Sample>(len * 160 / 147 + 2);
-  return {[=] {
-            double time = 40;
-            int32_t count;
-            return run(src->data(), len, dst->data(), 160 / 147., 1, &time, &count, state.get());
-          },
-          int64_t{len} * 307 / 147 * static_cast<int64_t>(sizeof(Sample))};
-}
-template <class Sample, class Init, class Run>
-static Timed TimeRates(int32_t len, Init init, Run run) {
-  ResamplePolyphaseFixedState* made = nullptr;
-  init(44100, 48000, 64, 0.9f, 9, &made);
-  const std::shared_ptr<ResamplePolyphaseFixedState> state(made, ORVAS_ResamplePolyphaseFixedRelease_32f);
-  const auto src = SharedArray<Sample>(len + 80), dst = SharedArray<Sample>(len * 160 / 147 + 2);
-  return {[=] {
-            int64_t time = 40 * 48000;
-            int32_t count;
-            return run(src->data(), len, dst->data(), 1, &time, &count, state.get());
-          },
-          int64_t{len} * 307 / 147 * static_cast<int64_t>(sizeof(Sample))};
-}
-
 #define RESAMPLE(type)                                                                                            \
   Member({"ORVAS_ResamplePolyphase_" #type, "ORVAS_ResamplePolyphaseInit_" #type,                                 \
           "ORVAS_ResamplePolyphaseRelease_" #type},                                                               \
          [](Digest& digest) {                                                                                     \
            ResampleByFactors<Orva##type>(digest, ORVAS_ResamplePolyphaseInit_##type,                              \
                                          ORVAS_ResamplePolyphase_##type);                                         \
-         })                                                                                                       \
-      .Benchmark([](int32_t len) {                                                                                \
-        return TimeFactor<Orva##type>(len, ORVAS_ResamplePolyphaseInit_##type, ORVAS_ResamplePolyphase_##type);   \
-      }),                                                                                                         \
+         }),                                                                                                         \
       Member({"ORVAS_ResamplePolyphaseFixed_" #type, "ORVAS_ResamplePolyphaseFixedInit_" #type,                   \
               "ORVAS_ResamplePolyphaseFixedSetFilter_" #type, "ORVAS_ResamplePolyphaseFixedGetFilter_" #type,     \
               "ORVAS_ResamplePolyphaseFixedRelease_" #type},                                                      \
@@ -94,11 +63,7 @@ static Timed TimeRates(int32_t len, Init init, Run run) {
                ResampleBetweenRates<Orva##type>(                                                                  \
                    digest, ORVAS_ResamplePolyphaseFixedInit_##type, ORVAS_ResamplePolyphaseFixed_##type,          \
                    ORVAS_ResamplePolyphaseFixedSetFilter_##type, ORVAS_ResamplePolyphaseFixedGetFilter_##type);   \
-             })                                                                                                   \
-          .Benchmark([](int32_t len) {                                                                            \
-            return TimeRates<Orva##type>(len, ORVAS_ResamplePolyphaseFixedInit_##type,                            \
-                                         ORVAS_ResamplePolyphaseFixed_##type);                                    \
-          })
+             })
 
 static const Rows rows("resample", {RESAMPLE(16s), RESAMPLE(32f)});
 #undef RESAMPLE

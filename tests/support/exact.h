@@ -7,9 +7,6 @@
 #include <cmath>
 #include <limits>
 
-#include "compare.h"
-#include "random.h"
-
 namespace tzm_test {
 
 __extension__ typedef __int128 Int128;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "sample.h"
@@ -42,12 +41,6 @@ std::vector<T> RandomArray(size_t n, uint64_t seed, Variety variety = Variety::k
   Random random(seed);
   Fill(random, SampleOf<T>(), variety, values.data(), n);
   return values;
-}
-
-// Moderate values that live as long as the benchmark that holds them.
-template <class T>
-std::shared_ptr<std::vector<T>> SharedArray(int64_t n) {
-  return std::make_shared<std::vector<T>>(RandomArray<T>(static_cast<size_t>(n), 1));
 }
 
 }  // namespace tzm_test
