@@ -56,7 +56,7 @@ void AddDeclared() {
       row.constants = twin->constants;
       row.bad_constants = twin->bad_constants;
       row.min_length = twin->min_length;
-      row.scale_first = twin->scale_first;
+      row.constants_first = twin->constants_first, row.scale_first = twin->scale_first;
     }
   }
 }

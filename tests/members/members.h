@@ -97,7 +97,7 @@ class Member {
   std::vector<BadSet> bad_constants;
   double start = -77;
   int32_t min_length = 1;
-  bool scale_first = false, length_first = false, in_place = true, any_rounding = false;
+  bool constants_first = false, scale_first = false, length_first = false, in_place = true, any_rounding = false;
   size_t before_length = -1;
   OrvaStatus allocation_status = ORVA_STS_NO_ERR;
 
@@ -151,6 +151,8 @@ class Members : public MemberList {
   // What inputs of one element hold, and results and destinations before the call.
   Members& Start(double value) { return Each([=](Member& row) { row.start = value; }); }
   Members& MinLength(int32_t n) { return Each([=](Member& row) { row.min_length = n; }); }
+  // The member looks at its constants before all else.
+  Members& ConstantsFirst() { return Each([](Member& row) { row.constants_first = true; }); }
   // The member looks at its scale before its constants, at its length before its pointers (but after the pointer at
   // position `but`).
   Members& ScaleFirst() { return Each([](Member& row) { row.scale_first = true; }); }
