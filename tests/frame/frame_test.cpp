@@ -96,7 +96,7 @@ class Frame : public testing::TestWithParam<const Member*> {
 };
 
 TEST_P(Frame, NullPointers) {
-  for (int32_t len : {usual.len, 0, -1}) {
+  for (int32_t len : {usual.len, member.min_length - 1, 0, -1}) {
     for (Role role : {Role::kSource, Role::kInput, Role::kDst, Role::kSrcDst, Role::kResult}) {
       ForEach(role, [&](size_t i) {
         Setting setting = usual;
@@ -105,7 +105,7 @@ TEST_P(Frame, NullPointers) {
         caller.values[LengthAt()].Set(len);
         caller.values[i].Set<void*>(nullptr);
         SetBadScales();
-        const bool length_first = len < 1 && member.length_first && i != member.before_length;
+        const bool length_first = len < member.min_length && member.length_first && i != member.before_length;
         ExpectRefused(length_first ? ORVA_STS_SIZE_ERR : ORVA_STS_NULL_PTR_ERR,
                       "argument " + std::to_string(i) + " null, length " + std::to_string(len));
       });
@@ -198,7 +198,7 @@ TEST_P(Frame, Values) {
       Caller& with = *holder;
       for (int exponent : inputs.exponents.empty() ? exponents : inputs.exponents) {
         if (HasFailure()) return;
-        with.Prepare(inputs, exponent);
+        with.Prepare({.len = inputs.len, .given = &inputs, .exponent = exponent});
         ExpectValues(with, member.name + " case of length " + std::to_string(inputs.len) + ", exponent " +
                      std::to_string(exponent), inputs.len);
       }

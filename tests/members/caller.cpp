@@ -71,14 +71,13 @@ const std::vector<unsigned char>& Caller::Contents(size_t i, Variety variety) {
 void Caller::Prepare(const Setting& setting) {
   setting_ = setting;
   Random random(setting.seed);
-  size_t number = 0;
-  size_t scale = setting.scale;
+  size_t number = 0, source = 0, scale = setting.scale;
   for (size_t i = 0; i < arrays_.size(); ++i) {
     const Argument& argument = member_.arguments[i];
     if (argument.role == Role::kLength) {
       values[i].Set(setting.len);
     } else if (argument.role == Role::kScale) {
-      values[i].Set(kScales[scale++ % std::size(kScales)]);
+      values[i].Set(setting.given ? std::ldexp(1.0, setting.exponent) : kScales[scale++ % std::size(kScales)]);
     } else if (argument.role == Role::kConstant && setting.seed != 0 && member_.constants.empty()) {
       Fill(random, argument.sample, setting.variety, values[i].bytes, 1);
     } else if (argument.role == Role::kConstant) {
@@ -89,29 +88,22 @@ void Caller::Prepare(const Setting& setting) {
       Array& array = arrays_[i];
       const size_t size = Elements(argument, std::max(setting.len, 0)) * argument.sample.Size();
       const bool aliased = setting.alias >= 0 && argument.role == Role::kDst;
-      const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
-      array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
+      if (setting.given && source < setting.given->sources.size() && array.seed != 0) {
+        array.before = setting.given->sources[source++];
+      } else {
+        const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);
+        array.before.assign(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
+      }
       if (setting.seed != 0 && array.seed != 0 && argument.role != Role::kMask)
         Fill(random, argument.sample, setting.variety, array.before.data(), Elements(argument, setting.len));
       array.data = array.bytes->At(setting.place, size);
       std::copy(array.before.begin(), array.before.end(), static_cast<unsigned char*>(array.data));
       values[i].Set(array.data);
       if (aliased) values[static_cast<size_t>(setting.alias)].Set(array.data);
+      if (setting.given && setting.given->no_mask && argument.role == Role::kMask) values[i].Set<void*>(nullptr);
     }
   }
-}
-
-void Caller::Prepare(const Case& inputs, int exponent) {
-  Prepare({.len = inputs.len});
-  auto source = inputs.sources.begin();
-  for (size_t i = 0; i < arrays_.size(); ++i) {
-    const Role role = member_.arguments[i].role;
-    if (role == Role::kScale) values[i].Set(std::ldexp(1.0, exponent));
-    if ((role != Role::kSource && role != Role::kSrcDst) || source == inputs.sources.end()) continue;
-    arrays_[i].before = *source++;
-    std::copy(arrays_[i].before.begin(), arrays_[i].before.end(), static_cast<unsigned char*>(arrays_[i].data));
-  }
-  if (!inputs.constants.empty()) SetConstants(inputs.constants);
+  if (setting.given && !setting.given->constants.empty()) SetConstants(setting.given->constants);
 }
 
 OrvaStatus Caller::Expect(Outputs& outputs) const {

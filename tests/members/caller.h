@@ -28,6 +28,8 @@ struct Setting {
   Place place = Place::kEnd;
   int alias = -1;        // argument number of the source that is also the destination
   uint64_t seed = 0;     // other inputs than the usual ones, and constants unless the row has its own
+  const Case* given = nullptr;  // inputs of a test's own, and
+  int exponent = 0;             // of the scale with them
 };
 
 // A short text of a setting for messages.
@@ -39,7 +41,6 @@ class Caller {
 
   // Fills and places all arguments; then `values` may be spoilt before Invoke.
   void Prepare(const Setting& setting);
-  void Prepare(const Case& inputs, int exponent);
   OrvaStatus Invoke();
   OrvaStatus Run(const Setting& setting) {
     Prepare(setting);

@@ -8,7 +8,6 @@
 #include <limits>
 
 #include "support/compare.h"
-#include "support/faults.h"
 #include "support/guarded.h"
 #include "support/random.h"
 
@@ -172,15 +171,6 @@ TEST(SumLn, Statuses) {
   CheckStatuses(ORVAS_SumLn_16s32f);
   EXPECT_EQ(One(ORVAS_SumLn_32f, -0.0f, ORVA_STS_LN_ZERO_WARN), -kInfinity);
   EXPECT_TRUE(std::isnan(One(ORVAS_SumLn_32f64f, -kInfinity, ORVA_STS_LN_NEG_WARN)));
-}
-
-TEST(SumLn, NoMemory) {
-  const Orva32f src[3] = {1, 2, 3};
-  Orva64f sum = 7;
-  FailRequest(1);
-  EXPECT_EQ(ORVAS_SumLn_32f64f(src, 3, &sum), ORVA_STS_NULL_PTR_ERR);
-  FailRequest(0);
-  EXPECT_EQ(sum, 7);
 }
 
 }  // namespace
