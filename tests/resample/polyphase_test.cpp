@@ -5,9 +5,11 @@
 #include <numbers>
 
 #include "support/arguments.h"
+#include "support/compare.h"
 #include "support/exact.h"
 #include "support/faults.h"
 #include "support/guarded.h"
+#include "support/random.h"
 
 namespace tzm_test {
 namespace {
