@@ -49,7 +49,7 @@ TZM_INLINE void ForEachParts(size_t len, Kernel kernel, const Complex* divisor, 
 // Body and tail deliberately differ in what is fused and in what warns: in the tail a real numerator of
 // zero, which a zero divisor has, and so has a zero dividend over any divisor.
 template <bool kBody>
-bool DivideComplex32(const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst, size_t len) {
+bool DivideComplex32(size_t len, const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst) {
   const Full<float> real32;
   using V = Vec<Full<float>>;
   AnyLane<Full<float>> zero;
@@ -87,7 +87,7 @@ struct Way {
 
 // round(b/a * factor), saturated; a zero divisor gives infinity by the dividend's sign, or NaN and so 0.
 template <Way kWay, bool kSafe, class Divisor, class Dividend, class T>
-bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t len, float factor) {
+bool Quotients(size_t len, float factor, const Divisor* divisor, const Dividend* dividend, T* dst) {
   const Full<float> d;
   const auto scale = hn::Set(d, factor);
   AnyLane<decltype(d)> zero;
@@ -108,38 +108,43 @@ bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t 
   return zero.Seen();
 }
 template <Way kWay, class Divisor, class Dividend, class T>
-bool Quotients(const Divisor* divisor, const Dividend* dividend, T* dst, size_t len, float factor) {
+bool Quotients(size_t len, float factor, const Divisor* divisor, const Dividend* dividend, T* dst) {
   if constexpr (sizeof(Dividend) == 2)
-    if (factor > kSafeFactor) return Quotients<kWay, false>(divisor, dividend, dst, len, factor);
-  return Quotients<kWay, true>(divisor, dividend, dst, len, factor);
+    if (factor > kSafeFactor) return Quotients<kWay, false>(len, factor, divisor, dividend, dst);
+  return Quotients<kWay, true>(len, factor, divisor, dividend, dst);
 }
 
-// The unsigned members: in the tail of a body of kStep elements a zero divisor gives the largest value
-// without any division, and so does 0 by 0, which gives 0 in the body.
-template <size_t kStep, class T>
+// The unsigned members: in the tail behind whole blocks a zero divisor gives the largest value without any
+// division, and so does 0 by 0, which gives 0 in the body.
+template <size_t kBlock, class T>
 OrvaStatus DivideUnsigned(const T* divisor, const T* dividend, T* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
-  const size_t body = len - len % kStep;
-  bool zero = Quotients<Way{}>(divisor, dividend, dst, body, factor);
-  zero |= Quotients<Way{.maximumAtZero = true}>(divisor + body, dividend + body, dst + body, len - body, factor);
+  bool zero = false;
+  BodyAndTail<kBlock>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { zero |= Quotients<Way{}>(count, factor, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { zero |= Quotients<Way{.maximumAtZero = true}>(count, factor, at...); },
+      divisor, dividend, dst);
   return Status(zero);
 }
 
 // An unknown rounding mode deliberately is no error: it clears the body, whose zero divisors warn as
 // ever, and leaves the tail as it was. Of the tails, that of 8 bits never warns.
-template <size_t kStep, class T>
+template <size_t kBlock, class T>
 OrvaStatus DivideRounded(const T* divisor, const T* dividend, T* dst, int32_t len, int32_t roundMode, double scale) {
   if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
-  const size_t body = len - len % kStep;
   const auto run = [&]<Rounding kRounding>() {
-    constexpr Way kTail = {.rounding = kRounding, .warns = sizeof(T) > 1};
-    bool zero = Quotients<Way{.rounding = kRounding}>(divisor, dividend, dst, body, factor);
-    if constexpr (kRounding != Rounding::kUnknown)
-      zero |= Quotients<kTail>(divisor + body, dividend + body, dst + body, len - body, factor);
+    constexpr Way kBody = {.rounding = kRounding}, kTail = {.rounding = kRounding, .warns = sizeof(T) > 1};
+    bool zero = false;
+    BodyAndTail<kBlock>(
+        len, [&](size_t count, auto... at) TZM_LAMBDA { zero |= Quotients<kBody>(count, factor, at...); },
+        [&](size_t count, auto... at) TZM_LAMBDA {
+          if constexpr (kRounding != Rounding::kUnknown) zero |= Quotients<kTail>(count, factor, at...);
+        },
+        divisor, dividend, dst);
     return Status(zero);
   };
   switch (roundMode) {
@@ -152,21 +157,7 @@ OrvaStatus DivideRounded(const T* divisor, const T* dividend, T* dst, int32_t le
 
 // ---- 32-bit integers and complex 16-bit integers, in binary64 ----
 
-bool WideQuotients(const Orva32s* divisor, const Orva32s* dividend, Orva32s* dst, size_t len, double factor) {
-  const Full<double> d;
-  const hn::Rebind<int32_t, decltype(d)> d32;
-  const auto scale = hn::Set(d, factor);
-  AnyLane<decltype(d)> zero;
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const Orva32s* divisors, const Orva32s* dividends, Orva32s* to) TZM_LAMBDA {
-    const auto a = hn::PromoteTo(d, hn::LoadU(d32, divisors));
-    const auto b = hn::PromoteTo(d, hn::LoadU(d32, dividends));
-    zero.See(hn::Eq(a, hn::Zero(d)));
-    hn::StoreU(RoundToInt32(hn::Mul(hn::Div(b, a), scale)), d32, to);
-  }, divisor, dividend, dst);
-  return zero.Seen();
-}
-
-bool ComplexQuotients(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len, double factor) {
+bool ComplexQuotients(size_t len, double factor, const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst) {
   using Product = ConjugateProduct;
   using Lanes = Product::Lanes;
   AnyLane<Lanes::D> zero;
@@ -194,7 +185,7 @@ bool ComplexQuotients(const Orva16sc* divisor, const Orva16sc* dividend, Orva16s
 
 // The tail deliberately has denominator and numerators in wrapping 32-bit integers: a divisor of two parts of
 // -32768 has the denominator -2^31 there, which turns the sign of the result.
-bool WrappingQuotients(const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst, size_t len, double factor) {
+bool WrappingQuotients(size_t len, double factor, const Orva16sc* divisor, const Orva16sc* dividend, Orva16sc* dst) {
   const auto sum = [](int32_t x, int32_t y) {
     return static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(y)));
   };
@@ -230,9 +221,10 @@ OrvaStatus ORVAS_Div_64f_I(const Orva64f* src, Orva64f* srcDst, int32_t len) {
 
 OrvaStatus ORVAS_Div_32fc(const Orva32fc* src1, const Orva32fc* src2, Orva32fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
-  const size_t body = len - len % 16;
-  bool zero = DivideComplex32<true>(src1, src2, dst, body);
-  zero |= DivideComplex32<false>(src1 + body, src2 + body, dst + body, len - body);
+  bool zero = false;
+  BodyAndTail<16>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { zero |= DivideComplex32<true>(count, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { zero |= DivideComplex32<false>(count, at...); }, src1, src2, dst);
   return Status(zero);
 }
 
@@ -270,7 +262,7 @@ OrvaStatus ORVAS_Div_16u_S(const Orva16u* src1, const Orva16u* src2, Orva16u* ds
 OrvaStatus ORVAS_Div_16s_S(const Orva16s* src1, const Orva16s* src2, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return Status(Quotients<Way{}>(src1, src2, dst, len, QuotientFactor(scale)));
+  return Status(Quotients<Way{}>(len, QuotientFactor(scale), src1, src2, dst));
 }
 
 // The tail of up to three elements deliberately divides in binary32, coarser than the body.
@@ -278,29 +270,42 @@ OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
-  const size_t body = len - len % 4;
-  bool zero = WideQuotients(src1, src2, dst, body, factor);
-  for (size_t i = body; i < static_cast<size_t>(len); ++i) {
-    const float a = static_cast<float>(LoadElement(src1 + i)), b = static_cast<float>(LoadElement(src2 + i));
-    zero |= a == 0;
-    StoreElement(RoundSaturate<Orva32s>(b / a * factor), dst + i);
-  }
-  return Status(zero);
+  const Full<double> d;
+  const hn::Rebind<int32_t, decltype(d)> d32;
+  const auto wideFactor = hn::Set(d, static_cast<double>(factor));
+  AnyLane<decltype(d)> zero;
+  bool zeroInTail = false;
+  BodyAndTail<4, hn::MaxLanes(d)>(
+      len,
+      [&](const Orva32s* divisors, const Orva32s* dividends, Orva32s* to) TZM_LAMBDA {
+        const auto a = hn::PromoteTo(d, hn::LoadU(d32, divisors));
+        const auto b = hn::PromoteTo(d, hn::LoadU(d32, dividends));
+        zero.See(hn::Eq(a, hn::Zero(d)));
+        hn::StoreU(RoundToInt32(hn::Mul(hn::Div(b, a), wideFactor)), d32, to);
+      },
+      [&](const Orva32s* divisor, const Orva32s* dividend, Orva32s* to) TZM_LAMBDA {
+        const float a = static_cast<float>(LoadElement(divisor)), b = static_cast<float>(LoadElement(dividend));
+        zeroInTail |= a == 0;
+        StoreElement(RoundSaturate<Orva32s>(b / a * factor), to);
+      },
+      src1, src2, dst);
+  return Status(zero.Seen() || zeroInTail);
 }
 
 OrvaStatus ORVAS_Div_32s16s_S(const Orva16s* src1, const Orva32s* src2, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return Status(Quotients<Way{}>(src1, src2, dst, len, QuotientFactor(scale)));
+  return Status(Quotients<Way{}>(len, QuotientFactor(scale), src1, src2, dst));
 }
 
 OrvaStatus ORVAS_Div_16sc_S(const Orva16sc* src1, const Orva16sc* src2, Orva16sc* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
-  const size_t body = len - len % 8;
-  bool zero = ComplexQuotients(src1, src2, dst, body, factor);
-  zero |= WrappingQuotients(src1 + body, src2 + body, dst + body, len - body, factor);
+  bool zero = false;
+  BodyAndTail<8>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { zero |= ComplexQuotients(count, factor, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { zero |= WrappingQuotients(count, factor, at...); }, src1, src2, dst);
   return Status(zero);
 }
 

@@ -62,7 +62,7 @@ OrvaStatus DivideUnsigned(const T* src, T value, T* dst, int32_t len, double sca
 // round(value / src[i]), saturated, the quotient in binary32. In the tail a zero element gives the largest
 // value even when `value` is zero. Gives whether a zero was met.
 template <bool kTail>
-bool DivideInto(const Orva16u* src, Orva16u value, Orva16u* dst, size_t len) {
+bool DivideInto(size_t len, Orva16u value, const Orva16u* src, Orva16u* dst) {
   const Full<float> d;
   const auto dividend = hn::Set(d, value);
   AnyLane<Full<float>> zero;
@@ -185,29 +185,32 @@ OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, in
   const Full<float> d;
   const auto dividend = hn::Set(d, value);
   AnyLane<Full<float>> zero;
-  const size_t body = len - len % 4;
-  ForEach<hn::MaxLanes(d)>(body, [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
-    const auto x = hn::LoadU(d, from);
-    zero.See(hn::Eq(x, hn::Zero(d)));
-    auto reciprocal = RefinedReciprocal(x);
-    // Deliberate: the two infinities are exchanged, so that 1 over +0 is negative here.
-    reciprocal = hn::IfThenElse(hn::IsInf(reciprocal), hn::Neg(reciprocal), reciprocal);
-    hn::StoreU(hn::Mul(dividend, reciprocal), d, to);
-  }, src, dst);
   bool zeroInTail = false;
-  for (size_t i = body; i < static_cast<size_t>(len); ++i) {
-    const Orva32f x = LoadElement(src + i);
-    zeroInTail |= x == 0;
-    StoreElement(value / x, dst + i);
-  }
+  BodyAndTail<4, hn::MaxLanes(d)>(
+      len,
+      [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
+        const auto x = hn::LoadU(d, from);
+        zero.See(hn::Eq(x, hn::Zero(d)));
+        auto reciprocal = RefinedReciprocal(x);
+        // Deliberate: the two infinities are exchanged, so that 1 over +0 is negative here.
+        reciprocal = hn::IfThenElse(hn::IsInf(reciprocal), hn::Neg(reciprocal), reciprocal);
+        hn::StoreU(hn::Mul(dividend, reciprocal), d, to);
+      },
+      [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
+        const Orva32f x = LoadElement(from);
+        zeroInTail |= x == 0;
+        StoreElement(value / x, to);
+      },
+      src, dst);
   return zero.Seen() || zeroInTail ? ORVA_STS_DIV_ZERO_WARN : ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_DivCRev_16u(const Orva16u* src, Orva16u value, Orva16u* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const size_t body = len - len % 48;
-  bool zero = DivideInto<false>(src, value, dst, body);
-  zero |= DivideInto<true>(src + body, value, dst + body, len - body);
+  bool zero = false;
+  BodyAndTail<48>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { zero |= DivideInto<false>(count, value, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { zero |= DivideInto<true>(count, value, at...); }, src, dst);
   return zero ? ORVA_STS_DIV_ZERO_WARN : ORVA_STS_NO_ERR;
 }
 

@@ -51,7 +51,7 @@ void ScaledProducts(const T* src, T value, T* dst, int32_t len, int exponent) {
 }
 
 template <class Complex>
-void ScaledComplexProducts(const Complex* src, Complex value, Complex* dst, int32_t len, int exponent) {
+void ScaledComplexProducts(size_t len, Complex value, int exponent, const Complex* src, Complex* dst) {
   using Product = ComplexProduct<decltype(Complex::re)>;
   WithShift(typename Product::Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     const auto factor = Product::Set(value.re, value.im);
@@ -138,7 +138,7 @@ OrvaStatus ORVAS_MulC_16u_S(const Orva16u* src, Orva16u value, Orva16u* dst, int
 OrvaStatus ORVAS_MulC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  ScaledComplexProducts(src, value, dst, len, ScaleExponent(scale));
+  ScaledComplexProducts(len, value, ScaleExponent(scale), src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -146,14 +146,17 @@ OrvaStatus ORVAS_MulC_32sc_S(const Orva32sc* src, Orva32sc value, Orva32sc* dst,
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const int exponent = ScaleExponent(scale);
-  // Deliberately inexact: for these exponents the elements behind the last whole step of 8 go through
-  // binary64. Below, binary64 is exact for every result that does not saturate; above, all are 0.
-  const int32_t tail = exponent >= 23 && exponent <= 63 ? len % 8 : 0;
-  const int32_t body = len - tail;
-  if (body != 0) ScaledComplexProducts(src, value, dst, body, exponent);
+  // Deliberately inexact: for exponents 23 to 63 the tail goes through binary64. Below, binary64 is exact for
+  // every result that does not saturate; above, all are 0.
   const double factor = ScaleFactor(exponent);
-  for (int32_t i = body; i < len; ++i)
-    StoreElement(RoundedComplexProduct(LoadElement(src + i), value, factor), dst + i);
+  BodyAndTail<8>(
+      len, [&](size_t count, auto... at) { ScaledComplexProducts(count, value, exponent, at...); },
+      [&](size_t count, const Orva32sc* from, Orva32sc* to) {
+        if (exponent < 23 || exponent > 63) return ScaledComplexProducts(count, value, exponent, from, to);
+        for (size_t i = 0; i < count; ++i)
+          StoreElement(RoundedComplexProduct(LoadElement(from + i), value, factor), to + i);
+      },
+      src, dst);
   return ORVA_STS_NO_ERR;
 }
 

@@ -16,25 +16,21 @@ namespace {
 
 // ---- Square roots with a scan ----
 
-// Whether an element below zero is among the lanes from `kFirst` on of the blocks of `kBlock` elements;
-// whole blocks only.
-template <int32_t kBlock, int32_t kFirst, class T>
-bool AnyNegative(const T* src, int32_t whole) {
+// The roots of all elements, and the status: an element below zero counts in the blocks of kBlock elements from
+// their element kFirst on, and everywhere behind them.
+template <size_t kBlock, size_t kFirst, class T, class Root>
+OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const hn::FixedTag<T, kBlock - kFirst> d;
-  auto negative = hn::Zero(d);
-  for (int32_t i = kFirst; i < whole; i += kBlock)
-    negative = hn::Or(negative, hn::VecFromMask(d, hn::Lt(hn::LoadU(d, src + i), hn::Zero(d))));
-  return !hn::AllFalse(d, hn::MaskFromVec(negative));
-}
-
-// The scan goes block by block, and on to the rest if it found nothing.
-template <int32_t kBlock, int32_t kFirst, class T>
-OrvaStatus ScanForNegative(const T* src, int32_t len) {
-  const int32_t whole = len - len % kBlock;
-  if (AnyNegative<kBlock, kFirst>(src, whole)) return ORVA_STS_SQRT_NEG_ERR;
-  for (int32_t i = whole; i < len; ++i)
-    if (LoadElement(src + i) < 0) return ORVA_STS_SQRT_NEG_ERR;
-  return ORVA_STS_NO_ERR;
+  AnyLane<decltype(d)> negative;
+  bool negativeInTail = false;
+  ForBlocks<kInCache<T>>(len, [&](int32_t count, const T* from, T* to) {
+    BodyAndTail<kBlock, kBlock>(
+        count, [&](const T* x) TZM_LAMBDA { negative.See(hn::Lt(hn::LoadU(d, x + kFirst), hn::Zero(d))); },
+        [&](const T* x) TZM_LAMBDA { negativeInTail |= LoadElement(x) < 0; }, from);
+    root(count, from, to);
+  }, src, dst);
+  return negative.Seen() || negativeInTail ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
 }
 
 // ---- Scaled square roots ----
@@ -42,7 +38,7 @@ OrvaStatus ScanForNegative(const T* src, int32_t len) {
 // sqrt(x) * factor in binary32, rounded and saturated; the root of a negative element is stored as 0. Tells
 // whether there was one. With kOdd the root is rounded to odd, so that the result is that of the exact one.
 template <bool kOdd = false, class T, class Dst>
-OrvaStatus ScaledRoots(const T* src, Dst* dst, int32_t len, float factor) {
+OrvaStatus ScaledRoots(size_t len, float factor, const T* src, Dst* dst) {
   const Full<float> d;
   AnyLane<decltype(d)> negative;
   RoundEach(len, [&](auto x) TZM_LAMBDA {
@@ -108,17 +104,11 @@ TZM_INLINE V CubeRoots(V x, V y) {
 }  // namespace
 
 OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
-  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const OrvaStatus found = ScanForNegative<8, 4>(src, len);  // deliberately blind to elements 0 to 3 of a block
-  vssqrt(len, src, dst);
-  return found;
+  return ScanAndRoot<8, 4>(src, dst, len, vssqrt);  // deliberately blind to elements 0 to 3 of a block
 }
 
 OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
-  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const OrvaStatus found = ScanForNegative<2, 0>(src, len);
-  vdsqrt(len, src, dst);
-  return found;
+  return ScanAndRoot<2, 0>(src, dst, len, vdsqrt);
 }
 
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
@@ -153,13 +143,13 @@ OrvaStatus ORVAS_Sqrt_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len) {
 OrvaStatus ORVAS_Sqrt_8u_S(const Orva8u* src, Orva8u* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return ScaledRoots(src, dst, len, FloatFactor(scale));
+  return ScaledRoots(len, FloatFactor(scale), src, dst);
 }
 
 OrvaStatus ORVAS_Sqrt_16u_S(const Orva16u* src, Orva16u* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return ScaledRoots(src, dst, len, FloatFactor(scale));
+  return ScaledRoots(len, FloatFactor(scale), src, dst);
 }
 
 OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, double scale) {
@@ -169,21 +159,25 @@ OrvaStatus ORVAS_Sqrt_16s_S(const Orva16s* src, Orva16s* dst, int32_t len, doubl
   // itself a tie is at least 2^-8 / 2^9 away from one, and binary32 roots, 2^-17 from the true ones, round the
   // same way.
   const float factor = FloatFactor(scale);
-  return factor <= 8 ? ScaledRoots(src, dst, len, factor) : ScaledRoots<true>(src, dst, len, factor);
+  return factor <= 8 ? ScaledRoots(len, factor, src, dst) : ScaledRoots<true>(len, factor, src, dst);
 }
 
 OrvaStatus ORVAS_Sqrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = FloatFactor(scale);
-  const int32_t body = len - len % 4;
-  OrvaStatus found = ScaledRoots(src, dst, body, factor);
+  OrvaStatus found = ORVA_STS_NO_ERR;
   // Deliberately finer in the tail: the body rounds its source to binary32 before the root.
-  for (int32_t i = body; i < len; ++i) {
-    const Orva32s x = LoadElement(src + i);
-    if (x < 0) found = ORVA_STS_SQRT_NEG_ERR;
-    StoreElement(RoundSaturate<Orva16s>(static_cast<float>(__builtin_sqrt(x)) * factor), dst + i);
-  }
+  BodyAndTail<4>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { found = ScaledRoots(count, factor, at...); },
+      [&](size_t count, const Orva32s* from, Orva16s* to) TZM_LAMBDA {
+        for (size_t i = 0; i < count; ++i) {
+          const Orva32s x = LoadElement(from + i);
+          if (x < 0) found = ORVA_STS_SQRT_NEG_ERR;
+          StoreElement(RoundSaturate<Orva16s>(static_cast<float>(__builtin_sqrt(x)) * factor), to + i);
+        }
+      },
+      src, dst);
   return found;
 }
 
@@ -213,8 +207,7 @@ OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
   const Full<float> d;
   const hn::Half<decltype(d)> dHalf;
   const Full<double> dWide;
-  const int32_t body = len - len % 4;
-  ForEach<hn::MaxLanes(d)>(body, [=](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
+  const auto body = [=](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
     const auto x = hn::LoadU(d, from);
     const auto magnitude = hn::Abs(x);
     const auto one = hn::Set(d, 1.0f);
@@ -229,8 +222,9 @@ OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
                                    root(hn::LowerHalf(dHalf, magnitude), hn::LowerHalf(dHalf, inverse)));
     const auto finite = hn::Lt(magnitude, hn::Inf(d));
     hn::StoreU(hn::IfThenElse(finite, hn::CopySignToAbs(roots, x), x), d, to);
-  }, src, dst);
-  for (int32_t i = body; i < len; ++i) StoreElement(cbrtf(LoadElement(src + i)), dst + i);
+  };
+  const auto tail = [](const Orva32f* from, Orva32f* to) TZM_LAMBDA { StoreElement(cbrtf(LoadElement(from)), to); };
+  BodyAndTail<4, hn::MaxLanes(d)>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -244,8 +238,7 @@ OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, d
   const hn::Half<Full<float>> dHalf;
   const hn::Half<Full<int32_t>> dHalf32;
   const hn::Rebind<int16_t, decltype(dNarrow)> d16;
-  const int32_t body = len - len % 4;
-  ForEach<hn::MaxLanes(d32)>(body, [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
+  const auto body = [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
     const auto x = hn::LoadU(d32, from);
     const auto inverse = InverseCubeRoots(hn::Abs(hn::ConvertTo(dNarrow, x)));
     const auto root = [&](auto part, auto y) TZM_LAMBDA {
@@ -256,9 +249,11 @@ OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, d
     const auto low = root(hn::LowerHalf(dHalf32, x), hn::LowerHalf(dHalf, inverse));
     const auto high = root(hn::UpperHalf(dHalf32, x), hn::UpperHalf(dHalf, inverse));
     hn::StoreU(hn::DemoteTo(d16, hn::Combine(d32, high, low)), d16, to);
-  }, src, dst);
-  for (int32_t i = body; i < len; ++i)
-    StoreElement(RoundSaturate<Orva16s>(cbrt(static_cast<double>(LoadElement(src + i))) * factor), dst + i);
+  };
+  const auto tail = [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
+    StoreElement(RoundSaturate<Orva16s>(cbrt(static_cast<double>(LoadElement(from))) * factor), to);
+  };
+  BodyAndTail<4, hn::MaxLanes(d32)>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 

@@ -17,25 +17,16 @@ using namespace tzm;
 
 namespace {
 
-// Both kernels over the parts of the arrays that are theirs: whole blocks of kBlock elements, and the rest.
-template <size_t kBlock, size_t kStep, class Body, class Tail, class T, class... Source>
-TZM_INLINE OrvaStatus BodyAndTail(T* dst, int32_t len, Body body, Tail tail, const Source*... src) {
-  const size_t whole = len - len % kBlock;
-  ForEach<kStep>(whole, body, dst, src...);
-  for (size_t i = whole; i < static_cast<size_t>(len); ++i) StoreElement<T>(tail((src + i)...), dst + i);
-  return ORVA_STS_NO_ERR;
-}
-
 // ---- Floating samples ----
 
 template <SquareSum kSum, class T, class... Source>
 OrvaStatus Magnitude(T* dst, int32_t len, const Source*... src) {
   if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
   const Full<T> d;
-  ForEach<hn::MaxLanes(d)>(len, [&](T* to, const Source*... from) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d)>(len, [=](const Source*... from, T* to) TZM_LAMBDA {
     const auto sum = SumOfSquares<kSum>(LoadSplit(d, from...));
     hn::StoreU(InOrder<sizeof...(Source)>(hn::Sqrt(sum)), d, to);
-  }, dst, src...);
+  }, src..., dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -121,10 +112,10 @@ int64_t SquareSumOf(const Complex* from) {
 }
 TZM_INLINE double Root(int64_t sum) { return __builtin_sqrt(static_cast<double>(sum)); }
 
-// The tail: one rounding to binary32 of the binary64 root of the exact sum.
+// A tail: one rounding to binary32 of the binary64 root of the exact sum.
 template <class... Source>
-Orva32f FloatTail(const Source*... from) {
-  return static_cast<Orva32f>(Root(SquareSumOf(from...)));
+TZM_INLINE void StoreFloatRoot(const Source*... from, Orva32f* to) {
+  StoreElement(static_cast<Orva32f>(Root(SquareSumOf(from...))), to);
 }
 
 }  // namespace
@@ -144,45 +135,48 @@ OrvaStatus ORVAS_Magnitude_32fc(const Orva32fc* src, Orva32f* dst, int32_t len) 
 OrvaStatus ORVAS_Magnitude_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const Full<double> d;
-  const auto body = [&](Orva64f* to, const Orva64fc* from) TZM_LAMBDA {
+  const auto body = [=](const Orva64fc* from, Orva64f* to) TZM_LAMBDA {
     const auto z = LoadSplit(d, from);
     hn::StoreU(PartsInOrder(Hypot(z.re, z.im)), d, to);
   };
   // The complex argument is formed as re + i*im, whose real part takes in 0*im: an infinite re beside a
   // NaN gives NaN here, unlike in the body.
-  const auto tail = [](const Orva64fc* from) TZM_LAMBDA {
+  const auto tail = [](const Orva64fc* from, Orva64f* to) TZM_LAMBDA {
     const Orva64fc z = LoadElement(from);
     __complex__ double argument;
     __real__ argument = z.re + 0.0 * z.im;
     __imag__ argument = z.im;
-    return cabs(argument);
+    StoreElement(cabs(argument), to);
   };
-  return BodyAndTail<2, hn::MaxLanes(d)>(dst, len, body, tail, src);
+  BodyAndTail<2, hn::MaxLanes(d)>(len, body, tail, src, dst);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_Magnitude_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
   const Full<float> d;
-  const auto body = [&](Orva32f* to, const Orva16s* re, const Orva16s* im) TZM_LAMBDA {
+  const auto body = [=](const Orva16s* re, const Orva16s* im, Orva32f* to) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(re, im);
     hn::StoreU(hn::Sqrt(SquareSumToFloat(sums.low)), d, to);
     hn::StoreU(hn::Sqrt(SquareSumToFloat(sums.high)), d, to + hn::Lanes(d));
   };
-  return BodyAndTail<4, 2 * hn::MaxLanes(d)>(dst, len, body, FloatTail<Orva16s, Orva16s>, srcRe, srcIm);
+  BodyAndTail<4, 2 * hn::MaxLanes(d)>(len, body, StoreFloatRoot<Orva16s, Orva16s>, srcRe, srcIm, dst);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_Magnitude_16sc32f(const Orva16sc* src, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const Full<float> d;
   const Full<int32_t> d32;
-  const auto body = [&](Orva32f* to, const Orva16sc* from) TZM_LAMBDA {
+  const auto body = [=](const Orva16sc* from, Orva32f* to) TZM_LAMBDA {
     // A complex element is one 32-bit lane, its imaginary part above.
     const auto both = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
     const auto re = hn::ConvertTo(d, hn::ShiftRight<16>(hn::ShiftLeft<16>(both)));
     const auto im = hn::ConvertTo(d, hn::ShiftRight<16>(both));
     hn::StoreU(hn::Sqrt(hn::MulAdd(re, re, hn::Mul(im, im))), d, to);
   };
-  return BodyAndTail<4, hn::MaxLanes(d)>(dst, len, body, FloatTail<Orva16sc>, src);
+  BodyAndTail<4, hn::MaxLanes(d)>(len, body, StoreFloatRoot<Orva16sc>, src, dst);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_Magnitude_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orva16s* dst, int32_t len,
@@ -192,17 +186,18 @@ OrvaStatus ORVAS_Magnitude_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orv
   const float factor = FloatFactor(scale);
   const Full<int16_t> d16;
   const auto factors = hn::Set(Full<float>(), factor);
-  const auto body = [&](Orva16s* to, const Orva16s* re, const Orva16s* im) TZM_LAMBDA {
+  const auto body = [=](const Orva16s* re, const Orva16s* im, Orva16s* to) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(re, im);
     const auto scaled = [&](auto sum) TZM_LAMBDA {
       return RoundFor<Orva16s>(hn::Mul(hn::Sqrt(SquareSumToFloat(sum)), factors));
     };
     hn::StoreU(NarrowPair(d16, scaled(sums.low), scaled(sums.high)), d16, to);
   };
-  const auto tail = [&](const Orva16s* re, const Orva16s* im) TZM_LAMBDA {
-    return RoundSaturate<Orva16s>(Root(SquareSumOf(re, im)) * factor);
+  const auto tail = [=](const Orva16s* re, const Orva16s* im, Orva16s* to) TZM_LAMBDA {
+    StoreElement(RoundSaturate<Orva16s>(Root(SquareSumOf(re, im)) * factor), to);
   };
-  return BodyAndTail<8, hn::MaxLanes(d16)>(dst, len, body, tail, srcRe, srcIm);
+  BodyAndTail<8, hn::MaxLanes(d16)>(len, body, tail, srcRe, srcIm, dst);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_Magnitude_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len, double scale) {
@@ -212,7 +207,7 @@ OrvaStatus ORVAS_Magnitude_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len
   const Full<int32_t> d32;
   const Full<double> d;
   const auto factors = hn::Set(d, FloatFactor(scale));
-  ForEach<hn::MaxLanes(d16)>(len, [&](Orva16s* to, const Orva16sc* from) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d16)>(len, [=](const Orva16sc* from, Orva16s* to) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(from);
     const auto scaled = [&](auto sum) TZM_LAMBDA {
       // 2^31 would be negative as a signed lane.
@@ -224,7 +219,7 @@ OrvaStatus ORVAS_Magnitude_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len
       return hn::Combine(d32, scaled(hn::UpperHalf(halfSums, sum)), scaled(hn::LowerHalf(halfSums, sum)));
     };
     hn::StoreU(NarrowPair(d16, both(sums.low), both(sums.high)), d16, to);
-  }, dst, src);
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -235,7 +230,7 @@ OrvaStatus ORVAS_Magnitude_32sc_S(const Orva32sc* src, Orva32s* dst, int32_t len
   const Full<double> d;
   const hn::Rebind<int32_t, Full<double>> d32;
   const auto factors = hn::Set(d, factor);
-  const auto body = [&](Orva32s* to, const Orva32sc* from) TZM_LAMBDA {
+  const auto body = [=](const Orva32sc* from, Orva32s* to) TZM_LAMBDA {
     // A complex element is one 64-bit lane of two parts.
     const Full<int32_t> parts;
     const auto pair = hn::LoadU(parts, Parts(from));
@@ -244,8 +239,9 @@ OrvaStatus ORVAS_Magnitude_32sc_S(const Orva32sc* src, Orva32s* dst, int32_t len
     const auto root = hn::Sqrt(hn::MulAdd(re, re, hn::Mul(im, im)));
     hn::StoreU(RoundToInt32(hn::Mul(root, factors)), d32, to);
   };
-  const auto tail = [&](const Orva32sc* from) TZM_LAMBDA {
-    return RoundSaturate<Orva32s>(Root(SquareSumOf(from)) * factor);
+  const auto tail = [=](const Orva32sc* from, Orva32s* to) TZM_LAMBDA {
+    StoreElement(RoundSaturate<Orva32s>(Root(SquareSumOf(from)) * factor), to);
   };
-  return BodyAndTail<4, hn::MaxLanes(d)>(dst, len, body, tail, src);
+  BodyAndTail<4, hn::MaxLanes(d)>(len, body, tail, src, dst);
+  return ORVA_STS_NO_ERR;
 }

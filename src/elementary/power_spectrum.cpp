@@ -15,10 +15,10 @@ template <SquareSum kSum, class T, class... Source>
 OrvaStatus PowerSpectrum(T* dst, int32_t len, const Source*... src) {
   if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
   const Full<T> d;
-  ForEach<hn::MaxLanes(d)>(len, [&](T* to, const Source*... from) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d)>(len, [&](const Source*... from, T* to) TZM_LAMBDA {
     const auto sum = SumOfSquares<kSum>(LoadSplit(d, from...));
     hn::StoreU(InOrder<sizeof...(Source)>(sum), d, to);
-  }, dst, src...);
+  }, src..., dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -27,11 +27,11 @@ template <class... Source>
 OrvaStatus IntegerPowerSpectrum(Orva32f* dst, int32_t len, const Source*... src) {
   if (OrvaStatus status = CheckArrays(len, dst, src...)) return status;
   const Full<float> d;
-  ForEach<2 * hn::MaxLanes(d)>(len, [&](Orva32f* to, const Source*... from) TZM_LAMBDA {
+  ForEach<2 * hn::MaxLanes(d)>(len, [&](const Source*... from, Orva32f* to) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(from...);
     hn::StoreU(SquareSumToFloat(sums.low), d, to);
     hn::StoreU(SquareSumToFloat(sums.high), d, to + hn::Lanes(d));
-  }, dst, src...);
+  }, src..., dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -47,10 +47,10 @@ OrvaStatus ScaledPowerSpectrum(Orva16s* dst, int32_t len, double scale, const So
     const auto narrow = [&](Vec<Full<uint32_t>> sum) TZM_LAMBDA {
       return hn::BitCast(Full<int32_t>(), hn::Min(shift(sum), limit));
     };
-    ForEach<hn::MaxLanes(d16)>(len, [&](Orva16s* to, const Source*... from) TZM_LAMBDA {
+    ForEach<hn::MaxLanes(d16)>(len, [&](const Source*... from, Orva16s* to) TZM_LAMBDA {
       const SquareSums sums = LoadSquareSums(from...);
       hn::StoreU(NarrowPair(d16, narrow(sums.low), narrow(sums.high)), d16, to);
-    }, dst, src...);
+    }, src..., dst);
   });
   return ORVA_STS_NO_ERR;
 }

@@ -7,54 +7,154 @@
 
 namespace tzm {
 
-// Elements without a value yet.
-template <class T, size_t n>
-struct Unset {
-  Unset() {}
-  T element[n];
+// Copies a constant number of elements by moves of registers.
+template <size_t kCount, class T>
+TZM_INLINE void CopyElements(const T* from, T* to) {
+  constexpr size_t kBytes = kCount * sizeof(T), kRegister = hn::MaxLanes(Full<uint8_t>());
+  if constexpr (kBytes < kRegister) {
+    std::memcpy(to, from, kBytes);
+  } else {
+    static_assert(kBytes % kRegister == 0);
+    const Full<uint8_t> d;
+    Unrolled<kBytes / kRegister>([&](auto i) TZM_LAMBDA {
+      const auto* const source = reinterpret_cast<const uint8_t*>(from) + i * kRegister;
+      hn::StoreU(hn::LoadU(d, source), d, reinterpret_cast<uint8_t*>(to) + i * kRegister);
+    });
+  }
+}
+
+// Copies 1 to 2 * kPiece - 1 elements by two moves of constant size, which overlap; kPiece is a power of two.
+template <size_t kPiece, class T>
+TZM_INLINE void CopyFew(const T* from, T* to, size_t count) {
+  if (kPiece == 1 || count >= kPiece) {
+    CopyElements<kPiece>(from, to);
+    const size_t rest = count % kPiece;
+    CopyElements<kPiece>(from + rest, to + rest);
+  } else {
+    CopyFew<(kPiece + 1) / 2>(from, to, count);
+  }
+}
+
+// kCount copies of one element.
+template <size_t kCount, class T>
+TZM_INLINE void Fill(const T* from, T* to) {
+  if constexpr (sizeof(T) > 8) {
+    Unrolled<kCount>([&](auto i) TZM_LAMBDA { StoreElement(LoadElement(from), to + i); });
+  } else {
+    const hn::CappedTag<hwy::UnsignedFromSize<sizeof(T)>, kCount> d;
+    constexpr size_t kLanes = hn::MaxLanes(d);
+    hn::TFromD<decltype(d)> bits;
+    std::memcpy(&bits, from, sizeof bits);
+    Unrolled<kCount / kLanes>([&](auto i) TZM_LAMBDA {
+      hn::StoreU(hn::Set(d, bits), d, reinterpret_cast<hn::TFromD<decltype(d)>*>(to + i * kLanes));
+    });
+  }
+}
+
+// What one step keeps of an array: of a source a copy of an array shorter than the step, of a destination what the
+// kernel has computed and is yet to be stored.
+template <class T, size_t kStep>
+class Kept {
+ public:
+  Kept() {}  // without a value yet
+  // Where the kernel finds the array of fewer elements: filled up with the first of them.
+  TZM_INLINE T* Few(T* array, size_t count) {
+    if constexpr (std::is_const_v<T>) {
+      Fill<kStep>(array, element_);
+      CopyFew<kStep / 2>(array, element_, count);
+    }
+    return element_;
+  }
+  // Where it finds a whole step.
+  TZM_INLINE T* Whole(T* array) {
+    if constexpr (std::is_const_v<T>) return array;
+    else return element_;
+  }
+  TZM_INLINE void StoreFew(T* array, size_t count) const {
+    if constexpr (!std::is_const_v<T>) CopyFew<kStep / 2>(element_, array, count);
+  }
+  TZM_INLINE void StoreWhole(T* array) const {
+    if constexpr (!std::is_const_v<T>) CopyElements<kStep>(element_, array);
+  }
+
+ private:
+  std::remove_const_t<T> element_[kStep];
 };
 
-// Calls kernel(arrays + i...) for i = 0, kStep, 2*kStep, ... until `len` elements are done. The kernel
-// loads, computes and stores exactly kStep elements of each array; an array is a source if its pointer
-// is to const, a destination, which the kernel never reads, if not; a destination may be the very array
-// of a source. The last, incomplete step runs on copies that are filled up with the array's own last
-// element, so the kernel sees no value that is not data (no false warnings), a value does not depend on
-// its position, and nothing outside the arrays is touched. The complete steps run kUnroll at a time.
+// kUnroll steps in a row.
+template <size_t kStep, size_t kUnroll, class Kernel, class... T>
+TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
+#if HWY_ARCH_ARM_A64
+  // The machine loads and stores registers in pairs, but no load may pass a store to what may be its own array: all
+  // steps are computed before the first is stored. Complex results leave by instructions that the compiler does not
+  // follow through its own arrays.
+  if constexpr (((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...)) {
+    std::tuple<Kept<T, kStep>...> steps[kUnroll];
+    Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
+      std::apply([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + k * kStep)...); }, steps[k]);
+    });
+    Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
+      std::apply([&](const auto&... kept) TZM_LAMBDA { (kept.StoreWhole(arrays + k * kStep), ...); }, steps[k]);
+    });
+    return;
+  }
+#endif
+  Unrolled<kUnroll>([&](auto k) TZM_LAMBDA { kernel((arrays + k * kStep)...); });
+}
+
+// Calls kernel(arrays + i...) for steps of kStep elements until `len` elements are done. The kernel loads, computes
+// and stores exactly kStep elements of each array; an array is a source if its pointer is to const, a destination,
+// which the kernel never reads, if not; a destination may be the very array of a source.
 //
-// Where body and tail of an operation differ, its member calls ForEach twice: with the body's kernel
-// up to the last multiple of the body's step, and with the tail's kernel for the rest.
-template <size_t kStep, size_t kUnroll = 2, class Kernel, class... T>
+// The steps go from the start; the last one ends with the array, and overlaps the one before where kStep does not
+// divide `len`. It is computed first, from sources that nothing has overwritten yet, and stored last. So a kernel
+// may see an element twice; a value does not depend on its position, and nothing outside the arrays is touched.
+// An array shorter than a step runs on copies, filled up with its own first element, so that the kernel never sees a
+// value that is not data (no false warnings). kUnroll steps make a turn of the loop.
+template <size_t kStep, size_t kUnroll = 4, class Kernel, class... T>
 TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
-  const auto step = [&](size_t at) TZM_LAMBDA { kernel((arrays + at)...); };
+  if (len == 0) return;
+  std::tuple<Kept<T, kStep>...> last;
+  const auto each = [&](auto&& use) TZM_LAMBDA { std::apply(use, last); };
+  const bool few = len < kStep;
+  const size_t lastAt = few ? 0 : len - kStep;
+  each([&](auto&... kept) TZM_LAMBDA {
+    kernel((few ? kept.Few(arrays, len) : kept.Whole(arrays + lastAt))...);
+  });
+
+  const size_t end = (len - 1) / kStep * kStep, turns = end - end % (kUnroll * kStep);
   size_t i = 0;
   if constexpr (kUnroll > 1) {
-    for (; len - i >= kUnroll * kStep; i += kUnroll * kStep) {
-      [&]<size_t... kPart>(std::index_sequence<kPart...>) TZM_LAMBDA {
-        (step(i + kPart * kStep), ...);
-      }(std::make_index_sequence<kUnroll>());
-    }
+    for (; i < turns; i += kUnroll * kStep) Turn<kStep, kUnroll>(kernel, (arrays + i)...);
   }
-  for (; len - i >= kStep; i += kStep) step(i);
-  const size_t rest = len - i;
-  if (rest == 0) return;
+  for (; i < end; i += kStep) kernel((arrays + i)...);
 
-  std::tuple<Unset<std::remove_const_t<T>, kStep>...> padded;
-  std::apply([&](auto&... copy) TZM_LAMBDA {
-    const auto fill = [&](auto* to, auto* from) TZM_LAMBDA {
-      if constexpr (std::is_const_v<std::remove_pointer_t<decltype(from)>>) {
-        std::memcpy(to, from + i, rest * sizeof(*from));
-        for (size_t k = rest; k < kStep; ++k) to[k] = to[rest - 1];
-      }
-    };
-    const auto drain = [&](auto* from, auto* to) TZM_LAMBDA {
-      if constexpr (!std::is_const_v<std::remove_pointer_t<decltype(to)>>)
-        std::memcpy(to + i, from, rest * sizeof(*to));
-    };
-    (fill(copy.element, arrays), ...);
-    kernel(static_cast<T*>(copy.element)...);
-    (drain(copy.element, arrays), ...);
-  }, padded);
+  each([&](const auto&... kept) TZM_LAMBDA {
+    if (few) (kept.StoreFew(arrays, len), ...);
+    else (kept.StoreWhole(arrays + lastAt), ...);
+  });
 }
+
+// For an operation whose tail is computed otherwise than its body: body(count, arrays...) does the whole blocks of
+// kBlock elements, tail(count, arrays...) the elements behind them, where there are any.
+template <size_t kBlock, class Body, class Tail, class... T>
+TZM_INLINE void BodyAndTail(size_t len, Body&& body, Tail&& tail, T*... arrays) {
+  const size_t whole = len - len % kBlock;
+  if (whole != 0) body(whole, arrays...);
+  if (whole != len) tail(len - whole, (arrays + whole)...);
+}
+
+// The same with kernels, of kStep elements in the body and of one in the tail.
+template <size_t kBlock, size_t kStep, class Body, class Tail, class... T>
+TZM_INLINE void BodyAndTail(size_t len, Body&& body, Tail&& tail, T*... arrays) {
+  BodyAndTail<kBlock>(
+      len, [&](size_t count, T*... at) TZM_LAMBDA { ForEach<kStep>(count, body, at...); },
+      [&](size_t count, T*... at) TZM_LAMBDA { for (size_t i = 0; i < count; ++i) tail((at + i)...); }, arrays...);
+}
+
+// Elements of T in a block of 8 KB, a power of two: two arrays of them stay in the first cache between two passes.
+template <class T>
+constexpr int32_t kInCache = (8 << 10) / sizeof(T);
 
 // Calls block(count, arrays + i...) for blocks of kBlock elements and for what is left, with `count` elements each:
 // work in several passes, by way of a companion or of an array on the stack, goes by blocks that stay in the cache.

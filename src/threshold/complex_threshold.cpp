@@ -17,7 +17,7 @@ OrvaStatus Check(const Orva32fc* src, const Orva32fc* dst, int32_t len, Orva32f 
 
 // rule(d, re, im) replaces the parts of one register's worth of elements, in the machine's order.
 template <class D, class Rule>
-void Apply(D d, const Orva32fc* src, Orva32fc* dst, size_t len, Rule&& rule) {
+TZM_INLINE void Apply(D d, size_t len, Rule&& rule, const Orva32fc* src, Orva32fc* dst) {
   ForEach<hn::MaxLanes(d)>(len, [&](const Orva32fc* x, Orva32fc* out) TZM_LAMBDA {
     Vec<D> re, im;
     LoadParts(d, Parts(x), re, im);
@@ -63,8 +63,7 @@ OrvaStatus Limit(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
     re = hn::IfThenElse(mask, Rescaled(d, re, magnitude, turn), re);
     im = hn::IfThenElse(mask, Rescaled(d, im, magnitude, turn), im);
   };
-  const size_t body = len - len % 2;
-  Apply(dAll, src, dst, body, [&](auto d, auto& re, auto& im) TZM_LAMBDA {
+  const auto body = [&](auto d, auto& re, auto& im) TZM_LAMBDA {
     const auto square = hn::MulAdd(im, im, hn::Mul(re, re));
     auto root = ReciprocalRootEstimate(square);
     for (int step = 0; step < 2; ++step) root = hn::Mul(root, ReciprocalRootStep(hn::Mul(square, root), root));
@@ -76,14 +75,17 @@ OrvaStatus Limit(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
       for (int step = 0; step < 2; ++step) reciprocal = hn::Mul(reciprocal, ReciprocalStep(mag, reciprocal));
       return hn::Mul(hn::Mul(part, wideLimit), reciprocal);
     });
-  });
-  Apply(dAll, src + body, dst + body, len - body, [&](auto d, auto& re, auto& im) TZM_LAMBDA {
+  };
+  const auto tail = [&](auto d, auto& re, auto& im) TZM_LAMBDA {
     const auto square = hn::MulAdd(re, re, hn::Mul(im, im));
     const auto magnitude = hn::Mul(hn::Div(hn::Set(d, 1.0f), hn::Sqrt(square)), square);
     apply(d, re, im, ExactIfSubnormal(d, square, magnitude), [&](auto part, auto mag) TZM_LAMBDA {
       return hn::Div(hn::Mul(part, wideLimit), mag);
     });
-  });
+  };
+  BodyAndTail<2>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(dAll, count, body, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { Apply(dAll, count, tail, at...); }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -107,11 +109,11 @@ OrvaStatus Replace(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f leve
   if (OrvaStatus status = Check(src, dst, len, level)) return status;
   const Full<float> dAll;
   const auto limit = hn::Set(dAll, level * level), withRe = hn::Set(dAll, value.re), withIm = hn::Set(dAll, value.im);
-  Apply(dAll, src, dst, len, [&](auto, auto& re, auto& im) TZM_LAMBDA {
+  Apply(dAll, len, [&](auto, auto& re, auto& im) TZM_LAMBDA {
     const auto mask = caught(hn::MulAdd(re, re, hn::Mul(im, im)), limit);
     re = hn::IfThenElse(mask, withRe, re);
     im = hn::IfThenElse(mask, withIm, im);
-  });
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -131,7 +133,6 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
   using V = Vec<decltype(dStep)>;
   const V limit = hn::Set(dStep, level), one = hn::Set(dStep, 1.0f), zero = hn::Zero(dStep);
   const bool limited = level > 0;
-  const size_t body = len - len % 4;
   V met = zero;  // lanes where the body or the tail met a zero, at level 0
 
   // `plain` and `scaled` give one part (of the conjugate) over the square, and at the limit.
@@ -150,7 +151,7 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
       im = hn::IfThenElse(isZero, zeroIm, plainIm);
     }
   };
-  Apply(dStep, src, dst, body, [&](auto d, V& re, V& im) TZM_LAMBDA {
+  const auto body = [&](auto d, V& re, V& im) TZM_LAMBDA {
     const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
     // Deliberately coarse: a zero real part and a zero imaginary part anywhere in one step raise the
     // status, an element whose square underflows does not.
@@ -159,14 +160,17 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
     const V reciprocal = hn::Div(one, square), mostReciprocal = hn::Div(one, limit);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Mul(part, reciprocal); },
          [&](V part) TZM_LAMBDA { return hn::Mul(hn::Mul(magnitude, hn::Mul(part, reciprocal)), mostReciprocal); });
-  });
-  Apply(dStep, src + body, dst + body, len - body, [&](auto d, V& re, V& im) TZM_LAMBDA {
+  };
+  const auto tail = [&](auto d, V& re, V& im) TZM_LAMBDA {
     const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
     if (!limited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = one;
     const V ratio = hn::Div(magnitude, square);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Div(part, square); },
          [&](V part) TZM_LAMBDA { return hn::Div(hn::Mul(ratio, part), limit); });
-  });
+  };
+  BodyAndTail<4>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, body, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, tail, at...); }, src, dst);
   return hn::GetLane(met) == 0 ? ORVA_STS_NO_ERR : ORVA_STS_INV_ZERO_ERR;
 }
 

@@ -9,12 +9,19 @@ using namespace tzm;
 
 namespace {
 
-// dst = rule(src) for the elements from `begin` on.
+// dst = rule(src), with `rule` on a register.
 template <class T, class Rule>
-TZM_INLINE void Apply(const T* src, T* dst, size_t len, const Rule& rule) {
+TZM_INLINE void Apply(size_t len, const Rule& rule, const T* src, T* dst) {
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [&](const T* x, T* out) TZM_LAMBDA { hn::StoreU(rule(hn::LoadU(d, x)), d, out); }, src,
                            dst);
+}
+// The same with one rule for the blocks of 128 bits and another for the tail.
+template <class T, class Body, class Tail>
+TZM_INLINE void ApplyBodyAndTail(size_t len, const Body& body, const Tail& tail, const T* src, T* dst) {
+  BodyAndTail<16 / sizeof(T)>(
+      len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(count, body, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { Apply(count, tail, at...); }, src, dst);
 }
 
 template <class T>
@@ -30,14 +37,10 @@ auto Splat(T value) {
 template <class T, class Body, class Tail>
 TZM_INLINE OrvaStatus Limit(const T* src, T* dst, int32_t len, T level, const Body& body, const Tail& tail) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  size_t whole = 0;
   if constexpr (std::is_floating_point_v<T>) {
-    if (!(level < 0 || level > 0)) {
-      whole = len - len % (16 / sizeof(T));
-      Apply(src, dst, whole, body);
-    }
+    if (!(level < 0 || level > 0)) return ApplyBodyAndTail(len, body, tail, src, dst), ORVA_STS_NO_ERR;
   }
-  Apply(src + whole, dst + whole, len - whole, tail);
+  Apply(len, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -68,7 +71,7 @@ template <class T>
 OrvaStatus LtVal(const T* src, T* dst, int32_t len, T level, T value) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const auto limit = Splat(level), with = Splat(value);
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Lt(x, limit), with, x); });
+  Apply(len, [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Lt(x, limit), with, x); }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -76,7 +79,7 @@ template <class T>
 OrvaStatus GtVal(const T* src, T* dst, int32_t len, T level, T value) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const auto limit = Splat(level), with = Splat(value);
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Gt(x, limit), with, x); });
+  Apply(len, [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Gt(x, limit), with, x); }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -85,9 +88,9 @@ OrvaStatus LtValGtVal(const T* src, T* dst, int32_t len, T levelLT, T valueLT, T
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (levelLT > levelGT) return ORVA_STS_THRESH_ORDER_ERR;
   const auto low = Splat(levelLT), withLow = Splat(valueLT), high = Splat(levelGT), withHigh = Splat(valueGT);
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA {
+  Apply(len, [=](auto x) TZM_LAMBDA {
     return hn::IfThenElse(hn::Gt(x, high), withHigh, hn::IfThenElse(hn::Lt(x, low), withLow, x));
-  });
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -106,7 +109,7 @@ OrvaStatus LtAbs(const T* src, T* dst, int32_t len, T level) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (level < 0) return ORVA_STS_THRESH_NEG_ERR;
   const auto limit = Splat(level), negative = Splat(Negative(level)), zero = Splat(T{0});
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA {
+  Apply(len, [=](auto x) TZM_LAMBDA {
     if constexpr (std::is_floating_point_v<T>) {
       const auto to = hn::IfThenElse(hn::Ge(x, zero), limit, negative);  // NaN to -level
       return hn::IfThenElse(hn::Ge(hn::Abs(x), limit), x, to);
@@ -114,7 +117,7 @@ OrvaStatus LtAbs(const T* src, T* dst, int32_t len, T level) {
       const auto to = hn::IfThenElse(hn::Lt(x, zero), negative, limit);
       return hn::IfThenElse(hn::And(hn::Lt(x, limit), hn::Gt(x, negative)), to, x);
     }
-  });
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -123,14 +126,14 @@ OrvaStatus GtAbs(const T* src, T* dst, int32_t len, T level) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (level < 0) return ORVA_STS_THRESH_NEG_ERR;
   const auto limit = Splat(level), negative = Splat(Negative(level));
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA {
+  Apply(len, [=](auto x) TZM_LAMBDA {
     if constexpr (std::is_floating_point_v<T>) {
       const auto to = hn::IfThenElse(hn::Lt(x, hn::Zero(Full<T>())), negative, limit);
       return hn::IfThenElse(hn::Gt(hn::Abs(x), limit), to, x);
     } else {
       return hn::Min(hn::Max(x, negative), limit);
     }
-  });
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -139,10 +142,10 @@ template <class T>
 OrvaStatus LtAbsVal(const T* src, T* dst, int32_t len, T level, T value) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const auto limit = Splat(level), negative = Splat(Negative(level)), with = Splat(value);
-  Apply(src, dst, len, [=](auto x) TZM_LAMBDA {
+  Apply(len, [=](auto x) TZM_LAMBDA {
     if constexpr (std::is_floating_point_v<T>) return hn::IfThenElse(hn::Lt(hn::Abs(x), limit), with, x);
     else return hn::IfThenElse(hn::And(hn::Lt(x, limit), hn::Gt(x, negative)), with, x);
-  });
+  }, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -159,97 +162,85 @@ OrvaStatus LtInv(const T* src, T* dst, int32_t len, T level) {
   if (level > 0) {
     const auto limit = Splat(level), most = hn::Div(one, limit), least = hn::Neg(most);
     const auto limited = [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Ge(x, zero), most, least); };
-    const size_t body = len - len % (16 / sizeof(T));
-    Apply(src, dst, body, [=](auto x) TZM_LAMBDA {
-      return hn::IfThenElse(hn::Ge(hn::Abs(x), limit), hn::Div(one, x), limited(x));
-    });
-    Apply(src + body, dst + body, len - body, [=](auto x) TZM_LAMBDA {
-      return hn::IfThenElse(hn::Lt(hn::Abs(x), limit), limited(x), hn::Div(one, x));
-    });
+    ApplyBodyAndTail(
+        len,
+        [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Ge(hn::Abs(x), limit), hn::Div(one, x), limited(x)); },
+        [=](auto x) TZM_LAMBDA { return hn::IfThenElse(hn::Lt(hn::Abs(x), limit), limited(x), hn::Div(one, x)); },
+        src, dst);
     return ORVA_STS_NO_ERR;
   }
-  auto met = hn::Zero(d);
-  Apply(src, dst, len, [&](auto x) TZM_LAMBDA {
+  AnyLane<Full<T>> met;
+  Apply(len, [&](auto x) TZM_LAMBDA {
     const auto isZero = hn::Eq(x, zero);
-    met = hn::Or(met, hn::VecFromMask(d, isZero));
+    met.See(isZero);
     return hn::IfThenElse(isZero, hn::Inf(d), hn::Div(one, x));
-  });
-  return hn::AllFalse(d, hn::MaskFromVec(met)) ? ORVA_STS_NO_ERR : ORVA_STS_INV_ZERO_ERR;
+  }, src, dst);
+  return met.Seen() ? ORVA_STS_INV_ZERO_ERR : ORVA_STS_NO_ERR;
 }
 
 }  // namespace
 
-// One member and its in-place companion.
-#define TZM_LEVEL(name, rule, tag)                                                                                 \
-  OrvaStatus ORVAS_Threshold_##name##_##tag(const Orva##tag* src, Orva##tag* dst, int32_t len, Orva##tag level) {  \
-    return rule(src, dst, len, level);                                                                             \
-  }                                                                                                                \
-  OrvaStatus ORVAS_Threshold_##name##_##tag##_I(Orva##tag* srcDst, int32_t len, Orva##tag level) {                 \
-    return rule(srcDst, srcDst, len, level);                                                                       \
+// A member and its twin in place, by their names.
+#define TZM_LEVEL(member, in_place, rule, T)                                                            \
+  OrvaStatus member(const T* src, T* dst, int32_t len, T level) { return rule(src, dst, len, level); }  \
+  OrvaStatus in_place(T* srcDst, int32_t len, T level) { return rule(srcDst, srcDst, len, level); }
+#define TZM_LEVEL_VALUE(member, in_place, rule, T)                           \
+  OrvaStatus member(const T* src, T* dst, int32_t len, T level, T value) {   \
+    return rule(src, dst, len, level, value);                                \
+  }                                                                          \
+  OrvaStatus in_place(T* srcDst, int32_t len, T level, T value) {            \
+    return rule(srcDst, srcDst, len, level, value);                          \
   }
-#define TZM_LEVEL_VALUE(name, rule, tag)                                                                           \
-  OrvaStatus ORVAS_Threshold_##name##_##tag(const Orva##tag* src, Orva##tag* dst, int32_t len, Orva##tag level,    \
-                                            Orva##tag value) {                                                     \
-    return rule(src, dst, len, level, value);                                                                      \
-  }                                                                                                                \
-  OrvaStatus ORVAS_Threshold_##name##_##tag##_I(Orva##tag* srcDst, int32_t len, Orva##tag level,                   \
-                                                Orva##tag value) {                                                 \
-    return rule(srcDst, srcDst, len, level, value);                                                                \
+#define TZM_TWO_LEVELS(member, in_place, T)                                                                    \
+  OrvaStatus member(const T* src, T* dst, int32_t len, T levelLT, T valueLT, T levelGT, T valueGT) {           \
+    return LtValGtVal(src, dst, len, levelLT, valueLT, levelGT, valueGT);                                      \
+  }                                                                                                            \
+  OrvaStatus in_place(T* srcDst, int32_t len, T levelLT, T valueLT, T levelGT, T valueGT) {                    \
+    return LtValGtVal(srcDst, srcDst, len, levelLT, valueLT, levelGT, valueGT);                                \
   }
-#define TZM_TWO_LEVELS(tag)                                                                                        \
-  OrvaStatus ORVAS_Threshold_LTValGTVal_##tag(const Orva##tag* src, Orva##tag* dst, int32_t len,                   \
-                                              Orva##tag levelLT, Orva##tag valueLT, Orva##tag levelGT,             \
-                                              Orva##tag valueGT) {                                                 \
-    return LtValGtVal(src, dst, len, levelLT, valueLT, levelGT, valueGT);                                          \
-  }                                                                                                                \
-  OrvaStatus ORVAS_Threshold_LTValGTVal_##tag##_I(Orva##tag* srcDst, int32_t len, Orva##tag levelLT,               \
-                                                  Orva##tag valueLT, Orva##tag levelGT, Orva##tag valueGT) {       \
-    return LtValGtVal(srcDst, srcDst, len, levelLT, valueLT, levelGT, valueGT);                                    \
-  }
-#define TZM_RELATION(tag)                                                                                          \
-  OrvaStatus ORVAS_Threshold_##tag(const Orva##tag* src, Orva##tag* dst, int32_t len, Orva##tag level,             \
-                                   int32_t relOp) {                                                                \
-    return ByRelation(src, dst, len, level, relOp);                                                                \
-  }                                                                                                                \
-  OrvaStatus ORVAS_Threshold_##tag##_I(Orva##tag* srcDst, int32_t len, Orva##tag level, int32_t relOp) {           \
-    return ByRelation(srcDst, srcDst, len, level, relOp);                                                          \
+#define TZM_RELATION(member, in_place, T)                                       \
+  OrvaStatus member(const T* src, T* dst, int32_t len, T level, int32_t relOp) {\
+    return ByRelation(src, dst, len, level, relOp);                             \
+  }                                                                             \
+  OrvaStatus in_place(T* srcDst, int32_t len, T level, int32_t relOp) {         \
+    return ByRelation(srcDst, srcDst, len, level, relOp);                       \
   }
 
-TZM_RELATION(16s)
-TZM_RELATION(32f)
-TZM_RELATION(64f)
-TZM_LEVEL(LT, Lt, 16s)
-TZM_LEVEL(LT, Lt, 32s)
-TZM_LEVEL(LT, Lt, 32f)
-TZM_LEVEL(LT, Lt, 64f)
-TZM_LEVEL(GT, Gt, 16s)
-TZM_LEVEL(GT, Gt, 32s)
-TZM_LEVEL(GT, Gt, 32f)
-TZM_LEVEL(GT, Gt, 64f)
-TZM_LEVEL_VALUE(LTVal, LtVal, 16s)
-TZM_LEVEL_VALUE(LTVal, LtVal, 32f)
-TZM_LEVEL_VALUE(LTVal, LtVal, 64f)
-TZM_LEVEL_VALUE(GTVal, GtVal, 16s)
-TZM_LEVEL_VALUE(GTVal, GtVal, 32f)
-TZM_LEVEL_VALUE(GTVal, GtVal, 64f)
-TZM_TWO_LEVELS(16s)
-TZM_TWO_LEVELS(32s)
-TZM_TWO_LEVELS(32f)
-TZM_TWO_LEVELS(64f)
-TZM_LEVEL(LTAbs, LtAbs, 16s)
-TZM_LEVEL(LTAbs, LtAbs, 32s)
-TZM_LEVEL(LTAbs, LtAbs, 32f)
-TZM_LEVEL(LTAbs, LtAbs, 64f)
-TZM_LEVEL(GTAbs, GtAbs, 16s)
-TZM_LEVEL(GTAbs, GtAbs, 32s)
-TZM_LEVEL(GTAbs, GtAbs, 32f)
-TZM_LEVEL(GTAbs, GtAbs, 64f)
-TZM_LEVEL_VALUE(LTAbsVal, LtAbsVal, 16s)
-TZM_LEVEL_VALUE(LTAbsVal, LtAbsVal, 32s)
-TZM_LEVEL_VALUE(LTAbsVal, LtAbsVal, 32f)
-TZM_LEVEL_VALUE(LTAbsVal, LtAbsVal, 64f)
-TZM_LEVEL(LTInv, LtInv, 32f)
-TZM_LEVEL(LTInv, LtInv, 64f)
+TZM_RELATION(ORVAS_Threshold_16s, ORVAS_Threshold_16s_I, Orva16s)
+TZM_RELATION(ORVAS_Threshold_32f, ORVAS_Threshold_32f_I, Orva32f)
+TZM_RELATION(ORVAS_Threshold_64f, ORVAS_Threshold_64f_I, Orva64f)
+TZM_LEVEL(ORVAS_Threshold_LT_16s, ORVAS_Threshold_LT_16s_I, Lt, Orva16s)
+TZM_LEVEL(ORVAS_Threshold_LT_32s, ORVAS_Threshold_LT_32s_I, Lt, Orva32s)
+TZM_LEVEL(ORVAS_Threshold_LT_32f, ORVAS_Threshold_LT_32f_I, Lt, Orva32f)
+TZM_LEVEL(ORVAS_Threshold_LT_64f, ORVAS_Threshold_LT_64f_I, Lt, Orva64f)
+TZM_LEVEL(ORVAS_Threshold_GT_16s, ORVAS_Threshold_GT_16s_I, Gt, Orva16s)
+TZM_LEVEL(ORVAS_Threshold_GT_32s, ORVAS_Threshold_GT_32s_I, Gt, Orva32s)
+TZM_LEVEL(ORVAS_Threshold_GT_32f, ORVAS_Threshold_GT_32f_I, Gt, Orva32f)
+TZM_LEVEL(ORVAS_Threshold_GT_64f, ORVAS_Threshold_GT_64f_I, Gt, Orva64f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTVal_16s, ORVAS_Threshold_LTVal_16s_I, LtVal, Orva16s)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTVal_32f, ORVAS_Threshold_LTVal_32f_I, LtVal, Orva32f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTVal_64f, ORVAS_Threshold_LTVal_64f_I, LtVal, Orva64f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_GTVal_16s, ORVAS_Threshold_GTVal_16s_I, GtVal, Orva16s)
+TZM_LEVEL_VALUE(ORVAS_Threshold_GTVal_32f, ORVAS_Threshold_GTVal_32f_I, GtVal, Orva32f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_GTVal_64f, ORVAS_Threshold_GTVal_64f_I, GtVal, Orva64f)
+TZM_TWO_LEVELS(ORVAS_Threshold_LTValGTVal_16s, ORVAS_Threshold_LTValGTVal_16s_I, Orva16s)
+TZM_TWO_LEVELS(ORVAS_Threshold_LTValGTVal_32s, ORVAS_Threshold_LTValGTVal_32s_I, Orva32s)
+TZM_TWO_LEVELS(ORVAS_Threshold_LTValGTVal_32f, ORVAS_Threshold_LTValGTVal_32f_I, Orva32f)
+TZM_TWO_LEVELS(ORVAS_Threshold_LTValGTVal_64f, ORVAS_Threshold_LTValGTVal_64f_I, Orva64f)
+TZM_LEVEL(ORVAS_Threshold_LTAbs_16s, ORVAS_Threshold_LTAbs_16s_I, LtAbs, Orva16s)
+TZM_LEVEL(ORVAS_Threshold_LTAbs_32s, ORVAS_Threshold_LTAbs_32s_I, LtAbs, Orva32s)
+TZM_LEVEL(ORVAS_Threshold_LTAbs_32f, ORVAS_Threshold_LTAbs_32f_I, LtAbs, Orva32f)
+TZM_LEVEL(ORVAS_Threshold_LTAbs_64f, ORVAS_Threshold_LTAbs_64f_I, LtAbs, Orva64f)
+TZM_LEVEL(ORVAS_Threshold_GTAbs_16s, ORVAS_Threshold_GTAbs_16s_I, GtAbs, Orva16s)
+TZM_LEVEL(ORVAS_Threshold_GTAbs_32s, ORVAS_Threshold_GTAbs_32s_I, GtAbs, Orva32s)
+TZM_LEVEL(ORVAS_Threshold_GTAbs_32f, ORVAS_Threshold_GTAbs_32f_I, GtAbs, Orva32f)
+TZM_LEVEL(ORVAS_Threshold_GTAbs_64f, ORVAS_Threshold_GTAbs_64f_I, GtAbs, Orva64f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTAbsVal_16s, ORVAS_Threshold_LTAbsVal_16s_I, LtAbsVal, Orva16s)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTAbsVal_32s, ORVAS_Threshold_LTAbsVal_32s_I, LtAbsVal, Orva32s)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTAbsVal_32f, ORVAS_Threshold_LTAbsVal_32f_I, LtAbsVal, Orva32f)
+TZM_LEVEL_VALUE(ORVAS_Threshold_LTAbsVal_64f, ORVAS_Threshold_LTAbsVal_64f_I, LtAbsVal, Orva64f)
+TZM_LEVEL(ORVAS_Threshold_LTInv_32f, ORVAS_Threshold_LTInv_32f_I, LtInv, Orva32f)
+TZM_LEVEL(ORVAS_Threshold_LTInv_64f, ORVAS_Threshold_LTInv_64f_I, LtInv, Orva64f)
 #undef TZM_LEVEL
 #undef TZM_LEVEL_VALUE
 #undef TZM_TWO_LEVELS
