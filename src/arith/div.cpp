@@ -22,7 +22,7 @@ OrvaStatus Divide(const T* divisor, const T* dividend, T* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, divisor, dividend, dst)) return status;
   const Full<T> d;
   AnyLane<decltype(d)> zero;
-  ForEach<hn::MaxLanes(d), 4>(len, [&](const T* divisors, const T* dividends, T* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d)>(len, [&](const T* divisors, const T* dividends, T* to) TZM_LAMBDA {
     const auto a = hn::LoadU(d, divisors);
     zero.See(hn::Eq(a, hn::Zero(d)));
     hn::StoreU(hn::Div(hn::LoadU(d, dividends), a), d, to);
@@ -37,7 +37,7 @@ TZM_INLINE void ForEachParts(size_t len, Kernel kernel, const Complex* divisor, 
                              Complex* dst) {
   const Full<std::remove_pointer_t<decltype(Parts(dst))>> real;
   using V = Vec<decltype(real)>;
-  ForEach<hn::MaxLanes(real)>(len, [&](const Complex* divisors, const Complex* dividends, Complex* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(real), 2>(len, [&](const Complex* divisors, const Complex* dividends, Complex* to) TZM_LAMBDA {
     V c, d, a, b, re, im;
     LoadParts(real, Parts(divisors), c, d);
     LoadParts(real, Parts(dividends), a, b);
@@ -275,7 +275,7 @@ OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   const auto wideFactor = hn::Set(d, static_cast<double>(factor));
   AnyLane<decltype(d)> zero;
   bool zeroInTail = false;
-  BodyAndTail<4, hn::MaxLanes(d)>(
+  BodyAndTail<4, hn::MaxLanes(d), 2>(
       len,
       [&](const Orva32s* divisors, const Orva32s* dividends, Orva32s* to) TZM_LAMBDA {
         const auto a = hn::PromoteTo(d, hn::LoadU(d32, divisors));

@@ -140,7 +140,7 @@ OrvaStatus ORVAS_DivC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst,
   if (modulus == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
   const auto divisor = ComplexProduct<int16_t>::Set(value.re, value.im);
   const auto factor = ConjugateProduct::Lanes::Set(1.0 / modulus * ScaleFactor(ScaleExponent(scale)));
-  ForEach<ConjugateProduct::kStep>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
+  ForEach<ConjugateProduct::kStep, 2>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
     const ConjugateProduct product(ComplexProduct<int16_t>::Load(Parts(from)), divisor);
     StoreRoundedParts(product.re * factor, product.im * factor, Parts(to));
   }, src, dst);
@@ -186,7 +186,7 @@ OrvaStatus ORVAS_DivCRev_32f(const Orva32f* src, Orva32f value, Orva32f* dst, in
   const auto dividend = hn::Set(d, value);
   AnyLane<Full<float>> zero;
   bool zeroInTail = false;
-  BodyAndTail<4, hn::MaxLanes(d)>(
+  BodyAndTail<4, hn::MaxLanes(d), 2>(
       len,
       [&](const Orva32f* from, Orva32f* to) TZM_LAMBDA {
         const auto x = hn::LoadU(d, from);

@@ -33,7 +33,7 @@ TZM_INLINE Vec<Full<float>> WidenHalf(const Orva16f* from) {
 template <bool kTowardZero, class T>
 void Narrow(const T* src, Orva16f* dst, size_t len) {
   const HalfNarrowing<kTowardZero> narrowing;
-  ForEach<hn::MaxLanes(kReal), 4>(len, [&](const T* from, Orva16f* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(kReal)>(len, [&](const T* from, Orva16f* to) TZM_LAMBDA {
     narrowing.Store(Widen(from), to);
   }, src, dst);
 }
@@ -83,7 +83,7 @@ OrvaStatus ORVAS_Convert_32f16f(const Orva32f* src, Orva16f* dst, int32_t len, u
 
 OrvaStatus ORVAS_Convert_16f32f(const Orva16f* src, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  ForEach<hn::MaxLanes(kReal), 4>(len, [](const Orva16f* from, Orva32f* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(kReal)>(len, [](const Orva16f* from, Orva32f* to) TZM_LAMBDA {
     hn::StoreU(WidenHalf(from), kReal, to);
   }, src, dst);
   return ORVA_STS_NO_ERR;

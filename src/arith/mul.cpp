@@ -61,7 +61,7 @@ template <class Complex>
 void ScaledComplexProducts(const Complex* src1, const Complex* src2, Complex* dst, int32_t len, double scale) {
   using Product = ComplexProduct<decltype(Complex::re)>;
   WithShift(typename Product::Wide(), ScaleExponent(scale), [=](auto shift) TZM_LAMBDA {
-    ForEach<Product::kStep>(len, [=](const Complex* a, const Complex* b, Complex* to) TZM_LAMBDA {
+    ForEach<Product::kStep, 2>(len, [=](const Complex* a, const Complex* b, Complex* to) TZM_LAMBDA {
       Product::Store(Product::Load(Parts(a)), Product::Load(Parts(b)), shift, Parts(to));
     }, src1, src2, dst);
   });
@@ -148,7 +148,7 @@ OrvaStatus ORVAS_Mul_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   // Deliberately through binary64: a product above 2^53 rounds before the scale.
   const auto factor = hn::Set(Full<double>(), ScaleFactor(ScaleExponent(scale)));
   const Full<int32_t> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva32s* a, const Orva32s* b, Orva32s* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva32s* a, const Orva32s* b, Orva32s* to) TZM_LAMBDA {
     StoreScaledProducts(RoundedProducts(hn::LoadU(d, a), hn::LoadU(d, b)), factor, to);
   }, src1, src2, dst);
   return ORVA_STS_NO_ERR;

@@ -55,7 +55,7 @@ void ScaledComplexProducts(size_t len, Complex value, int exponent, const Comple
   using Product = ComplexProduct<decltype(Complex::re)>;
   WithShift(typename Product::Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     const auto factor = Product::Set(value.re, value.im);
-    ForEach<Product::kStep>(len, [=](const Complex* a, Complex* to) TZM_LAMBDA {
+    ForEach<Product::kStep, 2>(len, [=](const Complex* a, Complex* to) TZM_LAMBDA {
       Product::Store(Product::Load(Parts(a)), factor, shift, Parts(to));
     }, src, dst);
   });
@@ -175,7 +175,7 @@ OrvaStatus ORVAS_MulC_32s_S(const Orva32s* src, Orva32s value, Orva32s* dst, int
   const Full<int32_t> d;
   const auto constant = hn::Set(d, value);
   const auto factor = hn::Set(Full<double>(), ScaleFactor(ScaleExponent(scale)));
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva32s* a, Orva32s* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva32s* a, Orva32s* to) TZM_LAMBDA {
     StoreScaledProducts(RoundedProducts(hn::LoadU(d, a), constant), factor, to);
   }, src, dst);
   return ORVA_STS_NO_ERR;

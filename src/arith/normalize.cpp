@@ -31,7 +31,7 @@ OrvaStatus Normalize(const T* src, T* dst, size_t len, Pair<T> vSub, T vDiv, boo
   const Full<T> d;
   const auto reciprocal = hn::Set(d, 1 / vDiv);
   const auto each = [&](auto form) TZM_LAMBDA {
-    ForEach<hn::MaxLanes(d), 4>(len, [&](const T* from, T* to) TZM_LAMBDA {
+    ForEach<hn::MaxLanes(d)>(len, [&](const T* from, T* to) TZM_LAMBDA {
       hn::StoreU(form(hn::LoadU(d, from)), d, to);
     }, src, dst);
   };

@@ -114,7 +114,7 @@ OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const Full<float> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva32fc* from, Orva32fc* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva32fc* from, Orva32fc* to) TZM_LAMBDA {
     Vec<decltype(d)> a, b;
     LoadParts(d, Parts(from), a, b);
     const auto root = RootByModulus(a, b);
@@ -126,7 +126,7 @@ OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
 OrvaStatus ORVAS_Sqrt_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const Full<double> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva64fc* from, Orva64fc* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva64fc* from, Orva64fc* to) TZM_LAMBDA {
     Vec<decltype(d)> a, b;
     LoadParts(d, Parts(from), a, b);
     const auto zero = hn::Zero(d), half = hn::Set(d, 0.5);
@@ -187,7 +187,7 @@ OrvaStatus ORVAS_Sqrt_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, do
   const Full<double> d;
   const hn::Rebind<int32_t, decltype(d)> d32;  // an element is one lane, its real part the low half
   const auto factor = hn::Set(d, ScaleFactor(ScaleExponent(scale)));
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
     const auto element = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
     const auto a = hn::PromoteTo(d, hn::ShiftRight<16>(hn::ShiftLeft<16>(element)));
     const auto b = hn::PromoteTo(d, hn::ShiftRight<16>(element));
@@ -224,7 +224,7 @@ OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
     hn::StoreU(hn::IfThenElse(finite, hn::CopySignToAbs(roots, x), x), d, to);
   };
   const auto tail = [](const Orva32f* from, Orva32f* to) TZM_LAMBDA { StoreElement(cbrtf(LoadElement(from)), to); };
-  BodyAndTail<4, hn::MaxLanes(d)>(len, body, tail, src, dst);
+  BodyAndTail<4, hn::MaxLanes(d), 2>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -253,7 +253,7 @@ OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, d
   const auto tail = [=](const Orva32s* from, Orva16s* to) TZM_LAMBDA {
     StoreElement(RoundSaturate<Orva16s>(cbrt(static_cast<double>(LoadElement(from))) * factor), to);
   };
-  BodyAndTail<4, hn::MaxLanes(d32)>(len, body, tail, src, dst);
+  BodyAndTail<4, hn::MaxLanes(d32), 2>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 

@@ -83,7 +83,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   alignas(64) double angle[kBlock], sine[kBlock], cosine[kBlock], power[kBlock];
   ForBlocks<kBlock>(len, [&](int32_t count, const Complex* source, Complex* result) {
-    ForEach<kStep>(count, [&](const Complex* from, double* x, double* e) TZM_LAMBDA {
+    ForEach<kStep, 2>(count, [&](const Complex* from, double* x, double* e) TZM_LAMBDA {
       const auto z = Load(from);
       const V magnitude = hn::Abs(z.im);
       const V shift = hn::IfThenElseZero(IsLarge(magnitude), Constant(kShift));
@@ -110,7 +110,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
       if constexpr (kFunction == Function::kSin) Store(Product(sin, cosh, large), Product(cos, sinh, large), to);
       else Store(Product(cos, cosh, large), hn::Neg(Product(sin, sinh, large)), to);
     };
-    ForEach<kStep>(count, combine, source, Read(sine), Read(cosine), Read(power), result);
+    ForEach<kStep, 2>(count, combine, source, Read(sine), Read(cosine), Read(power), result);
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }
@@ -171,7 +171,7 @@ OrvaStatus Log10(const Complex* src, Complex* dst, int32_t len) {
   alignas(64) double re[kBlock], angle[kBlock], magnitude[kBlock], rest[kBlock];
   AnyLane<D> zero;
   ForBlocks<kBlock>(len, [&](int32_t count, const Complex* source, Complex* result) {
-    ForEach<kStep>(count, [&](const Complex* from, double* x, double* y, double* high, double* low) TZM_LAMBDA {
+    ForEach<kStep, 2>(count, [&](const Complex* from, double* x, double* y, double* high, double* low) TZM_LAMBDA {
       const auto z = Load(from);
       const auto square = SquareMagnitude(z);
       zero.See(square.zero);
@@ -182,7 +182,7 @@ OrvaStatus Log10(const Complex* src, Complex* dst, int32_t len) {
     }, source, &re[0], &angle[0], &magnitude[0], &rest[0]);
     vdatan2(count, angle, re, angle);
     vdlog10(count, magnitude, magnitude);
-    ForEach<kStep>(count, [&](const double* high, const double* low, const double* phi, Complex* to) TZM_LAMBDA {
+    ForEach<kStep, 2>(count, [&](const double* high, const double* low, const double* phi, Complex* to) TZM_LAMBDA {
       const V y = hn::LoadU(D(), phi);
       const V logarithm = hn::MulAdd(hn::LoadU(D(), high), Constant(0.5), hn::LoadU(D(), low));
       Store(logarithm, hn::MulAdd(y, Constant(kLog10OfE), hn::Mul(y, Constant(kLog10OfELow))), to);

@@ -1,6 +1,6 @@
-// Real elementary functions: one call of the vector math companion over the whole array, and a scan of
-// the input that decides the status. The scans are contract, not a full check: callers see the statuses
-// that they give and no others, and the call always runs over every element.
+// Real elementary functions: the vector math companion over the whole array, and a scan of the input that decides
+// the status. The scans are contract, not a full check: callers see the statuses that they give and no others, and
+// the companion always runs over every element.
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
 
@@ -14,12 +14,12 @@ namespace {
 
 // Elements of one 128-bit block, the unit of the scans.
 template <class T>
-constexpr int32_t kBlock = 16 / sizeof(T);
+constexpr size_t kBlock = 16 / sizeof(T);
 
 template <class T, class Test>
-bool Any(const T* values, int32_t count, Test test) {
+bool Any(const T* values, size_t count, Test test) {
   bool any = false;
-  for (int32_t i = 0; i < count; ++i) any |= test(LoadElement(values + i));
+  for (size_t i = 0; i < count; ++i) any |= test(LoadElement(values + i));
   return any;
 }
 
@@ -32,18 +32,22 @@ bool Any(const T* values, int32_t count, Test test) {
 template <class T, class First, class Second>
 OrvaStatus ScanEnds(const T* src, int32_t len, First first, OrvaStatus firstStatus, Second second,
                     OrvaStatus secondStatus) {
-  const int32_t body = len - len % kBlock<T>;
-  if (body != 0) {
-    if (Any(src, kBlock<T>, [&](T x) { return first(x, false); })) return firstStatus;
-    if (Any(src, kBlock<T>, [&](T x) { return second(x, false); })) return secondStatus;
-  }
-  OrvaStatus status = ORVA_STS_NO_ERR;
-  for (int32_t i = body; i < len; ++i) {
-    const T x = LoadElement(src + i);
-    if (first(x, true)) status = firstStatus;
-    if (second(x, true)) status = secondStatus;
-  }
-  return status;
+  OrvaStatus inBody = ORVA_STS_NO_ERR, inTail = ORVA_STS_NO_ERR;
+  BodyAndTail<kBlock<T>>(
+      len,
+      [&](size_t, const T* body) {
+        if (Any(body, kBlock<T>, [&](T x) { return first(x, false); })) inBody = firstStatus;
+        else if (Any(body, kBlock<T>, [&](T x) { return second(x, false); })) inBody = secondStatus;
+      },
+      [&](size_t count, const T* tail) {
+        for (size_t i = 0; i < count; ++i) {
+          const T x = LoadElement(tail + i);
+          if (first(x, true)) inTail = firstStatus;
+          if (second(x, true)) inTail = secondStatus;
+        }
+      },
+      src);
+  return inBody != ORVA_STS_NO_ERR ? inBody : inTail;
 }
 
 // Largest and smallest arguments of a finite, normal result. The binary32 pair of the first block and the
@@ -100,7 +104,7 @@ OrvaStatus CallOnCopy(T* srcDst, int32_t len, Malloc make, Copy copy, Function f
 
 // Whether any element reaches a limit above 0.
 template <class T>
-bool Reaches(const T* src, int32_t len, T limit) {
+bool Reaches(const T* src, size_t len, T limit) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
   auto most0 = hn::Zero(d), most1 = most0, most2 = most0, most3 = most0;  // one alone would be a chain
@@ -118,20 +122,36 @@ bool Reaches(const T* src, int32_t len, T limit) {
 // two finite numbers, so a true infinity raises nothing there; the tail looks for true infinities. In
 // binary32 the smaller of the two counts in the first half of each body step only. All deliberate. Few
 // arrays reach even the smaller one, and whether they do is seen at little cost.
-template <class T, int32_t kStep, int32_t kFirstPart>
-OrvaStatus ScanTan(const T* src, int32_t len, T inFirstPart, T everywhere) {
-  const int32_t body = len - len % kStep;
-  bool found = Any(src + body, len - body, [](T x) { return x - x != 0 && x == x; });
-  if (Reaches(src, len, inFirstPart)) {
-    const hn::CappedTag<T, kFirstPart> d;
-    AnyLane<decltype(d)> equal;
-    for (int32_t i = 0; i < body; i += hn::Lanes(d)) {
-      const auto x = hn::LoadU(d, src + i);
-      equal.See(hn::Eq(x, hn::Set(d, everywhere)));
-      if (i % kStep < kFirstPart) equal.See(hn::Eq(x, hn::Set(d, inFirstPart)));
-    }
-    found |= equal.Seen();
-  }
+template <size_t kStep, size_t kFirstPart, class T>
+bool ScanTan(const T* src, size_t len, T inFirstPart, T everywhere) {
+  const hn::CappedTag<T, kFirstPart> d;
+  AnyLane<decltype(d)> equal;
+  bool infinite = false;
+  BodyAndTail<kStep>(
+      len,
+      [&](size_t count, const T* body) {
+        if (!Reaches(body, count, inFirstPart)) return;
+        ForEach<kStep, 1>(count, [&](const T* from) TZM_LAMBDA {
+          Unrolled<kStep / hn::MaxLanes(d)>([&](auto part) TZM_LAMBDA {
+            const auto x = hn::LoadU(d, from + part * hn::MaxLanes(d));
+            equal.See(hn::Eq(x, hn::Set(d, everywhere)));
+            if constexpr (part * hn::MaxLanes(d) < kFirstPart) equal.See(hn::Eq(x, hn::Set(d, inFirstPart)));
+          });
+        }, body);
+      },
+      [&](size_t count, const T* tail) { infinite = Any(tail, count, [](T x) { return x - x != 0 && x == x; }); }, src);
+  return infinite || equal.Seen();
+}
+
+// The scan of a block comes before the call, which may overwrite it.
+template <size_t kStep, size_t kFirstPart, class T, class Function>
+OrvaStatus Tan(const T* src, T* dst, int32_t len, T inFirstPart, T everywhere, Function function) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  bool found = false;
+  ForBlocks<kInCache<T>>(len, [&](int32_t count, const T* from, T* to) {
+    found |= ScanTan<kStep, kFirstPart>(from, count, inFirstPart, everywhere);
+    function(count, from, to);
+  }, src, dst);
   return found ? ORVA_STS_DOMAIN_ERR : ORVA_STS_NO_ERR;
 }
 
@@ -148,14 +168,23 @@ bool IsInteger(T x) {
 // raises one with an exponent that is not an integer. Both raise a zero base with a negative exponent.
 // Earlier blocks are not looked at. The two senses are deliberate. An infinite exponent is no integer.
 template <class T>
-OrvaStatus ScanPow(const T* base, const T* exponent, int32_t len) {
-  const int32_t body = len - len % kBlock<T>;
-  for (int32_t i = body != 0 ? body - kBlock<T> : 0; i < len; ++i) {
-    const T x = LoadElement(base + i), y = LoadElement(exponent + i);
-    const bool integer = IsInteger(y) && y - y == 0;
-    if ((x < 0 && integer == (i < body)) || (x == 0 && y < 0)) return ORVA_STS_DOMAIN_ERR;
-  }
-  return ORVA_STS_NO_ERR;
+OrvaStatus ScanPow(const T* src1, const T* src2, int32_t len) {
+  bool found = false;
+  const auto look = [&](const T* base, const T* exponent, size_t count, bool harmless) {
+    for (size_t i = 0; i < count; ++i) {
+      const T x = LoadElement(base + i), y = LoadElement(exponent + i);
+      const bool integer = IsInteger(y) && y - y == 0;
+      found |= (x < 0 && integer == harmless) || (x == 0 && y < 0);
+    }
+  };
+  BodyAndTail<kBlock<T>>(
+      len,
+      [&](size_t count, const T* base, const T* exponent) {
+        const size_t last = count - kBlock<T>;
+        look(base + last, exponent + last, kBlock<T>, true);
+      },
+      [&](size_t count, const T* base, const T* exponent) { look(base, exponent, count, false); }, src1, src2);
+  return found ? ORVA_STS_DOMAIN_ERR : ORVA_STS_NO_ERR;
 }
 
 template <class T, class Function>
@@ -222,16 +251,12 @@ OrvaStatus ORVAS_Cos_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
 
 OrvaStatus ORVAS_Tan_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
   // 0x7f800000 in the first 8 of 16, 0xff800000 everywhere.
-  const auto scan = [](auto* x, int32_t n) { return ScanTan<Orva32f, 16, 8>(x, n, 2139095040.0f, 4286578688.0f); };
-  return ScanAndCall(src, dst, len, scan, vstan);
+  return Tan<16, 8>(src, dst, len, 2139095040.0f, 4286578688.0f, vstan);
 }
 
 OrvaStatus ORVAS_Tan_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
   // 0x7ff0000000000000 and 0xfff0000000000000.
-  const auto scan = [](auto* x, int32_t n) {
-    return ScanTan<Orva64f, 4, 4>(x, n, 9218868437227405312.0, 18442240474082181120.0);
-  };
-  return ScanAndCall(src, dst, len, scan, vdtan);
+  return Tan<4, 4>(src, dst, len, 9218868437227405312.0, 18442240474082181120.0, vdtan);
 }
 
 OrvaStatus ORVAS_Arctan_32f(const Orva32f* src, Orva32f* dst, int32_t len) {

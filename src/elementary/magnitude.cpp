@@ -148,7 +148,7 @@ OrvaStatus ORVAS_Magnitude_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) 
     __imag__ argument = z.im;
     StoreElement(cabs(argument), to);
   };
-  BodyAndTail<2, hn::MaxLanes(d)>(len, body, tail, src, dst);
+  BodyAndTail<2, hn::MaxLanes(d), 2>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -196,7 +196,7 @@ OrvaStatus ORVAS_Magnitude_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orv
   const auto tail = [=](const Orva16s* re, const Orva16s* im, Orva16s* to) TZM_LAMBDA {
     StoreElement(RoundSaturate<Orva16s>(Root(SquareSumOf(re, im)) * factor), to);
   };
-  BodyAndTail<8, hn::MaxLanes(d16)>(len, body, tail, srcRe, srcIm, dst);
+  BodyAndTail<8, hn::MaxLanes(d16), 2>(len, body, tail, srcRe, srcIm, dst);
   return ORVA_STS_NO_ERR;
 }
 
@@ -207,7 +207,7 @@ OrvaStatus ORVAS_Magnitude_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len
   const Full<int32_t> d32;
   const Full<double> d;
   const auto factors = hn::Set(d, FloatFactor(scale));
-  ForEach<hn::MaxLanes(d16)>(len, [=](const Orva16sc* from, Orva16s* to) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d16), 2>(len, [=](const Orva16sc* from, Orva16s* to) TZM_LAMBDA {
     const SquareSums sums = LoadSquareSums(from);
     const auto scaled = [&](auto sum) TZM_LAMBDA {
       // 2^31 would be negative as a signed lane.
@@ -242,6 +242,6 @@ OrvaStatus ORVAS_Magnitude_32sc_S(const Orva32sc* src, Orva32s* dst, int32_t len
   const auto tail = [=](const Orva32sc* from, Orva32s* to) TZM_LAMBDA {
     StoreElement(RoundSaturate<Orva32s>(Root(SquareSumOf(from)) * factor), to);
   };
-  BodyAndTail<4, hn::MaxLanes(d)>(len, body, tail, src, dst);
+  BodyAndTail<4, hn::MaxLanes(d), 2>(len, body, tail, src, dst);
   return ORVA_STS_NO_ERR;
 }

@@ -1,5 +1,5 @@
-// Phase, and conversion between Cartesian and polar form: the vector math companion over whole arrays, in
-// the caller's arrays where they have room, else in scratch that is released before the call returns.
+// Phase, and conversion between Cartesian and polar form: the vector math companion over one block after the other,
+// in the caller's arrays where they have room, else in scratch that is released before the call returns.
 #include <signal_tzm/arith.h>
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
@@ -14,24 +14,29 @@ using namespace tzm;
 
 namespace {
 
-template <class T>
-T* NewArray(int32_t len) {
-  if constexpr (std::is_same_v<T, Orva16s>) return ORVAS_Malloc_16s(len);
-  else if constexpr (std::is_same_v<T, Orva32f>) return ORVAS_Malloc_32f(len);
-  else return ORVAS_Malloc_64f(len);
-}
+// Every pass is over a block that stays in the cache.
+constexpr int32_t kBlock = 1024;
 
-// use(first, second) with two scratch arrays.
-template <class T, class Use>
-OrvaStatus WithTwoArrays(int32_t len, Use use) {
-  T* const first = NewArray<T>(len);
-  T* const second = NewArray<T>(len);
-  const bool both = first != nullptr && second != nullptr;
-  const OrvaStatus status = both ? use(first, second) : ORVA_STS_MEM_ALLOC_ERR;
-  ORVA_Free(first);
-  ORVA_Free(second);
-  return status;
-}
+// A scratch array for blocks of a call over `len` elements; none for 0.
+template <class T>
+class Scratch {
+ public:
+  explicit Scratch(int32_t len) : wanted_(len != 0) {
+    const int32_t count = HWY_MIN(len, kBlock);
+    if (!wanted_) return;
+    if constexpr (std::is_same_v<T, Orva16s>) array_ = ORVAS_Malloc_16s(count);
+    else if constexpr (std::is_same_v<T, Orva32f>) array_ = ORVAS_Malloc_32f(count);
+    else array_ = ORVAS_Malloc_64f(count);
+  }
+  Scratch(const Scratch&) = delete;
+  ~Scratch() { ORVA_Free(array_); }
+  bool Ok() const { return array_ != nullptr || !wanted_; }
+  operator T*() const { return array_; }
+
+ private:
+  bool wanted_;
+  T* array_ = nullptr;
+};
 
 // ---- Phase ----
 
@@ -49,146 +54,128 @@ void AddArctan(const Orva64f* correction, Orva64f* ratio, int32_t len) {
 }
 
 // arctan(im/re), plus pi with the sign of im where re < 0, plus a zero with the sign of im elsewhere. A
-// negative zero counts as not below 0.
+// negative zero counts as not below 0. Of one block.
 template <class Part, class Angle>
-OrvaStatus Phase(const Part* re, const Part* im, Angle* dst, int32_t len) {
-  Angle* const correction = NewArray<Angle>(len);
-  if (correction == nullptr) return ORVA_STS_MEM_ALLOC_ERR;
+void Angles(const Part* re, const Part* im, Angle* correction, Angle* angle, int32_t count) {
   const Full<Angle> d;
   const auto pi = hn::Set(d, Angle(kPi)), zero = hn::Zero(d), sign = hn::SignBit(d);
-  const auto load = [&](const Part* from) TZM_LAMBDA {
+  const auto load = [=](const Part* from) TZM_LAMBDA {
     if constexpr (std::is_same_v<Part, Angle>) return hn::LoadU(d, from);
     else return LoadAsFloat(d, from);
   };
-  ForEach<hn::MaxLanes(d)>(len, [&](const Part* fromRe, const Part* fromIm, Angle* ratio, Angle* add) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d)>(count, [=](const Part* fromRe, const Part* fromIm, Angle* ratio, Angle* add) TZM_LAMBDA {
     const auto r = load(fromRe), i = load(fromIm);
     hn::StoreU(hn::Div(i, r), d, ratio);
     hn::StoreU(hn::Or(hn::IfThenElseZero(hn::Lt(r, zero), pi), hn::IfThenElseZero(hn::Lt(i, zero), sign)), d, add);
-  }, re, im, dst, correction);
-  AddArctan(correction, dst, len);
-  ORVA_Free(correction);
+  }, re, im, angle, correction);
+  AddArctan(correction, angle, count);
+}
+
+// The angles of parts, given apart or as one array; where `dst` is of integers, times the factor and rounded.
+template <class Part, class Angle, class Dst, class... Source>
+OrvaStatus Phase(Dst* dst, int32_t len, [[maybe_unused]] float factor, const Source*... src) {
+  constexpr bool kSplit = sizeof...(Source) == 1, kScaled = !std::is_same_v<Dst, Angle>;
+  const Scratch<Part> re(kSplit ? len : 0), im(kSplit ? len : 0);
+  const Scratch<Angle> correction(len), angles(kScaled ? len : 0);
+  if (!re.Ok() || !im.Ok() || !correction.Ok() || !angles.Ok()) return ORVA_STS_MEM_ALLOC_ERR;
+  ForBlocks<kBlock>(len, [&](int32_t count, const Source*... from, Dst* to) {
+    Angle* angle = angles;
+    if constexpr (!kScaled) angle = to;
+    if constexpr (kSplit) {
+      Split(from..., re, im, count);
+      Angles<Part, Angle>(re, im, correction, angle, count);
+    } else {
+      Angles<Part, Angle>(from..., correction, angle, count);
+    }
+    if constexpr (kScaled) {
+      const auto factors = hn::Set(Full<float>(), factor);
+      RoundEach(count, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factors); }, to, static_cast<const Angle*>(angle));
+    }
+  }, src..., dst);
   return ORVA_STS_NO_ERR;
-}
-
-template <class Part>
-OrvaStatus ScaledPhase(const Part* re, const Part* im, Orva16s* dst, int32_t len, double scale) {
-  Orva32f* const angle = NewArray<Orva32f>(len);
-  const OrvaStatus status = angle != nullptr ? Phase(re, im, angle, len) : ORVA_STS_MEM_ALLOC_ERR;
-  if (status == ORVA_STS_NO_ERR) {
-    const auto factor = hn::Set(Full<float>(), FloatFactor(scale));
-    RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, dst, angle);
-  }
-  ORVA_Free(angle);
-  return status;
-}
-
-// use(re, im) with the parts of a complex array.
-template <class Part, class Complex, class Use>
-OrvaStatus WithParts(const Complex* src, int32_t len, Use use) {
-  return WithTwoArrays<Part>(len, [&](Part* re, Part* im) {
-    Split(src, re, im, len);
-    return use(re, im);
-  });
-}
-
-// ---- Polar to Cartesian ----
-
-// Up to kBlock 16-bit samples, on the stack. Each product of binary32 numbers is rounded; infinity times zero, of
-// a huge factor, becomes 0 in the end.
-template <int32_t kBlock>
-TZM_INLINE void PolarBlock(const Orva16s* mag, const Orva16s* phase, Orva16sc* dst, int32_t count, float magFactor,
-                           float phaseFactor) {
-  const hn::CappedTag<float, kBlock> d;
-  const hn::Rebind<int16_t, decltype(d)> d16;
-  constexpr size_t kStep = hn::MaxLanes(d);
-  alignas(64) Orva32f angle[kBlock], sine[kBlock], cosine[kBlock];
-  ForEach<kStep, 1>(count, [&](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
-    hn::StoreU(hn::Mul(LoadAsFloat(d, from), hn::Set(d, phaseFactor)), d, to);
-  }, phase, &angle[0]);
-  vssincos(count, angle, sine, cosine);
-  const auto turn = [&](const Orva16s* m, const Orva32f* s, const Orva32f* c, Orva16sc* to) TZM_LAMBDA {
-    const auto magnitude = LoadAsFloat(d, m), factor = hn::Set(d, magFactor);
-    const auto part = [&](const Orva32f* from) TZM_LAMBDA {
-      return hn::DemoteTo(d16, RoundFor<Orva16s>(hn::Mul(hn::Mul(magnitude, hn::LoadU(d, from)), factor)));
-    };
-    hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
-  };
-  ForEach<kStep, 1>(count, turn, mag, static_cast<const Orva32f*>(sine), static_cast<const Orva32f*>(cosine), dst);
 }
 
 }  // namespace
 
 OrvaStatus ORVAS_Phase_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
-  return Phase(srcRe, srcIm, dst, len);
+  return Phase<Orva32f, Orva32f>(dst, len, 1, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Phase_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
-  return Phase(srcRe, srcIm, dst, len);
+  return Phase<Orva64f, Orva64f>(dst, len, 1, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Phase_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
-  return Phase(srcRe, srcIm, dst, len);
+  return Phase<Orva16s, Orva32f>(dst, len, 1, srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Phase_16s_S(const Orva16s* srcRe, const Orva16s* srcIm, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return ScaledPhase(srcRe, srcIm, dst, len, scale);
+  return Phase<Orva16s, Orva32f>(dst, len, FloatFactor(scale), srcRe, srcIm);
 }
 
 OrvaStatus ORVAS_Phase_32fc(const Orva32fc* src, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  return WithParts<Orva32f>(src, len, [&](Orva32f* re, Orva32f* im) { return Phase(re, im, dst, len); });
+  return Phase<Orva32f, Orva32f>(dst, len, 1, src);
 }
 
 OrvaStatus ORVAS_Phase_64fc(const Orva64fc* src, Orva64f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  return WithParts<Orva64f>(src, len, [&](Orva64f* re, Orva64f* im) { return Phase(re, im, dst, len); });
+  return Phase<Orva64f, Orva64f>(dst, len, 1, src);
 }
 
 OrvaStatus ORVAS_Phase_16sc32f(const Orva16sc* src, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  return WithParts<Orva16s>(src, len, [&](Orva16s* re, Orva16s* im) { return Phase(re, im, dst, len); });
+  return Phase<Orva16s, Orva32f>(dst, len, 1, src);
 }
 
 OrvaStatus ORVAS_Phase_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return WithParts<Orva16s>(src, len, [&](Orva16s* re, Orva16s* im) { return ScaledPhase(re, im, dst, len, scale); });
+  return Phase<Orva16s, Orva32f>(dst, len, FloatFactor(scale), src);
 }
 
 OrvaStatus ORVAS_CartToPolar_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* mag, Orva32f* phase,
                                  int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, mag, phase)) return status;
-  ORVAS_Arctan2_32f(srcIm, srcRe, phase, len);
-  ORVAS_Magnitude_32f(srcRe, srcIm, mag, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva32f* re, const Orva32f* im, Orva32f* magnitude, Orva32f* angle) {
+    ORVAS_Arctan2_32f(im, re, angle, count);
+    ORVAS_Magnitude_32f(re, im, magnitude, count);
+  }, srcRe, srcIm, mag, phase);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_CartToPolar_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* mag, Orva64f* phase,
                                  int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, mag, phase)) return status;
-  ORVAS_Arctan2_64f(srcIm, srcRe, phase, len);
-  ORVAS_Magnitude_64f(srcRe, srcIm, mag, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva64f* re, const Orva64f* im, Orva64f* magnitude, Orva64f* angle) {
+    ORVAS_Arctan2_64f(im, re, angle, count);
+    ORVAS_Magnitude_64f(re, im, magnitude, count);
+  }, srcRe, srcIm, mag, phase);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_CartToPolar_32fc(const Orva32fc* src, Orva32f* mag, Orva32f* phase, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, mag, phase)) return status;
-  ORVAS_CplxToReal_32fc(src, mag, phase, len);
-  ORVAS_Arctan2_32f(phase, mag, phase, len);
-  ORVAS_Magnitude_32fc(src, mag, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva32fc* from, Orva32f* magnitude, Orva32f* angle) {
+    ORVAS_CplxToReal_32fc(from, magnitude, angle, count);
+    ORVAS_Arctan2_32f(angle, magnitude, angle, count);
+    ORVAS_Magnitude_32fc(from, magnitude, count);
+  }, src, mag, phase);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_CartToPolar_64fc(const Orva64fc* src, Orva64f* mag, Orva64f* phase, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, mag, phase)) return status;
-  ORVAS_CplxToReal_64fc(src, mag, phase, len);
-  ORVAS_Arctan2_64f(phase, mag, phase, len);
-  ORVAS_Magnitude_64fc(src, mag, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva64fc* from, Orva64f* magnitude, Orva64f* angle) {
+    ORVAS_CplxToReal_64fc(from, magnitude, angle, count);
+    ORVAS_Arctan2_64f(angle, magnitude, angle, count);
+    ORVAS_Magnitude_64fc(from, magnitude, count);
+  }, src, mag, phase);
   return ORVA_STS_NO_ERR;
 }
 
@@ -197,62 +184,88 @@ OrvaStatus ORVAS_CartToPolar_16sc_S(const Orva16sc* src, Orva16s* mag, Orva16s* 
   if (OrvaStatus status = CheckArrays(len, src, mag, phase)) return status;
   if (OrvaStatus status = CheckScale(magScale)) return status;
   if (OrvaStatus status = CheckScale(phaseScale)) return status;
-  return WithTwoArrays<Orva32f>(len, [&](Orva32f* re, Orva32f* im) {
-    ORVAS_CplxToReal_16sc(src, mag, phase, len);
-    ORVAS_Convert_16s32f(mag, re, len);
-    ORVAS_Convert_16s32f(phase, im, len);
-    ORVAS_Arctan2_32f(im, re, im, len);
-    ORVAS_MulC_Low_32f16s(im, FloatFactor(phaseScale), phase, len);
-    ORVAS_Magnitude_16sc_S(src, mag, len, magScale);
-    return ORVA_STS_NO_ERR;
-  });
+  const Scratch<Orva32f> re(len), im(len);
+  if (!re.Ok() || !im.Ok()) return ORVA_STS_MEM_ALLOC_ERR;
+  ForBlocks<kBlock>(len, [&](int32_t count, const Orva16sc* from, Orva16s* magnitude, Orva16s* angle) {
+    ORVAS_CplxToReal_16sc(from, magnitude, angle, count);
+    ORVAS_Convert_16s32f(magnitude, re, count);
+    ORVAS_Convert_16s32f(angle, im, count);
+    ORVAS_Arctan2_32f(im, re, im, count);
+    ORVAS_MulC_Low_32f16s(im, FloatFactor(phaseScale), angle, count);
+    ORVAS_Magnitude_16sc_S(from, magnitude, count, magScale);
+  }, src, mag, phase);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_PolarToCart_32f(const Orva32f* mag, const Orva32f* phase, Orva32f* dstRe, Orva32f* dstIm,
                                  int32_t len) {
   if (OrvaStatus status = CheckArrays(len, mag, phase, dstRe, dstIm)) return status;
-  vssincos(len, phase, dstIm, dstRe);
-  ORVAS_Mul_32f_I(mag, dstRe, len);
-  ORVAS_Mul_32f_I(mag, dstIm, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva32f* magnitude, const Orva32f* angle, Orva32f* re, Orva32f* im) {
+    vssincos(count, angle, im, re);
+    ORVAS_Mul_32f_I(magnitude, re, count);
+    ORVAS_Mul_32f_I(magnitude, im, count);
+  }, mag, phase, dstRe, dstIm);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_PolarToCart_64f(const Orva64f* mag, const Orva64f* phase, Orva64f* dstRe, Orva64f* dstIm,
                                  int32_t len) {
   if (OrvaStatus status = CheckArrays(len, mag, phase, dstRe, dstIm)) return status;
-  vdsincos(len, phase, dstIm, dstRe);
-  ORVAS_Mul_64f_I(mag, dstRe, len);
-  ORVAS_Mul_64f_I(mag, dstIm, len);
+  ForBlocks<kBlock>(len, [](int32_t count, const Orva64f* magnitude, const Orva64f* angle, Orva64f* re, Orva64f* im) {
+    vdsincos(count, angle, im, re);
+    ORVAS_Mul_64f_I(magnitude, re, count);
+    ORVAS_Mul_64f_I(magnitude, im, count);
+  }, mag, phase, dstRe, dstIm);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_PolarToCart_32fc(const Orva32f* mag, const Orva32f* phase, Orva32fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, mag, phase, dst)) return status;
-  return WithTwoArrays<Orva32f>(len, [&](Orva32f* re, Orva32f* im) {
-    ORVAS_PolarToCart_32f(mag, phase, re, im, len);
-    ORVAS_RealToCplx_32f(re, im, dst, len);
-    return ORVA_STS_NO_ERR;
-  });
+  const Scratch<Orva32f> re(len), im(len);
+  if (!re.Ok() || !im.Ok()) return ORVA_STS_MEM_ALLOC_ERR;
+  ForBlocks<kBlock>(len, [&](int32_t count, const Orva32f* magnitude, const Orva32f* angle, Orva32fc* to) {
+    ORVAS_PolarToCart_32f(magnitude, angle, re, im, count);
+    ORVAS_RealToCplx_32f(re, im, to, count);
+  }, mag, phase, dst);
+  return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_PolarToCart_64fc(const Orva64f* mag, const Orva64f* phase, Orva64fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, mag, phase, dst)) return status;
-  return WithTwoArrays<Orva64f>(len, [&](Orva64f* re, Orva64f* im) {
-    ORVAS_PolarToCart_64f(mag, phase, re, im, len);
-    ORVAS_RealToCplx_64f(re, im, dst, len);
-    return ORVA_STS_NO_ERR;
-  });
+  const Scratch<Orva64f> re(len), im(len);
+  if (!re.Ok() || !im.Ok()) return ORVA_STS_MEM_ALLOC_ERR;
+  ForBlocks<kBlock>(len, [&](int32_t count, const Orva64f* magnitude, const Orva64f* angle, Orva64fc* to) {
+    ORVAS_PolarToCart_64f(magnitude, angle, re, im, count);
+    ORVAS_RealToCplx_64f(re, im, to, count);
+  }, mag, phase, dst);
+  return ORVA_STS_NO_ERR;
 }
 
+// In binary32, every product rounded; infinity times zero, of a huge factor, becomes 0 in the end.
 OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* phase, Orva16sc* dst, int32_t len,
                                     double magScale, double phaseScale) {
   if (OrvaStatus status = CheckArrays(len, mag, phase, dst)) return status;
   if (OrvaStatus status = CheckScale(magScale)) return status;
   if (OrvaStatus status = CheckScale(phaseScale)) return status;
-  const float magFactor = FloatFactor(magScale), phaseFactor = FloatFactor(phaseScale);
-  int32_t i = 0;
-  for (; len - i >= 16; i += 16) PolarBlock<16>(mag + i, phase + i, dst + i, 16, magFactor, phaseFactor);
-  for (; len - i >= 4; i += 4) PolarBlock<4>(mag + i, phase + i, dst + i, 4, magFactor, phaseFactor);
-  if (i < len) PolarBlock<4>(mag + i, phase + i, dst + i, len - i, magFactor, phaseFactor);
+  constexpr int32_t kOnStack = 256;
+  const Full<float> d;
+  const hn::Rebind<int16_t, decltype(d)> d16;
+  const auto magFactor = hn::Set(d, FloatFactor(magScale)), phaseFactor = hn::Set(d, FloatFactor(phaseScale));
+  alignas(64) Orva32f angles[kOnStack], sines[kOnStack], cosines[kOnStack];
+  ForBlocks<kOnStack>(len, [&](int32_t count, const Orva16s* magnitude, const Orva16s* angle, Orva16sc* cartesian) {
+    ForEach<hn::MaxLanes(d)>(count, [=](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
+      hn::StoreU(hn::Mul(LoadAsFloat(d, from), phaseFactor), d, to);
+    }, angle, &angles[0]);
+    vssincos(count, angles, sines, cosines);
+    const auto turn = [=](const Orva16s* m, const Orva32f* c, const Orva32f* s, Orva16sc* to) TZM_LAMBDA {
+      const auto radius = LoadAsFloat(d, m);
+      const auto part = [&](const Orva32f* from) TZM_LAMBDA {
+        return hn::DemoteTo(d16, RoundFor<Orva16s>(hn::Mul(hn::Mul(radius, hn::LoadU(d, from)), magFactor)));
+      };
+      hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
+    };
+    ForEach<hn::MaxLanes(d), 2>(count, turn, magnitude, static_cast<const Orva32f*>(cosines),
+                                static_cast<const Orva32f*>(sines), cartesian);
+  }, mag, phase, dst);
   return ORVA_STS_NO_ERR;
 }

@@ -73,7 +73,7 @@ OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
       hn::StoreU(hn::Mul(hn::LoadU(D(), from), exponent), D(), to);
     }, static_cast<const double*>(block), &block[0]);
     ORVAS_Exp_64f(block, block, count);
-    ForEach<kStep>(count, [&](const T* from, const double* power, T* to) TZM_LAMBDA {
+    ForEach<kStep, 2>(count, [&](const T* from, const double* power, T* to) TZM_LAMBDA {
       const V x = LoadAsDouble(from);
       V value = hn::IfThenElse(hn::Eq(hn::Abs(x), one), one, hn::LoadU(D(), power));
       const auto negative = hn::Lt(x, zero);

@@ -86,9 +86,9 @@ template <size_t kStep, size_t kUnroll, class Kernel, class... T>
 TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
 #if HWY_ARCH_ARM_A64
   // The machine loads and stores registers in pairs, but no load may pass a store to what may be its own array: all
-  // steps are computed before the first is stored. Complex results leave by instructions that the compiler does not
-  // follow through its own arrays.
-  if constexpr (((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...)) {
+  // steps are computed before the first is stored. That needs registers for all of them, so light kernels only, and
+  // complex results leave by instructions that the compiler does not follow through an array on the stack.
+  if constexpr (kUnroll >= 4 && ((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...)) {
     std::tuple<Kept<T, kStep>...> steps[kUnroll];
     Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
       std::apply([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + k * kStep)...); }, steps[k]);
@@ -110,7 +110,8 @@ TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
 // divide `len`. It is computed first, from sources that nothing has overwritten yet, and stored last. So a kernel
 // may see an element twice; a value does not depend on its position, and nothing outside the arrays is touched.
 // An array shorter than a step runs on copies, filled up with its own first element, so that the kernel never sees a
-// value that is not data (no false warnings). kUnroll steps make a turn of the loop.
+// value that is not data (no false warnings). kUnroll steps make a turn of the loop: four of a light kernel; two of one
+// that has work for many instructions, or one.
 template <size_t kStep, size_t kUnroll = 4, class Kernel, class... T>
 TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
   if (len == 0) return;
@@ -145,10 +146,10 @@ TZM_INLINE void BodyAndTail(size_t len, Body&& body, Tail&& tail, T*... arrays) 
 }
 
 // The same with kernels, of kStep elements in the body and of one in the tail.
-template <size_t kBlock, size_t kStep, class Body, class Tail, class... T>
+template <size_t kBlock, size_t kStep, size_t kUnroll = 4, class Body, class Tail, class... T>
 TZM_INLINE void BodyAndTail(size_t len, Body&& body, Tail&& tail, T*... arrays) {
   BodyAndTail<kBlock>(
-      len, [&](size_t count, T*... at) TZM_LAMBDA { ForEach<kStep>(count, body, at...); },
+      len, [&](size_t count, T*... at) TZM_LAMBDA { ForEach<kStep, kUnroll>(count, body, at...); },
       [&](size_t count, T*... at) TZM_LAMBDA { for (size_t i = 0; i < count; ++i) tail((at + i)...); }, arrays...);
 }
 

@@ -5,7 +5,7 @@
 #include <signal_tzm/generate.h>
 
 #include "frame/call.h"
-#include "frame/vector.h"
+#include "frame/drive.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -81,15 +81,14 @@ template <class T>
 OrvaStatus Generate(T* dst, int32_t len, const OrvaRandGaussState* state) {
   if (OrvaStatus status = CheckArrays(len, dst, state)) return status;
   using Work = std::conditional_t<std::is_same_v<T, double>, double, float>;
-  constexpr int32_t kBlock = std::is_same_v<T, double> ? 4 : 8;
+  constexpr size_t kBlock = std::is_same_v<T, double> ? 4 : 8;
   const Parameters<T> parameters = LoadElement(reinterpret_cast<const Parameters<T>*>(state));
   srand48(parameters.seed);
 
   const Work mean = parameters.mean, stdDev = parameters.stdDev;
-  int32_t i = 0;
-  for (; len - i >= kBlock; i += kBlock) {
+  const auto block = [=](int32_t, T* to) {
     Work variates[kBlock], radii[kBlock], factors[kBlock];
-    for (int32_t k = 0; k < kBlock; k += 2) {
+    for (size_t k = 0; k < kBlock; k += 2) {
       const Point<Work> point = DrawPoint<Work>();
       variates[k] = point.u;
       variates[k + 1] = point.v;
@@ -98,17 +97,22 @@ OrvaStatus Generate(T* dst, int32_t len, const OrvaRandGaussState* state) {
     // The method has the natural logarithm. The common one is deliberate: streams stay as they always were,
     // with sqrt(log10(e)) of the deviation.
     Log10(radii, factors, kBlock);
-    for (int32_t k = 0; k < kBlock; ++k) factors[k] = factors[k] * Work(-2) / radii[k];
+    for (size_t k = 0; k < kBlock; ++k) factors[k] = factors[k] * Work(-2) / radii[k];
     Sqrt(factors, kBlock);
-    for (int32_t k = 0; k < kBlock; ++k)
-      StoreElement(BlockSample<T>(Fma(variates[k] * factors[k], stdDev, mean)), dst + i + k);
-  }
-  for (; i < len; ++i) {
-    const Point<Work> point = DrawPoint<Work>();
-    const double u = point.u, s = point.s;
-    const double x = u * sqrt(log(s) * -2.0 / s);
-    StoreElement(TailSample<T>(Fma(x, static_cast<double>(stdDev), static_cast<double>(mean))), dst + i);
-  }
+    for (size_t k = 0; k < kBlock; ++k)
+      StoreElement(BlockSample<T>(Fma(variates[k] * factors[k], stdDev, mean)), to + k);
+  };
+  BodyAndTail<kBlock>(
+      len, [&](size_t count, T* body) { ForBlocks<kBlock>(count, block, body); },
+      [&](size_t count, T* tail) {
+        for (size_t i = 0; i < count; ++i) {
+          const Point<Work> point = DrawPoint<Work>();
+          const double u = point.u, s = point.s;
+          const double x = u * sqrt(log(s) * -2.0 / s);
+          StoreElement(TailSample<T>(Fma(x, static_cast<double>(stdDev), static_cast<double>(mean))), tail + i);
+        }
+      },
+      dst);
   return ORVA_STS_NO_ERR;
 }
 

@@ -3,6 +3,7 @@
 #include <signal_tzm/generate.h>
 
 #include "frame/call.h"
+#include "frame/drive.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 
@@ -35,26 +36,28 @@ OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
   constexpr size_t kChunk = 256, kStep = 16 / sizeof(F);
   const hn::FixedTag<F, kStep> narrow;
   const F s = static_cast<F>(kPi / 2 / len);
-  const size_t n = static_cast<size_t>(len), body = n - n % kStep;
   F angles[kChunk];
-  size_t i = 0;
-  while (i < body) {
-    const size_t count = HWY_MIN(kChunk, body - i);
-    for (size_t k = 0; k < count; k += kStep) {
-      const auto index = Indices(narrow, i + k);
+  const auto chunk = [&](int32_t count, T* to) {
+    const size_t first = static_cast<size_t>(to - dst), end = static_cast<size_t>(count);
+    for (size_t k = 0; k < end; k += kStep) {
+      const auto index = Indices(narrow, first + k);
       hn::StoreU(hn::Mul(hn::Mul(hn::Set(narrow, s), index), index), narrow, angles + k);
     }
-    Sine(static_cast<int32_t>(count), angles, angles);
-    for (size_t k = 0; k < count; k += kStep)
-      StoreLanes(narrow, hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), dst + i + k);
-    i += count;
-  }
-  for (; i < n; ++i) {
-    const F index = static_cast<F>(i);
-    const double value = sin(static_cast<double>(s * index * index)) * magn;
-    if constexpr (std::is_integral_v<T>) StoreElement(RoundSaturate<T>(value), dst + i);
-    else StoreElement(static_cast<T>(value), dst + i);
-  }
+    Sine(count, angles, angles);
+    for (size_t k = 0; k < end; k += kStep)
+      StoreLanes(narrow, hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), to + k);
+  };
+  BodyAndTail<kStep>(
+      len, [&](size_t count, T* body) { ForBlocks<kChunk>(count, chunk, body); },
+      [&](size_t count, T* tail) {
+        for (size_t i = 0; i < count; ++i) {
+          const F index = static_cast<F>(tail + i - dst);
+          const double value = sin(static_cast<double>(s * index * index)) * magn;
+          if constexpr (std::is_integral_v<T>) StoreElement(RoundSaturate<T>(value), tail + i);
+          else StoreElement(static_cast<T>(value), tail + i);
+        }
+      },
+      dst);
   return ORVA_STS_NO_ERR;
 }
 

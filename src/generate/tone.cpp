@@ -4,13 +4,20 @@
 
 #include "frame/call.h"
 #include "frame/core.h"
-#include "frame/vector.h"
+#include "frame/drive.h"
 
 #include <cmath>
 
 using namespace tzm;
 
 namespace {
+
+// Two values as two samples in a row.
+TZM_INLINE void StoreTwo(Vec<TwoDoubles> v, Orva64f* to) { hn::StoreU(v, TwoDoubles(), to); }
+TZM_INLINE void StoreTwo(Vec<TwoDoubles> v, Orva32f* to) {
+  const hn::FixedTag<float, 2> d;
+  hn::StoreU(hn::DemoteTo(d, v), d, to);
+}
 
 // Four values as four parts of samples in a row; the integers are truncated and saturated.
 template <class Part, class V = Vec<TwoDoubles>>
@@ -67,8 +74,6 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
   using Part = PartOf<Sample>;
   constexpr int kParts = tzm::kParts<Sample>;
   constexpr int kStep = std::is_integral_v<Part> ? 4 : 2;
-  Part* const to = reinterpret_cast<Part*>(dst);
-  const size_t n = static_cast<size_t>(len), body = n & ~size_t{kStep - 1};
   const double w = static_cast<double>(rFreq) * kTwoPi, m = magn;
 
   // The first four samples of the cosine and, in complex tones, of the sine: y[i] = 2 cos(w) y[i-1] - y[i-2].
@@ -82,46 +87,45 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
     part[2] = Fma(twiceCos, part[1], -part[0]);
     part[3] = Fma(twiceCos, part[2], -part[1]);
   }
-  const size_t head = n < 4 ? n : 4;
+  const size_t head = HWY_MIN(static_cast<size_t>(len), size_t{4});
   for (size_t i = 0; i < head; ++i)
-    for (int part = 0; part < kParts; ++part) StoreOne(y[part][i] * m, to + i * kParts + part);
+    for (int part = 0; part < kParts; ++part) StoreOne(y[part][i] * m, Reals(dst) + i * kParts + part);
 
   // The bulk is never seeded anew, so that its drift grows with the length.
   const auto factor = hn::Set(TwoDoubles(), Fma(twiceCos, twiceCos, -2.0)), scale = hn::Set(TwoDoubles(), m);
   const auto next = [=](Chain& chain) TZM_LAMBDA { return hn::Mul(chain.Next(factor), scale); };
-  Chain re(y[0]);
-  size_t i = head;
-  if constexpr (kParts == 2) {
-    Chain im(y[1]);
-    for (; i < body; i += 2) {
-      const auto c = next(re), s = next(im);
-      StoreFour(hn::InterleaveLower(TwoDoubles(), c, s), hn::InterleaveUpper(TwoDoubles(), c, s), to + 2 * i);
-    }
-  } else {
-    for (; i + 4 <= body; i += 4) {
-      const auto low = next(re);
-      StoreFour(low, next(re), to + i);
-    }
-    if (i < body) {  // a step of two
-      double pair[2];
-      hn::StoreU(next(re), TwoDoubles(), pair);
-      StoreOne(pair[0], to + i);
-      StoreOne(pair[1], to + i + 1);
-      i += 2;
-    }
-  }
-
-  for (; i < n; ++i) {
-    const double angle = Fma(w, static_cast<double>(i), readPhase());
+  const auto body = [&](size_t count, Sample* samples) {
+    Part* const to = Reals(samples);
+    Chain re(y[0]);
     if constexpr (kParts == 2) {
-      double sine, cosine;
-      sincos(angle, &sine, &cosine);
-      StoreOne(cosine * m, to + 2 * i);
-      StoreOne(sine * m, to + 2 * i + 1);
+      Chain im(y[1]);
+      for (size_t i = 0; i < count; i += 2) {
+        const auto c = next(re), s = next(im);
+        StoreFour(hn::InterleaveLower(TwoDoubles(), c, s), hn::InterleaveUpper(TwoDoubles(), c, s), to + 2 * i);
+      }
     } else {
-      StoreOne(cos(angle) * m, to + i);
+      for (size_t i = 0; i < count; i += kStep) {
+        const auto low = next(re);
+        if constexpr (kStep == 2) StoreTwo(low, to + i);
+        else StoreFour(low, next(re), to + i);
+      }
     }
-  }
+  };
+  const auto tail = [&](size_t count, Sample* samples) {
+    for (size_t i = 0; i < count; ++i) {
+      Part* const to = Reals(samples + i);
+      const double angle = Fma(w, static_cast<double>(samples + i - dst), readPhase());
+      if constexpr (kParts == 2) {
+        double sine, cosine;
+        sincos(angle, &sine, &cosine);
+        StoreOne(cosine * m, to);
+        StoreOne(sine * m, to + 1);
+      } else {
+        StoreOne(cos(angle) * m, to);
+      }
+    }
+  };
+  BodyAndTail<kStep>(len - head, body, tail, dst + head);
   return ORVA_STS_NO_ERR;
 }
 

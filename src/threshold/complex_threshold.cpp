@@ -18,7 +18,7 @@ OrvaStatus Check(const Orva32fc* src, const Orva32fc* dst, int32_t len, Orva32f 
 // rule(d, re, im) replaces the parts of one register's worth of elements, in the machine's order.
 template <class D, class Rule>
 TZM_INLINE void Apply(D d, size_t len, Rule&& rule, const Orva32fc* src, Orva32fc* dst) {
-  ForEach<hn::MaxLanes(d)>(len, [&](const Orva32fc* x, Orva32fc* out) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), 2>(len, [&](const Orva32fc* x, Orva32fc* out) TZM_LAMBDA {
     Vec<D> re, im;
     LoadParts(d, Parts(x), re, im);
     rule(d, re, im);
