@@ -1,80 +1,158 @@
-// Sound files, read and written as binary32 samples in blocks of any size. Full scale of integer formats is 1.
+// Sound files and streams, read and written in blocks of any size. Full scale of integer formats is 1. A block is read
+// ahead, and one is written behind, while the caller works.
 #ifndef TZM_TOOL_AUDIO_H
 #define TZM_TOOL_AUDIO_H
 
 #include <sndfile.h>
+#include <sys/types.h>
 
+#include <array>
 #include <cstdint>
+#include <future>
 #include <memory>
-#include <span>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "new_file.h"
+#include "options.h"
 
 namespace tzm {
 
 /** Samples of several channels: an array each, of equal lengths. */
 using Planes = std::vector<std::vector<float>>;
+using WidePlanes = std::vector<std::vector<double>>;
 
 struct CloseSound {
   void operator()(SNDFILE* file) const { sf_close(file); }
 };
 using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
+/** What the user says of samples that no file tells of. */
+struct SoundOptions {
+  enum class Use { kReads, kWrites, kConverts };
+
+  bool raw = false, bigEndian = false, dither = false;
+  int32_t rate = 0, channels = 1;
+  size_t format = SIZE_MAX;  // none named
+
+  /** Adds --raw, the rate under its name, --channels, --big-endian, --format where sound is read, --format and --dither
+   * where it is written. */
+  void Declare(Options& options, Use use, const char* rateName = "rate");
+  /** Throws UsageError for options that do not belong together. */
+  void Check() const;
+  /** The named format as one of libsndfile's SF_FORMAT_ values; 0 if none is named. */
+  int SampleFormat() const;
+
+ private:
+  Use use_ = Use::kReads;
+  const char* rateName_ = "rate";
+};
+
 class AudioReader {
  public:
-  /** Opens the file for one of its channels, counted from 1. Throws Failure, or UsageError for a channel that the
-   * file does not have. */
-  AudioReader(const std::string& path, int32_t channel);
-  /** Opens the file for all of its channels. */
-  explicit AudioReader(const std::string& path) : AudioReader(path, 1) {}
+  static constexpr size_t kAhead = 1 << 12;
+
+  /** Opens the file, or standard input for "-", for the channels listed, counted from 1; for all if none is. Throws
+   * Failure, or UsageError for a channel that the file does not have. With `twice` it can be read again, from a pipe
+   * too. */
+  AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels, bool twice = false);
+  AudioReader(const AudioReader&) = delete;
 
   int32_t Rate() const { return info_.samplerate; }
-  int32_t Channels() const { return info_.channels; }
-  int64_t Length() const { return info_.frames; }
-  /** Throws Failure for a file of length 0. */
-  void RequireSamples() const;
+  /** How many the file has, and how many of them are read. */
+  int32_t FileChannels() const { return info_.channels; }
+  size_t Channels() const { return channels_.size(); }
+  /** What the file promises, for progress lines; 0 where it does not tell. */
+  int64_t Length() const { return promised_; }
   /** How the file holds a sample, as one of libsndfile's SF_FORMAT_ values. */
   int SampleFormat() const { return info_.format & SF_FORMAT_SUBMASK; }
 
-  /** Reads the next samples of the channel; fewer than asked for only at the end of the file. Throws Failure, also
-   * for a sample (of any channel) that is not finite, or so large that sums of squares could overflow. */
-  size_t Read(std::span<float> dst);
-  /** The same of every channel, as many as dst[0] has room for. `dst` has Channels() arrays. */
-  size_t Read(Planes& dst);
+  /** Reads the next samples of the channels into dst[i][at] and on, up to the arrays' ends; fewer only at the end of
+   * the file. Throws Failure for a file without samples, and for a sample (of any channel) that is not finite, or so
+   * large that sums of squares could overflow. Warns, at its end, of a file that holds less than it promised. */
+  size_t Read(Planes& dst, size_t at = 0);
+  /** How many samples come next, or kAhead or more where that is less. */
+  size_t Ahead();
+  /** Back to the first sample. */
+  void Rewind();
 
  private:
-  void CheckFrames(size_t count);
-  template <class Take>
-  size_t ReadFrames(size_t count, const Take& take);
+  struct Block {
+    Planes samples;
+    size_t count = 0, used = 0;
+    std::string error;  // what ended the reading early
+  };
 
-  std::string path_;
-  int32_t channel_;
+  void Spool();
+  int64_t Promised();
+  Block ReadBlock();
+  bool NextBlock();
+  void ReadAhead();
+  void CheckEnd();
+
+  std::string path_, shown_;
+  std::vector<int32_t> channels_;
   SF_INFO info_{};
   SoundFile file_;
-  int64_t frame_ = 0;  // the next one
-  std::vector<float> frames_;  // one block of all channels
+  int64_t promised_ = 0, frame_ = 0, taken_ = 0;  // frame_ is the next one of the file, taken_ the caller's
+  size_t blockFrames_;
+  std::vector<float> frames_;  // a block of all channels, as the file has them
+  Block block_;
+  bool ended_ = false;
+  std::future<Block> next_;  // the last member, so that the first to go: its task uses the others
 };
 
-/** Writes a WAV file, which stands under its name only when it is complete. */
+/** Two channels side by side, of one file or of two with the same rate. */
+class AudioPair {
+ public:
+  /** As with AudioReader; headerless is what the first path names. Throws Failure for different rates. */
+  AudioPair(const std::string& path, int32_t channel, const std::string& otherPath, int32_t otherChannel,
+            const SoundOptions& options);
+
+  /** Of the first channel's file. */
+  const AudioReader& First() const { return first_; }
+  /** Reads into dst[0] and dst[1] from `at` on, zeros where a channel has ended; gives the counts before them. */
+  std::array<size_t, 2> Read(Planes& dst, size_t at = 0);
+
+ private:
+  AudioReader first_;
+  std::optional<AudioReader> second_;
+};
+
+/** Writes a sound file in the format that its name's ending says, or a WAV stream for "-". A file stands under its name
+ * only when it is complete. */
 class AudioWriter {
  public:
-  /** `format` is one of libsndfile's SF_FORMAT_ values for a sample; one that WAV cannot hold becomes binary32. */
-  AudioWriter(const std::string& path, int32_t rate, int32_t channels, int format);
-  /** Writes the samples [first, first + count) of every channel. Integer formats saturate. */
-  void Write(const Planes& src, size_t first, size_t count);
-  /** Completes the file and prints what was written. */
+  /** Samples are held as the options say, else as in `sourceFormat`, one of libsndfile's SF_FORMAT_ values, or as near
+   * to it as the file's format can. Throws Failure, or UsageError for a name or a format that cannot be. */
+  AudioWriter(const std::string& path, int32_t rate, int32_t channels, int sourceFormat, const SoundOptions& options);
+  AudioWriter(const AudioWriter&) = delete;
+
+  /** Writes the samples [first, first + count) of every channel. Integer formats round to nearest, ties to even, and
+   * saturate. Throws Failure, also on account of an earlier call. */
+  template <class T>
+  void Write(const std::vector<std::vector<T>>& src, size_t first, size_t count);
+  /** Completes the file and tells what was written. */
   void Finish();
 
  private:
+  template <class T>
+  void WriteBlock(const std::vector<std::vector<T>>& src);
+  template <class T>
+  void Quantise(const std::vector<std::vector<T>>& src, std::vector<int32_t>& frames);
+  [[noreturn]] void Fail(const std::string& reason) const;
+
   std::string path_;
-  NewFile place_;
+  std::optional<NewFile> place_;
   SF_INFO info_{};
   SoundFile file_;
-  std::vector<float> frames_;
+  int bits_ = 0;  // of an integer; 0: floating
+  bool dither_;
   int64_t written_ = 0, saturated_ = 0;
-  bool integer_;
+  sf_count_t streamed_ = 0;  // bytes on standard output after the header
+  off_t header_ = -1;        // where that header is, if it can be written again
+  std::future<void> pending_;  // the last member, as in the reader
 };
 
 }  // namespace tzm

@@ -30,6 +30,10 @@ struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/** Says on standard error what makes the result less than it should be; the exit status, otherwise of success, becomes
+ * 3. The text is one line without a full stop. */
+void Warn(const std::string& text);
+
 /** Throws a Failure unless the library's operation succeeded. */
 void Require(OrvaStatus status, const char* operation);
 

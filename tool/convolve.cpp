@@ -14,25 +14,29 @@
 namespace tzm {
 namespace {
 
-constexpr int64_t kLongestResponse = 1 << 24;
+constexpr size_t kLongestResponse = 1 << 24;
 
 using Convolution = Handle<ConvState, ORVAS_ConvRelease_32f>;
 
-Planes ReadResponse(const std::string& path, int32_t rate, int32_t channels, double gain) {
-  AudioReader reader(path);
+Planes ReadResponse(const std::string& path, int32_t rate, size_t channels, double gain) {
+  AudioReader reader(path, {}, {});
   if (reader.Rate() != rate) {
     throw Failure(Format("'%s' has %d Hz, the recording %d: make them equal with tzm resample", path.c_str(),
                          reader.Rate(), rate));
   }
   if (reader.Channels() != 1 && reader.Channels() != channels) {
-    throw Failure(Format("'%s' has %d channels, the recording %d", path.c_str(), reader.Channels(), channels));
+    throw Failure(Format("'%s' has %zu channels, the recording %zu", path.c_str(), reader.Channels(), channels));
   }
-  if (reader.Length() < 1 || reader.Length() > kLongestResponse) {
-    throw Failure(Format("'%s' holds %lld samples: an impulse response has 1 to %lld", path.c_str(),
-                         static_cast<long long>(reader.Length()), static_cast<long long>(kLongestResponse)));
+  Planes response(reader.Channels());
+  for (size_t len = 0, got = kStreamBlock; got == kStreamBlock; len += got) {
+    if (len > kLongestResponse) {
+      throw Failure(Format("'%s' is longer than the %zu samples that an impulse response may have", path.c_str(),
+                           kLongestResponse));
+    }
+    for (auto& channel : response) channel.resize(len + kStreamBlock);
+    got = reader.Read(response, len);
+    for (auto& channel : response) channel.resize(len + got);
   }
-  Planes response(size_t(reader.Channels()), std::vector<float>(size_t(reader.Length())));
-  reader.Read(response);
   for (auto& channel : response) {
     for (float& value : channel) value = float(value * gain);
   }
@@ -41,42 +45,44 @@ Planes ReadResponse(const std::string& path, int32_t rate, int32_t channels, dou
 
 void Run(int argc, char** argv) {
   double gain = 0;
+  SoundOptions sound;
   Options options("convolve", "FILE RESPONSE OUTPUT",
                   "Convolves all channels of a sound file with an impulse response (the echo of a room, a\n"
                   "loudspeaker): a sound file of the same rate with one channel, which serves all, or as many as\n"
-                  "FILE. OUTPUT is a WAV file with FILE's sample format, longer by the response.",
+                  "FILE. OUTPUT is longer than FILE by the response.",
                   "tzm convolve --gain -12 speech.wav church.wav sermon.wav");
   options.Number("gain", 'g', "dB that the output is raised by", gain, -200, 200);
+  sound.Declare(options, SoundOptions::Use::kConverts);
   const auto operands = options.Parse(argc, argv, 3);
   if (!operands) return;
+  sound.Check();
 
-  AudioReader reader(operands->at(0));
-  const auto channels = size_t(reader.Channels());
-  const Planes response =
-      ReadResponse(operands->at(1), reader.Rate(), reader.Channels(), std::pow(10, gain / 20));
+  AudioReader reader(operands->at(0), sound, {});
+  const size_t channels = reader.Channels();
+  const Planes response = ReadResponse(operands->at(1), reader.Rate(), channels, std::pow(10, gain / 20));
   const size_t taps = response[0].size(), full = kStreamBlock + taps - 1;
-  const auto convolution = MakeHandle<Convolution>("the convolution", [&](auto** state) {
-    return ORVAS_ConvInit_32f(int32_t(kStreamBlock), int32_t(taps), ORVA_ROUTE_BY_LENGTH, state);
-  });
-  AudioWriter writer(operands->at(2), reader.Rate(), reader.Channels(), reader.SampleFormat());
+  std::vector<Convolution> convolutions;  // each works for one channel at a time
+  for (size_t c = 0; c < channels; ++c) {
+    convolutions.push_back(MakeHandle<Convolution>("the convolution", [&](auto** state) {
+      return ORVAS_ConvInit_32f(int32_t(kStreamBlock), int32_t(taps), ORVA_ROUTE_BY_LENGTH, state);
+    }));
+  }
+  AudioWriter writer(operands->at(2), reader.Rate(), reader.FileChannels(), reader.SampleFormat(), sound);
   // Each block's response is longer than the block: what lies beyond is added to the blocks that follow.
-  Planes sums(channels, std::vector<float>(full));
-  std::vector<float> made(full);
+  Planes sums(channels, std::vector<float>(full)), made = sums;
   Stream(channels, channels, reader.Length(), {0, taps - 1}, writer,
          [&](Planes& source) { return reader.Read(source); },
-         [&](Planes& source, Planes& result, int32_t len) {
-           for (size_t c = 0; c < channels; ++c) {
-             std::fill(source[c].begin() + len, source[c].end(), 0.0f);
-             const std::vector<float>& taken = response[response.size() == 1 ? 0 : c];
-             Require(ORVAS_Convolve_32f(source[c].data(), int32_t(kStreamBlock), taken.data(), int32_t(taps),
-                                        made.data(), convolution.get()),
-                     "the convolution");
-             std::vector<float>& sum = sums[c];
-             for (size_t i = 0; i < full; ++i) sum[i] += made[i];
-             std::copy_n(sum.begin(), len, result[c].begin());
-             std::copy(sum.begin() + len, sum.end(), sum.begin());
-             std::fill(sum.end() - len, sum.end(), 0.0f);
-           }
+         [&](size_t c, Planes& source, std::vector<float>& result, int32_t len) {
+           std::fill(source[c].begin() + len, source[c].end(), 0.0f);
+           const std::vector<float>& taken = response[response.size() == 1 ? 0 : c];
+           Require(ORVAS_Convolve_32f(source[c].data(), int32_t(kStreamBlock), taken.data(), int32_t(taps),
+                                      made[c].data(), convolutions[c].get()),
+                   "the convolution");
+           std::vector<float>& sum = sums[c];
+           for (size_t i = 0; i < full; ++i) sum[i] += made[c][i];
+           std::copy_n(sum.begin(), len, result.begin());
+           std::copy(sum.begin() + len, sum.end(), sum.begin());
+           std::fill(sum.end() - len, sum.end(), 0.0f);
          });
   writer.Finish();
 }

@@ -1,8 +1,10 @@
 // tzm delay: how much later one recording has a sound than another.
+#include <signal_tzm/companion.h>
 #include <signal_tzm/correlate.h>
 #include <signal_tzm/reduce.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -25,47 +27,45 @@ struct Settings {
   std::string file, reference;
   int32_t channel = 1, referenceChannel = 0;
   double range = 1000;
+  SoundOptions sound;
   PlotOptions results;
 };
 
-using Correlation = Handle<CorrState, ORVAS_CorrRelease_32f>;
+using Correlation = Handle<CorrState, ORVAS_CorrRelease_64f>;
 
-double Energy(std::span<const float> samples) {
-  float norm = 0;
-  if (!samples.empty()) Require(ORVAS_Norm_L2_32f(samples.data(), int32_t(samples.size()), &norm), "the norm");
-  return double(norm) * norm;
-}
-
-// The correlation coefficients of all lags from -lags to lags. A block of the reference is held against as much of
-// the recording as the lags reach; the blocks' sums are added.
-std::vector<double> Correlate(AudioReader& recording, AudioReader& reference, size_t lags) {
+// The correlation coefficients of all lags from -lags to lags. A block of the reference, which is held back by the
+// lags, is put against as much of the recording as they reach; the blocks' sums are added.
+std::vector<double> Correlate(AudioPair& pair, size_t lags) {
   const size_t block = std::max(kLeastBlock, 2 * lags), window = block + 2 * lags, count = 2 * lags + 1;
   const auto correlation = MakeHandle<Correlation>("the correlation", [&](auto** state) {
-    return ORVAS_CrossCorrInit_32f(int32_t(block), int32_t(window), int32_t(count), 0, ORVA_ROUTE_BY_LENGTH, state);
+    return ORVAS_CrossCorrInit_64f(int32_t(block), int32_t(window), int32_t(count), 0, ORVA_ROUTE_BY_LENGTH, state);
   });
-  std::vector<float> held(window), fixed(block), piece(count);  // held[lags] is heard with fixed[0]
-  std::vector<double> sum(count);
-  double energy = 0, referenceEnergy = 0;
-  Progress progress("reading", reference.Length());
-  std::span<float> tail = std::span(held).subspan(lags);
-  for (int64_t done = 0;;) {
-    const size_t got = recording.Read(tail), taken = reference.Read(fixed);
-    energy += Energy(tail.first(got));
-    referenceEnergy += Energy(std::span(fixed).first(taken));
-    std::fill(tail.begin() + std::ptrdiff_t(got), tail.end(), 0.0f);
-    std::fill(fixed.begin() + std::ptrdiff_t(taken), fixed.end(), 0.0f);
-    if (got + taken == 0) break;
-    Require(ORVAS_CrossCorrNorm_32f(fixed.data(), int32_t(block), held.data(), int32_t(window), piece.data(),
+  Planes fresh(2, std::vector<float>(block));
+  std::vector<double> recording(window), reference(lags + block), piece(count), sum(count);
+  std::array<double, 2> energy{};
+  Progress progress("reading", pair.First().Length());
+  int64_t done = 0;
+  for (bool more = true; more;) {
+    const auto counts = pair.Read(fresh);
+    more = counts[0] + counts[1] > 0;  // the last time, for what was held back, there are zeros
+    for (size_t c : {0, 1}) {
+      std::vector<double>& held = c == 0 ? recording : reference;
+      std::copy(held.begin() + std::ptrdiff_t(block), held.end(), held.begin());
+      double* const added = &held[held.size() - block];
+      Require(ORVAS_Convert_32f64f(fresh[c].data(), added, int32_t(block)), "the conversion");
+      double norm;
+      Require(ORVAS_Norm_L2_64f(added, int32_t(block), &norm), "the norm");
+      energy[c] += norm * norm;
+    }
+    Require(ORVAS_CrossCorrNorm_64f(reference.data(), int32_t(block), recording.data(), int32_t(window), piece.data(),
                                     int32_t(count), 0, 0, correlation.get()),
             "the correlation");
-    for (size_t i = 0; i < count; ++i) sum[i] += double(piece[i]);
-    std::copy(held.begin() + std::ptrdiff_t(block), held.end(), held.begin());
-    tail = std::span(held).last(block);
-    progress.Show(done += int64_t(taken));
+    for (size_t i = 0; i < count; ++i) sum[i] += piece[i];
+    progress.Show(done += int64_t(counts[1]));
   }
-  const double scale = std::sqrt(energy * referenceEnergy);
+  const double scale = std::sqrt(energy[0]) * std::sqrt(energy[1]);
   if (scale == 0) throw Failure("a file is silent: there is nothing to compare");
-  for (double& value : sum) value /= scale;
+  for (double& value : sum) value = std::clamp(value / scale, -1.0, 1.0);
   return sum;
 }
 
@@ -87,26 +87,25 @@ void Run(int argc, char** argv) {
   options.Text("reference", 'r', "FILE", "file to compare with (default: FILE itself)", s.reference);
   options.Number("reference-channel", 0, "channel to compare with (default 2, of another file 1)", s.referenceChannel,
                  1, 1024);
-  options.Number("channel", 'c', "channel of FILE, counted from 1", s.channel, 1, 1024);
+  options.Channel(s.channel);
   options.Number("range", 0, "largest delay looked for, to both sides, in ms", s.range, 1e-3, 1e6);
   s.results.byDefault = false;
   s.results.Declare(options, "print all lags and their coefficients as CSV", "print delay and coefficient as JSON");
+  s.sound.Declare(options, SoundOptions::Use::kReads);
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
+  s.sound.Check();
   s.file = operands->front();
   s.results.Settle(s.file, "delay");
+  if (!s.reference.empty() && !s.results.output.empty()) RefuseOverwriting(s.results.output, s.reference);
   if (s.referenceChannel == 0) s.referenceChannel = s.reference.empty() ? 2 : 1;
   if (s.reference.empty()) s.reference = s.file;
 
-  AudioReader recording(s.file, s.channel), reference(s.reference, s.referenceChannel);
-  const int32_t rate = recording.Rate();
-  if (rate != reference.Rate()) {
-    throw Failure(Format("'%s' has %d Hz, the reference %d: make them equal with tzm resample", s.file.c_str(), rate,
-                         reference.Rate()));
-  }
+  AudioPair pair(s.file, s.channel, s.reference, s.referenceChannel, s.sound);
+  const int32_t rate = pair.First().Rate();
   const auto lags = size_t(std::max(1.0, std::ceil(s.range * 1e-3 * rate)));
   if (lags > kMostLags) throw UsageError(Format("--range %g is more than %zu samples", s.range, kMostLags));
-  const std::vector<double> c = Correlate(recording, reference, lags);
+  const std::vector<double> c = Correlate(pair, lags);
   const auto top = size_t(std::max_element(c.begin(), c.end(), [](double a, double b) {
                             return std::abs(a) < std::abs(b);
                           }) - c.begin());
@@ -128,16 +127,16 @@ void Run(int argc, char** argv) {
   } else {
     std::printf("delay: %s\n", found.c_str());
   }
-  if (s.results.output.empty()) return;
+  if (!s.results.Draws(false)) return;
   Plot plot;
   plot.title = CleanText(BaseName(s.file) + " against " + BaseName(s.reference)) + ": correlation";
   plot.subtitle = "delay: " + found;
   plot.xs = table[0].values;
-  plot.ys = c;
+  plot.curves = {{c}};
   plot.x = {"Lag (s)", plot.xs.front(), plot.xs.back()};
   plot.y = {"Coefficient", -1, 1.2};
   plot.markers.push_back({samples / rate, c[top], Format("%.6g s", samples / rate)});
-  WritePlot(plot, s.results.output);
+  WritePlots({plot}, s.results.output);
   s.results.PrintPlotName();
 }
 

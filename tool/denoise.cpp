@@ -22,6 +22,7 @@ struct Settings {
   std::string file, output, reference;
   int32_t channel = 1, referenceChannel = 0, taps = 128;
   double rate = 0.005;
+  SoundOptions sound;
 };
 
 using Filter = Handle<FIRLMSState, ORVAS_FIRLMSRelease_32f>;
@@ -79,16 +80,18 @@ void Run(int argc, char** argv) {
                   "second one unless told otherwise), or another file, that holds the noise alone, as a second\n"
                   "microphone heard it. An adaptive filter (LMS) learns how the noise comes into the recording,\n"
                   "from up to half its length before the reference to as much after it. A higher rate learns\n"
-                  "faster and takes more of the wanted sound for noise. OUTPUT is a WAV file of one channel.",
+                  "faster and takes more of the wanted sound for noise. OUTPUT has one channel.",
                   "tzm denoise --taps 512 --reference fan.wav speech.wav clean.wav");
   options.Text("reference", 'r', "FILE", "file that holds the noise (default: FILE itself)", s.reference);
   options.Number("reference-channel", 0, "channel of the noise (default 2, of another file 1)", s.referenceChannel, 1,
                  1024);
-  options.Number("channel", 'c', "channel of the recording, counted from 1", s.channel, 1, 1024);
+  options.Channel(s.channel);
   options.Number("taps", 't', "length of the adaptive filter", s.taps, 2, kMostTaps);
   options.Number("rate", 0, "rate of learning, as a part of the power in the filter", s.rate, 1e-9, 0.3);
+  s.sound.Declare(options, SoundOptions::Use::kConverts, "raw-rate");
   const auto operands = options.Parse(argc, argv, 2);
   if (!operands) return;
+  s.sound.Check();
   s.file = operands->at(0);
   s.output = operands->at(1);
   if (s.referenceChannel == 0) s.referenceChannel = s.reference.empty() ? 2 : 1;
@@ -97,22 +100,15 @@ void Run(int argc, char** argv) {
     throw UsageError(Format("channel %d cannot be its own reference", s.channel));
   }
 
-  AudioReader recording(s.file, s.channel), reference(s.reference, s.referenceChannel);
-  if (recording.Rate() != reference.Rate()) {
-    throw Failure(Format("'%s' has %d Hz, the reference %d: make them equal with tzm resample", s.file.c_str(),
-                         recording.Rate(), reference.Rate()));
-  }
+  AudioPair pair(s.file, s.channel, s.reference, s.referenceChannel, s.sound);
+  const AudioReader& recording = pair.First();
   Canceller canceller(s);
   const auto delay = size_t(s.taps / 2);
-  AudioWriter writer(s.output, recording.Rate(), 1, recording.SampleFormat());
+  AudioWriter writer(s.output, recording.Rate(), 1, recording.SampleFormat(), s.sound);
   Stream(2, 1, recording.Length(), {delay, delay}, writer,
-         [&](Planes& source) {
-           const size_t got = recording.Read(source[0]), noise = reference.Read(source[1]);
-           std::fill(source[1].begin() + std::ptrdiff_t(noise), source[1].end(), 0.0f);
-           return got;
-         },
-         [&](const Planes& source, Planes& result, int32_t len) {
-           canceller.Run(source[0], source[1], result[0].data(), len);
+         [&](Planes& source) { return pair.Read(source)[0]; },
+         [&](size_t, const Planes& source, std::vector<float>& result, int32_t len) {
+           canceller.Run(source[0], source[1], result.data(), len);
          });
   writer.Finish();
 }

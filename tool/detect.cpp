@@ -28,6 +28,7 @@ struct Settings {
   std::string file;
   int32_t channel = 1;
   double frequency = 0, frame = 25, step = 5, share = 0.5, threshold = -45;
+  SoundOptions sound;
   PlotOptions results;
 };
 
@@ -93,16 +94,19 @@ void ForEachFrame(AudioReader& reader, const Settings& s, const Take& take) {
   const int32_t rate = reader.Rate();
   const auto step = size_t(std::max(1.0, std::round(s.step * 1e-3 * rate)));
   const size_t half = std::max<size_t>(4, size_t(s.frame * 1e-3 * rate / 2));
-  std::vector<float> frame(2 * half), fresh(step);
-  reader.Read(std::span(frame).subspan(half));
+  Planes frame(1, std::vector<float>(2 * half)), fresh(1, std::vector<float>(step));
+  auto length = int64_t(reader.Read(frame, half));
   Progress progress("reading", reader.Length());
-  for (int64_t at = 0; at <= reader.Length(); at += int64_t(step)) {
-    take(double(at) / rate, frame);
+  for (int64_t at = 0; at <= length; at += int64_t(step)) {
+    take(double(at) / rate, frame[0]);
     progress.Show(at);
-    std::fill(fresh.begin() + std::ptrdiff_t(reader.Read(fresh)), fresh.end(), 0.0f);
-    const size_t kept = frame.size() - std::min(step, frame.size());
-    std::copy(frame.end() - std::ptrdiff_t(kept), frame.end(), frame.begin());
-    std::copy(fresh.end() - std::ptrdiff_t(frame.size() - kept), fresh.end(), frame.begin() + std::ptrdiff_t(kept));
+    const size_t got = reader.Read(fresh);
+    length += int64_t(got);
+    std::fill(fresh[0].begin() + std::ptrdiff_t(got), fresh[0].end(), 0.0f);
+    std::vector<float>& f = frame[0];
+    const size_t kept = f.size() - std::min(step, f.size());
+    std::copy(f.end() - std::ptrdiff_t(kept), f.end(), f.begin());
+    std::copy(fresh[0].end() - std::ptrdiff_t(f.size() - kept), fresh[0].end(), f.begin() + std::ptrdiff_t(kept));
   }
 }
 
@@ -132,18 +136,18 @@ void Run(int argc, char** argv) {
   options.Number("step", 0, "distance between frames in ms", s.step, 0.1, 10000);
   options.Number("share", 0, "least part of a frame's power in a tone", s.share, 0, 1);
   options.Number("threshold", 0, "least level of a tone in dB", s.threshold, -200, 100);
-  options.Number("channel", 'c', "channel, counted from 1", s.channel, 1, 1024);
+  options.Channel(s.channel);
   s.results.byDefault = false;
   s.results.Declare(options, "print as CSV: the tones; with --frequency its level over time",
                     "print as JSON: the tones; with --frequency its level over time too");
+  s.sound.Declare(options, SoundOptions::Use::kReads);
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
+  s.sound.Check();
   s.file = operands->front();
   s.results.Settle(s.file, "detect");
-  if (s.frequency == 0 && !s.results.output.empty()) throw UsageError("keys have no plot: --output needs --frequency");
 
-  AudioReader reader(s.file, s.channel);
-  reader.RequireSamples();
+  AudioReader reader(s.file, s.sound, {s.channel});
   const double highest = s.frequency > 0 ? s.frequency : kKeypadColumns.back();
   if (!(highest < reader.Rate() / 2.0)) {
     throw UsageError(Format("%g Hz is not below half of the rate of %d Hz", highest, reader.Rate()));
@@ -153,7 +157,7 @@ void Run(int argc, char** argv) {
   std::string sounding;
   ForEachFrame(reader, s, [&](double time, const std::vector<float>& frame) {
     const Finding found = Judge(frame, reader.Rate(), s);
-    if (s.frequency > 0) {
+    if (s.frequency > 0 || !s.results.output.empty()) {
       levels[0].values.push_back(time);
       levels[1].values.push_back(found.level);
     }
@@ -179,17 +183,25 @@ void Run(int argc, char** argv) {
   } else {
     PrintText(EventTable(events));
   }
-  if (s.results.output.empty()) return;
+  const auto finite = [](double level) { return std::isfinite(level); };
+  if (!s.results.Draws(std::none_of(levels[1].values.begin(), levels[1].values.end(), finite))) return;
   Plot plot;
-  plot.title = CleanText(BaseName(s.file)) + Format(": level of %.6g Hz", s.frequency);
+  plot.title = CleanText(BaseName(s.file)) + ": " +
+               (s.frequency > 0 ? Format("level of %.6g Hz", s.frequency) : "level of the strongest keypad tones");
   plot.subtitle = Format("%d Hz, channel %d of %d; frames of %g ms, least level %g dB", reader.Rate(), s.channel,
-                         reader.Channels(), s.frame, s.threshold);
+                         reader.FileChannels(), s.frame, s.threshold);
   plot.xs = levels[0].values;
-  plot.ys = levels[1].values;
+  plot.curves = {{levels[1].values}};
   plot.x = {"Time (s)", 0, std::max(plot.xs.back(), s.step * 1e-3)};
-  plot.y = {"Level (dB re full scale)", std::min(-100.0, s.threshold - 20), 0};
-  for (const Event& e : events) plot.markers.push_back({e.begin, e.level, Format("%.3f s", e.begin)});
-  WritePlot(plot, s.results.output);
+  plot.y = {"Level (dB re full scale)", std::min(-100.0, s.threshold - 20), 10};
+  for (const Event& e : events) {
+    if (s.frequency > 0) {
+      plot.markers.push_back({e.begin, e.level, Format("%.3f s", e.begin)});
+    } else {
+      plot.markers.push_back({(e.begin + e.end) / 2, e.level, e.name});
+    }
+  }
+  WritePlots({plot}, s.results.output);
   s.results.PrintPlotName();
 }
 

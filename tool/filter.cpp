@@ -1,19 +1,20 @@
 // tzm filter: lowpass, highpass, bandpass and bandstop filters of linear phase.
-#include <signal_tzm/companion.h>
-#include <signal_tzm/elementary.h>
 #include <signal_tzm/fir.h>
-#include <signal_tzm/transform.h>
+#include <signal_tzm/generate.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
+#include <numbers>
 
 #include "audio.h"
 #include "command.h"
 #include "handle.h"
 #include "options.h"
 #include "plot.h"
+#include "results.h"
+#include "segments.h"
 #include "stream.h"
 #include "text.h"
 
@@ -22,38 +23,60 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kKindNames{"lowpass", "highpass", "bandpass", "bandstop"};
 enum Kind : size_t { kLowpass, kHighpass, kBandpass, kBandstop };
-// In the order of the design's numbers.
-constexpr std::array<std::string_view, 4> kWindowNames{"bartlett", "blackman", "hamming", "hann"};
+// A window multiplies an array; null is one that is none, or that takes a parameter.
+using WindowOperation = OrvaStatus (*)(Orva64f*, int32_t);
+constexpr std::array<std::string_view, 7> kWindowNames{"hamming",  "hann",        "blackman", "blackman-opt",
+                                                       "bartlett", "rectangular", "kaiser"};
+constexpr std::array<WindowOperation, 7> kWindows{ORVAS_WinHamming_64f_I,
+                                                  ORVAS_WinHann_64f_I,
+                                                  ORVAS_WinBlackmanStd_64f_I,
+                                                  ORVAS_WinBlackmanOpt_64f_I,
+                                                  ORVAS_WinBartlett_64f_I,
+                                                  nullptr,
+                                                  nullptr};
+constexpr size_t kHamming = 0, kKaiser = 6;
+constexpr double kUsualAttenuation = 80;  // dB
 constexpr int32_t kMostTaps = 1 << 20;
 
 struct Settings {
   std::string file, output, response;
-  size_t kind = kLowpass, window = ORVA_WINDOW_HAMMING;
-  double cutoff = 0, upper = 0;
+  size_t kind = kLowpass, window = kHamming;
+  double cutoff = 0, upper = 0, attenuation = 0;
   int32_t taps = 255;
+  SoundOptions sound;
 };
 
-using Design = Handle<FIRGenState, ORVAS_FIRGenRelease>;
 using Filter = Handle<FIRSRState, ORVAS_FIRSRRelease_32f>;
-using Spec = Handle<OrvaTransformSpec, ORVAS_DFTRToCRelease_32f>;
 
+// The parameter of a Kaiser window whose design has the attenuation, by Kaiser's formula.
+double KaiserBeta(double attenuation) {
+  if (attenuation > 50) return 0.1102 * (attenuation - 8.7);
+  return attenuation > 21 ? 0.5842 * std::pow(attenuation - 21, 0.4) + 0.07886 * (attenuation - 21) : 0;
+}
+
+// The ideal response in the window, scaled to a gain of 1 in the middle of its pass band (of the lower one).
 std::vector<float> MakeTaps(const Settings& s, int32_t rate) {
-  std::vector<double> taps(size_t(s.taps));
-  const auto buffer =
-      MakeHandle<Design>("the filter's design", [&](auto** state) { return ORVAS_FIRGenInit_64f(s.taps, state); });
-  const double low = s.cutoff / rate, high = s.upper / rate;
-  const auto window = int32_t(s.window);
-  const auto design = [&] {
-    switch (s.kind) {
-      case kLowpass: return ORVAS_FIRGenLowpass_64f(low, taps.data(), s.taps, window, 1, buffer.get());
-      case kHighpass: return ORVAS_FIRGenHighpass_64f(low, taps.data(), s.taps, window, 1, buffer.get());
-      case kBandpass: return ORVAS_FIRGenBandpass_64f(low, high, taps.data(), s.taps, window, 1, buffer.get());
-      default: return ORVAS_FIRGenBandstop_64f(low, high, taps.data(), s.taps, window, 1, buffer.get());
-    }
+  const double low = s.cutoff / rate, high = s.upper / rate, half = s.taps / 2;
+  const bool band = s.kind == kBandpass || s.kind == kBandstop, inverted = s.kind == kHighpass || s.kind == kBandstop;
+  const auto lowpass = [](double edge, double at) {
+    return at == 0 ? 2 * edge : std::sin(2 * std::numbers::pi * edge * at) / (std::numbers::pi * at);
   };
-  Require(design(), "the filter's design");
-  std::vector<float> rounded(taps.size());
-  Require(ORVAS_Convert_64f32f(taps.data(), rounded.data(), s.taps), "the conversion");
+  std::vector<double> taps;
+  for (double at = -half; at <= half; ++at) {
+    const double pass = band ? lowpass(high, at) - lowpass(low, at) : lowpass(low, at);
+    taps.push_back(inverted ? (at == 0) - pass : pass);
+  }
+  if (kWindows[s.window]) Require(kWindows[s.window](taps.data(), s.taps), "the window");
+  if (s.window == kKaiser) {
+    Require(ORVAS_WinKaiser_64f_I(taps.data(), s.taps, KaiserBeta(s.attenuation) / half), "the window");
+  }
+  const double middle = s.kind == kHighpass ? 0.5 : s.kind == kBandpass ? (low + high) / 2 : 0;
+  double gain = 0;
+  for (size_t i = 0; i < taps.size(); ++i) {
+    gain += taps[i] * std::cos(2 * std::numbers::pi * middle * (double(i) - half));
+  }
+  std::vector<float> rounded;
+  for (const double tap : taps) rounded.push_back(float(tap / gain));
   return rounded;
 }
 
@@ -63,42 +86,40 @@ void DrawResponse(const Settings& s, const std::vector<float>& taps, int32_t rat
   std::vector<float> padded(taps), magnitude(bins);
   padded.resize(len);
   std::vector<Orva32fc> bin(bins);
-  const auto spec = MakeHandle<Spec>("the transform",
-                                     [&](auto** made) {
-                                       return ORVAS_DFTRToCInit_32f(int32_t(len), ORVA_DIVIDE_NONE, made);
-                                     });
-  Require(ORVAS_DFTRToC_32f(padded.data(), &bin[0].re, spec.get()), "the transform");
+  Require(ORVAS_DFTRToC_32f(padded.data(), &bin[0].re, MakeForwardTransform(int32_t(len)).get()), "the transform");
   Require(ORVAS_Magnitude_32fc(bin.data(), magnitude.data(), int32_t(bins)), "the magnitude");
   Plot plot;
   plot.title = std::string(kKindNames[s.kind]) + ": frequency response";
   plot.subtitle = Format("%d Hz, %d taps, %s window", rate, s.taps, std::string(kWindowNames[s.window]).c_str());
+  if (s.window == kKaiser) plot.subtitle += Format(" for %g dB", s.attenuation);
   plot.x = {"Frequency (Hz)", 0, rate / 2.0};
-  plot.y = {"Gain (dB)", -120, 10};
+  plot.y = {"Gain (dB)", std::min(-120.0, -s.attenuation - 30), 10};
+  plot.curves.emplace_back();
   for (size_t i = 0; i < bins; ++i) {
     plot.xs.push_back(double(i) * rate / double(len));
-    plot.ys.push_back(20 * std::log10(double(magnitude[i])));
+    plot.curves[0].ys.push_back(20 * std::log10(double(magnitude[i])));
   }
   for (const double edge : {s.cutoff, s.upper}) {
     if (edge > 0) plot.markers.push_back({edge, 20 * std::log10(0.5), Format("%.6g Hz", edge)});
   }
-  WritePlot(plot, s.response);
+  WritePlots({plot}, s.response);
 }
 
 // The filter delays by half its length, which is taken out.
 void Apply(AudioReader& reader, const std::vector<float>& taps, AudioWriter& writer) {
-  const auto filter = MakeHandle<Filter>("the filter", [&](auto** state) {
-    return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), ORVA_ROUTE_BY_LENGTH, state);
-  });
-  const auto channels = size_t(reader.Channels());
-  const size_t delay = taps.size() / 2;
+  const size_t channels = reader.Channels(), delay = taps.size() / 2;
+  std::vector<Filter> filters;  // each works for one channel at a time
+  for (size_t c = 0; c < channels; ++c) {
+    filters.push_back(MakeHandle<Filter>("the filter", [&](auto** state) {
+      return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), ORVA_ROUTE_BY_LENGTH, state);
+    }));
+  }
   Planes lines(channels, std::vector<float>(taps.size() - 1));
   Stream(channels, channels, reader.Length(), {delay, delay}, writer,
          [&](Planes& source) { return reader.Read(source); },
-         [&](const Planes& source, Planes& result, int32_t len) {
-           for (size_t c = 0; c < channels; ++c) {
-             float* const line = lines[c].data();
-             Require(ORVAS_FIRSR_32f(source[c].data(), result[c].data(), len, filter.get(), line, line), "the filter");
-           }
+         [&](size_t c, const Planes& source, std::vector<float>& result, int32_t len) {
+           float* const line = lines[c].data();
+           Require(ORVAS_FIRSR_32f(source[c].data(), result.data(), len, filters[c].get(), line, line), "the filter");
          });
 }
 
@@ -118,10 +139,12 @@ void CheckCutoffs(const Settings& s, int32_t rate) {
 void Run(int argc, char** argv) {
   Settings settings;
   Options options("filter", "FILE OUTPUT",
-                  "Filters all channels of a sound file into a WAV file of the same rate and sample format. The\n"
-                  "filter is a window design of linear phase; its delay is taken out, so that the output lies in\n"
-                  "time as the input. At a cut-off the gain is -6 dB; the transition around it is about 3.3 times\n"
-                  "the rate over the taps wide (hamming). Samples beyond full scale saturate in integer formats.",
+                  "Filters all channels of a sound file. The filter is a window design of linear phase, as by\n"
+                  "scipy.signal.firwin; its delay is taken out, so that the output lies in time as the input. At\n"
+                  "a cut-off the gain is -6 dB. The transition around it, in parts of the rate over the taps, and\n"
+                  "what is left beyond it: hamming 3.3 (-53 dB), hann 3.1 (-44), blackman 5.5 (-75), blackman-opt\n"
+                  "3.6 (-40), bartlett 3 (-26), rectangular 0.9 (-21), kaiser for A dB (A-8)/14.4 (-A). Samples\n"
+                  "beyond full scale saturate in integer formats.",
                   "tzm filter --kind bandpass --cutoff 300 --upper 3400 /usr/share/sounds/alsa/Front_Center.wav "
                   "telephone.wav");
   options.Choice("kind", 'k', kKindNames, "filter", settings.kind);
@@ -129,19 +152,27 @@ void Run(int argc, char** argv) {
   options.Number("upper", 'u', "upper edge of a band in Hz", settings.upper, 1e-3, 1e9);
   options.Number("taps", 't', "length of the filter, odd", settings.taps, 5, kMostTaps);
   options.Choice("window", 'w', kWindowNames, "window of the design", settings.window);
+  options.Number("attenuation", 'a', "dB by which a kaiser window stops (default 80)", settings.attenuation, 10, 300);
   options.Text("response", 0, "PLOT", "draw the gain over frequency to this file, .png or .svg", settings.response);
+  settings.sound.Declare(options, SoundOptions::Use::kConverts);
   const auto operands = options.Parse(argc, argv, 2);
   if (!operands) return;
+  settings.sound.Check();
   settings.file = operands->at(0);
   settings.output = operands->at(1);
-  if (!settings.response.empty()) CheckPlotName(settings.response);
+  if (!settings.response.empty()) {
+    CheckPlotName(settings.response);
+    for (const std::string& sound : *operands) RefuseOverwriting(settings.response, sound);
+  }
+  if (settings.attenuation > 0 && settings.window != kKaiser) throw UsageError("--attenuation is for --window kaiser");
+  if (settings.attenuation == 0 && settings.window == kKaiser) settings.attenuation = kUsualAttenuation;
   if (settings.taps % 2 == 0) throw UsageError(Format("--taps is odd, unlike %d", settings.taps));
 
-  AudioReader reader(settings.file);
+  AudioReader reader(settings.file, settings.sound, {});
   CheckCutoffs(settings, reader.Rate());
   const std::vector<float> taps = MakeTaps(settings, reader.Rate());
   if (!settings.response.empty()) DrawResponse(settings, taps, reader.Rate());
-  AudioWriter writer(settings.output, reader.Rate(), reader.Channels(), reader.SampleFormat());
+  AudioWriter writer(settings.output, reader.Rate(), reader.FileChannels(), reader.SampleFormat(), settings.sound);
   Apply(reader, taps, writer);
   writer.Finish();
 }

@@ -12,7 +12,14 @@
 namespace tzm {
 namespace {
 
-enum ExitStatus { kSuccess = 0, kFailed = 1, kWrongUsage = 2 };
+enum ExitStatus { kSuccess = 0, kFailed = 1, kWrongUsage = 2, kWarned = 3 };
+
+std::string g_name = "tzm";  // with the command, for the lines on standard error
+bool g_warned = false;
+
+void Complain(const char* kind, const std::string& text, const std::string& advice = "") {
+  std::fprintf(stderr, "%s: %s%s%s\n", g_name.c_str(), kind, CleanText(text).c_str(), advice.c_str());
+}
 
 // Inside a function, so that it exists before the first registration whatever the order of the files.
 std::map<std::string_view, Command>& Commands() {
@@ -35,10 +42,43 @@ void PrintHelp() {
       "  tzm stats --json speech.wav | jq '.channels[0].rms_db'\n");
 }
 
+// A script for bash or zsh: the commands from here, what follows them from each command's own table of options.
+void PrintCompletion(const char* shell) {
+  const bool zsh = std::strcmp(shell, "zsh") == 0;
+  if (!zsh && std::strcmp(shell, "bash") != 0) throw UsageError(Format("no completion for the shell '%s'", shell));
+  std::string names, described;
+  for (const auto& [name, command] : Commands()) {
+    names.append(name).append(" ");
+    described += Format("\n      '%s:%s'", command.name, ZshEscaped(command.summary).c_str());
+  }
+  std::printf("%s made by `tzm --completion %s`\n", zsh ? "#compdef tzm\n#" : "# bash completion of tzm,", shell);
+  if (zsh) {
+    std::printf("_tzm() {\n  local -a commands=(%s)\n"
+                "  if (( CURRENT == 2 )); then _describe command commands; return; fi\n"
+                "  shift words; (( CURRENT-- ))\n  case $words[1] in\n", described.c_str());
+  } else {
+    std::printf("_tzm() {\n  local words='' options=''\n  case ${COMP_WORDS[1]} in\n");
+  }
+  for (const auto& [name, command] : Commands()) {
+    std::string text(name), option = "--completion", value(shell);
+    char* arguments[] = {text.data(), option.data(), value.data(), nullptr};
+    command.run(3, arguments);
+  }
+  if (zsh) {
+    std::printf("  esac\n}\n_tzm \"$@\"\n");
+  } else {
+    std::printf("  esac\n  if [ \"$COMP_CWORD\" -eq 1 ]; then words='%s--help --version'\n"
+                "  elif [ -z \"$words\" ] && [[ $2 == -* ]]; then words=$options; fi\n"
+                "  [ -n \"$words\" ] || return\n  compopt +o default\n"
+                "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$2\")\n}\ncomplete -o default -F _tzm tzm\n", names.c_str());
+  }
+}
+
 void Dispatch(int argc, char** argv) {
   const std::string_view word = argc > 1 ? argv[1] : "";
   if (word == "--help" || word == "-h") return PrintHelp();
   if (word == "--version" || word == "-V") return static_cast<void>(std::puts("tzm " TZM_VERSION));
+  if (word == "--completion" && argc == 3) return PrintCompletion(argv[2]);
   if (word.empty()) throw UsageError("which command?");
   const auto found = Commands().find(word);
   if (found == Commands().end()) throw UsageError(Format("unknown command '%s'", argv[1]));
@@ -52,19 +92,18 @@ void FlushOutput() {
 }
 
 int Main(int argc, char** argv) {
-  std::string name = "tzm";
-  if (argc > 1 && Commands().contains(argv[1])) name = name + " " + argv[1];
+  if (argc > 1 && Commands().contains(argv[1])) g_name = g_name + " " + argv[1];
   try {
     Dispatch(argc, argv);
     FlushOutput();
-    return kSuccess;
+    return g_warned ? kWarned : kSuccess;
   } catch (const UsageError& error) {
-    std::fprintf(stderr, "%s: %s (see '%s --help')\n", name.c_str(), CleanText(error.what()).c_str(), name.c_str());
+    Complain("", error.what(), " (see '" + g_name + " --help')");
     return kWrongUsage;
   } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "%s: not enough memory\n", name.c_str());
+    Complain("", "not enough memory");
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s: %s\n", name.c_str(), CleanText(error.what()).c_str());
+    Complain("", error.what());
   }
   return kFailed;
 }
@@ -72,6 +111,11 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 Registration::Registration(const Command& command) { Commands().emplace(command.name, command); }
+
+void Warn(const std::string& text) {
+  g_warned = true;
+  Complain("warning: ", text);
+}
 
 void Require(OrvaStatus status, const char* operation) {
   if (status == ORVA_STS_MEM_ALLOC_ERR) throw std::bad_alloc();

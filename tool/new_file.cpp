@@ -68,4 +68,13 @@ void NewFile::Fail(const std::string& reason) const {
   throw Failure(Format("cannot write '%s': %s", path_.c_str(), reason.c_str()));
 }
 
+void WriteFile(const std::string& path, const std::string& bytes) {
+  NewFile place(path);
+  std::FILE* file = std::fopen(place.Part().c_str(), "wb");
+  bool good = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  if (file && std::fclose(file) != 0) good = false;
+  if (!good) place.Fail(std::strerror(errno));
+  place.Complete();
+}
+
 }  // namespace tzm

@@ -25,6 +25,9 @@ class NewFile {
   std::string path_, target_, part_;  // as it was given; what it names; beside that
 };
 
+/** Makes a file of the bytes. Throws Failure. */
+void WriteFile(const std::string& path, const std::string& bytes);
+
 }  // namespace tzm
 
 #endif

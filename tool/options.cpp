@@ -12,7 +12,8 @@
 namespace tzm {
 namespace {
 
-constexpr int kFirstOption = 256;  // getopt_long's values: above every letter
+constexpr int32_t kMostChannels = 1024;
+constexpr int kCompletion = 256, kFirstOption = 257;  // getopt_long's values: above every letter
 
 // The whole text as a number from low to high; `shown` names the option in the error line.
 template <class T>
@@ -26,9 +27,9 @@ T ParseNumber(const std::string& shown, const std::string& text, T low, T high) 
   return value;
 }
 
-std::string Joined(std::span<const std::string_view> names) {
+std::string Joined(std::span<const std::string_view> names, const char* between = ", ") {
   std::string list;
-  for (const auto name : names) list.append(list.empty() ? "" : ", ").append(name);
+  for (const auto name : names) list.append(list.empty() ? "" : between).append(name);
   return list;
 }
 
@@ -55,6 +56,13 @@ void Options::Number(const char* name, char letter, const char* help, T& target,
 template void Options::Number(const char*, char, const char*, int32_t&, int32_t, int32_t);
 template void Options::Number(const char*, char, const char*, double&, double, double);
 
+void Options::Channel(int32_t& target, bool all) {
+  const std::string help = Format("channel, counted from 1%s (default %d)", all ? ", or all" : "", target);
+  options_.push_back({"channel", 'c', "N", help, [=, &target](const std::string& text) {
+                        target = all && text == "all" ? 0 : ParseNumber("channel", text, 1, kMostChannels);
+                      }, all ? "all" : ""});
+}
+
 void Options::Text(const char* name, char letter, const char* placeholder, const char* help, std::string& target) {
   options_.push_back({name, letter, placeholder, help, [=, &target](const std::string& text) {
                         if (text.empty()) throw UsageError(Format("--%s is empty", name));
@@ -64,15 +72,15 @@ void Options::Text(const char* name, char letter, const char* placeholder, const
 
 void Options::Choice(const char* name, char letter, std::span<const std::string_view> names, const char* help,
                      size_t& target) {
-  const std::string shown =
-      Format("%s: %s (default %s)", help, Joined(names).c_str(), std::string(names[target]).c_str());
+  std::string shown = Format("%s: %s", help, Joined(names).c_str());
+  if (target < names.size()) shown += Format(" (default %s)", std::string(names[target]).c_str());
   options_.push_back({name, letter, "NAME", shown, [=, &target](const std::string& text) {
                         for (size_t i = 0; i < names.size(); ++i) {
                           if (names[i] == text) return static_cast<void>(target = i);
                         }
                         throw UsageError(
                             Format("--%s is one of %s, not '%s'", name, Joined(names).c_str(), text.c_str()));
-                      }});
+                      }, Joined(names, " ")});
 }
 
 std::optional<std::vector<std::string>> Options::Parse(int argc, char** argv, size_t count) const {
@@ -85,14 +93,16 @@ std::optional<std::vector<std::string>> Options::Parse(int argc, char** argv, si
     if (o.letter) letters.append(1, o.letter).append(value ? ":" : "");
   }
   table.push_back({"help", no_argument, nullptr, 'h'});
+  table.push_back({"completion", required_argument, nullptr, kCompletion});
   table.push_back({});
 
   opterr = 0;
   optind = 1;
   for (int found; (found = getopt_long(argc, argv, letters.c_str(), table.data(), nullptr)) != -1;) {
     if (found == 'h') return PrintHelp(), std::nullopt;
+    if (found == kCompletion) return PrintCompletion(optarg), std::nullopt;
     // A short option stands alone in optopt; of a long one getopt has just passed the whole word.
-    const std::string word = optopt > 0 && optopt < kFirstOption ? Format("-%c", optopt) : argv[optind - 1];
+    const std::string word = optopt > 0 && optopt < kCompletion ? Format("-%c", optopt) : argv[optind - 1];
     if (found == ':') throw UsageError(Format("option '%s' needs a value", word.c_str()));
     if (found == '?') throw UsageError(Format("unknown or misused option '%s'", word.c_str()));
     for (size_t i = 0; i < options_.size(); ++i) {
@@ -116,6 +126,37 @@ void Options::PrintHelp() const {
   }
   line("-h, --help", "this text");
   std::printf("\nExamples:\n  %s\n", example_.c_str());
+}
+
+// A branch of the script that main.cpp prints, for the words after this command.
+void Options::PrintCompletion(const std::string& shell) const {
+  const bool zsh = shell == "zsh";
+  if (zsh) {
+    std::printf("    %s)\n      _arguments -s", command_.c_str());
+  } else {
+    std::printf("    %s)\n      case $3 in\n", command_.c_str());
+  }
+  std::string all = "--help -h";
+  for (const Option& o : options_) {
+    const std::string name = "--" + o.name, letter = o.letter ? Format("-%c", o.letter) : "";
+    const bool value = !o.placeholder.empty(), file = value && o.placeholder != "N" && o.words.empty();
+    all += " " + name + (o.letter ? " " + letter : "");
+    if (zsh) {
+      const std::string names = o.letter ? "{" + name + (value ? "=," : ",") + letter + "}" : name + (value ? "=" : "");
+      const std::string action = file ? "_files" : o.words.empty() ? " " : "(" + o.words + ")";
+      std::printf(" \\\n        %s'[%s]%s'", names.c_str(), ZshEscaped(o.help).c_str(),
+                  value ? (":" + o.placeholder + ":" + action).c_str() : "");
+    } else if (value && !file) {
+      std::printf("        %s%s) words='%s' ;;\n", name.c_str(), o.letter ? (" | " + letter).c_str() : "",
+                  o.words.empty() ? " " : o.words.c_str());
+    }
+  }
+  if (zsh) {
+    std::printf(" \\\n        {--help,-h}'[this text]'%s\n      ;;\n",
+                operands_.empty() ? "" : " \\\n        '*:file:_files'");
+  } else {
+    std::printf("      esac\n      options='%s'\n      ;;\n", all.c_str());
+  }
 }
 
 }  // namespace tzm

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <span>
 
 #include "text.h"
 
@@ -70,6 +71,49 @@ void PrintCsv(const Table& table) {
   }
 }
 
+namespace {
+
+std::string Npy(const std::string& type, const std::string& shape, const std::vector<double>& values) {
+  std::string header = "{'descr': " + type + ", 'fortran_order': False, 'shape': (" + shape + "), }";
+  constexpr size_t kPreamble = 12, kAlignment = 64;
+  header.append(kAlignment - (kPreamble + header.size() + 1) % kAlignment, ' ').append("\n");
+  std::string bytes("\x93NUMPY\x02\x00", 8);
+  for (int i = 0; i < 4; ++i) bytes += char(header.size() >> 8 * i & 0xFF);
+  bytes += header;
+  return bytes.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(double));
+}
+
+template <class T>
+std::string JsonArray(const T& items) {
+  std::string array;
+  for (const std::string& item : items) array.append(array.empty() ? "" : ", ").append(item);
+  return "[" + array + "]";
+}
+
+std::vector<std::string> JsonNumbers(std::span<const double> numbers) {
+  std::vector<std::string> texts;
+  for (const double number : numbers) texts.push_back(JsonNumber(number));
+  return texts;
+}
+
+}  // namespace
+
+std::string NpyTable(const Table& table) {
+  std::string fields;
+  for (const Column& c : table) fields += "('" + c.name + "', '<f8'), ";
+  std::vector<double> values;
+  for (size_t row = 0; row < Rows(table); ++row) {
+    for (const Column& c : table) values.push_back(c.values[row]);
+  }
+  return Npy("[" + fields + "]", Format("%zu,", Rows(table)), values);
+}
+
+std::string NpyArray(const std::vector<size_t>& shape, const std::vector<double>& values) {
+  std::string lengths;
+  for (const size_t length : shape) lengths += Format("%zu, ", length);
+  return Npy("'<f8'", lengths, values);
+}
+
 void JsonObject::AddRaw(const std::string& name, const std::string& value) {
   members_ += (members_.empty() ? "" : ", ") + Quoted(name) + ": " + value;
 }
@@ -78,28 +122,42 @@ void JsonObject::Add(const char* name, const std::string& text) { AddRaw(name, Q
 
 void JsonObject::Add(const char* name, double number) { AddRaw(name, JsonNumber(number)); }
 
-void JsonObject::Add(const char* name, const JsonObject& object) { AddRaw(name, "{" + object.members_ + "}"); }
+void JsonObject::Add(const char* name, const JsonObject& object) { AddRaw(name, object.Text()); }
+
+void JsonObject::AddObjects(const char* name, const std::vector<JsonObject>& objects) {
+  std::vector<std::string> texts;
+  for (const JsonObject& object : objects) texts.push_back(object.Text());
+  AddRaw(name, JsonArray(texts));
+}
 
 void JsonObject::AddRows(const char* name, const Table& table) {
-  std::string array;
-  for (size_t row = 0; row < Rows(table); ++row) {
-    JsonObject object;
-    for (const Column& c : table) object.AddRaw(c.name, JsonCell(c, row));
-    array += (row ? ", {" : "{") + object.members_ + "}";
+  std::vector<JsonObject> rows(Rows(table));
+  for (size_t row = 0; row < rows.size(); ++row) {
+    for (const Column& c : table) rows[row].AddRaw(c.name, JsonCell(c, row));
   }
-  AddRaw(name, "[" + array + "]");
+  AddObjects(name, rows);
 }
 
 void JsonObject::AddColumns(const char* name, const Table& table) {
   JsonObject object;
-  for (const Column& c : table) {
-    std::string array;
-    for (size_t row = 0; row < Rows(table); ++row) array += (row ? ", " : "") + JsonCell(c, row);
-    object.AddRaw(c.name, "[" + array + "]");
-  }
+  for (const Column& c : table) object.AddRaw(c.name, JsonArray(JsonNumbers(c.values)));
   Add(name, object);
 }
 
-void JsonObject::Print() const { std::printf("{%s}\n", members_.c_str()); }
+void JsonObject::AddArray(const char* name, const std::vector<double>& numbers) {
+  AddRaw(name, JsonArray(JsonNumbers(numbers)));
+}
+
+void JsonObject::AddMatrix(const char* name, const std::vector<double>& numbers, size_t width) {
+  std::vector<std::string> rows;
+  for (size_t at = 0; at < numbers.size(); at += width) {
+    rows.push_back(JsonArray(JsonNumbers(std::span(numbers).subspan(at, width))));
+  }
+  AddRaw(name, JsonArray(rows));
+}
+
+std::string JsonObject::Text() const { return "{" + members_ + "}"; }
+
+void JsonObject::Print() const { std::puts(Text().c_str()); }
 
 }  // namespace tzm

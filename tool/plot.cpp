@@ -28,7 +28,13 @@ struct Colour {
 };
 constexpr Colour kPaper{1, 1, 1}, kInk{0.13, 0.15, 0.18}, kQuiet{0.38, 0.41, 0.45};
 constexpr Colour kGrid{0.86, 0.88, 0.90}, kFineGrid{0.94, 0.95, 0.96};
-constexpr Colour kCurve{0.10, 0.36, 0.64}, kArea{0.10, 0.36, 0.64, 0.10}, kMark{0.80, 0.22, 0.12};
+constexpr Colour kMark{0.80, 0.22, 0.12};
+constexpr std::array<Colour, 6> kCurves{{{0.10, 0.36, 0.64},
+                                         {0.90, 0.49, 0.08},
+                                         {0.16, 0.55, 0.34},
+                                         {0.52, 0.28, 0.62},
+                                         {0.42, 0.30, 0.22},
+                                         {0.85, 0.38, 0.62}}};
 
 struct Box {
   double x, y, width, height;
@@ -106,12 +112,10 @@ class Drawing {
   Drawing(cairo_t* cairo, const Plot& plot) : cairo_(cairo), plot_(plot) {}
 
   void Draw() {
-    Use(kPaper);
-    cairo_paint(cairo_);
     Titles();
     Grid();
     Raster();
-    Curve();
+    Curves();
     Markers();
     Frame();
   }
@@ -202,7 +206,7 @@ class Drawing {
   void AxesPath() { cairo_rectangle(cairo_, kLeft, kTop, kWidth - kLeft - kRight, kHeight - kTop - kBottom); }
 
   // The curve as points on paper: where many fall into one half point of width, the lowest and the highest.
-  std::vector<std::pair<double, double>> Outline() const {
+  std::vector<std::pair<double, double>> Outline(const std::vector<double>& ys) const {
     std::vector<std::pair<double, double>> points;
     const double floor = Y(plot_.y.low) + 2;  // below the frame: silence has a level of minus infinity
     for (size_t i = 0; i < plot_.xs.size();) {
@@ -213,10 +217,10 @@ class Drawing {
       const double column = std::floor(2 * X(plot_.xs[i]));
       size_t low = i, high = i;
       for (; i < plot_.xs.size() && std::floor(2 * X(plot_.xs[i])) == column; ++i) {
-        if (plot_.ys[i] < plot_.ys[low]) low = i;
-        if (plot_.ys[i] > plot_.ys[high]) high = i;
+        if (ys[i] < ys[low]) low = i;
+        if (ys[i] > ys[high]) high = i;
       }
-      const auto add = [&](size_t at) { points.emplace_back(X(plot_.xs[at]), std::min(floor, Y(plot_.ys[at]))); };
+      const auto add = [&](size_t at) { points.emplace_back(X(plot_.xs[at]), std::min(floor, Y(ys[at]))); };
       add(std::min(low, high));
       if (low != high) add(std::max(low, high));
     }
@@ -262,26 +266,40 @@ class Drawing {
     Pixels(key, kSteps, 1, {end - kSteps, kHeight - 26, kSteps, 11});
   }
 
-  void Curve() {
-    const auto points = Outline();
-    if (points.empty()) return;
+  void Curves() {
     cairo_save(cairo_);
     AxesPath();
     cairo_clip(cairo_);
+    for (size_t i = 0; i < plot_.curves.size(); ++i) Trace(plot_.curves[i].ys, kCurves[i % kCurves.size()]);
+    cairo_restore(cairo_);
+    if (plot_.curves.size() < 2) return;
+    Font(kTickFont);
+    double end = kWidth - kRight;  // the names stand above the axes, from the right
+    for (size_t i = plot_.curves.size(); i-- > 0 && end > kWidth / 2; end -= TextWidth(plot_.curves[i].name) + 14) {
+      Use(kCurves[i % kCurves.size()]);
+      Text(plot_.curves[i].name, end, kTop - 36, Side::kRight);
+    }
+  }
+
+  // A line; where it is the only one, over an area.
+  void Trace(const std::vector<double>& ys, const Colour& colour) {
+    const auto points = Outline(ys);
+    if (points.empty()) return;
     const auto trace = [&] {
       for (const auto& [x, y] : points) cairo_line_to(cairo_, x, y);
     };
-    cairo_move_to(cairo_, points.front().first, kHeight);
+    if (plot_.curves.size() == 1) {
+      cairo_move_to(cairo_, points.front().first, kHeight);
+      trace();
+      cairo_line_to(cairo_, points.back().first, kHeight);
+      Use({colour.r, colour.g, colour.b, 0.10});
+      cairo_fill(cairo_);
+    }
     trace();
-    cairo_line_to(cairo_, points.back().first, kHeight);
-    Use(kArea);
-    cairo_fill(cairo_);
-    trace();
-    Use(kCurve);
+    Use(colour);
     cairo_set_line_width(cairo_, 1.3);
     cairo_set_line_join(cairo_, CAIRO_LINE_JOIN_ROUND);
     cairo_stroke(cairo_);
-    cairo_restore(cairo_);
   }
 
   // A ring on each point, its text above; a text that would cover another climbs, and goes when it finds no place.
@@ -344,15 +362,6 @@ cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
   return CAIRO_STATUS_SUCCESS;
 }
 
-void WriteFile(const std::string& path, const std::string& bytes) {
-  NewFile place(path);
-  std::FILE* file = std::fopen(place.Part().c_str(), "wb");
-  bool good = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  if (file && std::fclose(file) != 0) good = false;
-  if (!good) place.Fail(std::strerror(errno));
-  place.Complete();
-}
-
 }  // namespace
 
 void CheckPlotName(const std::string& path) {
@@ -361,17 +370,23 @@ void CheckPlotName(const std::string& path) {
   }
 }
 
-void WritePlot(const Plot& plot, const std::string& path) {
+void WritePlots(const std::vector<Plot>& plots, const std::string& path) {
   std::string bytes;
   const bool svg = EndsIn(path, ".svg");
-  constexpr int kPixelWidth = int(kWidth * kPixelsPerPoint), kPixelHeight = int(kHeight * kPixelsPerPoint);
+  const double height = kHeight * double(plots.size());
   const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
-      svg ? cairo_svg_surface_create_for_stream(Append, &bytes, kWidth, kHeight)
-          : cairo_image_surface_create(CAIRO_FORMAT_RGB24, kPixelWidth, kPixelHeight),
+      svg ? cairo_svg_surface_create_for_stream(Append, &bytes, kWidth, height)
+          : cairo_image_surface_create(CAIRO_FORMAT_RGB24, int(kWidth * kPixelsPerPoint),
+                                       int(height * kPixelsPerPoint)),
       cairo_surface_destroy);
   const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cairo(cairo_create(surface.get()), cairo_destroy);
   if (!svg) cairo_scale(cairo.get(), kPixelsPerPoint, kPixelsPerPoint);
-  Drawing(cairo.get(), plot).Draw();
+  cairo_set_source_rgb(cairo.get(), kPaper.r, kPaper.g, kPaper.b);
+  cairo_paint(cairo.get());
+  for (const Plot& plot : plots) {
+    Drawing(cairo.get(), plot).Draw();
+    cairo_translate(cairo.get(), 0, kHeight);
+  }
   if (!svg) cairo_surface_write_to_png_stream(surface.get(), Append, &bytes);
   cairo_surface_finish(surface.get());
   const cairo_status_t status = cairo_status(cairo.get());

@@ -1,4 +1,4 @@
-// Plots: one curve or one image over two axes, with marked points, written as PNG or SVG.
+// Plots: curves or one image over two axes, with marked points, written as PNG or SVG.
 #ifndef TZM_TOOL_PLOT_H
 #define TZM_TOOL_PLOT_H
 
@@ -26,10 +26,16 @@ struct Image {
   std::string unit;
 };
 
+struct Curve {
+  std::vector<double> ys;  // what lies outside the axes is cut off
+  std::string name = {};   // where there are several
+};
+
 struct Plot {
   std::string title, subtitle;
   Axis x, y;
-  std::vector<double> xs, ys;    // ascending xs; what lies outside the axes is cut off
+  std::vector<double> xs;  // ascending, of all curves
+  std::vector<Curve> curves;
   Image image;
   std::vector<Marker> markers;  // the most important first: its text gets the best place
 };
@@ -37,8 +43,8 @@ struct Plot {
 /** Throws UsageError unless the name ends in .png or .svg. */
 void CheckPlotName(const std::string& path);
 
-/** Writes the plot in the format of the name's ending. */
-void WritePlot(const Plot& plot, const std::string& path);
+/** Writes the plots, one below the other, in the format of the name's ending. */
+void WritePlots(const std::vector<Plot>& plots, const std::string& path);
 
 }  // namespace tzm
 

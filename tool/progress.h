@@ -4,7 +4,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +12,7 @@ namespace tzm {
 
 class Progress {
  public:
+  /** A total of 0 is one that nobody knows: nothing is shown. */
   Progress(const char* label, int64_t total) : label_(label), total_(total) {}
   Progress(const Progress&) = delete;
   ~Progress() {
@@ -22,10 +22,10 @@ class Progress {
   /** Shows `done` of the total, at most ten times a second. */
   void Show(int64_t done) {
     const auto now = std::chrono::steady_clock::now();
-    if (!terminal_ || now - last_ < std::chrono::milliseconds(100)) return;
+    if (!terminal_ || total_ == 0 || now - last_ < std::chrono::milliseconds(100)) return;
     last_ = now;
     drawn_ = true;
-    std::fprintf(stderr, "\r\033[K%s: %.0f %%", label_, 100.0 * double(done) / double(std::max<int64_t>(total_, 1)));
+    std::fprintf(stderr, "\r\033[K%s: %.0f %%", label_, 100.0 * double(done) / double(total_));
     std::fflush(stderr);
   }
 

@@ -9,6 +9,7 @@
 #include "handle.h"
 #include "options.h"
 #include "progress.h"
+#include "stream.h"
 #include "text.h"
 
 namespace tzm {
@@ -16,32 +17,67 @@ namespace {
 
 constexpr int64_t kBlock = 1 << 16;
 constexpr double kStopBand = 100;  // dB
+constexpr double kMostTaps = 1 << 24;  // of the filter for a fixed ratio
+constexpr int32_t kSteps = 2048;       // of the one for any ratio, in a sample's time: it interpolates at -140 dB
 
-using Resampler = Handle<ResamplePolyphaseFixedState, ORVAS_ResamplePolyphaseFixedRelease_32f>;
+using FixedResampler = Handle<ResamplePolyphaseFixedState, ORVAS_ResamplePolyphaseFixedRelease_32f>;
+using AnyResampler = Handle<ResamplePolyphaseState, ORVAS_ResamplePolyphaseRelease_32f>;
 
-// A filter whose stop band begins at the lower of the two Nyquist frequencies.
-Resampler MakeResampler(int32_t inRate, int32_t outRate, int32_t width) {
-  const double transition = (kStopBand - 8) / (7.2 * width), alpha = 0.11 * (kStopBand - 8.7);
-  return MakeHandle<Resampler>("the resampler", [&](auto** state) {
-    const OrvaStatus status = ORVAS_ResamplePolyphaseFixedInit_32f(
-        inRate, outRate, float(width), float(1 - transition / 2), float(alpha), state);
-    if (status == ORVA_STS_OVERFLOW_ERR) {
-      throw Failure(Format("%d to %d Hz is a ratio of %d to %d, which takes too large a filter: choose a --rate that "
-                           "shares a larger factor with %d, or a smaller --width",
-                           inRate, outRate, inRate / std::gcd(inRate, outRate), outRate / std::gcd(inRate, outRate),
-                           inRate));
+// From one rate to another with a filter whose stop band begins at the lower of the two Nyquist frequencies: with a
+// filter for the ratio as long as that is of a reasonable size, else with one for any ratio. Time is counted in parts
+// of 1/outRate of a sample, so that it is exact with both.
+class Resampler {
+ public:
+  Resampler(int32_t inRate, int32_t outRate, int32_t width) : inRate_(inRate), outRate_(outRate) {
+    const int64_t phases = outRate / std::gcd(inRate, outRate);
+    const double samples = width * std::max(1.0, double(inRate) / outRate);  // that the filter reaches
+    const float rolloff = float(1 - (kStopBand - 8) / (7.2 * width) / 2), alpha = float(0.11 * (kStopBand - 8.7));
+    if (samples * double(phases) <= kMostTaps) {
+      fixed_ = MakeHandle<FixedResampler>("the resampler", [&](auto** state) {
+        return ORVAS_ResamplePolyphaseFixedInit_32f(inRate, outRate, float(width), rolloff, alpha, state);
+      });
+      int32_t taps;
+      Require(ORVAS_ResamplePolyphaseFixedGetFilter_32f(fixed_.get(), nullptr, &taps), "the resampler's filter");
+      reach_ = taps / 2 / phases;
+    } else {
+      any_ = MakeHandle<AnyResampler>("the resampler", [&](auto** state) {
+        return ORVAS_ResamplePolyphaseInit_32f(float(width), kSteps, rolloff, alpha, 0, state);
+      });
+      reach_ = int64_t(samples / 2) + 3;
     }
-    return status;
-  });
-}
+  }
+
+  /** How many samples the filter reaches to both sides. */
+  int64_t Reach() const { return reach_; }
+
+  /** Makes the outputs of the next `len` samples from `time` on and gives their count. Channels may run at once. */
+  int32_t Run(const std::vector<float>& src, int64_t time, int64_t len, std::vector<float>& dst) const {
+    dst.resize(size_t(len * outRate_ / inRate_ + 2));
+    int32_t made = 0;
+    if (fixed_) {
+      Require(ORVAS_ResamplePolyphaseFixed_32f(src.data(), int32_t(len), dst.data(), 1, &time, &made, fixed_.get()),
+              "the resampler");
+    } else {
+      double place = double(time) / outRate_;
+      Require(ORVAS_ResamplePolyphase_32f(src.data(), int32_t(len), dst.data(), double(outRate_) / inRate_, 1, &place,
+                                          &made, any_.get()),
+              "the resampler");
+    }
+    return made;
+  }
+
+ private:
+  int32_t inRate_, outRate_;
+  int64_t reach_;
+  FixedResampler fixed_;
+  AnyResampler any_;
+};
 
 // The resampler keeps no samples: those that its filter reaches are held here, from the first one it still needs.
 void Apply(AudioReader& reader, const Resampler& resampler, int32_t outRate, AudioWriter& writer) {
-  int32_t taps;
-  Require(ORVAS_ResamplePolyphaseFixedGetFilter_32f(resampler.get(), nullptr, &taps), "the resampler's filter");
   const int32_t inRate = reader.Rate();
-  const int64_t reach = taps / 2 / (outRate / std::gcd(inRate, outRate));  // of the filter to both sides
-  const auto channels = size_t(reader.Channels());
+  const int64_t reach = resampler.Reach();
+  const size_t channels = reader.Channels();
   const auto block = size_t(std::clamp<int64_t>(16 * kBlock * inRate / outRate, 1, kBlock));
   Planes fresh(channels, std::vector<float>(block)), result = fresh;
   Planes held(channels, std::vector<float>(size_t(reach - 1)));
@@ -56,40 +92,36 @@ void Apply(AudioReader& reader, const Resampler& resampler, int32_t outRate, Aud
     }
     const int64_t len = int64_t(held[0].size()) - reach - time / outRate;
     if (len < 1) continue;
-    int64_t next = time;
-    int32_t made = 0;
-    for (size_t c = 0; c < channels; ++c) {
-      next = time;
-      result[c].resize(size_t(len * outRate / inRate + 1));
-      Require(ORVAS_ResamplePolyphaseFixed_32f(held[c].data(), int32_t(len), result[c].data(), 1, &next, &made,
-                                               resampler.get()),
-              "the resampler");
-    }
-    writer.Write(result, 0, size_t(made));
-    const int64_t passed = std::min(next / outRate - (reach - 1), int64_t(held[0].size()));
+    std::vector<int32_t> made(channels);
+    ForEachChannel(channels, [&](size_t c) { made[c] = resampler.Run(held[c], time, len, result[c]); });
+    writer.Write(result, 0, size_t(made[0]));
+    time += int64_t{made[0]} * inRate;
+    const int64_t passed = std::min(time / outRate - (reach - 1), int64_t(held[0].size()));
     for (auto& samples : held) samples.erase(samples.begin(), samples.begin() + passed);
-    time = next - passed * outRate;
+    time -= passed * outRate;
     progress.Show(read += int64_t(got));
   }
 }
 
 void Run(int argc, char** argv) {
   int32_t rate = 0, width = 128;
+  SoundOptions sound;
   Options options("resample", "FILE OUTPUT",
-                  "Brings all channels of a sound file to another sampling rate, in a WAV file of the same\n"
-                  "sample format. What the lower of the two rates cannot hold is taken out, 100 dB down; the\n"
-                  "transition just below it takes up 12.8/WIDTH of the lower Nyquist frequency (a tenth by\n"
-                  "default). Start and length in time stay.",
+                  "Brings all channels of a sound file to another sampling rate, whatever the two are. What the\n"
+                  "lower of them cannot hold is taken out, 100 dB down; the transition just below it takes up\n"
+                  "12.8/WIDTH of the lower Nyquist frequency (a tenth by default). Start and length in time stay.",
                   "tzm resample --rate 16000 /usr/share/sounds/alsa/Front_Center.wav speech16.wav");
   options.Number("rate", 'r', "the new rate in Hz", rate, 1, 10000000);
   options.Number("width", 'w', "width of the filter in samples of the lower rate", width, 32, 4096);
+  sound.Declare(options, SoundOptions::Use::kConverts, "raw-rate");
   const auto operands = options.Parse(argc, argv, 2);
   if (!operands) return;
+  sound.Check();
   if (rate == 0) throw UsageError("which --rate?");
 
-  AudioReader reader(operands->at(0));
-  const Resampler resampler = MakeResampler(reader.Rate(), rate, width);
-  AudioWriter writer(operands->at(1), rate, reader.Channels(), reader.SampleFormat());
+  AudioReader reader(operands->at(0), sound, {});
+  const Resampler resampler(reader.Rate(), rate, width);
+  AudioWriter writer(operands->at(1), rate, reader.FileChannels(), reader.SampleFormat(), sound);
   Apply(reader, resampler, rate, writer);
   writer.Finish();
 }

@@ -1,106 +1,175 @@
 // tzm spectrogram: power over time and frequency.
-#include <signal_tzm/arith.h>
-#include <signal_tzm/elementary.h>
 #include <signal_tzm/generate.h>
 #include <signal_tzm/reduce.h>
-#include <signal_tzm/transform.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "audio.h"
 #include "command.h"
-#include "handle.h"
 #include "options.h"
 #include "output.h"
 #include "plot.h"
-#include "progress.h"
 #include "results.h"
+#include "segments.h"
 #include "text.h"
 
 namespace tzm {
 namespace {
 
 constexpr int32_t kShortestSegment = 16, kLongestSegment = 1 << 16, kOverlaps = 4;
-constexpr int64_t kMostColumns = 1700;  // as many as the plot has pixels
+constexpr size_t kMostColumns = 1700;  // as many as the plot has pixels
 
 struct Settings {
   std::string file;
   int32_t channel = 1, segment = 1024;
   double range = 90;
+  SoundOptions sound;
   PlotOptions results;
 };
 
-using Spec = Handle<OrvaTransformSpec, ORVAS_DFTRToCRelease_32f>;
-
-// Powers in dB: column by column, each from frequency 0 upwards.
+// Column by column, each from frequency 0 upwards.
 struct Spectrogram {
-  size_t columns = 0, bins = 0;
-  double startSeconds = 0, columnSeconds = 0, binHertz = 0;
-  std::vector<float> level;
+  int32_t channel = 0;
+  std::vector<double> seconds, hertz;  // where the columns' middles and the bins are
+  double columnSeconds = 0;
+  std::vector<float> level;            // dB
 
-  double Seconds(size_t column) const { return startSeconds + (double(column) + 0.5) * columnSeconds; }
+  size_t Highest() const { return size_t(std::max_element(level.begin(), level.end()) - level.begin()); }
+  double HighestLevel() const { return double(level[Highest()]); }
 };
 
-// Segments under a Hann window, three quarters of each shared with the next. Where there are more of them than
-// columns, a column is the mean of its segments' powers.
-Spectrogram Analyse(AudioReader& reader, const Settings& s) {
-  const auto len = size_t(s.segment), hop = len / kOverlaps, bins = len / 2 + 1;
-  const int64_t frames = 1 + (reader.Length() - s.segment) / int64_t(hop);
-  const int64_t perColumn = (frames + kMostColumns - 1) / kMostColumns;
-  const auto spec = MakeHandle<Spec>("the transform",
-                                     [&](auto** made) {
-                                       return ORVAS_DFTRToCInit_32f(s.segment, ORVA_DIVIDE_NONE, made);
-                                     });
-  std::vector<float> window(len, 1.0f), samples(len), windowed(len), power(bins);
-  std::vector<Orva32fc> bin(bins);
-  std::vector<double> sum(bins);
+// The powers of one channel. Where there are more segments than columns, a column is the mean of several: of twice as
+// many each time the columns are full.
+class Columns {
+ public:
+  explicit Columns(size_t bins) : bins_(bins) {}
+
+  void Add(const std::vector<float>& power) {
+    if (held_ == perColumn_ && power_.size() == kMostColumns * bins_) Halve();
+    if (held_ == perColumn_ || power_.empty()) {
+      power_.resize(power_.size() + bins_);
+      held_ = 0;
+    }
+    float* const column = &power_[power_.size() - bins_];
+    for (size_t i = 0; i < bins_; ++i) column[i] += power[i];
+    ++held_;
+  }
+
+  size_t PerColumn() const { return perColumn_; }
+  /** The mean powers, times the scale. */
+  std::vector<float> Levels(double scale) const {
+    std::vector<float> level;
+    for (size_t i = 0; i < power_.size(); ++i) {
+      const size_t count = i + bins_ < power_.size() ? perColumn_ : held_, bin = i % bins_;
+      const bool single = bin == 0 || bin + 1 == bins_;  // the other bins stand for two frequencies
+      level.push_back(float(10 * std::log10(scale / double(count) * double(power_[i]) * (single ? 1 : 2))));
+    }
+    return level;
+  }
+
+ private:
+  void Halve() {
+    for (size_t i = 0; i < power_.size() / 2; ++i) {
+      const size_t from = 2 * (i - i % bins_) + i % bins_;
+      power_[i] = power_[from] + power_[from + bins_];
+    }
+    power_.resize(power_.size() / 2);
+    held_ = perColumn_ *= 2;
+  }
+
+  size_t bins_, perColumn_ = 1, held_ = 0;  // segments in the last column
+  std::vector<float> power_;
+};
+
+// Segments under a Hann window, three quarters of each shared with the next.
+std::vector<Spectrogram> Analyse(AudioReader& reader, const Settings& s, double* soundSeconds) {
+  const auto len = size_t(s.segment), step = len / kOverlaps, bins = len / 2 + 1;
+  std::vector<float> window(len, 1.0f);
   float gain;
   Require(ORVAS_WinHann_32f_I(window.data(), s.segment), "the window");
   Require(ORVAS_Sum_32f(window.data(), s.segment, &gain, 0), "the window's sum");
-
-  Spectrogram result;
-  result.bins = bins;
-  result.startSeconds = double(len - hop) / 2 / reader.Rate();  // segments stand for a hop around their middle
-  result.columnSeconds = double(perColumn) * double(hop) / reader.Rate();
-  result.binHertz = double(reader.Rate()) / s.segment;
-  Progress progress("reading", frames);
-  std::span<float> tail(samples);
-  int64_t held = 0;  // segments in the sum
-  const auto finishColumn = [&] {
-    // A sine of amplitude a has the power a^2/2, half of it at the negative frequency that is not in the bins.
-    const double scale = 2 / (double(gain) * gain * double(held));
-    for (size_t i = 0; i < bins; ++i) {
-      result.level.push_back(float(10 * std::log10(scale * (i == 0 || 2 * i == len ? sum[i] / 2 : sum[i]))));
-    }
-    std::fill(sum.begin(), sum.end(), 0);
-    held = 0;
-    ++result.columns;
-  };
-  for (int64_t frame = 0; reader.Read(tail) == tail.size(); ++frame) {
-    Require(ORVAS_Mul_32f(samples.data(), window.data(), windowed.data(), s.segment), "the product");
-    Require(ORVAS_DFTRToC_32f(windowed.data(), &bin[0].re, spec.get()), "the transform");
-    Require(ORVAS_PowerSpectr_32fc(bin.data(), power.data(), int32_t(bins)), "the power");
-    for (size_t i = 0; i < bins; ++i) sum[i] += double(power[i]);
-    if (++held == perColumn) finishColumn();
-    std::copy(samples.begin() + std::ptrdiff_t(hop), samples.end(), samples.begin());
-    tail = std::span(samples).last(hop);
-    progress.Show(frame);
+  std::vector<Columns> columns(reader.Channels(), Columns(bins));
+  const int64_t samples = ForEachSegment(
+      reader, window, step, [&](size_t c, const std::vector<float>& power) { columns[c].Add(power); });
+  if (samples < s.segment) {
+    throw Failure(Format("'%s' holds %lld samples, fewer than a segment of %d: give a shorter --segment",
+                         ShownName(s.file).c_str(), static_cast<long long>(samples), s.segment));
   }
-  if (held > 0) finishColumn();
-  if (result.columns == 0) throw Failure(Format("'%s' ends before a segment is full", s.file.c_str()));
-  return result;
+  *soundSeconds = double(samples) / reader.Rate();
+  std::vector<Spectrogram> results;
+  for (size_t c = 0; c < columns.size(); ++c) {
+    Spectrogram g;
+    g.channel = s.channel == 0 ? int32_t(c) + 1 : s.channel;
+    // A sine of amplitude a has the power a^2/2. Segments stand for a step around their middle.
+    g.level = columns[c].Levels(1 / (double(gain) * gain));
+    g.columnSeconds = double(columns[c].PerColumn() * step) / reader.Rate();
+    for (size_t i = 0; i < g.level.size() / bins; ++i) {
+      g.seconds.push_back(double(len - step) / 2 / reader.Rate() + (double(i) + 0.5) * g.columnSeconds);
+    }
+    for (size_t i = 0; i < bins; ++i) g.hertz.push_back(double(i) * reader.Rate() / s.segment);
+    results.push_back(std::move(g));
+  }
+  return results;
 }
 
-Table LevelTable(const Spectrogram& g) {
-  Table table{{"time_s", "Time (s)", 3, {}}, {"frequency_hz", "Frequency (Hz)", 1, {}}, {"level_db", "Level", 1, {}}};
-  for (size_t i = 0; i < g.level.size(); ++i) {
-    table[0].values.push_back(g.Seconds(i / g.bins));
-    table[1].values.push_back(double(i % g.bins) * g.binHertz);
-    table[2].values.push_back(double(g.level[i]));
+// A table with the frequencies in its first row and the times in its first column.
+std::vector<double> Framed(const Spectrogram& g) {
+  std::vector<double> cells{std::numeric_limits<double>::quiet_NaN()};
+  cells.insert(cells.end(), g.hertz.begin(), g.hertz.end());
+  for (size_t column = 0; column < g.seconds.size(); ++column) {
+    cells.push_back(g.seconds[column]);
+    const auto first = g.level.begin() + std::ptrdiff_t(column * g.hertz.size());
+    cells.insert(cells.end(), first, first + std::ptrdiff_t(g.hertz.size()));
   }
+  return cells;
+}
+
+std::string Npy(const std::vector<Spectrogram>& spectrograms) {
+  std::vector<size_t> shape{1 + spectrograms[0].seconds.size(), 1 + spectrograms[0].hertz.size()};
+  if (spectrograms.size() > 1) shape.insert(shape.begin(), spectrograms.size());
+  std::vector<double> cells;
+  for (const Spectrogram& g : spectrograms) {
+    const std::vector<double> more = Framed(g);
+    cells.insert(cells.end(), more.begin(), more.end());
+  }
+  return NpyArray(shape, cells);
+}
+
+JsonObject Json(const Spectrogram& g) {
+  JsonObject object;
+  object.Add("channel", g.channel);
+  object.AddArray("frequency_hz", g.hertz);
+  object.AddArray("time_s", g.seconds);
+  object.AddMatrix("level_db", {g.level.begin(), g.level.end()}, g.hertz.size());
+  return object;
+}
+
+// A column for each frequency, a row for each time; the channels one after the other.
+Table LevelTable(const std::vector<Spectrogram>& spectrograms) {
+  Table table{{"channel", "", 0, {}}, {"time_s", "", 0, {}}};
+  for (const double hertz : spectrograms[0].hertz) table.push_back({Format("%.9g", hertz), "", 0, {}});
+  for (const Spectrogram& g : spectrograms) {
+    table[0].values.insert(table[0].values.end(), g.seconds.size(), g.channel);
+    table[1].values.insert(table[1].values.end(), g.seconds.begin(), g.seconds.end());
+    for (size_t i = 0; i < g.level.size(); ++i) table[2 + i % g.hertz.size()].values.push_back(double(g.level[i]));
+  }
+  if (spectrograms.size() == 1) table.erase(table.begin());
   return table;
+}
+
+Plot MakePlot(const Settings& s, const Spectrogram& g, const std::string& about, double top) {
+  Plot plot;
+  plot.title = CleanText(BaseName(s.file)) + ": spectrogram";
+  if (s.channel == 0) plot.title += Format(", channel %d", g.channel);
+  plot.subtitle = about;
+  const double start = g.seconds.front() - g.columnSeconds / 2;
+  plot.x = {"Time (s)", start, start + double(g.seconds.size()) * g.columnSeconds};
+  plot.y = {"Frequency (Hz)", 0, g.hertz.back()};
+  plot.image = {g.seconds.size(), g.hertz.size(), g.level, top - s.range, top, "dB"};
+  return plot;
 }
 
 void Run(int argc, char** argv) {
@@ -112,49 +181,47 @@ void Run(int argc, char** argv) {
                   "tzm spectrogram --segment 512 /usr/share/sounds/alsa/Front_Center.wav");
   options.Number("segment", 's', "samples in a segment, a multiple of 4", s.segment, kShortestSegment, kLongestSegment);
   options.Number("range", 'r', "dB from the darkest to the brightest colour", s.range, 1, 300);
-  options.Number("channel", 'c', "channel, counted from 1", s.channel, 1, 1024);
-  s.results.Declare(options, "print times, frequencies and levels as CSV; plot only with --output",
-                    "print them as JSON; plot only with --output");
+  options.Channel(s.channel, true);
+  s.results.Declare(options, "print a line for each time, a level for each frequency, as CSV; plot only with --output",
+                    "print frequencies, times and a row of levels for each as JSON; plot only with --output");
+  s.sound.Declare(options, SoundOptions::Use::kReads);
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
   s.file = operands->front();
   s.results.Settle(s.file, "spectrogram");
+  s.sound.Check();
   if (s.segment % kOverlaps != 0) throw UsageError(Format("--segment is a multiple of 4, unlike %d", s.segment));
 
-  AudioReader reader(s.file, s.channel);
-  if (reader.Length() < s.segment) {
-    throw Failure(Format("'%s' holds %lld samples, fewer than a segment of %d: give a shorter --segment",
-                         s.file.c_str(), static_cast<long long>(reader.Length()), s.segment));
-  }
-  const Spectrogram g = Analyse(reader, s);
-  const auto highest = size_t(std::max_element(g.level.begin(), g.level.end()) - g.level.begin());
-  const std::string about = Format("%d Hz, %.2f s, channel %d of %d; segments of %d samples, %.3g Hz per bin",
-                                   reader.Rate(), double(reader.Length()) / reader.Rate(), s.channel,
-                                   reader.Channels(), s.segment, g.binHertz);
+  AudioReader reader(s.file, s.sound, ChannelList(s.channel));
+  double seconds = 0;
+  const std::vector<Spectrogram> spectrograms = Analyse(reader, s, &seconds);
+  const auto& loudest = *std::max_element(spectrograms.begin(), spectrograms.end(), [](const auto& a, const auto& b) {
+    return a.HighestLevel() < b.HighestLevel();
+  });
+  const size_t bins = loudest.hertz.size(), highest = loudest.Highest();
+  const std::string about =
+      Format("%d Hz, %.2f s, %s; segments of %d samples, %.3g Hz per bin", reader.Rate(), seconds,
+             ChannelText(s.channel, reader.FileChannels()).c_str(), s.segment, loudest.hertz[1]);
   if (s.results.csv) {
-    PrintCsv(LevelTable(g));
+    PrintCsv(LevelTable(spectrograms));
   } else if (s.results.json) {
     JsonObject object;
     object.Add("file", s.file);
     object.Add("rate_hz", reader.Rate());
-    object.Add("channel", s.channel);
     object.Add("segment", s.segment);
-    object.AddColumns("levels", LevelTable(g));
+    std::vector<JsonObject> objects;
+    for (const Spectrogram& g : spectrograms) objects.push_back(Json(g));
+    object.AddObjects("spectrograms", objects);
     object.Print();
-  } else {
+  } else if (s.results.Text()) {
     std::printf("%s: %s\n\n  highest: %.1f dB at %.2f s, %.0f Hz\n", CleanText(BaseName(s.file)).c_str(), about.c_str(),
-                double(g.level[highest]), g.Seconds(highest / g.bins),
-                double(highest % g.bins) * g.binHertz);
+                loudest.HighestLevel(), loudest.seconds[highest / bins], loudest.hertz[highest % bins]);
   }
-  if (s.results.output.empty()) return;
-  Plot plot;
-  plot.title = CleanText(BaseName(s.file)) + ": spectrogram";
-  plot.subtitle = about;
-  plot.x = {"Time (s)", g.startSeconds, g.startSeconds + double(g.columns) * g.columnSeconds};
-  plot.y = {"Frequency (Hz)", 0, reader.Rate() / 2.0};
-  const double top = std::isfinite(g.level[highest]) ? std::ceil(double(g.level[highest])) : 0;
-  plot.image = {g.columns, g.bins, g.level, top - s.range, top, "dB"};
-  WritePlot(plot, s.results.output);
+  if (s.results.WantsArray()) s.results.WriteArray(Npy(spectrograms));
+  if (!s.results.Draws(!std::isfinite(loudest.HighestLevel()))) return;
+  std::vector<Plot> plots;
+  for (const Spectrogram& g : spectrograms) plots.push_back(MakePlot(s, g, about, std::ceil(loudest.HighestLevel())));
+  WritePlots(plots, s.results.output);
   s.results.PrintPlotName();
 }
 

@@ -11,8 +11,8 @@
 #include "command.h"
 #include "options.h"
 #include "output.h"
-#include "progress.h"
 #include "results.h"
+#include "stream.h"
 #include "text.h"
 
 namespace tzm {
@@ -55,16 +55,16 @@ struct Levels {
 double Decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
 std::vector<Levels> Measure(AudioReader& reader) {
-  std::vector<Levels> levels(size_t(reader.Channels()));
+  std::vector<Levels> levels(reader.Channels());
   Planes samples(levels.size(), std::vector<float>(kBlock));
-  std::vector<double> wide(kBlock);
   Progress progress("reading", reader.Length());
   int64_t done = 0;
   while (const size_t got = reader.Read(samples)) {
-    for (size_t c = 0; c < levels.size(); ++c) {
+    ForEachChannel(levels.size(), [&](size_t c) {
+      std::vector<double> wide(got);
       Require(ORVAS_Convert_32f64f(samples[c].data(), wide.data(), int32_t(got)), "the conversion");
       levels[c].Add(wide, int32_t(got));
-    }
+    });
     progress.Show(done += int64_t(got));
   }
   return levels;
@@ -86,19 +86,21 @@ Table LevelTable(const std::vector<Levels>& levels) {
 
 void Run(int argc, char** argv) {
   DataOptions results;
+  SoundOptions sound;
   Options options("stats", "FILE",
                   "Measures every channel of a sound file: root mean square and peak in dB relative to full scale\n"
                   "(a sine at full scale has an RMS of -3.01 dB), the crest factor between them, mean, standard\n"
                   "deviation, lowest and highest sample, full scale being 1.",
                   "tzm stats /usr/share/sounds/alsa/Front_Center.wav");
   results.Declare(options, "print as CSV", "print as JSON");
+  sound.Declare(options, SoundOptions::Use::kReads);
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
   results.Check();
+  sound.Check();
 
   const std::string& file = operands->front();
-  AudioReader reader(file);
-  reader.RequireSamples();
+  AudioReader reader(file, sound, {});
   const std::vector<Levels> levels = Measure(reader);
   if (results.csv) return PrintCsv(LevelTable(levels));
   if (!results.json) {

@@ -49,6 +49,17 @@ std::string CleanText(const std::string& text) {
   return clean;
 }
 
-std::string BaseName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+std::string ZshEscaped(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '[' || c == ']' || c == ':' || c == '\\') escaped += '\\';
+    escaped += c == '\'' ? "'\\''" : std::string(1, c);
+  }
+  return escaped;
+}
+
+std::string BaseName(const std::string& path) { return std::filesystem::path(ShownName(path)).filename().string(); }
+
+std::string ShownName(const std::string& path) { return IsStandard(path) ? "standard input" : path; }
 
 }  // namespace tzm

@@ -13,8 +13,17 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
  * file names may hold anything, plots and JSON may not. */
 std::string CleanText(const std::string& text);
 
-/** The file's name without its folders. */
+/** Whether a path, "-", stands for standard input or output. */
+inline bool IsStandard(const std::string& path) { return path == "-"; }
+
+/** The text for a script of zsh, between brackets or colons in single quotes. */
+std::string ZshEscaped(const std::string& text);
+
+/** The file's name without its folders; "standard input" for that. */
 std::string BaseName(const std::string& path);
+
+/** The path, or "standard input". */
+std::string ShownName(const std::string& path);
 
 }  // namespace tzm
 

@@ -17,15 +17,13 @@
 namespace tzm {
 namespace {
 
-constexpr std::array<std::string_view, 3> kFormatNames{"16", "24", "float"};
-constexpr std::array<int, 3> kFormats{SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_FLOAT};
 constexpr int64_t kBlock = 1 << 16;
 constexpr double kToneSeconds = 1, kKeySeconds = 0.1;
 
 struct Settings {
   double frequency = 1000, amplitude = 0.5, phase = 0, seconds = 0;
   int32_t rate = 48000;
-  size_t format = 0;
+  SoundOptions sound;
   std::string keys;
 };
 
@@ -41,13 +39,12 @@ void AddTone(double amplitude, double frequency, double phase, int64_t at, int32
 // `count` samples in blocks; fill(at, len, dst) adds those of a block to zeros.
 template <class Fill>
 void WriteBlocks(AudioWriter& writer, int64_t count, const Fill& fill) {
-  Planes samples(1);
+  WidePlanes samples(1);
   Progress progress("writing", count);
   for (int64_t at = 0; at < count; at += kBlock) {
     const auto len = size_t(std::min(kBlock, count - at));
-    std::vector<double> block(len);
-    fill(at, int32_t(len), block.data());
-    samples[0].assign(block.begin(), block.end());
+    samples[0].assign(len, 0.0);
+    fill(at, int32_t(len), samples[0].data());
     writer.Write(samples, 0, len);
     progress.Show(at);
   }
@@ -69,7 +66,7 @@ void WriteKeys(const Settings& s, int64_t samples, AudioWriter& writer) {
 void Run(int argc, char** argv) {
   Settings s;
   Options options("tone", "OUTPUT",
-                  "Writes a sine to a WAV file of one channel, or with --keys the keypad tones of a telephone\n"
+                  "Writes a sine to a sound file of one channel, or with --keys the keypad tones of a telephone\n"
                   "number: for each key two tones of half the amplitude, and as long a pause.",
                   "tzm tone --frequency 440 --seconds 2 a.wav\n  tzm tone --keys 0123 number.wav");
   options.Number("frequency", 'f', "frequency in Hz", s.frequency, 1e-6, 1e9);
@@ -77,7 +74,7 @@ void Run(int argc, char** argv) {
   options.Number("phase", 'p', "phase in degrees of the sine at the first sample", s.phase, -360, 360);
   options.Number("seconds", 's', "length (default 1), of each key (default 0.1)", s.seconds, 1e-6, 1e6);
   options.Number("rate", 'r', "sampling rate in Hz", s.rate, 1, 10000000);
-  options.Choice("format", 0, kFormatNames, "samples: bits of an integer, or", s.format);
+  s.sound.Declare(options, SoundOptions::Use::kWrites);
   options.Text("keys", 'k', "KEYS", "keypad tones: 0 to 9, *, #, A to D", s.keys);
   const auto operands = options.Parse(argc, argv, 1);
   if (!operands) return;
@@ -93,7 +90,7 @@ void Run(int argc, char** argv) {
   const double seconds = s.seconds > 0 ? s.seconds : keypad ? kKeySeconds : kToneSeconds;
   const auto samples = int64_t(std::llround(seconds * s.rate));
 
-  AudioWriter writer(operands->front(), s.rate, 1, kFormats[s.format]);
+  AudioWriter writer(operands->front(), s.rate, 1, SF_FORMAT_PCM_16, s.sound);
   if (keypad) {
     WriteKeys(s, samples, writer);
   } else {

@@ -20,11 +20,8 @@ near 'difference of the exchanged' "$(difference one.wav other.wav 230000)" 0 2e
 near 'level after a gain' "$(figure '.channels[1].rms_db' stats made.wav)" -21.072 0.001
 
 # Delays: of noise cut off at its start, of the longer one against it, of an inverted one, and half a sample.
-cut() { # SAMPLES
-  head -c $(($(stat -c %s noise.wav) - 4 * 150000)) noise.wav
-  tail -c $((4 * (150000 - $1))) noise.wav
-}
-cut 12345 >late.wav
+tail -c $((4 * (150000 - 12345))) noise.wav |
+  "$tzm" convolve --raw --rate 48000 --format float - minus.wav late.wav >/dev/null
 "$tzm" convolve noise.wav minus.wav inverted.wav >/dev/null
 "$tzm" tone -f 1 -p 90 -s 0.00004 --format float half.wav >/dev/null
 "$tzm" convolve noise.wav half.wav between.wav >/dev/null
@@ -33,7 +30,8 @@ near 'delay of the earlier one' "$(figure .delay_samples delay -r noise.wav late
 near 'delay beyond the range' "$(figure .delay_samples delay -r noise.wav --range 50 late.wav)" 0 2400
 near 'delay by half a sample' "$(figure .delay_samples delay -r noise.wav between.wav)" 0.5 0.01
 near 'coefficient by half a sample' "$(figure .coefficient delay -r noise.wav between.wav)" 0.7071 0.005
-near 'coefficient' "$(figure .coefficient delay -r noise.wav noise.wav)" 1 1e-4
+[ "$(figure .coefficient delay -r noise.wav noise.wav)" = 1 ] || wrong 'coefficient of equals'
+near 'delay of a pipe' "$(figure .delay_samples delay -r noise.wav - <late.wav)" -12345 0.01
 near 'delay of the inverted' "$(figure .delay_samples delay -r noise.wav inverted.wav)" 0 0.001
 near 'coefficient of the inverted' "$(figure .coefficient delay -r noise.wav inverted.wav)" -1 1e-4
 near 'lags' "$("$tzm" delay --csv --range 1 -r noise.wav -o lags.svg late.wav | wc -l)" 98 0
@@ -43,7 +41,6 @@ grep -q '<svg' lags.svg || wrong 'no plot of the lags'
 "$make_sound" none.wav 1 0 1 1 0
 refuses 1 'tzm resample' convolve noise.wav slow.wav out.wav
 refuses 1 'has 2 channels, the recording 1' convolve noise.wav stereo.wav out.wav
-refuses 1 'holds 0 samples' convolve noise.wav none.wav out.wav
 refuses 1 'is silent' delay stereo.wav
 refuses 2 'has 1 channel' delay noise.wav
 refuses 1 'tzm resample' delay -r slow.wav noise.wav

@@ -36,6 +36,28 @@ near 'bytes of a recording' "$(($(stat -c %s self.wav) - $(stat -c %s "$recordin
 "$tzm" psd --csv self.wav | awk -F, 'NR > 1 && $1 > 4500 && $2 > -90 { bad = 1 } END { exit bad }' ||
   wrong 'a recording after a bandpass'
 
+# The taps are those of SciPy: what the filter makes of one sample.
+"$make_sound" click.wav 1 501 0 0 0
+printf '\0\0\200\077' | dd of=click.wav bs=1 seek=$((44 + 4 * 250)) conv=notrunc status=none
+for design in 'lowpass hamming' 'highpass hann' 'bandpass blackman' 'bandstop kaiser' 'lowpass bartlett' \
+  'bandstop rectangular'; do
+  read -r kind window <<<"$design"
+  upper=()
+  if [[ $kind == band* ]]; then upper=(-u 9000); fi
+  "$tzm" filter -k "$kind" -w "$window" -f 3000 "${upper[@]}" -t 401 --format float click.wav taps.raw >/dev/null
+  near "taps of $design" "$(/usr/bin/python3 - "$kind" "${window/rectangular/boxcar}" <<'END'
+import sys, numpy, scipy.signal
+kind, window = sys.argv[1], sys.argv[2]
+expected = scipy.signal.firwin(401, [3000, 9000] if kind[0] == "b" else 3000, pass_zero=kind, fs=48000,
+                               window=("kaiser", scipy.signal.kaiser_beta(80)) if window == "kaiser" else window)
+print(numpy.abs(numpy.fromfile("taps.raw", numpy.float32)[50:451] - expected).max())
+END
+)" 0 3e-7
+done
+"$tzm" filter -w blackman-opt -f 3000 click.wav out.wav >/dev/null || wrong 'blackman-opt'
+
+refuses 2 'is for --window kaiser' filter -f 100 -a 60 in.wav out2.wav
+refuses 2 'is the sound itself' filter -f 100 --response self.png "$(cp in.wav self.png; echo self.png)" out2.wav
 refuses 2 'needs --cutoff' filter in.wav out2.wav
 refuses 2 'needs --upper' filter -k bandstop -f 100 in.wav out2.wav
 refuses 2 'takes no --upper' filter -f 100 -u 200 in.wav out2.wav

@@ -18,7 +18,8 @@ near "first channel's peaks" "$(figure '.peaks | length' psd between.wav)" 0 0
 
 # A file of many pieces gives what SciPy's estimate gives, also when the steps do not divide the pieces.
 "$make_sound" long.wav 1 2500000 440 0.1 0.2
-for shape in '1000 0.37 hann' '512 0.5 hamming' '4096 0.5 blackman' '4097 0.5 bartlett' '30000 0.95 rectangular'; do
+for shape in '1000 0 hann' \
+  '1000 0.37 hann' '512 0.5 hamming' '4096 0.5 blackman' '4097 0.5 bartlett' '30000 0.95 rectangular'; do
   read -r segment overlap window <<<"$shape"
   "$tzm" psd -s "$segment" -p "$overlap" -w "$window" --csv long.wav >long.csv
   near "difference from SciPy ($shape)" "$(/usr/bin/python3 - "$segment" "$overlap" "${window/rectangular/boxcar}" <<'END'
@@ -43,10 +44,24 @@ grep -q '<svg' noise.svg || wrong "no SVG"
 
 # Names that are no text, and silence, are no obstacle.
 cp tone.wav $'b\xe4d "name"\n.wav'
-"$tzm" psd --json -o odd.svg $'b\xe4d "name"\n.wav' |
-  jq -e '.file == "b?d \"name\"?.wav" and .spectrum.density_db[9] == null' >/dev/null || wrong "JSON of an odd name"
+"$tzm" psd --json -c 2 -o odd.svg $'b\xe4d "name"\n.wav' |
+  jq -e '.file == "b?d \"name\"?.wav"' >/dev/null || wrong "JSON of an odd name"
+"$tzm" psd tone.wav | grep -q 'Silence: there is nothing to draw' || wrong 'silence drawn'
+warns 'nothing to draw' psd --json -o silent.svg tone.wav
+jq -e '.spectrum.density_db[9] == null' "$said.out" >/dev/null || wrong 'JSON of silence'
+
+# All channels at once: as each alone; as an array.
+"$tzm" psd -c all -o all.svg --npy tone.wav >all.npy
+"$tzm" psd -c 2 --csv tone.wav >second.csv
+near 'second of all channels' "$(/usr/bin/python3 -c 'import numpy
+all, second = numpy.load("all.npy"), numpy.loadtxt("second.csv", delimiter=",", skiprows=1)
+print(abs(all["density_db_2"] - second[:, 1]).max() + abs(all["frequency_hz"] - second[:, 0]).max())')" 0 1e-4
+grep -q '<svg' all.svg || wrong 'no plot of all channels'
+near 'channels of the peaks' "$(figure '[.peaks[].channel] | unique | .[]' psd -c all tone.wav)" 2 0
 
 "$make_sound" short.wav 1 5 1000 0.5 0
+cp tone.wav tone.png
+refuses 2 'is the sound itself' psd -o tone.png tone.png
 refuses 2 'leaves no step' psd --segment 10 --overlap 0.95 tone.wav
 refuses 2 'longer than' psd --segment 100000 tone.wav
 refuses 1 'holds 5 samples' psd short.wav

@@ -54,5 +54,13 @@ refuses() {
   [ "$before" = "$after" ] || wrong "'$*' left a file: $after"
 }
 
+# warns TEXT ARGUMENT...: status 3, one line on standard error that has TEXT; the rest is in $said.out.
+warns() {
+  local got=0
+  "$tzm" "${@:2}" >"$said.out" 2>"$said.err" || got=$?
+  { [ "$got" = 3 ] && [ "$(wc -l <"$said.err")" = 1 ] && grep -qF -- "$1" "$said.err"; } ||
+    wrong "'${*:2}': exit status $got, not 3; it said: $(cat "$said.err")"
+}
+
 . "$here/$1.sh"
 [ "$failures" = 0 ]

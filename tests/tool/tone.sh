@@ -19,6 +19,8 @@ for rate in 8000 44100; do
     (.value.start_s - 0.16 * .key | fabs), (.value.duration_s - 0.08 | fabs)] | max' keys.json)" 0 0.0101
   near 'worst level of a key' "$(jq '[.tones[].level_db + 12.04 | fabs] | max' keys.json)" 0 0.5
 done
+near 'start of the first key' "$(jq '.tones[0].start_s' keys.json)" 0 0
+"$tzm" detect -o keys.svg keys.wav | grep -q 'Plot: keys.svg' || wrong 'no plot of keys'
 "$tzm" detect --csv keys.wav | sed -n 3p | grep -q '^2,0.1[56]' || wrong 'CSV of keys'
 
 # In noise; not in speech; no key in a tone alone.
@@ -41,4 +43,3 @@ refuses 2 'not below half' tone -f 24000 out.wav
 refuses 2 'not below half' tone -k 1 -r 3000 out.wav
 refuses 2 "not '12x'" tone -k 12x out.wav
 refuses 2 'not below half' detect -f 30000 one.wav
-refuses 2 'no plot' detect -o keys.svg keys.wav

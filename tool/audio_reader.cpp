@@ -1,0 +1,228 @@
+// Sound files and streams, read through libsndfile.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <numeric>
+#include <system_error>
+
+#include "audio.h"
+#include "command.h"
+#include "text.h"
+
+namespace tzm {
+namespace {
+
+constexpr float kLargestSample = 1e10f;  // 200 dB beyond full scale, and integers that were never scaled
+constexpr int64_t kUnknown = int64_t{1} << 40;  // frames; libsndfile gives more where a file does not tell
+
+// Why the system will not let us read the file; empty when it will. The sound library does not tell.
+std::string SystemError(const std::string& path) {
+  std::error_code ignored;  // access tells it as well
+  if (std::filesystem::is_directory(path, ignored)) return "it is a folder";
+  return access(path.c_str(), R_OK) == 0 ? "" : std::strerror(errno);
+}
+
+// What a stream whose length was not known when it began has in place of it: all ones, or a little below a power of
+// two so that the sizes around it do not overflow.
+bool IsPlaceholder(int64_t bytes) {
+  constexpr int64_t kSlack = 1 << 12;
+  for (const int64_t top : {int64_t{INT32_MAX}, int64_t{UINT32_MAX}, INT64_MAX}) {
+    if (bytes <= top && bytes > top - kSlack) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+AudioReader::AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels,
+                         bool twice)
+    : path_(path), shown_(ShownName(path)), channels_(std::move(channels)) {
+  if (options.raw) {
+    info_.format = SF_FORMAT_RAW | (options.bigEndian ? SF_ENDIAN_BIG : SF_ENDIAN_LITTLE) |
+                   (options.SampleFormat() ? options.SampleFormat() : SF_FORMAT_PCM_16);
+    info_.samplerate = options.rate;
+    info_.channels = options.channels;
+  }
+  if (IsStandard(path)) {
+    if (twice && lseek(STDIN_FILENO, 0, SEEK_CUR) == -1) Spool();
+    file_.reset(sf_open_fd(STDIN_FILENO, SFM_READ, &info_, SF_FALSE));
+  } else {
+    const std::string reason = SystemError(path);
+    if (!reason.empty()) throw Failure(Format("cannot read '%s': %s", path.c_str(), reason.c_str()));
+    file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
+  }
+  if (!file_) {
+    const char* const hint = IsStandard(path) ? " (from a pipe WAV, AIFF, AU and Ogg can be read)" : "";
+    throw Failure(Format("'%s' is no sound file that can be read: %s%s", shown_.c_str(), sf_strerror(nullptr), hint));
+  }
+  for (const int32_t channel : channels_) {
+    if (channel > info_.channels) {
+      throw UsageError(Format("'%s' has %d channel%s and no channel %d", shown_.c_str(), info_.channels,
+                              info_.channels == 1 ? "" : "s", channel));
+    }
+  }
+  if (channels_.empty()) {
+    channels_.resize(size_t(info_.channels));
+    std::iota(channels_.begin(), channels_.end(), 1);
+  }
+  promised_ = Promised();
+  blockFrames_ = std::clamp<size_t>((size_t{1} << 18) / size_t(info_.channels), kAhead, 1 << 16);
+  frames_.resize(blockFrames_ * size_t(info_.channels));
+  ReadAhead();
+}
+
+// Standard input becomes a file without a name.
+void AudioReader::Spool() {
+  std::FILE* const copy = std::tmpfile();
+  std::vector<char> bytes(1 << 16);
+  bool good = copy != nullptr;
+  for (ssize_t got = 0; good && (got = read(STDIN_FILENO, bytes.data(), bytes.size())) != 0;) {
+    good = got > 0 && std::fwrite(bytes.data(), 1, size_t(got), copy) == size_t(got);
+  }
+  good = good && std::fflush(copy) == 0 && dup2(fileno(copy), STDIN_FILENO) >= 0 &&
+         lseek(STDIN_FILENO, 0, SEEK_SET) == 0;
+  const int error = errno;
+  if (copy) std::fclose(copy);
+  if (!good) throw Failure(Format("keeping standard input for a second reading: %s", std::strerror(error)));
+}
+
+// How many frames the header tells of, even if the file ends before; 0 where it does not. libsndfile cuts its own count
+// to what is there, but its log has both: "data : 576000 (should be 287978)" in bytes.
+int64_t AudioReader::Promised() {
+  const int64_t frames = info_.frames < kUnknown ? int64_t(info_.frames) : 0;
+  std::string log(1 << 14, '\0');
+  sf_command(file_.get(), SFC_GET_LOG_INFO, log.data(), int(log.size()));
+  struct Entry {
+    const char* name;
+    int64_t more;  // bytes that are counted but hold no samples
+  };
+  for (const auto& [name, more] : {Entry{"data :", 0}, Entry{"SSND :", 8}, Entry{"Data Size   :", 0}}) {
+    const size_t at = log.find(name);
+    if (at == std::string::npos) continue;
+    char* rest;
+    const int64_t promised = std::strtoll(log.data() + at + std::strlen(name), &rest, 10);
+    if (IsPlaceholder(promised)) return 0;
+    int64_t there = 0;
+    if (std::sscanf(rest, " (should be %" SCNd64, &there) != 1 || there <= more) break;
+    return std::max(frames, int64_t(std::round(double(promised - more) / double(there - more) * double(frames))));
+  }
+  return frames;
+}
+
+// The next block, which the task that reads ahead makes: what it touches, nothing else does meanwhile.
+AudioReader::Block AudioReader::ReadBlock() {
+  Block block;
+  const auto all = size_t(info_.channels);
+  block.count = size_t(std::max<sf_count_t>(0, sf_readf_float(file_.get(), frames_.data(), sf_count_t(blockFrames_))));
+  if (block.count < blockFrames_ && sf_error(file_.get())) block.error = sf_strerror(file_.get());
+  const auto isBad = [](float v) { return !(std::abs(v) <= kLargestSample); };
+  bool good = true;
+  for (size_t i = 0; i < block.count * all; ++i) good &= !isBad(frames_[i]);
+  if (!good) {
+    const auto bad = std::find_if(frames_.begin(), frames_.end(), isBad);
+    const int64_t at = frame_ + (bad - frames_.begin()) / std::ptrdiff_t(all);
+    throw Failure(Format("'%s' holds a sample that is not finite, or beyond %g, at %.4f s", shown_.c_str(),
+                         double(kLargestSample), double(at) / info_.samplerate));
+  }
+  for (const int32_t channel : channels_) {
+    std::vector<float> plane(block.count);
+    for (size_t i = 0; i < block.count; ++i) plane[i] = frames_[i * all + size_t(channel - 1)];
+    block.samples.push_back(std::move(plane));
+  }
+  frame_ += int64_t(block.count);
+  return block;
+}
+
+void AudioReader::ReadAhead() {
+  next_ = std::async(std::launch::async, [this] { return ReadBlock(); });
+}
+
+// False at the end.
+bool AudioReader::NextBlock() {
+  if (ended_) return false;
+  block_ = next_.get();
+  ended_ = block_.count < blockFrames_;
+  if (ended_) {
+    CheckEnd();
+  } else {
+    ReadAhead();
+  }
+  return true;
+}
+
+size_t AudioReader::Read(Planes& dst, size_t at) {
+  const size_t wanted = dst[0].size() - at;
+  size_t done = 0;
+  while (done < wanted) {
+    if (block_.used == block_.count) {
+      if (NextBlock()) continue;
+      break;
+    }
+    const size_t count = std::min(wanted - done, block_.count - block_.used);
+    for (size_t c = 0; c < dst.size(); ++c) std::copy_n(&block_.samples[c][block_.used], count, &dst[c][at + done]);
+    block_.used += count;
+    done += count;
+  }
+  return done;
+}
+
+size_t AudioReader::Ahead() {
+  if (block_.used == block_.count) NextBlock();
+  return block_.count - block_.used;
+}
+
+void AudioReader::CheckEnd() {
+  if (frame_ == 0 && block_.error.empty()) throw Failure(Format("'%s' holds no samples", shown_.c_str()));
+  if (frame_ < promised_) {
+    Warn(Format("'%s' is cut off: it holds %lld of the %lld samples that it promises%s", shown_.c_str(),
+                static_cast<long long>(frame_), static_cast<long long>(promised_),
+                block_.error.empty() ? "" : (" (" + block_.error + ")").c_str()));
+    promised_ = frame_;
+  } else if (!block_.error.empty()) {
+    throw Failure(Format("reading '%s': %s", shown_.c_str(), block_.error.c_str()));
+  }
+}
+
+void AudioReader::Rewind() {
+  if (next_.valid()) next_.wait();
+  if (sf_seek(file_.get(), 0, SEEK_SET) != 0) {
+    throw Failure(Format("reading '%s' again: %s", shown_.c_str(), sf_strerror(file_.get())));
+  }
+  frame_ = 0;
+  block_ = {};
+  ended_ = false;
+  ReadAhead();
+}
+
+AudioPair::AudioPair(const std::string& path, int32_t channel, const std::string& otherPath, int32_t otherChannel,
+                     const SoundOptions& options)
+    : first_(path, options, path == otherPath ? std::vector{channel, otherChannel} : std::vector{channel}) {
+  if (path == otherPath) return;
+  second_.emplace(otherPath, SoundOptions{}, std::vector{otherChannel});
+  if (first_.Rate() != second_->Rate()) {
+    throw Failure(Format("'%s' has %d Hz, the reference %d: make them equal with tzm resample", ShownName(path).c_str(),
+                         first_.Rate(), second_->Rate()));
+  }
+}
+
+std::array<size_t, 2> AudioPair::Read(Planes& dst, size_t at) {
+  std::array<size_t, 2> counts;
+  if (second_) {
+    Planes one{std::move(dst[0])}, other{std::move(dst[1])};
+    counts = {first_.Read(one, at), second_->Read(other, at)};
+    dst = {std::move(one[0]), std::move(other[0])};
+  } else {
+    counts.fill(first_.Read(dst, at));
+  }
+  for (size_t c : {0, 1}) std::fill(dst[c].begin() + std::ptrdiff_t(at + counts[c]), dst[c].end(), 0.0f);
+  return counts;
+}
+
+}  // namespace tzm
