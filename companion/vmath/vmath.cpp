@@ -1,47 +1,95 @@
-// Vector math: the deterministic functions of SLEEF, which give the same bits on every vector unit, within
-// 1 ulp, and the vector unit's own product and square root. What is exported runs on the widest vector unit
-// that there is.
-#define TZM_UNIT baseline
-#include "kernels.h"
+// Vector mathematics: kernels of our own over the registers that the compiler was told of, with the same bits on
+// each. Binary32 is computed in binary64 and rounded once. A result depends on nothing but its arguments: not on
+// its position, its neighbours or the address.
+#include <signal_tzm/companion.h>
 
-#if HWY_ARCH_X86
-#define _Bool bool  // for C++ compilers that do not know the header's word
-#include <sys/platform/x86.h>
-#undef _Bool
+#include "arctangent.h"
+#include "exp.h"
+#include "frame/drive.h"
+#include "log.h"
+#include "power.h"
+#include "trigonometric.h"
 
-// What the compiler may use in avx512.cpp (x86-64-v4), as the loader found it before any code ran:
-// GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX512F takes it away.
-static bool HasAvx512() {
-  return CPU_FEATURE_ACTIVE(AVX512F) && CPU_FEATURE_ACTIVE(AVX512BW) && CPU_FEATURE_ACTIVE(AVX512CD) &&
-         CPU_FEATURE_ACTIVE(AVX512DQ) && CPU_FEATURE_ACTIVE(AVX512VL);
+namespace {
+
+using namespace vmath;
+
+// r[i] = function(a[i], ...) for `n` elements.
+template <class T, class Function, class... Source>
+TZM_INLINE void Map(int32_t n, Function function, T* r, const Source*... a) {
+  if (n < 1) return;
+  const Full<T> d;
+  ForEach<hn::MaxLanes(d), 1>(n, [=](T* to, const Source*... from) TZM_LAMBDA {
+    hn::StoreU(function(hn::LoadU(d, from)...), d, to);
+  }, r, a...);
 }
-#define DECLARE(name) namespace avx512 { decltype(::name) name; }
-#define CHOSEN(name) (HasAvx512() ? avx512::name : baseline::name)
-#else
-#define DECLARE(name)
-#define CHOSEN(name) baseline::name
-#endif
+// The same for a function of binary64, of which binary32's is the result rounded once.
+template <class Function, class... Source>
+TZM_INLINE void Compute(int32_t n, Function function, Orva64f* r, const Source*... a) {
+  Map(n, function, r, a...);
+}
+template <class Function, class... Source>
+TZM_INLINE void Compute(int32_t n, Function function, Orva32f* r, const Source*... a) {
+  if (n < 1) return;
+  const Full<float> d;
+  ForEach<hn::MaxLanes(d), 1>(n, [=](Orva32f* to, const Source*... from) TZM_LAMBDA {
+    const V low = function(LoadWidened(D(), from).low...), high = function(LoadWidened(D(), from).high...);
+    hn::StoreU(NarrowPair(d, low, high), d, to);
+  }, r, a...);
+}
 
-#define ONE_SOURCE(name, T) \
-  DECLARE(name)             \
-  void name(int32_t n, const T* a, T* r) { CHOSEN(name)(n, a, r); }
-#define TWO_SOURCES(name, T) \
-  DECLARE(name)              \
-  void name(int32_t n, const T* a, const T* b, T* r) { CHOSEN(name)(n, a, b, r); }
-#define TWO_RESULTS(name, T) \
-  DECLARE(name)              \
-  void name(int32_t n, const T* a, T* s, T* c) { CHOSEN(name)(n, a, s, c); }
-#define BOTH_TYPES(shape, name) shape(vs##name, Orva32f) shape(vd##name, Orva64f)
+}  // namespace
 
-BOTH_TYPES(TWO_SOURCES, mul)
-BOTH_TYPES(ONE_SOURCE, sqrt)
-BOTH_TYPES(ONE_SOURCE, sin)
-BOTH_TYPES(ONE_SOURCE, cos)
-BOTH_TYPES(ONE_SOURCE, tan)
-BOTH_TYPES(ONE_SOURCE, atan)
-BOTH_TYPES(ONE_SOURCE, exp)
-BOTH_TYPES(ONE_SOURCE, ln)
-BOTH_TYPES(ONE_SOURCE, log10)
-BOTH_TYPES(TWO_SOURCES, atan2)
-BOTH_TYPES(TWO_SOURCES, pow)
-BOTH_TYPES(TWO_RESULTS, sincos)
+#define ONE_SOURCE(T, name, function) \
+  void name(int32_t n, const T* a, T* r) { Compute(n, function, r, a); }
+#define TWO_SOURCES(T, name, function) \
+  void name(int32_t n, const T* a, const T* b, T* r) { Compute(n, function, r, a, b); }
+
+void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r) {
+  Map(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
+}
+void vdmul(int32_t n, const Orva64f* a, const Orva64f* b, Orva64f* r) {
+  Map(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
+}
+void vssqrt(int32_t n, const Orva32f* a, Orva32f* r) { Map(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
+void vdsqrt(int32_t n, const Orva64f* a, Orva64f* r) { Map(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
+
+ONE_SOURCE(Orva32f, vsexp, Exp32())
+ONE_SOURCE(Orva64f, vdexp, Exp64())
+ONE_SOURCE(Orva32f, vsln, Log32<Natural>())
+ONE_SOURCE(Orva64f, vdln, Log64<Natural>())
+ONE_SOURCE(Orva32f, vslog10, Log32<Decimal>())
+ONE_SOURCE(Orva64f, vdlog10, Log64<Decimal>())
+ONE_SOURCE(Orva32f, vssin, Sin32())
+ONE_SOURCE(Orva64f, vdsin, Sin64())
+ONE_SOURCE(Orva32f, vscos, Cos32())
+ONE_SOURCE(Orva64f, vdcos, Cos64())
+ONE_SOURCE(Orva32f, vstan, Tan32())
+ONE_SOURCE(Orva64f, vdtan, Tan64())
+ONE_SOURCE(Orva32f, vsatan, Atan32())
+ONE_SOURCE(Orva64f, vdatan, Atan64())
+TWO_SOURCES(Orva32f, vsatan2, Atan2_32())
+TWO_SOURCES(Orva64f, vdatan2, Atan2_64())
+TWO_SOURCES(Orva32f, vspow, Pow32())
+TWO_SOURCES(Orva64f, vdpow, Pow64())
+
+#undef TWO_SOURCES
+#undef ONE_SOURCE
+
+void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c) {
+  if (n < 1) return;
+  const Full<float> d;
+  ForEach<hn::MaxLanes(d), 1>(n, [=](const Orva32f* from, Orva32f* sine, Orva32f* cosine) TZM_LAMBDA {
+    const auto x = LoadWidened(D(), from);
+    hn::StoreU(NarrowPair(d, Sin32()(x.low), Sin32()(x.high)), d, sine);
+    hn::StoreU(NarrowPair(d, Cos32()(x.low), Cos32()(x.high)), d, cosine);
+  }, a, s, c);
+}
+void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c) {
+  if (n < 1) return;
+  ForEach<kLanes, 1>(n, [=](const Orva64f* from, Orva64f* sine, Orva64f* cosine) TZM_LAMBDA {
+    const SinCos64 both(hn::LoadU(D(), from));
+    hn::StoreU(both.sine, D(), sine);
+    hn::StoreU(both.cosine, D(), cosine);
+  }, a, s, c);
+}

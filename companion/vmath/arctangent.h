@@ -1,0 +1,142 @@
+// Arctangents. In binary64 that of a ratio n/d <= 1 is arctan c + arctan((n - c d)/(d + c n)) with c one of 16.
+#pragma once
+
+#include "constants.h"
+#include "second_step.h"
+
+namespace vmath {
+
+// arctan(n/d) = most + more + rest, of numbers so small in the rest that their sums' roundings do not count;
+// 0 <= n <= d, and the products of both far from the ends of the range.
+struct Angle {
+  V most, more, rest;
+};
+TZM_INLINE Angle ArctanOfRatio(V n, V d) {
+  // Four intervals for each power of two of the ratio, by the difference of the bits; what lies below is the first.
+  const V least = OfBits(hn::Sub(BitsOf(d), SetBits(uint64_t{63} << 48)));
+  const I difference = hn::Sub(BitsOf(MaxOrSecond(n, least)), hn::Add(BitsOf(d), SetBits(1)));
+  const auto [c, arc, arcRest] = Lookup<kAtanTable>(ShiftRightLogical<50>(difference)).number;
+
+  const V product = hn::Mul(c, d), productRest = Fms(c, d, product);
+  const V above = hn::Sub(n, product);  // less productRest
+  const V below = Fma(c, n, d), belowRest = Fma(c, n, hn::Sub(d, below));
+  const V inverse = hn::Div(C(1), below), t = hn::Mul(above, inverse);
+  const V error = hn::Sub(Fnma(t, below, above), Fma(t, belowRest, productRest));
+  const V t2 = hn::Mul(t, t);
+  return {arc, t, Fma(hn::Mul(t, t2), Polynomial(kAtanPoly, t2), Fma(error, inverse, arcRest))};
+}
+// base + angle, or base - angle where `sign` is negative; base, in two parts, is 0 or above the angle.
+TZM_INLINE V Turn(Sum base, Angle angle, V sign) {
+  const V signs = hn::And(sign, C(-0.0));
+  const Sum first = FastTwoSum(base.sum, hn::Xor(angle.most, signs));
+  const Sum sum = FastTwoSum(first.sum, hn::Xor(angle.more, signs));
+  const V rests = hn::Add(first.rest, sum.rest), rest = hn::Add(base.rest, hn::Xor(angle.rest, signs));
+  return hn::Add(sum.sum, hn::Add(rests, rest));
+}
+
+// Within 0.55 ulp.
+struct Atan64 {
+  TZM_INLINE V operator()(V x) const {
+    const V a = MinOrSecond(C(0x1p100), hn::Abs(x)), one = C(1);  // no angle differs beyond
+    const M steep = hn::Gt(a, one);
+    const V n = hn::IfThenElse(steep, one, a), d = hn::IfThenElse(steep, a, one);
+    const Sum base = {hn::IfThenElseZero(steep, C(kHalfPi[0])), hn::IfThenElseZero(steep, C(kHalfPi[1]))};
+    return hn::CopySign(Turn(base, ArctanOfRatio(n, d), hn::Sub(one, a)), x);
+  }
+};
+
+// Within 0.56 ulp: the angle of the first octant, and from it that of the others.
+struct Atan2_64 {
+  TZM_INLINE V operator()(V y, V x) const {
+    const V ay = hn::Abs(y), ax = hn::Abs(x);
+    const M steep = hn::Gt(ay, ax);
+    const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
+    const V result = FromOctant(y, x, steep, ArctanOfRatio(n, d));
+    const M usual = hn::And(hn::Gt(n, C(kLeast)), hn::Lt(d, C(kMost)));
+    if (Any(hn::Not(usual))) return hn::IfThenElse(usual, result, OfAny(y, x));
+    return result;
+  }
+
+ private:
+  static constexpr double kLeast = 0x1p-400, kMost = 0x1p500;
+
+  static TZM_INLINE V FromOctant(V y, V x, M steep, Angle angle) {
+    const M left = hn::Lt(hn::CopySign(C(1), x), hn::Zero(D()));
+    const auto base = [&](int part) TZM_LAMBDA {
+      return hn::IfThenElse(steep, C(kHalfPi[part]), hn::IfThenElseZero(left, C(kPi[part])));
+    };
+    // Steep angles are measured from the axis of y, and those on the left from the other side.
+    const V sign = hn::Xor(hn::IfThenElseZero(steep, C(-0.0)), x);
+    return hn::CopySign(Turn({base(0), base(1)}, angle, sign), y);
+  }
+  // Numbers near the ends of the range are scaled; of ratios below 2^-60 the angle is the ratio, rounded once.
+  static __attribute__((noinline)) V OfAny(V y, V x) {
+    const V ay = hn::Abs(y), ax = hn::Abs(x), one = C(1), zero = hn::Zero(D());
+    const M steep = hn::Gt(ay, ax);
+    V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
+    const M bothInfinite = hn::Eq(n, C(kInfinity)), bothZero = hn::Eq(d, zero);
+    n = hn::IfThenElse(bothInfinite, one, n);
+    d = hn::IfThenElse(hn::Or(bothInfinite, bothZero), one, d);
+    const V ratio = hn::Div(n, d);
+    const V scale = hn::IfThenElse(hn::Ge(d, C(kMost)), C(0x1p-600), hn::IfThenElse(hn::Lt(d, C(0x1p-300)), C(0x1p600), one));
+    const M small = hn::Lt(ratio, C(0x1p-60));
+    const V scaledN = hn::IfThenElse(small, zero, hn::Mul(n, scale)), scaledD = hn::IfThenElse(small, one, hn::Mul(d, scale));
+    Angle angle = ArctanOfRatio(scaledN, scaledD);
+    angle.more = hn::IfThenElse(small, ratio, angle.more);
+    const V result = FromOctant(y, x, steep, angle);
+    return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(y)), C(kNaN), result);
+  }
+};
+
+// ---- Correctly rounded to binary32, of numbers of that type ----
+
+// arctan x = 0, pi/4 or pi/2 and the arctangent of x, (x - 1)/(x + 1) or -1/x, which is below sqrt(2) - 1.
+constexpr double kTanOfPiBy8 = 0.41421356237309503;
+constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
+struct Atan32 {
+  TZM_INLINE V operator()(V x) const {
+    const V a = hn::Abs(x), one = C(1);
+    const M steep = hn::Gt(a, C(1 / kTanOfPiBy8)), middle = hn::Gt(a, C(kTanOfPiBy8));
+    const V n = hn::IfThenElse(steep, C(-1), hn::IfThenElse(middle, hn::Sub(a, one), a));
+    const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
+    const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
+    const V q = hn::Div(n, d), q2 = hn::Mul(q, q);
+    const V y = hn::Add(base, Fma(hn::Mul(q, q2), Polynomial(kAtanPoly32, q2), q));
+    return hn::CopySign(Settled(kAtanMiddles, y), x);
+  }
+};
+
+// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-50 in the first step.
+struct Atan2_32 {
+  TZM_INLINE V operator()(V y, V x) const {
+    const V ay = hn::Abs(y), ax = hn::Abs(x), zero = hn::Zero(D());
+    const M steep = hn::Gt(ay, ax), left = hn::Lt(hn::CopySign(C(1), x), zero);
+    const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
+    const M middle = hn::Gt(n, hn::Mul(d, C(kTanOfPiBy8)));
+    const V sign = hn::And(hn::Xor(hn::IfThenElseZero(steep, C(-0.0)), x), C(-0.0));
+    const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::IfThenElseZero(left, C(kPi[0])));
+    const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
+    const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
+    const V q2 = hn::Mul(q, q), arc = Fma(hn::Mul(q, q2), Polynomial(kAtanPoly32, q2), q);
+    const V angle = hn::Add(base, hn::Xor(arc, sign));
+    const M usual = hn::AndNot(IsOpenNormal(angle), hn::Gt(angle, C(0x1p-120)));
+    if (Any(hn::Not(usual))) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
+    return hn::CopySign(angle, y);
+  }
+
+ private:
+  // Zeros, infinities and NaN too.
+  static __attribute__((noinline)) V OfAny(V angle, V ay, V x) {
+    const V ax = hn::Abs(x), zero = hn::Zero(D());
+    const M left = hn::Lt(hn::CopySign(C(1), x), zero);
+    const M flat = hn::Or(hn::Eq(ay, zero), hn::And(hn::IsFinite(ay), hn::IsInf(x)));
+    angle = hn::IfThenElse(flat, hn::IfThenElseZero(left, C(kPi[0])), angle);
+    const V diagonal = hn::IfThenElse(left, C(1.5 * kHalfPi[0]), C(kHalfPi[0] / 2));
+    angle = hn::IfThenElse(hn::And(hn::IsInf(ay), hn::IsInf(ax)), diagonal, angle);
+    const M open = hn::And(hn::And(IsOpen(angle), hn::IsFinite(ax)), hn::And(hn::IsFinite(ay), hn::Gt(ay, zero)));
+    if (Any(open)) angle = Decided(angle, ay, x, open, DecideAngle);
+    return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(ay)), C(kNaN), angle);
+  }
+};
+
+}  // namespace vmath

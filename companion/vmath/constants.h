@@ -1,0 +1,146 @@
+// Made by make/constants.py, with Sollya and mpmath.
+#pragma once
+
+#include "lanes.h"
+
+namespace vmath {
+
+// ---- Exponential: x = (k + f)/16 ln 2 ----
+// 2^(i/16), less i in the bits that k is added to
+inline constexpr Table<1> kExpRoots = {{
+    {0x1.0000000000000p+0, 0x1.fb5586cf9890fp-1, 0x1.f72b83c7d517bp-1, 0x1.f387a6e756238p-1, 0x1.f06fe0a31b715p-1,
+     0x1.edea64c123422p-1, 0x1.ebfdad5362a27p-1, 0x1.eab07dd485429p-1, 0x1.ea09e667f3bcdp-1, 0x1.ea11473eb0187p-1,
+     0x1.eace5422aa0dbp-1, 0x1.ec49182a3f090p-1, 0x1.ee89f995ad3adp-1, 0x1.f199bdd85529cp-1, 0x1.f5818dcfba487p-1,
+     0x1.fa4afa2a490dap-1},
+}};
+// the same, and what its rounding lost, relative to it
+inline constexpr Table<2> kExpTable = {{
+    {0x1.0000000000000p+0, 0x1.fb5586cf9890fp-1, 0x1.f72b83c7d517bp-1, 0x1.f387a6e756238p-1, 0x1.f06fe0a31b715p-1,
+     0x1.edea64c123422p-1, 0x1.ebfdad5362a27p-1, 0x1.eab07dd485429p-1, 0x1.ea09e667f3bcdp-1, 0x1.ea11473eb0187p-1,
+     0x1.eace5422aa0dbp-1, 0x1.ec49182a3f090p-1, 0x1.ee89f995ad3adp-1, 0x1.f199bdd85529cp-1, 0x1.f5818dcfba487p-1,
+     0x1.fa4afa2a490dap-1},
+    {0, 0x1.79aa65d837b6dp-54, -0x1.01b15eaa59348p-55, 0x1.68efde3a8a894p-54, 0x1.34d754db0abb6p-55,
+     0x1.59f48a72a4c6dp-55, 0x1.690cebb7aafb0p-56, 0x1.063e1e21c5409p-54, -0x1.3b3efbf5e2228p-54,
+     -0x1.b32dcb94da51dp-56, 0x1.db72fc1f0eab4p-55, 0x1.1affc2b91ce27p-56, 0x1.c1a7792cb3387p-55,
+     0x1.36eae30af0cb3p-56, 0x1.4a385a63d07a7p-56, -0x1.ff7128fd391f0p-55},
+}};
+// 16/ln 2, in parts
+inline constexpr double kSixteenByLn2[] = {0x1.71547652b82fep+4, 0x1.777d0ffda0d24p-52};
+// ln 2/16, in parts
+inline constexpr double kLn2By16[] = {0x1.62e42fefa39efp-5, 0x1.abc9e3b39803fp-60};
+
+// ---- Logarithm: x = 2^k c (1 + r) ----
+inline constexpr uint64_t kLogStart = 0x3fe6555555555556;  // the bits of the least x of k = 0
+// 1/c and ln c
+inline constexpr Table<2> kLogTable = {{
+    {0x1.66c0429800000p+0, 0x1.57e05f2400000p+0, 0x1.49be837c00000p+0, 0x1.3d0dde1800000p+0, 0x1.315d8c7000000p+0,
+     0x1.26746b1c00000p+0, 0x1.1c2a478000000p+0, 0x1.12baa57400000p+0, 0x1.09cad18000000p+0, 0x1.0000000000000p+0,
+     0x1.e677884000000p-1, 0x1.cb01598800000p-1, 0x1.b299207800000p-1, 0x1.9cf9053000000p-1, 0x1.89794de800000p-1,
+     0x1.771d003000000p-1},
+    {-0x1.598ccbab83000p-2, -0x1.2e30011258800p-2, -0x1.033710523c000p-2, -0x1.b60eaf9275000p-3,
+     -0x1.69209bc40c000p-3, -0x1.1e9d04fad1000p-3, -0x1.ab886c94f8000p-4, -0x1.2135e2b0ea000p-4,
+     -0x1.3382022888000p-5, 0, 0x1.a3114fdf00000p-5, 0x1.bf8a7bff88000p-4, 0x1.4fac46ca2e000p-3,
+     0x1.b8340fd9cb000p-3, 0x1.0da124ca4c000p-2, 0x1.3e9018509e000p-2},
+}};
+// ln c, less its part in kLogTable
+inline constexpr Table<1> kLogRest = {{
+    {-0x1.58d5de89876a5p-67, -0x1.e8a1d56382c2dp-66, -0x1.4dc8ed9ac9607p-65, 0x1.b380d0b4357ebp-66,
+     0x1.06f84b307abaap-68, -0x1.d0026b6ba6099p-65, -0x1.6aac3bffa4389p-68, -0x1.5d0c1d0eaf974p-67,
+     -0x1.8ebbb70e29a70p-69, 0, -0x1.7bd138e7558f5p-66, 0x1.c04d3bc76fd97p-69, 0x1.9ebe932455667p-68,
+     -0x1.742f6240aead8p-66, -0x1.6255f2b3fc2f2p-66, -0x1.0237833a8905cp-65},
+}};
+// 1/c and log10 c
+inline constexpr Table<2> kLog10Table = {{
+    {0x1.66951d0800000p+0, 0x1.57a4667000000p+0, 0x1.4a00d17400000p+0, 0x1.3d266fec00000p+0, 0x1.3122f88c00000p+0,
+     0x1.2663502c00000p+0, 0x1.1c3674b800000p+0, 0x1.12b28ff000000p+0, 0x1.099f881800000p+0, 0x1.0000000000000p+0,
+     0x1.e6da4fe800000p-1, 0x1.cb838dc000000p-1, 0x1.b30a7ed800000p-1, 0x1.9d0435d000000p-1, 0x1.8953cf0000000p-1,
+     0x1.76bfaf8800000p-1},
+    {-0x1.2bb912ec21800p-3, -0x1.05dee08168800p-3, -0x1.c3b30db3d5000p-4, -0x1.7d07bab4c8000p-4,
+     -0x1.385679c4ae000p-4, -0x1.f1174b076e000p-5, -0x1.73f221b8fe000p-5, -0x1.f597977f24000p-6,
+     -0x1.0691e06f74000p-6, 0, 0x1.665b18d69c000p-6, 0x1.80ca0237d8000p-5, 0x1.21c0079d6f000p-4,
+     0x1.7e2ae228cb000p-4, 0x1.d50e80e2d8000p-4, 0x1.15909e1a41800p-3},
+}};
+// its first 43 fraction bits, so that k times it is exact, and the rest
+inline constexpr double kLn2[] = {0x1.62e42fefa3800p-1, 0x1.ef35793c76730p-45};
+// its first 44 fraction bits, so that k times it is exact, and the rest
+inline constexpr double kLog10Of2[] = {0x1.34413509f7800p-2, 0x1.fef311f12b358p-46};
+// ln 2, in parts
+inline constexpr double kLn2InTwo[] = {0x1.62e42fefa39efp-1, 0x1.abc9e3b39803fp-56};
+inline constexpr double kLog10E = 0x1.bcb7b1526e50ep-2;
+// 1/3, in parts
+inline constexpr double kThird[] = {0x1.5555555555555p-2, 0x1.5555555555555p-56};
+
+// ---- Sine, cosine, tangent: x = k pi/2 + r ----
+// pi, in parts
+inline constexpr double kPi[] = {0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53, -0x1.f1976b7ed8fbcp-109};
+// pi/2, in parts
+inline constexpr double kHalfPi[] = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54, -0x1.f1976b7ed8fbcp-110};
+inline constexpr double kByPi = 0x1.45f306dc9c883p-2;
+inline constexpr double kTwoByPi = 0x1.45f306dc9c883p-1;
+inline constexpr double kSixth = 0x1.5555555555555p-3;
+// 2/pi, 64 bits in each word, behind a word of zeros
+inline constexpr uint64_t kTwoByPiBits[] = {0x0000000000000000, 0xa2f9836e4e441529, 0xfc2757d1f534ddc0,
+    0xdb6295993c439041, 0xfe5163abdebbc561, 0xb7246e3a424dd2e0, 0x06492eea09d1921c, 0xfe1deb1cb129a73e,
+    0xe88235f52ebb4484, 0xe99c7026b45f7e41, 0x3991d639835339f4, 0x9c845f8bbdf9283b, 0x1ff897ffde05980f,
+    0xef2f118b5a0a6d1f, 0x6d367ecf27cb09b7, 0x4f463f669e5fea2d, 0x7527bac7ebe5f17b, 0x3d0739f78a5292ea,
+    0x6bfb5fb11f8d5d08, 0x56033046fc7b6bab, 0xf0cfbc209af4361d};
+
+// ---- Arctangent ----
+// c, arctan c and what its rounding lost; remainders are below 0.07820
+inline constexpr Table<3> kAtanTable = {{
+    {0, 0x1.5200000000000p-4, 0x1.8b00000000000p-4, 0x1.cd00000000000p-4, 0x1.2000000000000p-3, 0x1.5200000000000p-3,
+     0x1.8a80000000000p-3, 0x1.cc80000000000p-3, 0x1.1fc0000000000p-2, 0x1.51c0000000000p-2, 0x1.89c0000000000p-2,
+     0x1.cbc0000000000p-2, 0x1.1f20000000000p-1, 0x1.5060000000000p-1, 0x1.8800000000000p-1, 0x1.ca40000000000p-1},
+    {0, 0x1.513c652bbc005p-4, 0x1.89c84595a1d7bp-4, 0x1.cb1170edd8911p-4, 0x1.1e1fafb043727p-3, 0x1.4efafb23a772fp-3,
+     0x1.85b9fc2ca47c4p-3, 0x1.c4f7679b27a57p-3, 0x1.18840a393d8f6p-2, 0x1.463e832f4b8e4p-2, 0x1.77e6f93888438p-2,
+     0x1.b020ffe2d4f79p-2, 0x1.05ada07941283p-1, 0x1.299bf9d727a54p-1, 0x1.4e8de5bb6ec04p-1, 0x1.75c9fbcade74ap-1},
+    {0, 0x1.dc55a5b7754a8p-59, 0x1.dbaf808e7356dp-60, 0x1.a3696abacd98cp-58, -0x1.b485914dacf8cp-59,
+     0x1.48fc5fc325e8cp-59, -0x1.cdca8beeeef69p-58, 0x1.8740f0eeebac1p-59, -0x1.b73b6637f274bp-57,
+     -0x1.fc82292d9da8ap-56, 0x1.f3fa50b41ca01p-57, -0x1.8388187a1069cp-57, -0x1.3941b118b2082p-55,
+     -0x1.45e96bee83181p-55, 0x1.4a33dbeb3796cp-55, 0x1.a26a2428a3c7fp-55},
+}};
+
+// ---- Polynomials, the coefficient of the least power first ----
+// 2^(x/16) = 1 + x p(x): within 2^-57.0
+inline constexpr double kExp2Poly[] = {0x1.62e42fefa39fdp-5, 0x1.ebfbdff82c59dp-11, 0x1.c6b08d6e8ccbep-17,
+    0x1.3b2ab6fa93ff3p-23, 0x1.5d89bd62d0c6dp-30, 0x1.430a9bf425042p-37};
+// e^x = 1 + x + x^2 p(x): within 2^-66.2
+inline constexpr double kExpPoly[] = {0x1.0000000000004p-1, 0x1.555555555555ap-3, 0x1.5555555484f47p-5,
+    0x1.11111110720f4p-7, 0x1.6c183da03197ep-10, 0x1.a01badab24ec8p-13};
+// ln(1 + x) = x + x^2 p(x), relative to x: within 2^-50.0
+inline constexpr double kLogPoly32[] = {-0x1.fffffffffffb8p-2, 0x1.55555555a5e88p-2, -0x1.00000000eec7ep-2,
+    0x1.99998a219145bp-3, -0x1.55553c529aa8fp-3, 0x1.24fe537bff685p-3, -0x1.007ba3a05415fp-3};
+// ln(1 + x) = x + x^2 p(x), relative to x: within 2^-62.3
+inline constexpr double kLogPoly[] = {-0x1.0000000000000p-1, 0x1.55555555554f2p-2, -0x1.ffffffffffe7bp-3,
+    0x1.9999999b819b3p-3, -0x1.55555558235dfp-3, 0x1.249231d856988p-3, -0x1.ffffc7ebafbc5p-4, 0x1.c7fce0d01f896p-4,
+    -0x1.9a81a394f3b53p-4};
+// log10(1 + x) = x (kLog10E + p(x)), relative to x: within 2^-51.4
+inline constexpr double kLog10Poly32[] = {-0x1.6c173d6a148aep-52, -0x1.bcb7b1526e4b9p-3, 0x1.287a76375391cp-3,
+    -0x1.bcb7b15447b68p-4, 0x1.63c6185fafaeep-4, -0x1.287a5f18b3a43p-4, 0x1.fd0311fa18c48p-5, -0x1.bd93bb166963ap-5};
+// log10(1 + x) = x (kLog10E + p(x)), relative to x: within 2^-63.4
+inline constexpr double kLog10Poly[] = {0x1.979a3cb32be17p-57, -0x1.bcb7b1526e50ep-3, 0x1.287a7636f42e6p-3,
+    -0x1.bcb7b1526f32ap-4, 0x1.63c627770d979p-4, -0x1.287a762da5646p-4, 0x1.fc3f7ad71f85ap-5, -0x1.bcb7f193b4a1ep-5,
+    0x1.8c15ec4b8e115p-5, -0x1.63d43ccab11b5p-5};
+// ln(1 + x) = x - x^2/2 + x^3/3 + x^4 p(x), relative to x^3: within 2^-62.6
+inline constexpr double kPowLogPoly[] = {-0x1.0000000000000p-2, 0x1.99999999998f2p-3, -0x1.5555555555407p-3,
+    0x1.249249262e926p-3, -0x1.00000002688a3p-3, 0x1.c71c4a61ad881p-4, -0x1.9999697b393a2p-4, 0x1.751af0569591ap-4,
+    -0x1.561c523cd631bp-4};
+// sin x = x + x^3 p(x^2), |x| < pi/2: within 2^-62.0
+inline constexpr double kSinPoly32[] = {-0x1.5555555555555p-3, 0x1.11111111110cbp-7, -0x1.a01a01a015170p-13,
+    0x1.71de3a52c0ec2p-19, -0x1.ae6454e47918ep-26, 0x1.6123d13e139fep-33, -0x1.ae44a4924c53ap-41,
+    0x1.88516e1ce1035p-49};
+// sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x: within 2^-68.8
+inline constexpr double kSinPoly[] = {-0x1.4bf1d7895158fp-57, 0x1.111111111110bp-7, -0x1.a01a01a018ae2p-13,
+    0x1.71de3a5339626p-19, -0x1.ae64529843b4bp-26, 0x1.612092bcab8f4p-33, -0x1.aaa54defaf408p-41};
+// cos x = 1 - x^2/2 + x^4 p(x^2), |x| < pi/4: within 2^-64.2
+inline constexpr double kCosPoly[] = {0x1.555555555554cp-5, -0x1.6c16c16c15222p-10, 0x1.a01a019cbfd2cp-16,
+    -0x1.27e4f8131550cp-22, 0x1.1ee9f197db583p-29, -0x1.8fb1560393fe7p-37};
+// arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x: within 2^-59.5
+inline constexpr double kAtanPoly32[] = {-0x1.555555555553dp-2, 0x1.99999999958b3p-3, -0x1.24924922b0025p-3,
+    0x1.c71c70e743967p-4, -0x1.745cf901d2c89p-4, 0x1.3b111bd176276p-4, -0x1.10ebd7b593f9ep-4, 0x1.df1118be484d5p-5,
+    -0x1.9cdadec52adaep-5, 0x1.37ea37865d44ap-5, -0x1.25970dc072aa2p-6};
+// arctan x = x + x^3 p(x^2) of the remainder, relative to x: within 2^-58.7
+inline constexpr double kAtanPoly[] = {-0x1.5555555555436p-2, 0x1.999999985415ep-3, -0x1.2492456659550p-3,
+    0x1.c712d255641b6p-4, -0x1.6ebd5c8f69746p-4};
+
+}  // namespace vmath

@@ -1,0 +1,166 @@
+// Registers of binary64 numbers, in which both types are computed, and small tables in them. The arithmetic is
+// that of IEEE 754 with fused steps, lane by lane: no estimates, no choice for a whole register but whether any
+// lane needs a rare path, whose results are blended in by lane. So the width of a register changes no bit.
+#pragma once
+
+#include "frame/vector.h"
+
+namespace vmath {
+
+using namespace tzm;
+
+using D = Full<double>;
+using Bits = hn::RebindToSigned<D>;
+using V = Vec<D>;
+using I = Vec<Bits>;
+using M = Mask<D>;
+constexpr size_t kLanes = hn::MaxLanes(D());
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+TZM_INLINE V C(double value) { return hn::Set(D(), value); }
+TZM_INLINE I BitsOf(V v) { return hn::BitCast(Bits(), v); }
+TZM_INLINE V OfBits(I i) { return hn::BitCast(D(), i); }
+TZM_INLINE I SetBits(uint64_t bits) { return hn::Set(Bits(), static_cast<int64_t>(bits)); }
+template <int kCount>
+TZM_INLINE I ShiftRightLogical(I i) {
+  const hn::RebindToUnsigned<D> d;
+  return hn::BitCast(Bits(), hn::ShiftRight<kCount>(hn::BitCast(d, i)));
+}
+TZM_INLINE bool Any(M m) { return HWY_UNLIKELY(!hn::AllFalse(D(), m)); }
+
+// One rounding: a*b + c, a*b - c, c - a*b.
+TZM_INLINE V Fma(V a, V b, V c) { return hn::MulAdd(a, b, c); }
+TZM_INLINE V Fms(V a, V b, V c) { return hn::MulSub(a, b, c); }
+TZM_INLINE V Fnma(V a, V b, V c) { return hn::NegMulAdd(a, b, c); }
+
+// Added to a number below 2^51 it leaves the nearest integer in the low bits of the sum.
+constexpr double kToInteger = 0x1.8p52;
+
+// x with its sign inverted where the lowest bit of `odd` is set.
+TZM_INLINE V NegateIfOdd(V x, I odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<63>(odd))); }
+// The sign of `sign` for a zero x as for every other.
+TZM_INLINE V WithSignOf(V x, V sign) { return hn::Or(x, hn::And(sign, C(-0.0))); }
+
+// c[0] + c[1] x + c[2] x^2 ...: by Horner's rule, and in two chains, of the even and of the odd powers.
+template <size_t N>
+TZM_INLINE V Polynomial(const double (&c)[N], V x) {
+  V p = C(c[N - 1]);
+  Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, C(c[N - 2 - i])); });
+  return p;
+}
+template <size_t N>
+TZM_INLINE V PolynomialInTwo(const double (&c)[N], V x, V x2) {
+  V last = C(c[N - 1]), before = C(c[N - 2]);
+  Unrolled<N - 2>([&](auto i) TZM_LAMBDA {
+    V& chain = i % 2 == 0 ? last : before;
+    chain = Fma(chain, x2, C(c[N - 3 - i]));
+  });
+  return N % 2 == 0 ? Fma(last, x, before) : Fma(before, x, last);
+}
+
+// a + b and what its rounding lost; for the second of them |a| >= |b|, or a is 0.
+struct Sum {
+  V sum, rest;
+};
+TZM_INLINE Sum TwoSum(V a, V b) {
+  const V sum = hn::Add(a, b), other = hn::Sub(sum, a);
+  return {sum, hn::Add(hn::Sub(a, hn::Sub(sum, other)), hn::Sub(b, other))};
+}
+TZM_INLINE Sum FastTwoSum(V a, V b) {
+  const V sum = hn::Add(a, b);
+  return {sum, hn::Add(hn::Sub(a, sum), b)};
+}
+
+// Values that round in binary64 to the middle between two binary32 numbers, from which binary32 would round them to
+// the wrong side, and what they are in binary32: no polynomial helps there. bench/accuracy/verify.cpp finds them.
+struct Middle {
+  double middle, right;
+};
+template <size_t N>
+TZM_INLINE V Settled(const Middle (&list)[N], V y) {
+  Unrolled<N>([&](auto i) TZM_LAMBDA { y = hn::IfThenElse(hn::Eq(y, C(list[i].middle)), C(list[i].right), y); });
+  return y;
+}
+
+// Whether a value is such a middle.
+TZM_INLINE M IsMiddle(V y) {
+  return hn::RebindMask(D(), hn::Eq(hn::ShiftLeft<35>(BitsOf(y)), SetBits(uint64_t{1} << 63)));
+}
+
+// Sixteen entries of a few numbers each. Registers that hold eight numbers hold a column in two and permute it; the
+// others load whole rows and transpose. No gathers: many machines run them in microcode.
+template <size_t kColumns>
+struct Table {
+  alignas(64) double column[kColumns][16];
+};
+template <size_t kColumns>
+struct Rows {
+  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns;
+  alignas(64) double row[16][kWidth];
+};
+template <size_t kColumns>
+constexpr Rows<kColumns> Transposed(const Table<kColumns>& table) {
+  Rows<kColumns> rows{};
+  for (size_t c = 0; c < kColumns; ++c)
+    for (size_t r = 0; r < 16; ++r) rows.row[r][c] = table.column[c][r];
+  return rows;
+}
+template <const auto& kTable>
+constexpr auto kRows = Transposed(kTable);
+
+template <size_t kColumns>
+struct Entry {
+  V number[kColumns];
+};
+// The entries of which the low four bits of the lanes are the numbers.
+template <const auto& kTable>
+TZM_INLINE auto Lookup(I index) {
+  constexpr size_t kColumns = sizeof(kTable) / (16 * sizeof(double));
+  Entry<kColumns> entry;
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  Unrolled<kColumns>([&](auto c) TZM_LAMBDA {
+    const double* column = kTable.column[c];
+    entry.number[c] = V{_mm512_permutex2var_pd(_mm512_load_pd(column), index.raw, _mm512_load_pd(column + 8))};
+  });
+#elif HWY_ARCH_X86
+  constexpr auto& rows = kRows<kTable>;
+  constexpr size_t kWidth = rows.kWidth;
+  const I row = hn::And(index, SetBits(15));
+  const __m128i low = _mm256_castsi256_si128(row.raw), high = _mm256_extracti128_si256(row.raw, 1);
+  const double* lane[] = {rows.row[_mm_cvtsi128_si64(low)], rows.row[_mm_extract_epi64(low, 1)],
+                          rows.row[_mm_cvtsi128_si64(high)], rows.row[_mm_extract_epi64(high, 1)]};
+  const auto pair = [&](size_t a, size_t b, size_t c) TZM_LAMBDA {
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(lane[a] + c)), _mm_load_pd(lane[b] + c), 1);
+  };
+  if constexpr (kWidth == 1) {
+    const auto two = [&](size_t a) TZM_LAMBDA { return _mm_loadh_pd(_mm_load_sd(lane[a]), lane[a + 1]); };
+    entry.number[0] = V{_mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1)};
+  } else {
+    Unrolled<kWidth / 2>([&](auto half) TZM_LAMBDA {
+      constexpr size_t c = 2 * half;
+      const __m256d even = pair(0, 2, c), odd = pair(1, 3, c);
+      entry.number[c] = V{_mm256_unpacklo_pd(even, odd)};
+      if constexpr (c + 1 < kColumns) entry.number[c + 1] = V{_mm256_unpackhi_pd(even, odd)};
+    });
+  }
+#else
+  constexpr auto& rows = kRows<kTable>;
+  constexpr size_t kWidth = rows.kWidth;
+  const I row = hn::And(index, SetBits(15));
+  const double *first = rows.row[vgetq_lane_s64(row.raw, 0)], *second = rows.row[vgetq_lane_s64(row.raw, 1)];
+  if constexpr (kWidth == 1) {
+    entry.number[0] = V(vcombine_f64(vld1_f64(first), vld1_f64(second)));
+  } else {
+    Unrolled<kWidth / 2>([&](auto half) TZM_LAMBDA {
+      constexpr size_t c = 2 * half;
+      const float64x2_t even = vld1q_f64(first + c), odd = vld1q_f64(second + c);
+      entry.number[c] = V(vtrn1q_f64(even, odd));
+      if constexpr (c + 1 < kColumns) entry.number[c + 1] = V(vtrn2q_f64(even, odd));
+    });
+  }
+#endif
+  return entry;
+}
+
+}  // namespace vmath
