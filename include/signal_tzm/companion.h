@@ -94,8 +94,9 @@ TZM_API OrvaStatus ORVAS_MaxAbs_64f(const Orva64f* src, int32_t len, Orva64f* re
 
 /** @name Vector mathematics
  * Element-wise over `n` elements, results last. A result array may be a source array. Nothing is reported: `n < 1` does nothing, domain errors give NaN
- * or infinity. Products and square roots are correctly rounded; the functions of tzm_vmath stay within
- * 1 ulp, give the same bits on every architecture, and depend on no element but their own. `atan2` is that
+ * or infinity. Products and square roots are correctly rounded; so are all binary32 functions of tzm_vmath, the
+ * binary64 ones stay within 0.6 ulp. They give the same bits on every architecture, and depend on no element but
+ * their own. `atan2` is that
  * of a[i] over b[i], `pow` a[i] to the power b[i], `ln` the natural logarithm; `sincos` gives the bits of
  * `sin` and `cos`. @{ */
 TZM_API void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r);
