@@ -85,7 +85,7 @@ file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs ${shlibs})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
   ${PROJECT_BINARY_DIR}/debian/triggers ${PROJECT_BINARY_DIR}/debian/shlibs)
 
-# The vector mathematics call nothing but the library that they stand for, not even the C library, and lintian is told
+# The vector mathematics call nothing, not even the C library, and lintian is told
 # that this is meant.
 file(WRITE ${PROJECT_BINARY_DIR}/debian/overrides
   "${run_package}: library-not-linked-against-libc [usr/lib/*/libtzm_vmath.so.*]\n")

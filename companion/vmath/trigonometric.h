@@ -63,20 +63,26 @@ struct Unit {
       const Wide last = Wide{significand} * word(2), middle = Wide{significand} * word(1) + (last >> 64);
       uint64_t least = static_cast<uint64_t>(last);
       Wide turns = (Wide{significand * word(0)} << 64) + middle;  // x 2/pi modulo 4, its last 64 bits in `least`
-      if (bits >> 63 != 0) {
-        least = -least;
-        turns = ~turns + (least == 0);
-      }
       constexpr int kFraction = 126 + (kHalfPis == 2);
       constexpr Wide kHalf = Wide{1} << (kFraction - 1);
       if constexpr (kBetween) turns -= kHalf;
-      const Wide count = (turns + kHalf) >> kFraction;
-      const auto fraction = static_cast<__int128>(turns - (count << kFraction));
-      high[i] = static_cast<double>(fraction);
-      low[i] = static_cast<double>(fraction - static_cast<__int128>(high[i])) + static_cast<double>(least) * 0x1p-64;
-      high[i] *= 1 / static_cast<double>(Wide{1} << kFraction);
-      low[i] *= 1 / static_cast<double>(Wide{1} << kFraction);
-      k[i] = static_cast<int64_t>(count);
+      const auto count = static_cast<int64_t>((turns + kHalf) >> kFraction);
+      Wide fraction = turns - (static_cast<Wide>(count) << kFraction);
+      const bool below = fraction >> 127 != 0, negative = bits >> 63 != 0;
+      if (below) {
+        least = -least;
+        fraction = ~fraction + (least == 0);
+      }
+      // No number comes nearer to a multiple than 2^-62, so the leading bit is in the first half.
+      const int zeros = __builtin_clzll(static_cast<uint64_t>(fraction >> 64));
+      fraction = fraction << zeros | least >> (64 - zeros);
+      const uint64_t power = static_cast<uint64_t>(1023 + 75 - zeros - kFraction) << 52;  // of the 53rd bit
+      double scale;
+      std::memcpy(&scale, &power, sizeof scale);
+      if (below != negative) scale = -scale;
+      high[i] = static_cast<double>(static_cast<int64_t>(fraction >> 75)) * scale;
+      low[i] = static_cast<double>(static_cast<int64_t>(fraction >> 12) & INT64_MAX) * (scale * 0x1p-63);
+      k[i] = !negative ? count : kBetween ? ~count : -count;
     }
     const V h = hn::Load(D(), high), l = hn::Load(D(), low), r = hn::Mul(h, C(kParts[0]));
     const V rest = Fma(l, C(kParts[0]), Fma(h, C(kParts[1]), Fms(h, C(kParts[0]), r)));
