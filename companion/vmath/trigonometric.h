@@ -18,8 +18,10 @@ struct Unit {
   static constexpr const double (&kParts)[3] = kHalfPis == 1 ? kHalfPi : kPi;
   static constexpr double kInverse = kHalfPis == 1 ? kTwoByPi : kByPi;
 
-  // Both products with k are exact in effect while |x| < kSmall, k being below 2^27 and r above 2^-62.
+  // While |x| < kSmall, k being below 2^27, x - k kParts[0] is exact, and with the rest r has 2^-136 of the unit, where
+  // no number comes nearer to a multiple than 2^-62. Without, it is rounded once: enough for numbers of binary32.
   static constexpr double kSmall = 0x1p27;
+  template <bool kRest>
   static TZM_INLINE Reduced Reduce(V x) {
     V shifted, k;
     if constexpr (kBetween) {
@@ -29,8 +31,15 @@ struct Unit {
       shifted = Fma(x, C(kInverse), C(kToInteger));
       k = hn::Sub(shifted, C(kToInteger));
     }
-    const V most = Fnma(k, C(kParts[0]), x), r = Fnma(k, C(kParts[1]), most);
-    const V rest = Fnma(k, C(kParts[2]), Fnma(k, C(kParts[1]), hn::Sub(most, r)));
+    const V most = Fnma(k, C(kParts[0]), x);
+    V r, rest = hn::Zero(D());
+    if constexpr (kRest) {
+      const V product = hn::Mul(k, C(kParts[1])), productRest = Fma(k, C(kParts[2]), Fms(k, C(kParts[1]), product));
+      r = hn::Sub(most, product);
+      rest = hn::Sub(hn::Sub(hn::Sub(most, r), product), productRest);
+    } else {
+      r = Fnma(k, C(kParts[1]), most);
+    }
     Reduced reduced = {r, rest, BitsOf(shifted)};
     const M huge = hn::Not(hn::Lt(hn::Abs(x), C(kSmall)));
     if (Any(huge)) {
@@ -114,7 +123,7 @@ using Quarter = Unit<1, false>;
 struct SinCos64 {
   V sine, cosine;
   TZM_INLINE explicit SinCos64(V x) {
-    const Reduced a = Quarter::Reduce(x);
+    const Reduced a = Quarter::Reduce<true>(x);
     const SinCos parts = SinCosParts(a);
     const M odd = IsOdd(a.k);
     const V s = hn::Add(parts.sine.sum, parts.sine.rest), c = hn::Add(parts.cosine.sum, parts.cosine.rest);
@@ -133,7 +142,7 @@ struct Cos64 {
 // Within 0.55 ulp: the quotient of both in two parts, refined once.
 struct Tan64 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce(x);
+    const Reduced a = Quarter::Reduce<true>(x);
     const SinCos parts = SinCosParts(a);
     const M odd = IsOdd(a.k);
     const Sum s = FastTwoSum(parts.sine.sum, parts.sine.rest), c = FastTwoSum(parts.cosine.sum, parts.cosine.rest);
@@ -159,14 +168,14 @@ TZM_INLINE V SineOf(V r) {
 }
 struct Sin32 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<2, false>::Reduce(x);
+    const Reduced a = Unit<2, false>::Reduce<false>(x);
     return NegateIfOdd(Settled(kSinMiddles, SineOf(a.r)), a.k);
   }
 };
 // cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
 struct Cos32 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<2, true>::Reduce(x);
+    const Reduced a = Unit<2, true>::Reduce<false>(x);
     const V y = NegateIfOdd(SineOf(a.r), hn::Not(a.k));
     const M middle = IsMiddle(y);
     if (Any(middle)) return Settled(kCosMiddles, y);
@@ -175,7 +184,7 @@ struct Cos32 {
 };
 struct Tan32 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce(x);
+    const Reduced a = Quarter::Reduce<false>(x);
     const V r = a.r, r2 = hn::Mul(r, r);
     const V s = Fma(hn::Mul(r, r2), hn::Sub(Polynomial(kSinPoly, r2), C(kSixth)), r);
     const V c = Fma(hn::Mul(r2, r2), Polynomial(kCosPoly, r2), Fnma(r2, C(0.5), C(1)));

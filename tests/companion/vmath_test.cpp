@@ -111,6 +111,7 @@ TYPED_TEST(Vmath, HardInputs) {
   for (double x : hard)
     for (double power : {1.0, 2.0, 4.0})  // doubled, a multiple of pi stays next to one
       for (T y : {T(x * power), std::nextafter(T(x * power), T(0))}) a.insert(a.end(), {y, -y});
+  for (int k = 1; k < 1 << 21; k += 1 + k / 1000) a.push_back(T(k * 1.57079632679489661923132169163975144L));
   for (const auto& f : Functions<T>())
     if (f.unary != nullptr) Check(f, a, a);
 }
