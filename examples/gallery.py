@@ -15,7 +15,6 @@ try:
     import numpy as np
     import scipy.io.wavfile
     import scipy.misc
-    import scipy.ndimage
     import scipy.signal as sig
 except ImportError as error:
     sys.exit(f"gallery.py: {error.name} is missing: install python3-numpy, python3-scipy and python3-matplotlib")
@@ -199,15 +198,14 @@ def heartbeats(gallery, axes):
     (beats, height), _ = gallery.run("heartbeats", "heart")
     heart = gallery.heart / 32768
     swing = sig.oaconvolve(heart, sig.firwin(361, [5, 15], pass_zero=False, fs=360), "same")
-    hills = sig.oaconvolve(swing ** 2, np.ones(45) / 45, "same")
-    runs, count = scipy.ndimage.label(hills >= 2 * np.mean(hills))
-    tops = np.array(scipy.ndimage.maximum_position(hills, runs, np.arange(1, count + 1)))[:, 0]
+    hills = np.sqrt(np.maximum(sig.oaconvolve(swing ** 2, np.ones(55) / 55, "same"), 0))
+    tops, _ = sig.find_peaks(hills, height=0.7 * np.mean(hills), distance=108)
     require(largest(beats, tops / 360) < 1e-6, "other beats")
     t = times(heart, 360)
     axes.plot(t, gallery.heart / 200, linewidth=0.8)
     axes.plot(beats, gallery.heart[tops] / 200, "v")
     axes.set(xlim=(20, 35), ylim=(-1.5, 2.7), xlabel="s", ylabel="mV",
-             title=f"{count} beats in {t[-1]:.0f} s, {60 / np.median(np.diff(beats)):.0f} a minute")
+             title=f"{len(tops)} beats in {len(t) / 360:.0f} s: {60 * len(tops) * 360 / len(t):.0f} a minute")
     return largest(height, hills[tops]) / max(height), 1e-12, "of the highest; binary64"
 
 
