@@ -23,6 +23,9 @@ namespace {
 constexpr double kMostTwist = 8;       // dB between the two tones of a key
 constexpr double kLeastDistinction = 6;  // dB between a key's tones and the other ones
 constexpr double kShortestKey = 0.03;  // seconds
+// A frame that a tone fills by half has about half the tone's share of the power in it, and the next one, a step
+// farther, much less. What is between belongs to a tone that its other frames make sure.
+constexpr double kEdgeShare = 0.8;
 
 struct Settings {
   std::string file;
@@ -36,11 +39,13 @@ struct Settings {
 struct Finding {
   std::string name;  // empty: nothing
   double level;      // dB
+  bool sure;         // with the whole of the share that was asked for
 };
 
 struct Event {
   std::string name;
   double begin, end, level;
+  bool sure;
 };
 
 double Decibels(double power) { return 10 * std::log10(power); }
@@ -73,18 +78,20 @@ Finding Judge(const std::vector<float>& frame, int32_t rate, const Settings& s) 
   float norm;
   Require(ORVAS_Norm_L2_32f(frame.data(), int32_t(frame.size()), &norm), "the norm");
   const double all = double(norm) * norm / double(frame.size());
-  const auto stands = [&](double power) { return power >= s.share * all && Decibels(power) >= s.threshold; };
+  const auto stands = [&](double power, double share) {
+    return power >= share * s.share * all && Decibels(power) >= s.threshold;
+  };
   if (s.frequency > 0) {
     const double power = TonePower(frame, s.frequency / rate);
-    return {stands(power) ? Format("%.6g Hz", s.frequency) : "", Decibels(power)};
+    return {stands(power, kEdgeShare) ? Format("%.6g Hz", s.frequency) : "", Decibels(power), stands(power, 1)};
   }
   const Strongest row = FindStrongest(frame, kKeypadRows, rate), column = FindStrongest(frame, kKeypadColumns, rate);
   const double power = row.power + column.power;
   const bool balanced = std::abs(Decibels(row.power / column.power)) <= kMostTwist;
   const bool distinct = Decibels(row.power / row.next) >= kLeastDistinction &&
                         Decibels(column.power / column.next) >= kLeastDistinction;
-  const bool key = stands(power) && balanced && distinct;
-  return {key ? std::string(1, kKeys[row.at * 4 + column.at]) : "", Decibels(power)};
+  const bool key = stands(power, kEdgeShare) && balanced && distinct;
+  return {key ? std::string(1, kKeys[row.at * 4 + column.at]) : "", Decibels(power), stands(power, 1)};
 }
 
 // Frames lie around times that a step apart go from the start of the recording to its end, with silence before and
@@ -161,14 +168,17 @@ void Run(int argc, char** argv) {
       levels[0].values.push_back(time);
       levels[1].values.push_back(found.level);
     }
-    if (!found.name.empty() && found.name != sounding) events.push_back({found.name, time, time, found.level});
+    if (!found.name.empty() && found.name != sounding) events.push_back({found.name, time, time, found.level, false});
     if (!found.name.empty()) {
       events.back().end = time;
       events.back().level = std::max(events.back().level, found.level);
+      events.back().sure |= found.sure;
     }
     sounding = found.name;
   });
-  if (s.frequency == 0) std::erase_if(events, [](const Event& e) { return e.end - e.begin < kShortestKey; });
+  std::erase_if(events, [&](const Event& e) {
+    return !e.sure || (s.frequency == 0 && e.end - e.begin < kShortestKey);
+  });
 
   if (s.results.csv) {
     PrintCsv(s.frequency > 0 ? levels : EventTable(events));
