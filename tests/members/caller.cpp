@@ -32,7 +32,9 @@ void StorePart(Kind kind, void* to, double number) {
 }  // namespace
 
 std::string Describe(const Member& member, const Setting& s) {
-  return member.name + (s.seed == 0 ? "" : " seed " + std::to_string(s.seed)) + " length " + std::to_string(s.len) + " variety " + std::to_string(static_cast<int>(s.variety)) +
+  const std::string seed = s.seed == 0 ? "" : " seed " + std::to_string(s.seed);
+  return member.name + seed + " length " + std::to_string(s.len) + " variety " +
+         std::to_string(static_cast<int>(s.variety)) +
          " constants " + std::to_string(s.constants) + " scale " + std::to_string(s.scale) + " place " +
          std::to_string(static_cast<int>(s.place)) + " alias " + std::to_string(s.alias);
 }

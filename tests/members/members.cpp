@@ -31,7 +31,8 @@ Room& RoomOf(const std::string& name) {
 
 // A function of numbers, and of pointers to numbers, is an operation on arrays.
 template <class T>
-constexpr bool IsPlain = !std::is_pointer_v<T> || (!std::is_pointer_v<ElementOf<T>> && requires { sizeof(ElementOf<T>); });
+constexpr bool IsPlain =
+    !std::is_pointer_v<T> || (!std::is_pointer_v<ElementOf<T>> && requires { sizeof(ElementOf<T>); });
 template <class... A>
 std::optional<Member> Plain(const char* name, OrvaStatus (*function)(A...)) {
   if constexpr ((IsPlain<A> && ...)) return Member(name, function);
@@ -64,11 +65,12 @@ void AddDeclared() {
 }  // namespace
 
 void Member::Describe(const Role* roles, const Sample* samples, size_t n) {
-  if (std::find(roles, roles + n, Role::kLength) == roles + n) Refuse(name, "no length argument: describe it by a scenario");
+  if (std::find(roles, roles + n, Role::kLength) == roles + n) Refuse(name, "no length: describe it by a scenario");
   for (size_t i = 0; i < n; ++i) {
     Argument argument{roles[i], samples[i]};
     const bool pointer = roles[i] < Role::kLength || roles[i] == Role::kResult;
-    if (pointer && argument.sample.kind == Kind::k16u && name.find("16f") != name.npos) argument.sample.kind = Kind::k16f;
+    Kind& kind = argument.sample.kind;
+    if (pointer && kind == Kind::k16u && name.find("16f") != name.npos) kind = Kind::k16f;
     if (argument.role == Role::kDst && !Twin().empty()) argument.role = Role::kSrcDst;
     arguments.push_back(argument);
   }

@@ -435,7 +435,8 @@ const Cases kWideOverflow = [](auto run) {
 };
 const Cases kLimitOfDecimals = [](auto run) {
   const OrvaDecimal128 limit = {0x098A224000000000, 0x4B3B4CA85A86C47A}, below = {limit.lo - 1, limit.hi};
-  const OrvaDecimal128 one = {1, 0}, minus_one = {1, kSign}, minus_zero = {0, kSign}, under = {below.lo, below.hi | kSign};
+  const OrvaDecimal128 one = {1, 0}, minus_one = {1, kSign}, minus_zero = {0, kSign};
+  const OrvaDecimal128 under = {below.lo, below.hi | kSign};
   const OrvaDecimal128 half = {0, uint64_t{1} << 62}, minus_half = {0, kSign | uint64_t{1} << 62};
   for (const std::vector<OrvaDecimal128>& rows : std::vector<std::vector<OrvaDecimal128>>{
            {below}, {below, one}, {limit, minus_one},  // a running sum at the limit comes back

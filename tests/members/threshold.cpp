@@ -53,7 +53,8 @@ const auto lessReplaced = [](auto x, decltype(x) level, decltype(x) value, At) {
 const auto greaterReplaced = [](auto x, decltype(x) level, decltype(x) value, At) { return x > level ? value : x; };
 const auto smallReplaced = [](auto x, decltype(x) level, decltype(x) value, At) {
   auto size = magnitude(x);  // integers saturate
-  if constexpr (std::is_integral_v<decltype(x)>) size = std::min<int64_t>(size, std::numeric_limits<decltype(x)>::max());
+  using T = decltype(x);
+  if constexpr (std::is_integral_v<T>) size = std::min<int64_t>(size, std::numeric_limits<T>::max());
   return size < level ? value : x;
 };
 const auto bothReplaced = [](auto x, decltype(x) low, decltype(x) under, decltype(x) high, decltype(x) over, At at) {
@@ -172,11 +173,13 @@ template <auto... more>
 constexpr Cases kComplexLevels = [](auto run) {
   for (double level : {0.0, 1.5, 0x1p-70, 3e18, double(NAN), 5.0}) {
     for (Variety variety : kVarieties) run(Case(RandomArray<Orva32fc>(75, 3, variety)).With({level, more...}));
-    run(Case(std::vector<Orva32fc>{{0, 0}, {3e30f, 0}, {NAN, 1}, {0x1p-70f, 0}, {0, -6}, {6, 8}}).With({level, more...}));
+    const std::vector<Orva32fc> sharp = {{0, 0}, {3e30f, 0}, {NAN, 1}, {0x1p-70f, 0}, {0, -6}, {6, 8}};
+    run(Case(sharp).With({level, more...}));
   }
 };
 
-#define BY(name, T, rule, ...) MEMBERS(ORVAS_Threshold_##name##_##T).Is(rule).On(kByLevels<Orva##T __VA_OPT__(,) __VA_ARGS__>)
+#define BY(name, T, rule, ...) \
+  MEMBERS(ORVAS_Threshold_##name##_##T).Is(rule).On(kByLevels<Orva##T __VA_OPT__(,) __VA_ARGS__>)
 
 const Rows rows("threshold", {
     MEMBERS(ORVAS_Threshold_16s).Is(byRelation).Constants({{3, 0}, {3, 4}})

@@ -6,7 +6,8 @@ namespace tzm_test {
 
 namespace {
 
-#define SPEC(kind, type) Member({"ORVAS_" #kind "_" #type, "ORVAS_" #kind "Init_" #type, "ORVAS_" #kind "Release_" #type})
+#define SPEC(kind, type) \
+  Member({"ORVAS_" #kind "_" #type, "ORVAS_" #kind "Init_" #type, "ORVAS_" #kind "Release_" #type})
 
 const Rows rows("transform", {
     SPEC(FFTCToC, 32fc),
