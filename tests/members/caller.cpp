@@ -22,14 +22,14 @@ T Saturated(double number) {
   return static_cast<T>(number);
 }
 
+}  // namespace
+
 void StorePart(Kind kind, void* to, double number) {
   Visit(kind, [=](auto type) {
     const auto value = Saturated<decltype(type)>(number);
     std::memcpy(to, &value, sizeof value);
   });
 }
-
-}  // namespace
 
 std::string Describe(const Member& member, const Setting& s) {
   const std::string seed = s.seed == 0 ? "" : " seed " + std::to_string(s.seed);

@@ -20,6 +20,9 @@ inline constexpr double kScales[] = {1.0, 4.0, 0.25, 2.0, 0.5, 3.0, 0.3, 1024.0,
                                      0x1p65, 0x1p-65, 0x1p-127, 0x1p149, 0x1p160, 0x1p-160, 0x1p300, 0x1p-300,
                                      0x1p1023};
 
+// A part of that kind; integers saturate.
+void StorePart(Kind kind, void* to, double number);
+
 struct Setting {
   int32_t len = 0;
   Variety variety = Variety::kModerate;
