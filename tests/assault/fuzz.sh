@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Inputs of bad faith, made by libFuzzer under the sanitizers: formats, and sound files for the tool's reader.
-#   fuzz.sh BUILD RUNS   (needs clang++; BUILD keeps the inputs that were found to reach something new)
+#   fuzz.sh BUILD RUNS   (needs clang++ and build/native; BUILD keeps the inputs that reach something new)
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 build=$1 runs=$2
@@ -26,8 +26,11 @@ for width in (1, 2, 3, 4):
 PYTHON
 
 clang++ "${flags[@]}" tests/assault/fuzz_format.cpp src/format/format.cpp -o "$build/format"
+libraries=build/native/lib
 # shellcheck disable=SC2046
-clang++ "${flags[@]}" tests/assault/fuzz_reader.cpp $(ls tool/audio*.cpp tool/text.cpp tool/new_file.cpp) \
-  $(pkg-config --cflags --libs sndfile) -o "$build/reader"
+clang++ "${flags[@]}" -Dmain=tool_main -DTZM_VERSION='"fuzz"' -DTZM_MARCH='"native"' tests/assault/fuzz_reader.cpp \
+  tool/*.cpp $(pkg-config --cflags --libs sndfile cairo cairo-png cairo-svg) -ldl -L"$libraries" \
+  -Wl,-rpath,"$PWD/$libraries" -lsignal_tzm -Wl,--no-as-needed -ltzm_core -ltzm_vmath -ltzm_fft -lopenblas -lm \
+  -o "$build/reader"
 "$build/format" -runs="$runs" -max_len=128 -verbosity=0 -print_final_stats=1 "$build/formats"
-"$build/reader" -runs="$((runs / 10))" -max_len=4096 -verbosity=0 -print_final_stats=1 "$build/sounds"
+"$build/reader" -runs="$((runs / 100))" -max_len=4096 -verbosity=0 -print_final_stats=1 -close_fd_mask=3 "$build/sounds"
