@@ -23,7 +23,7 @@ TZM_INLINE Angle ArctanOfRatio(V n, V d) {
   const V inverse = hn::Div(C(1), below), t = hn::Mul(above, inverse);
   const V error = hn::Sub(Fnma(t, below, above), Fma(t, belowRest, productRest));
   const V t2 = hn::Mul(t, t);
-  return {arc, t, Fma(hn::Mul(t, t2), Polynomial(kAtanPoly, t2), Fma(error, inverse, arcRest))};
+  return {arc, t, Fma(hn::Mul(t, t2), PolynomialInTwo(kAtanPoly, t2, hn::Mul(t2, t2)), Fma(error, inverse, arcRest))};
 }
 // base + angle, or base - angle where `sign` is negative; base, in two parts, is 0 or above the angle.
 TZM_INLINE V Turn(Sum base, Angle angle, V sign) {
@@ -101,7 +101,7 @@ struct Atan32 {
     const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
     const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
     const V q = hn::Div(n, d), q2 = hn::Mul(q, q);
-    const V y = hn::Add(base, Fma(hn::Mul(q, q2), Polynomial(kAtanPoly32, q2), q));
+    const V y = hn::Add(base, Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q));
     return hn::CopySign(Settled(kAtanMiddles, y), x);
   }
 };
@@ -117,7 +117,7 @@ struct Atan2_32 {
     const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::IfThenElseZero(left, C(kPi[0])));
     const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
-    const V q2 = hn::Mul(q, q), arc = Fma(hn::Mul(q, q2), Polynomial(kAtanPoly32, q2), q);
+    const V q2 = hn::Mul(q, q), arc = Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q);
     const V angle = hn::Add(base, hn::Xor(arc, sign));
     const M usual = hn::AndNot(IsOpenNormal(angle), hn::Gt(angle, C(0x1p-120)));
     if (Any(hn::Not(usual))) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);

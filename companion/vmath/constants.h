@@ -132,9 +132,9 @@ inline constexpr double kSinPoly32[] = {-0x1.5555555555555p-3, 0x1.11111111110cb
 // sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x: within 2^-68.8
 inline constexpr double kSinPoly[] = {-0x1.4bf1d7895158fp-57, 0x1.111111111110bp-7, -0x1.a01a01a018ae2p-13,
     0x1.71de3a5339626p-19, -0x1.ae64529843b4bp-26, 0x1.612092bcab8f4p-33, -0x1.aaa54defaf408p-41};
-// cos x = 1 - x^2/2 + x^4 p(x^2), |x| < pi/4: within 2^-64.2
-inline constexpr double kCosPoly[] = {0x1.555555555554cp-5, -0x1.6c16c16c15222p-10, 0x1.a01a019cbfd2cp-16,
-    -0x1.27e4f8131550cp-22, 0x1.1ee9f197db583p-29, -0x1.8fb1560393fe7p-37};
+// cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4: within 2^-64.7
+inline constexpr double kCosPoly[] = {0x1.36df643f3a453p-58, 0x1.555555555553cp-5, -0x1.6c16c16c13f8bp-10,
+    0x1.a01a019b77810p-16, -0x1.27e4f75808cbbp-22, 0x1.1ee9874566da3p-29, -0x1.8f81999ca664ap-37};
 // arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x: within 2^-59.5
 inline constexpr double kAtanPoly32[] = {-0x1.555555555553dp-2, 0x1.99999999958b3p-3, -0x1.24924922b0025p-3,
     0x1.c71c70e743967p-4, -0x1.745cf901d2c89p-4, 0x1.3b111bd176276p-4, -0x1.10ebd7b593f9ep-4, 0x1.df1118be484d5p-5,

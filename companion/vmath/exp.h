@@ -61,7 +61,7 @@ struct Exp32 {
     const V shifted = Fma(x, C(kSixteenByLn2[0]), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
     const V f = Fma(x, C(kSixteenByLn2[1]), Fms(x, C(kSixteenByLn2[0]), k));
     const auto [root] = Lookup<kExpRoots>(BitsOf(shifted)).number;
-    return Exponential{root, hn::Mul(f, Polynomial(kExp2Poly, f)), BitsOf(shifted)}.Normal();
+    return Exponential{root, hn::Mul(f, PolynomialInTwo(kExp2Poly, f, hn::Mul(f, f))), BitsOf(shifted)}.Normal();
   }
 };
 

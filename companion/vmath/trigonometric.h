@@ -100,58 +100,73 @@ struct Unit {
   }
 };
 
-// Sine and cosine of a reduced argument, each a number and the rest of it: r - r^3/6 and 1 - r^2/2 with what their
-// roundings lost, and all that follows in the rest.
-struct SinCos {
-  Sum sine, cosine;
-};
-TZM_INLINE SinCos SinCosParts(const Reduced& a) {
-  const V r = a.r, r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2), half = hn::Mul(r2, C(0.5));
-  const V cosine = hn::Sub(C(1), half), lost = hn::Sub(hn::Sub(C(1), cosine), half);
-  const V even = Fma(hn::Mul(r2, r2), Polynomial(kCosPoly, r2), Fnma(r2Rest, C(0.5), Fnma(r, a.rest, lost)));
-  const V r3 = hn::Mul(r2, r), r3Rest = Fma(r2Rest, r, Fms(r2, r, r3));
-  const V sine = Fnma(r3, C(kSixth), r), odd = Fnma(r3, C(kSixth), hn::Sub(r, sine));
-  const V more = Fma(r3, Polynomial(kSinPoly, r2), Fnma(r3Rest, C(kSixth), Fma(a.rest, cosine, odd)));
-  return {{sine, more}, {cosine, even}};
-}
-
-TZM_INLINE V Either(M odd, V ifOdd, V ifEven) { return hn::IfThenElse(odd, ifOdd, ifEven); }
 TZM_INLINE M IsOdd(I k) { return hn::MaskFromVec(OfBits(hn::Neg(hn::And(k, SetBits(1))))); }
 
-// Within 0.54 ulp each.
+// The sine or the cosine of a reduced argument as a number and the rest of it: r - r^3/6 or 1 - r^2/2, and what their
+// roundings lost with all that follows. either(a, b) is a for the cosine and b for the sine: in all lanes, so that the
+// compiler sees constants, or lane by lane.
+template <class Either>
+TZM_INLINE Sum SinOrCos(const Reduced& a, Either either) {
+  const V r = a.r, r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2);
+  const V first = either(C(1), r), second = hn::Mul(r2, first);
+  const V secondRest = Fma(r2Rest, first, Fms(r2, first, second));
+  const V divisor = either(C(0.5), C(kSixth)), slope = either(hn::Neg(r), Fnma(r2, C(0.5), C(1)));
+  const V sum = Fnma(second, divisor, first), lost = Fnma(second, divisor, hn::Sub(first, sum));
+  V series = either(C(kCosPoly[6]), C(kSinPoly[6]));
+  Unrolled<6>([&](auto i) TZM_LAMBDA { series = Fma(series, r2, either(C(kCosPoly[5 - i]), C(kSinPoly[5 - i]))); });
+  return {sum, Fma(second, series, Fnma(secondRest, divisor, Fma(a.rest, slope, lost)))};
+}
+struct CosineOnly {
+  TZM_INLINE V operator()(V cosine, V) const { return cosine; }
+};
+struct SineOnly {
+  TZM_INLINE V operator()(V, V sine) const { return sine; }
+};
+
+// Within 0.57 ulp each.
 using Quarter = Unit<1, false>;
+TZM_INLINE V Zeroed(V y, V x) { return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y); }  // the sign of a zero
+struct Sin64 {
+  TZM_INLINE V operator()(V x) const {
+    const Reduced a = Quarter::Reduce<true>(x);
+    const M odd = IsOdd(a.k);
+    const Sum y = SinOrCos(a, [&](V c, V s) TZM_LAMBDA { return hn::IfThenElse(odd, c, s); });
+    return Zeroed(NegateIfOdd(hn::Add(y.sum, y.rest), ShiftRightLogical<1>(a.k)), x);
+  }
+};
+struct Cos64 {
+  TZM_INLINE V operator()(V x) const {
+    const Reduced a = Quarter::Reduce<true>(x);
+    const M odd = IsOdd(a.k);
+    const Sum y = SinOrCos(a, [&](V c, V s) TZM_LAMBDA { return hn::IfThenElse(odd, s, c); });
+    return NegateIfOdd(hn::Add(y.sum, y.rest), hn::Xor(ShiftRightLogical<1>(a.k), a.k));
+  }
+};
 struct SinCos64 {
   V sine, cosine;
   TZM_INLINE explicit SinCos64(V x) {
     const Reduced a = Quarter::Reduce<true>(x);
-    const SinCos parts = SinCosParts(a);
+    const Sum s = SinOrCos(a, SineOnly()), c = SinOrCos(a, CosineOnly());
     const M odd = IsOdd(a.k);
-    const V s = hn::Add(parts.sine.sum, parts.sine.rest), c = hn::Add(parts.cosine.sum, parts.cosine.rest);
+    const V small = hn::Add(s.sum, s.rest), large = hn::Add(c.sum, c.rest);
     const I half = ShiftRightLogical<1>(a.k);
-    sine = hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, NegateIfOdd(Either(odd, c, s), half));
-    cosine = NegateIfOdd(Either(odd, s, c), hn::Xor(half, a.k));
+    sine = Zeroed(NegateIfOdd(hn::IfThenElse(odd, large, small), half), x);
+    cosine = NegateIfOdd(hn::IfThenElse(odd, small, large), hn::Xor(half, a.k));
   }
-};
-struct Sin64 {
-  TZM_INLINE V operator()(V x) const { return SinCos64(x).sine; }
-};
-struct Cos64 {
-  TZM_INLINE V operator()(V x) const { return SinCos64(x).cosine; }
 };
 
 // Within 0.55 ulp: the quotient of both in two parts, refined once.
 struct Tan64 {
   TZM_INLINE V operator()(V x) const {
     const Reduced a = Quarter::Reduce<true>(x);
-    const SinCos parts = SinCosParts(a);
+    const Sum sine = SinOrCos(a, SineOnly()), cosine = SinOrCos(a, CosineOnly());
+    const Sum s = FastTwoSum(sine.sum, sine.rest), c = FastTwoSum(cosine.sum, cosine.rest);
     const M odd = IsOdd(a.k);
-    const Sum s = FastTwoSum(parts.sine.sum, parts.sine.rest), c = FastTwoSum(parts.cosine.sum, parts.cosine.rest);
-    const Sum above = {Either(odd, c.sum, s.sum), Either(odd, c.rest, s.rest)};
-    const Sum below = {Either(odd, s.sum, c.sum), Either(odd, s.rest, c.rest)};
+    const Sum above = {hn::IfThenElse(odd, c.sum, s.sum), hn::IfThenElse(odd, c.rest, s.rest)};
+    const Sum below = {hn::IfThenElse(odd, s.sum, c.sum), hn::IfThenElse(odd, s.rest, c.rest)};
     const V inverse = hn::Div(C(1), below.sum), quotient = hn::Mul(above.sum, inverse);
     const V rest = hn::Add(Fnma(quotient, below.sum, above.sum), Fnma(quotient, below.rest, above.rest));
-    const V y = NegateIfOdd(Fma(rest, inverse, quotient), a.k);
-    return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y);
+    return Zeroed(NegateIfOdd(Fma(rest, inverse, quotient), a.k), x);
   }
 };
 
@@ -164,7 +179,7 @@ constexpr Middle kCosMiddles[] = {
 // The sine of r, |r| <= pi/2.
 TZM_INLINE V SineOf(V r) {
   const V r2 = hn::Mul(r, r);
-  return WithSignOf(Fma(hn::Mul(r, r2), Polynomial(kSinPoly32, r2), r), r);
+  return WithSignOf(Fma(hn::Mul(r, r2), PolynomialInTwo(kSinPoly32, r2, hn::Mul(r2, r2)), r), r);
 }
 struct Sin32 {
   TZM_INLINE V operator()(V x) const {
@@ -186,11 +201,10 @@ struct Tan32 {
   TZM_INLINE V operator()(V x) const {
     const Reduced a = Quarter::Reduce<false>(x);
     const V r = a.r, r2 = hn::Mul(r, r);
-    const V s = Fma(hn::Mul(r, r2), hn::Sub(Polynomial(kSinPoly, r2), C(kSixth)), r);
-    const V c = Fma(hn::Mul(r2, r2), Polynomial(kCosPoly, r2), Fnma(r2, C(0.5), C(1)));
+    const V s = Fma(hn::Mul(r, r2), hn::Sub(PolynomialInTwo(kSinPoly, r2, hn::Mul(r2, r2)), C(kSixth)), r);
+    const V c = Fma(r2, PolynomialInTwo(kCosPoly, r2, hn::Mul(r2, r2)), Fnma(r2, C(0.5), C(1)));
     const M odd = IsOdd(a.k);
-    const V y = NegateIfOdd(hn::Div(Either(odd, c, s), Either(odd, s, c)), a.k);
-    return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y);
+    return Zeroed(NegateIfOdd(hn::Div(hn::IfThenElse(odd, c, s), hn::IfThenElse(odd, s, c)), a.k), x);
   }
 };
 

@@ -85,7 +85,7 @@ POLYNOMIALS = [
     ("kSinPoly32", "sin(sqrt(x))/sqrt(x) - 1", 1, 8, "[1b-30, (pi/2)^2*1.00001]", "sin x = x + x^3 p(x^2), |x| < pi/2"),
     ("kSinPoly", "sin(sqrt(x))/sqrt(x) - 1 + x*{sixth}", 1, 7, "[1b-30, (pi/4)^2*1.00001]",
      "sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x"),
-    ("kCosPoly", "cos(sqrt(x)) - 1 + x/2", 2, 7, "[1b-30, (pi/4)^2*1.00001]", "cos x = 1 - x^2/2 + x^4 p(x^2), |x| < pi/4"),
+    ("kCosPoly", "cos(sqrt(x)) - 1 + x/2", 1, 7, "[1b-30, (pi/4)^2*1.00001]", "cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4"),
     ("kAtanPoly32", "atan(sqrt(x))/sqrt(x) - 1", 1, 11, "[1b-30, (sqrt(2) - 1)^2*1.0001]",
      "arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x"),
     ("kAtanPoly", "atan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, {atan_most}^2]",
