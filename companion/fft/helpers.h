@@ -1,4 +1,4 @@
-// Threads that help with FFTW's parallel loops. The calling thread takes jobs itself, one after the other,
+// Threads that help with the parallel loops of long transforms. The calling thread takes jobs itself, one after the other,
 // and a helper takes one only when it has a processor to run on. So a helper that gets none holds nobody up:
 // a team with a job for each of its threads waits for the slowest, on a busy machine a hundred times as long.
 #pragma once
@@ -30,9 +30,9 @@ class Helpers {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
   }
 
-  // Calls work(jobs), work(jobs + size) ... `count` times; all of it is done when this returns.
-  void Run(void* (*work)(char*), char* jobs, size_t size, int count) {
-    Loop loop{work, jobs, size, count};
+  // Calls work(context, 0), work(context, 1) ... `count` times; all of it is done when this returns.
+  void Run(size_t count, void (*work)(const void* context, size_t job), const void* context) {
+    Loop loop{work, context, count};
     {
       const std::lock_guard guard(lock_);
       loop.later = loops_;
@@ -66,16 +66,15 @@ class Helpers {
   static constexpr std::chrono::microseconds kAwake{50};
 
   struct Loop {
-    void* (*work)(char*);
-    char* jobs;
-    size_t size;
-    int count;
-    std::atomic<int> taken = 0;
+    void (*work)(const void* context, size_t job);
+    const void* context;
+    size_t count;
+    std::atomic<size_t> taken = 0;
     std::atomic<int> helpers = 0;  // threads that take jobs of it
     Loop* later = nullptr;
 
     void TakeJobs() {
-      for (int k; (k = taken++) < count;) work(jobs + static_cast<size_t>(k) * size);
+      for (size_t k; (k = taken++) < count;) work(context, k);
     }
   };
 

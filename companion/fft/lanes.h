@@ -1,0 +1,216 @@
+// Complex numbers in registers: their places in memory, and transposition.
+#pragma once
+
+#include "frame/vector.h"
+
+namespace tzm::fft {
+
+// The real and the imaginary parts of as many complex numbers as a register has lanes.
+template <class D>
+struct Cx {
+  Vec<D> re, im;
+};
+
+// A block is such a register pair in scratch memory: V real parts, then V imaginary ones.
+template <class D>
+constexpr size_t kLanes = hn::MaxLanes(D());
+template <class D>
+constexpr size_t kBlock = 2 * kLanes<D>;
+
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadBlock(D d, const T* from) {
+  return {hn::LoadU(d, from), hn::LoadU(d, from + kLanes<D>)};
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreBlock(D d, const Cx<D>& x, T* to) {
+  hn::StoreU(x.re, d, to);
+  hn::StoreU(x.im, d, to + kLanes<D>);
+}
+
+// The caller's complex numbers: pairs; pairs with the parts exchanged, which make a forward transform an inverse one;
+// two arrays; or real parts alone. Of pairs, `re` is the array.
+enum class Form { kPairs, kExchanged, kSplit, kReal };
+template <class T>
+struct Number {
+  T re, im;
+};
+template <class T>
+struct View {
+  using Real = std::remove_const_t<T>;
+  Form form;
+  T* re;
+  T* im;
+
+  bool IsPairs() const { return form == Form::kPairs || form == Form::kExchanged; }
+  View From(size_t first) const {
+    return {form, re + first * (IsPairs() ? 2 : 1), form == Form::kSplit ? im + first : im};
+  }
+  Number<Real> Get(size_t k) const {
+    switch (form) {
+      case Form::kPairs: return {LoadElement(re + 2 * k), LoadElement(re + 2 * k + 1)};
+      case Form::kExchanged: return {LoadElement(re + 2 * k + 1), LoadElement(re + 2 * k)};
+      case Form::kSplit: return {LoadElement(re + k), LoadElement(im + k)};
+      default: return {LoadElement(re + k), 0};
+    }
+  }
+  void Put(size_t k, Number<Real> x) const {
+    if (form == Form::kSplit) {
+      StoreElement(x.re, re + k);
+      StoreElement(x.im, im + k);
+    } else {
+      StoreElement(form == Form::kPairs ? x.re : x.im, re + 2 * k);
+      StoreElement(form == Form::kPairs ? x.im : x.re, re + 2 * k + 1);
+    }
+  }
+};
+
+// LoadParts leaves elements in the order of the machine: lane `lane` has element InOrder(lane) of the V in memory, and
+// StoreParts takes them so. On machines with wide registers these are made of 128-bit ones.
+template <class D>
+constexpr size_t InOrder(size_t lane) {
+  constexpr size_t kBlockLanes = 16 / sizeof(hn::TFromD<D>), kHalf = kBlockLanes / 2;
+  if (kLanes<D> <= kBlockLanes) return lane;
+  const size_t block = lane / kBlockLanes, rest = lane % kBlockLanes;
+  return kHalf * block + rest % kHalf + (rest / kHalf) * kLanes<D> / 2;
+}
+#if HWY_ARCH_X86
+static_assert(InOrder<hn::CappedTag<float, 8>>(2) == 4 && InOrder<hn::CappedTag<double, 4>>(1) == 2);
+#endif
+
+// Elements as they are in memory into that order, and back.
+template <class D>
+TZM_INLINE Vec<D> FromMemory(D d, Vec<D> v) {
+  (void)d;
+#if HWY_ARCH_X86
+  if constexpr (kLanes<D> * sizeof(hn::TFromD<D>) > 16) {
+    const hn::Repartition<uint64_t, D> d64;
+#if HWY_TARGET <= HWY_AVX3
+    if constexpr (kLanes<D> * sizeof(hn::TFromD<D>) == 64) {
+      const __m512i order = _mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7);
+      return hn::BitCast(d, Vec<decltype(d64)>{_mm512_permutexvar_epi64(order, hn::BitCast(d64, v).raw)});
+    }
+#endif
+    if constexpr (kLanes<D> * sizeof(hn::TFromD<D>) == 32)
+      return hn::BitCast(d, Vec<decltype(d64)>{_mm256_permute4x64_epi64(hn::BitCast(d64, v).raw, 0xd8)});
+  }
+#endif
+  return v;
+}
+template <class D>
+TZM_INLINE Vec<D> ToMemory(D d, Vec<D> v) {
+  if constexpr (kLanes<D> == kLanes<Full<hn::TFromD<D>>>) return PartsInOrder(v);
+  else return FromMemory(d, v);  // its own inverse in 256 bits
+}
+
+// Pairs in memory to and from registers. (A capped register of binary32 has no LoadParts in the machine's order.)
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadPairs(D d, const T* from) {
+  Cx<D> x;
+#if HWY_TARGET <= HWY_AVX3
+  if constexpr (sizeof(T) == 4 && kLanes<D> == 8) {
+    const __m256 first = _mm256_loadu_ps(from), second = _mm256_loadu_ps(from + 8);
+    x.re.raw = _mm256_shuffle_ps(first, second, 0x88);
+    x.im.raw = _mm256_shuffle_ps(first, second, 0xdd);
+    return x;
+  }
+#endif
+  LoadParts(d, from, x.re, x.im);
+  return x;
+}
+
+// x[i] = element at[i] on of the caller's, for i below N; `at` is a function of a constant.
+template <size_t N, class D, class T = hn::TFromD<D>>
+TZM_INLINE void LoadUser(D d, const View<const T>& view, Cx<D>* x, auto at) {
+  if (view.form == Form::kPairs) {
+    Unrolled<N>([&](auto i) TZM_LAMBDA { x[i] = LoadPairs(d, view.re + 2 * at(i)); });
+  } else if (view.form == Form::kExchanged) {
+    Unrolled<N>([&](auto i) TZM_LAMBDA {
+      const Cx<D> pair = LoadPairs(d, view.re + 2 * at(i));
+      x[i] = {pair.im, pair.re};
+    });
+  } else if (view.form == Form::kSplit) {
+    Unrolled<N>([&](auto i) TZM_LAMBDA {
+      x[i] = {FromMemory(d, hn::LoadU(d, view.re + at(i))), FromMemory(d, hn::LoadU(d, view.im + at(i)))};
+    });
+  } else {
+    Unrolled<N>([&](auto i) TZM_LAMBDA { x[i] = {FromMemory(d, hn::LoadU(d, view.re + at(i))), hn::Zero(d)}; });
+  }
+}
+template <size_t N, class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreUser(D d, const View<T>& view, const Cx<D>* x, auto at) {
+  if (view.form == Form::kPairs) {
+    Unrolled<N>([&](auto i) TZM_LAMBDA { StoreParts(x[i].re, x[i].im, d, view.re + 2 * at(i)); });
+  } else if (view.form == Form::kExchanged) {
+    Unrolled<N>([&](auto i) TZM_LAMBDA { StoreParts(x[i].im, x[i].re, d, view.re + 2 * at(i)); });
+  } else {
+    Unrolled<N>([&](auto i) TZM_LAMBDA {
+      hn::StoreU(ToMemory(d, x[i].re), d, view.re + at(i));
+      hn::StoreU(ToMemory(d, x[i].im), d, view.im + at(i));
+    });
+  }
+}
+
+// Rows become columns in each 128-bit part of V registers, which brings the right parts together where there is one.
+template <class D>
+TZM_INLINE void TransposeParts(D d, Vec<D>* x) {
+  constexpr size_t kPart = 16 / sizeof(hn::TFromD<D>);
+  if constexpr (kPart == 2 || kLanes<D> == 2) {
+    Unrolled<kLanes<D> / 2>([&](auto g) TZM_LAMBDA {
+      const auto low = hn::InterleaveLower(d, x[2 * g], x[2 * g + 1]);
+      x[2 * g + 1] = hn::InterleaveUpper(d, x[2 * g], x[2 * g + 1]);
+      x[2 * g] = low;
+    });
+  } else {
+    const hn::Repartition<double, D> pairs;
+    Unrolled<kLanes<D> / 4>([&](auto g) TZM_LAMBDA {
+      auto* const y = x + 4 * g;
+      const auto a = hn::BitCast(pairs, hn::InterleaveLower(d, y[0], y[1]));
+      const auto b = hn::BitCast(pairs, hn::InterleaveUpper(d, y[0], y[1]));
+      const auto c = hn::BitCast(pairs, hn::InterleaveLower(d, y[2], y[3]));
+      const auto e = hn::BitCast(pairs, hn::InterleaveUpper(d, y[2], y[3]));
+      y[0] = hn::BitCast(d, hn::InterleaveLower(pairs, a, c));
+      y[1] = hn::BitCast(d, hn::InterleaveUpper(pairs, a, c));
+      y[2] = hn::BitCast(d, hn::InterleaveLower(pairs, b, e));
+      y[3] = hn::BitCast(d, hn::InterleaveUpper(pairs, b, e));
+    });
+  }
+}
+
+// Stores V registers as columns: lane t of x[k] goes to element k of the register at to + InOrder(t) * step.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreTransposed(D d, Vec<D>* x, T* to, size_t step) {
+  constexpr size_t kLane = kLanes<D>, kPart = 16 / sizeof(T);
+  TransposeParts(d, x);
+  const auto place = [=](size_t t) TZM_LAMBDA { return to + InOrder<D>(t) * step; };
+  if constexpr (kLane <= kPart) {
+    Unrolled<kLane>([&](auto t) TZM_LAMBDA { hn::StoreU(x[t], d, place(t)); });
+  } else if constexpr (kLane == 2 * kPart) {  // by halves, which costs no shuffle
+    const hn::Half<D> half;
+    Unrolled<kLane>([&](auto t) TZM_LAMBDA {
+      constexpr size_t kRow = t % kPart, kHalf = t / kPart * kPart;
+      hn::StoreU(hn::LowerHalf(half, x[t]), half, place(kRow) + kHalf);
+      hn::StoreU(hn::UpperHalf(half, x[t]), half, place(kRow + kPart) + kHalf);
+    });
+  } else {
+#if HWY_TARGET <= HWY_AVX3
+    const auto even = [](Vec<D> a, Vec<D> b) TZM_LAMBDA {
+      if constexpr (sizeof(T) == 4) return Vec<D>{_mm512_shuffle_f32x4(a.raw, b.raw, 0x88)};
+      else return Vec<D>{_mm512_shuffle_f64x2(a.raw, b.raw, 0x88)};
+    };
+    const auto odd = [](Vec<D> a, Vec<D> b) TZM_LAMBDA {
+      if constexpr (sizeof(T) == 4) return Vec<D>{_mm512_shuffle_f32x4(a.raw, b.raw, 0xdd)};
+      else return Vec<D>{_mm512_shuffle_f64x2(a.raw, b.raw, 0xdd)};
+    };
+    Unrolled<kPart>([&](auto i) TZM_LAMBDA {  // the four parts of four registers, as rows to columns
+      const auto a = even(x[i], x[i + kPart]), c = even(x[i + 2 * kPart], x[i + 3 * kPart]);
+      const auto b = odd(x[i], x[i + kPart]), e = odd(x[i + 2 * kPart], x[i + 3 * kPart]);
+      hn::StoreU(even(a, c), d, place(i));
+      hn::StoreU(even(b, e), d, place(i + kPart));
+      hn::StoreU(odd(a, c), d, place(i + 2 * kPart));
+      hn::StoreU(odd(b, e), d, place(i + 3 * kPart));
+    });
+#endif
+  }
+}
+
+}  // namespace tzm::fft

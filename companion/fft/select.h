@@ -1,0 +1,40 @@
+// The kind of transform that a length gets.
+#pragma once
+
+#include "primes.h"
+#include "small.h"
+
+namespace tzm::fft {
+
+template <class T>
+std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
+  using Result = std::unique_ptr<Complex<T>>;
+  constexpr auto kLane = [](size_t wanted) { return std::min(wanted, kLanes<Full<T>>); };
+  switch (n) {
+    case 1: return Result(new Tiny<T, PowerOfTwo<0>>);
+    case 2: return Result(new Tiny<T, PowerOfTwo<1>>);
+    case 3: return Result(new Tiny<T, Odd<3>>);
+    case 4: return Result(new Tiny<T, PowerOfTwo<2>>);
+    case 5: return Result(new Tiny<T, Odd<5>>);
+    case 6: return Result(new Coprime<T, PowerOfTwo<1>, Odd<3>>);
+    case 7: return Result(new Tiny<T, Odd<7>>);
+    case 8: return Result(new Small<T, kLane(2), 2, 1>);
+    case 10: return Result(new Coprime<T, PowerOfTwo<1>, Odd<5>>);
+    case 11: return Result(new Tiny<T, Odd<11>>);
+    case 12: return Result(new Coprime<T, PowerOfTwo<2>, Odd<3>>);
+    case 13: return Result(new Tiny<T, Odd<13>>);
+    case 14: return Result(new Coprime<T, PowerOfTwo<1>, Odd<7>>);
+    case 15: return Result(new Coprime<T, Odd<3>, Odd<5>>);
+    case 16: return Result(new Small<T, kLane(4), 2, 2>);
+    case 20: return Result(new Coprime<T, PowerOfTwo<2>, Odd<5>>);
+    case 32: return Result(new Small<T, kLane(4), 3, 2>);
+    case 64: return Result(new Small<T, kLane(8), 3, 3>);
+    case 128: return Result(new Small<T, kLane(8), 3, 4>);
+  }
+  const size_t largest = Factors(n).back();
+  if (largest == n && n <= kLargestFactor) return Result(new Lone<T>(n));
+  if (largest <= kLargestFactor) return Result(new Matrix<T>(n, workers));
+  return Result(new Chirp<T>(n, workers));
+}
+
+}  // namespace tzm::fft
