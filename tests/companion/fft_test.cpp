@@ -1,13 +1,80 @@
-// The FFT companion where the library does not lead: split plans of any shape, and what planners refuse. Both
-// precisions are one template.
+// The FFT companion: the bits of every kind of plan, split plans of any shape, and what planners refuse.
 #include <gtest/gtest.h>
 #include <signal_tzm/companion.h>
 
 #include <complex>
 #include <limits>
+#include <string>
 #include <vector>
 
+#include "graph.h"
+#include "support/compare.h"
+#include "support/random.h"
+
+namespace tzm_test {
 namespace {
+
+#define PRECISION(Name, Sample, prefix)                                 \
+  struct Name {                                                        \
+    using Real = Sample;                                               \
+    using Complex = Sample##c;                                         \
+    static constexpr auto kPlan = prefix##_plan_dft_1d;                \
+    static constexpr auto kPlanForward = prefix##_plan_dft_r2c_1d;     \
+    static constexpr auto kPlanInverse = prefix##_plan_dft_c2r_1d;     \
+    static constexpr auto kRun = prefix##_execute_dft;                 \
+    static constexpr auto kRunForward = prefix##_execute_dft_r2c;      \
+    static constexpr auto kRunInverse = prefix##_execute_dft_c2r;      \
+    static constexpr auto kDestroy = prefix##_destroy_plan;            \
+  };
+PRECISION(Single, Orva32f, tzm_fftf)
+PRECISION(Double, Orva64f, tzm_fft)
+#undef PRECISION
+
+template <class P>
+class Graph : public testing::Test {};
+using Precisions = testing::Types<Single, Double>;
+TYPED_TEST_SUITE(Graph, Precisions);
+
+// Lengths of all kinds and of every schedule; the same graph with few lanes and with many, in one pass and in several.
+TYPED_TEST(Graph, IsTheBits) {
+  using P = TypeParam;
+  using Real = typename P::Real;
+  using Complex = typename P::Complex;
+  std::vector<int32_t> lengths = {127, 128, 136, 167, 179, 191, 243, 256, 257, 289, 334, 360, 512, 625, 729, 1000, 1009,
+                                  1024, 1155, 2048, 2197};
+  for (int32_t n = 1; n <= 110; ++n) lengths.push_back(n);
+  for (int32_t n : lengths) {
+    const auto size = static_cast<size_t>(n), half = size / 2 + 1;
+    const auto numbers = RandomArray<Real>(2 * size, size), reals = RandomArray<Real>(size, size);
+    Numbers<Real> x;
+    for (size_t k = 0; k < size; ++k) x.push_back({numbers[2 * k], numbers[2 * k + 1]});
+    const std::string what = std::to_string(n) + " points";
+    std::vector<Real> result(2 * size + 2);
+    const auto expect = [&](const auto& expected) {
+      EXPECT_TRUE(SameBits(what, reinterpret_cast<const Real*>(expected.data()), result.data(),
+                           expected.size() * sizeof expected[0] / sizeof(Real)));
+    };
+    const auto bins = [](const auto& array) {
+      return reinterpret_cast<Complex*>(const_cast<Real*>(array.data()));
+    };
+    for (int32_t sign : {-1, 1}) {
+      const auto plan = P::kPlan(n, nullptr, nullptr, sign, 0);
+      P::kRun(plan, bins(numbers), bins(result));
+      P::kDestroy(plan);
+      expect(sign < 0 ? Forward(x) : Inverse(x));
+    }
+    const auto forward = P::kPlanForward(n, nullptr, nullptr, 0), inverse = P::kPlanInverse(n, nullptr, nullptr, 0);
+    P::kRunForward(forward, const_cast<Real*>(reals.data()), bins(result));
+    expect(RealForward(reals));
+    x.resize(half);
+    auto spectrum = RandomArray<Real>(2 * half, size);
+    for (size_t k = 0; k < half; ++k) x[k] = {spectrum[2 * k], spectrum[2 * k + 1]};
+    P::kRunInverse(inverse, bins(spectrum), result.data());
+    expect(RealInverse(x, size));
+    P::kDestroy(forward);
+    P::kDestroy(inverse);
+  }
+}
 
 // Two howmany dimensions around a two-dimensional transform, every stride different, so that gaps
 // between the outputs would show a stray write.
@@ -51,3 +118,4 @@ TEST(Fft, RefusesBadArguments) {
 }
 
 }  // namespace
+}  // namespace tzm_test

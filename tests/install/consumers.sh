@@ -47,7 +47,7 @@ look_into_packages() {
     field "$package" Version "$VERSION"
     field "$package" Architecture "$ARCHITECTURE"
   done
-  field "$run" Depends libc6 libgomp1 libfftw3-{single3,double3}
+  field "$run" Depends libc6 libgomp1
   field libsignal-tzm-dev Depends "$run (= $VERSION)" libopenblas-dev
   field tzm Depends "$run (= $VERSION)" libcairo2 libsndfile1 libopenblas0
   if [ -z "$TOOLCHAIN" ]; then

@@ -7,54 +7,57 @@ namespace tzm_test {
 
 namespace {
 
-constexpr int32_t kDirect = 1;
+constexpr int32_t kDirect = 1, kFft = 2;
 
-// The direct route of every length pair: short, long and uneven sequences.
+// Both routes of every length pair: short, long and uneven sequences.
 template <class T>
 void ConvolutionDigest(auto init, auto run, auto release, Digest& digest) {
-  ConvState* state = nullptr;
-  digest.AddStatus(init(1, 1, kDirect, &state));
-  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
-    for (int32_t len1 : {1, 10, 50, 150, 700})
-      for (int32_t len2 : {1, 7, 16, 17, 60, 200, 500}) {
-        const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
-        std::vector<T> dst(len1 + len2 - 1);
-        digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), state));
-        digest.Add(dst.data(), dst.size());
-      }
-  release(state);
+  for (int32_t route : {kDirect, kFft})
+    for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+      for (int32_t len1 : {1, 10, 50, 150, 700})
+        for (int32_t len2 : {1, 7, 16, 17, 60, 200, 500}) {
+          const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
+          std::vector<T> dst(len1 + len2 - 1);
+          ConvState* state = nullptr;
+          digest.AddStatus(init(len1, len2, route, &state));
+          digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), state));
+          digest.Add(dst.data(), dst.size());
+          release(state);
+        }
 }
 
 template <class T>
 void AutocorrelationDigest(auto init, auto run, auto release, Digest& digest) {
-  CorrState* state = nullptr;
-  digest.AddStatus(init(1, 1, kDirect, &state));
-  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
-    for (int32_t len : {1, 5, 40, 77, 500})
-      for (int32_t dstLen : {1, 8, 33, 79, 300}) {
-        const auto src = RandomArray<T>(len, 1, variety);
-        std::vector<T> dst(dstLen);
-        digest.AddStatus(run(src.data(), len, dst.data(), dstLen, dstLen % 3, state));
-        digest.Add(dst.data(), dst.size());
-      }
-  release(state);
+  for (int32_t route : {kDirect, kFft})
+    for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+      for (int32_t len : {1, 5, 40, 77, 500})
+        for (int32_t dstLen : {1, 8, 33, 79, 300}) {
+          const auto src = RandomArray<T>(len, 1, variety);
+          std::vector<T> dst(dstLen);
+          CorrState* state = nullptr;
+          digest.AddStatus(init(len, dstLen, route, &state));
+          digest.AddStatus(run(src.data(), len, dst.data(), dstLen, dstLen % 3, state));
+          digest.Add(dst.data(), dst.size());
+          release(state);
+        }
 }
 
 template <class T>
 void CrossCorrelationDigest(auto init, auto run, auto release, Digest& digest) {
-  for (Variety variety : {Variety::kModerate, Variety::kSpecial})
-    for (int32_t len1 : {1, 6, 41, 300})
-      for (int32_t len2 : {1, 39, 78, 200})
-        for (int32_t low : {-len1 - 2, -3, 11}) {
-          const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
-          std::vector<T> dst(len1 + len2);
-          const int32_t dstLen = len1 + len2;
-          CorrState* state = nullptr;
-          digest.AddStatus(init(len1, len2, dstLen, low, kDirect, &state));
-          digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), dstLen, low, len2 % 3, state));
-          digest.Add(dst.data(), dst.size());
-          release(state);
-        }
+  for (int32_t route : {kDirect, kFft})
+    for (Variety variety : {Variety::kModerate, Variety::kSpecial})
+      for (int32_t len1 : {1, 6, 41, 300})
+        for (int32_t len2 : {1, 39, 78, 200})
+          for (int32_t low : {-len1 - 2, -3, 11}) {
+            const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
+            std::vector<T> dst(len1 + len2);
+            const int32_t dstLen = len1 + len2;
+            CorrState* state = nullptr;
+            digest.AddStatus(init(len1, len2, dstLen, low, route, &state));
+            digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), dstLen, low, len2 % 3, state));
+            digest.Add(dst.data(), dst.size());
+            release(state);
+          }
 }
 
 void BiasedDigest(Digest& digest) {
@@ -67,7 +70,6 @@ void BiasedDigest(Digest& digest) {
     }
 }
 
-// The direct route has a digest; by transforms the results are the FFT companion's.
 #define CONVOLUTION(type)                                                                                     \
   Member({"ORVAS_Convolve_" #type, "ORVAS_ConvInit_" #type, "ORVAS_ConvRelease_" #type}, [](Digest& digest) { \
     ConvolutionDigest<Orva##type>(ORVAS_ConvInit_##type, ORVAS_Convolve_##type, ORVAS_ConvRelease_##type, digest); \

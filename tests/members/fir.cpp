@@ -11,9 +11,11 @@ namespace {
 
 // Two runs of a filter, the second with the delay line of the first.
 template <class State, auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
-void DigestPieces(Digest& digest, int32_t taps_len, int32_t up, int32_t down, int32_t first, int32_t second,
-                  auto... parameters) {
+void DigestPieces(Digest& digest, bool transforms, int32_t taps_len, int32_t up, int32_t down, int32_t first,
+                  int32_t second, auto... parameters) {
   for (Variety variety : kVarieties) {
+    // By transforms a NaN's sign, which no machine promises, chooses the limit of an integer.
+    if (transforms && variety != Variety::kModerate) continue;
     const auto taps = RandomArray<Tap>(taps_len, 1, variety);
     const auto src = RandomArray<Sample>(down * (first + second), 2, variety);
     std::vector<Sample> dst(up * (first + second)), delay(taps_len);
@@ -28,14 +30,16 @@ void DigestPieces(Digest& digest, int32_t taps_len, int32_t up, int32_t down, in
 }
 template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
 void DigestSingleRate(Digest& digest) {
-  for (int32_t taps_len : {1, 5, 40, 131})
-    DigestPieces<FIRSRState, kInit, kRun, kRelease, Tap, Sample>(digest, taps_len, 1, 1, 277, 123, 300, 1);
+  for (int32_t route : {1, 2})  // direct, by transforms
+    for (int32_t taps_len : {1, 5, 40, 131})
+      DigestPieces<FIRSRState, kInit, kRun, kRelease, Tap, Sample>(digest, route == 2, taps_len, 1, 1, 277, 123, 300,
+                                                                 route);
 }
 template <auto kInit, auto kRun, auto kRelease, class Tap, class Sample>
 void DigestMultiRate(Digest& digest) {
   for (auto [taps_len, up, down] : {std::array{7, 1, 1}, {64, 1, 4}, {50, 3, 2}, {33, 20, 7}})
-    DigestPieces<FIRMRState, kInit, kRun, kRelease, Tap, Sample>(digest, taps_len, up, down, 29, 11, up, up - 1, down,
-                                                                 down / 2);
+    DigestPieces<FIRMRState, kInit, kRun, kRelease, Tap, Sample>(digest, false, taps_len, up, down, 29, 11, up, up - 1,
+                                                                 down, down / 2);
 }
 
 // Two runs, the first shorter than the filter; then the taps and the line.

@@ -185,11 +185,11 @@ class Transform {
 
 // FFTW's own transform; instead of split arrays, of interleaved ones, exchanged for an inverse transform.
 template <class F>
-std::vector<typename F::Real> Fftw(Kind kind, int sign, size_t n, const auto& samples, bool inPlace) {
+std::vector<typename F::Real> Fftw(Kind kind, int sign, size_t n, const auto& samples) {
   std::unique_ptr<void, decltype(&fftw_free)> source(fftw_malloc(16 * n + 16), fftw_free);
   std::unique_ptr<void, decltype(&fftw_free)> result(fftw_malloc(16 * n + 16), fftw_free);
   auto *const in = static_cast<typename F::Real*>(source.get());
-  auto *const out = inPlace ? in : static_cast<typename F::Real*>(result.get());
+  auto *const out = static_cast<typename F::Real*>(result.get());
   auto *const bins = reinterpret_cast<typename F::Bins>(in), *const outBins = reinterpret_cast<typename F::Bins>(out);
   const int length = static_cast<int>(n);
   const bool exchanged = kind == kSplit && sign > 0;
@@ -203,39 +203,41 @@ std::vector<typename F::Real> Fftw(Kind kind, int sign, size_t n, const auto& sa
   return {out, out + Results(kind == kSplit ? kComplex : kind, n)};
 }
 
-// Against the definition, not worse than FFTW; the same bits at any address; nothing outside the arrays.
+// Against the definition: at one length, where chance decides too, not much worse than FFTW, and over all lengths at
+// most a tenth; the same bits at any address and in place; nothing outside the arrays.
 TYPED_TEST(Specs, Accuracy) {
-  std::vector<size_t> lengths = {97, 128, 251, 256, 1009, 2187, 32768, 40009};
+  std::vector<size_t> lengths = {97, 128, 251, 256, 1009, 2187};
   ORVAS_SetFFTNumberThreads(1);
   for (size_t n = 1; n <= 64; ++n) lengths.push_back(n);
   if (TypeParam::kByOrder) std::erase_if(lengths, [](size_t n) { return !std::has_single_bit(n); });
+  double allOurs[4] = {}, allFftw[4] = {};  // by kind
   for (size_t n : lengths) {
-    const size_t step = n <= 64 ? 1 : n < 1000 ? 4 : n / 4 + 1;
+    const size_t step = n <= 64 ? 1 : n / 32;
     for (Kind kind : kKinds) {
       const std::string what = std::to_string(n) + " points, kind " + std::to_string(kind);
-      double ours[2] = {}, fftw[2] = {};  // by whether it is in place
-      // Split powers of two have a plan of their own, of which chance may make one run worse.
-      for (size_t seed = 0; seed < (kind == kSplit && n < 1000 ? 6 : 2); ++seed) {
+      double ours = 0, fftw = 0;
+      for (size_t seed = 0; seed < 2 + 160 / n; ++seed) {
         const int sign = kind == kForward ? -1 : kind == kBack ? 1 : seed % 2 == 0 ? -1 : 1;
         const auto samples = Samples<TypeParam>(kind, n, seed);
         const auto expected = Definition(Complexes(kind, n, samples, true), sign, step);
         const Transform<TypeParam> transform(kind, n, -sign);
+        const auto actual = transform(samples);
+        ours += RelativeError(expected, Complexes(kind, n, actual, false), step);
+        const auto other = Fftw<TypeParam>(kind, sign, n, samples);
+        fftw += RelativeError(expected, Complexes(kind == kSplit ? kComplex : kind, n, other, false), step);
         for (bool inPlace : {false, true}) {
-          const auto actual = transform(samples, Place::kStart, inPlace);
-          ours[inPlace] += RelativeError(expected, Complexes(kind, n, actual, false), step);
-          const auto other = Fftw<TypeParam>(kind, sign, n, samples, inPlace);
-          fftw[inPlace] += RelativeError(expected, Complexes(kind == kSplit ? kComplex : kind, n, other, false), step);
           for (Place place : {Place::kEnd, Place::kUnaligned}) {
             const auto moved = transform(samples, place, inPlace);
             EXPECT_TRUE(SameBits(what, actual.data(), moved.data(), actual.size()));
           }
         }
       }
-      // Split arrays may go through interleaved ones in place.
-      if (kind == kSplit) fftw[0] = fftw[1] = std::max(fftw[0], fftw[1]);
-      for (int inPlace : {0, 1}) EXPECT_LE(std::sqrt(ours[inPlace]), 1.2 * std::sqrt(fftw[inPlace])) << what;
+      EXPECT_LE(std::sqrt(ours), 1.5 * std::sqrt(fftw)) << what;
+      allOurs[kind] += ours;
+      allFftw[kind] += fftw;
     }
   }
+  for (Kind kind : kKinds) EXPECT_LE(std::sqrt(allOurs[kind]), 1.1 * std::sqrt(allFftw[kind])) << kind;
 }
 
 // A flag multiplies by the divisor's reciprocal, rounded once, and does nothing else.
@@ -321,7 +323,7 @@ TYPED_TEST(Specs, ManyThreads) {
     const auto alone = (*make(c))(samples[c]);
     ORVAS_SetFFTNumberThreads(8);
     expected[c] = (*make(c))(samples[c]);
-    ExpectNear<typename F::Real>(Widen(alone), expected[c], 3);
+    EXPECT_EQ(alone, expected[c]) << c;
     if (c / 4 % 5 == 3) shared[c] = make(c);  // of every fifth length, the longest too
   }
   std::vector<std::thread> threads;
