@@ -21,9 +21,11 @@ from ._states import (FFT, FIR, FIRMR, LMS, AutoCorrelation, Convolution, CrossC
                       Resampler, SparseFIR, VariableResampler, autocorr, conv_biased, convolve, crosscorr, czt, fft,
                       fir_bandpass, fir_bandstop, fir_highpass, fir_lowpass, get_fft_threads, hilbert, ifft, irfft,
                       matmul, pwelch, set_fft_threads)
+from ._sound import blocks, read, write
 
 __all__ = ["ArgumentError", "DataError", "DataWarning", "DivisionByZero", "Error", "OutOfMemory", "SizeOverflow",
-           "complex_int16", "complex_int32", "complex_int64", "decimal128", "errstate", "raw"]
+           "complex_int16", "complex_int32", "complex_int64", "decimal128", "errstate", "raw",
+           "blocks", "read", "write"]
 __all__ += ["FFT", "FIR", "FIRMR", "LMS", "AutoCorrelation", "Convolution", "CrossCorrelation", "GaussianNoise",
             "Hilbert", "Resampler", "SparseFIR", "VariableResampler", "autocorr", "conv_biased", "convolve",
             "crosscorr", "czt", "fft", "fir_bandpass", "fir_bandstop", "fir_highpass", "fir_lowpass",

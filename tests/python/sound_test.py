@@ -1,0 +1,71 @@
+#!/usr/bin/python3
+"""Sound files to arrays and back: every format, the rounding, what is refused."""
+import os
+import pathlib
+import tempfile
+import unittest
+
+import numpy as np
+import scipy.io.wavfile
+import signal_tzm as tz
+
+TIES = np.array([0.5, 1.5, -0.5, -1.5, 2.5, 32767.5, -32768.5, 1e6, 7, -7])
+
+
+class Sound(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def test_there_and_back(self):
+        for dtype in (np.int16, np.int32, np.float32, np.float64):
+            x = np.arange(-3000, 3000).reshape(2, 3000).astype(dtype)
+            for name, samples in (("mono.wav", x[0]), ("stereo.aiff", x), ("long.w64", x)):
+                tz.write(self.folder / name, samples, 8000)
+                back, rate = tz.read(self.folder / name, dtype=dtype)
+                self.assertEqual((rate, back.dtype), (8000, dtype))
+                np.testing.assert_array_equal(back, samples)
+                np.testing.assert_array_equal(np.concatenate(
+                    list(tz.blocks(self.folder / name, 777, dtype=dtype)), axis=-1), samples)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["long.w64", "mono.wav", "stereo.aiff"])
+
+    def test_rounding(self):
+        """To nearest, ties to even, saturated, for both floating types; the integers are those SciPy reads."""
+        for dtype in (np.float32, np.float64):
+            tz.write(self.folder / "x.wav", (TIES / 32768).astype(dtype), 8000, format="PCM_16")
+            expected = [0, 2, 0, -2, 2, 32767, -32768, 32767, 7, -7]
+            self.assertEqual(scipy.io.wavfile.read(self.folder / "x.wav")[1].tolist(), expected)
+            self.assertEqual(tz.read(self.folder / "x.wav", dtype=np.int16)[0].tolist(), expected)
+            self.assertEqual((tz.read(self.folder / "x.wav")[0] * 32768).tolist(), expected)
+        for format, bits in (("PCM_U8", 8), ("PCM_S8", 8), ("PCM_24", 24), ("PCM_32", 32)):
+            name = self.folder / ("x.aiff" if format == "PCM_S8" else "x.wav")
+            tz.write(name, TIES / 2.0**(bits - 1), 8000, format=format)
+            expected = np.rint(TIES).clip(-2.0**(bits - 1), 2.0**(bits - 1) - 1)
+            np.testing.assert_array_equal(tz.read(name, dtype=np.float64)[0] * 2.0**(bits - 1), expected)
+
+    def test_refusals(self):
+        good = self.folder / "good.wav"
+        tz.write(good, np.ones(9, np.float32), 8000)
+        before = good.read_bytes()
+        for call, error, text in (
+                (lambda: tz.read(self.folder / "none.wav"), OSError, "none.wav: no such file"),
+                (lambda: tz.read(__file__), OSError, "sound_test.py: "),
+                (lambda: tz.read(good, dtype=np.int16), TypeError, "do not fit int16"),
+                (lambda: tz.read(good, dtype=np.int8), TypeError, "not int8"),
+                (lambda: tz.blocks(good, 0), ValueError, "1 or more"),
+                (lambda: tz.write(good, np.ones(9, np.int16), 8000, format="FLOAT"), TypeError, "in silence"),
+                (lambda: tz.write(good, np.full(9, np.nan), 8000, format="PCM_16"), ValueError, "not finite"),
+                (lambda: tz.write(good, np.ones((2, 3, 4)), 8000), ValueError, r"shape \(2, 3, 4\)"),
+                (lambda: tz.write(good, np.ones(9), 8000, format="MP3"), ValueError, "no format MP3"),
+                (lambda: tz.write(good, np.ones(9), -1), OSError, "good.wav: "),
+                (lambda: tz.write(self.folder / "x.mp9", np.ones(9), 8000), ValueError, "must end in"),
+                (lambda: tz.write("/nowhere/x.wav", np.ones(9), 8000), OSError, "nowhere")):
+            with self.subTest(text), self.assertRaisesRegex(error, text):
+                call()
+        self.assertEqual(good.read_bytes(), before)
+        self.assertEqual(os.listdir(self.folder), ["good.wav"])
+
+
+if __name__ == "__main__":
+    unittest.main()
