@@ -51,7 +51,7 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} C
 
 # tzm_all: what has to be built before it is installed.
 add_custom_target(tzm_all)
-foreach(target IN LISTS tzm_libraries tzm_wider_libraries ITEMS tzm tzm_manual)
+foreach(target IN LISTS tzm_libraries tzm_wider_libraries ITEMS tzm tzm_python tzm_manual)
   if(TARGET ${target})
     add_dependencies(tzm_all ${target})
   endif()

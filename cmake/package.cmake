@@ -9,6 +9,9 @@ set(CPACK_COMPONENTS_ALL runtime development)
 if(TARGET tzm)
   list(APPEND CPACK_COMPONENTS_ALL tool)
 endif()
+if(TZM_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 if(NOT CMAKE_CROSSCOMPILING)  # the documents are the same everywhere
   list(APPEND CPACK_COMPONENTS_ALL documents)
 endif()
@@ -60,6 +63,11 @@ A command-line program: spectra and spectrograms, levels, filters, resampling,
 convolution, noise cancelling, delays, tones and their detection, on sound
 files of any format and length, with plots and with data for programs."
   "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}")
+tzm_package(python python3-signal-tzm python no "signal-processing primitives - Python 3 module
+${about}
+Here is the module signal_tzm: every operation on NumPy arrays."
+  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}, python3 (>= 3.9~), python3-numpy, python3-cffi-backend")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS libsndfile1)
 tzm_package(documents libsignal-tzm-doc doc foreign "signal-processing primitives - documents
 ${about}
 Here are the pages about it, the reference manual and the examples.")
@@ -70,6 +78,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libsignal-tzm-doc)
 # in the build.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 file(WRITE ${PROJECT_BINARY_DIR}/debian/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/cpack.cmake)

@@ -118,7 +118,7 @@ def read(source):
 # ---- The extension ----
 
 RUN = """
-enum { TZM_ARRAYS = 8 };
+enum { TZM_ARRAYS = 6 };
 enum { TZM_NONE, TZM_SOURCE, TZM_MASK, TZM_DST, TZM_BOTH, TZM_RESULT, TZM_VALUE };
 typedef struct {
   OrvaStatus (*call)(char** p, int32_t n);
@@ -134,9 +134,9 @@ static const Operation tzm_operations[] = {
 /* Runs an operation on `rows` rows of `n` elements. Bit i of `shared` says that all rows use the one row p_i has.
  * -1: a destination overlaps what it must not. -2: longer than one call can be, and not to be split. */
 static int32_t tzm_run(int32_t number, int64_t n, int64_t rows, uint32_t shared, void* p0, void* p1, void* p2, void* p3,
-                       void* p4, void* p5, void* p6, void* p7) {
+                       void* p4, void* p5) {
   const Operation* const o = tzm_operations + number;
-  char* const p[TZM_ARRAYS] = {p0, p1, p2, p3, p4, p5, p6, p7};
+  char* const p[TZM_ARRAYS] = {p0, p1, p2, p3, p4, p5};
   size_t step[TZM_ARRAYS], bytes[TZM_ARRAYS];
   int64_t row;
   int32_t result = 0;
@@ -200,7 +200,7 @@ def extension(code, rows):
         table += f"  {{run_{row.name}, {{{marks}}}, {{{sizes}}}, {row.in_place:d}, {row.placed:d}}},\n"
     ffi = cffi.FFI()
     ffi.cdef(code + "static int32_t tzm_longest; int32_t tzm_run(int32_t, int64_t, int64_t, uint32_t," +
-             ", ".join(["void*"] * 8) + ");")
+             ", ".join(["void*"] * 6) + ");")
     ffi.set_source("signal_tzm._raw", "#include <signal_tzm.h>\n" + RUN % (functions, table))
     return ffi
 

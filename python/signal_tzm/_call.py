@@ -147,10 +147,10 @@ class Member:
         self.output_types = tuple(DTYPES[self.types[i]] for i in self.outputs)
         self.twin = None  # the in-place member of the same types
         self.last = self.sources.index(self.outputs[0]) if self.in_place else None  # the source that is the output
-        # From [null, sources, masks, outputs, constants, scales] to the eight pointers of the call.
+        # From [null, sources, masks, outputs, constants, scales] to the six pointers of the call.
         given = [None if i in self.outputs else i for i in self.sources]
         given += self.masks + self.outputs + self.constants + self.scales
-        self.order = operator.itemgetter(*(1 + given.index(i) if i in given else 0 for i in range(8)))
+        self.order = operator.itemgetter(*(1 + given.index(i) if i in given else 0 for i in range(6)))
 
     def places(self, *roles):
         return [i for i, role in enumerate(self.roles) if role in roles]
@@ -244,11 +244,8 @@ def call(f, sources, constants, out, scales, dtype, axis, kind=None):
         first = sources[0]
         shape = first.shape
         scaled = scales != () and scales[0] is not None
-        member = f.plans[kind, dtype, scaled, out if out is None else out.dtype, *map(_dtype, sources)]
-        for a in sources:
-            if a.shape != shape:
-                raise ValueError
-        if axis is not None and len(shape) != 1:
+        member = f.plans[(kind, dtype, scaled, out if out is None else out.dtype, *map(_dtype, sources))]
+        if sources[-1].shape != shape or axis is not None and len(shape) != 1:  # there are never more than two
             raise ValueError
         result = out
         if out is None:
@@ -314,7 +311,7 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         wanted = (np.dtype(float),)
     member = f.choose(tuple(a.dtype for a in given), scaled, wanted, kind, constants)
     if given and len(member.outputs) == 1 and not member.in_place and not member.masks:
-        f.plans[kind, dtype, scaled, None if out is None else out.dtype, *map(_dtype, given)] = member
+        f.plans[(kind, dtype, scaled, None if out is None else out.dtype, *map(_dtype, given))] = member
 
     # Shapes: `shape` is that of an element-wise result, `stack` that of the rows' single results.
     if given:

@@ -58,9 +58,20 @@ look_into_packages() {
   for deb in "$scratch"/*.deb; do dpkg-deb --extract "$deb" "$scratch/root"; done
 }
 
+# The Python package beside the library, without the build folder.
+look_into_python() {
+  local package=python3-signal-tzm
+  holds $package usr/lib/python3/dist-packages/signal_tzm/{__init__.py,py.typed,_raw.abi3.so}
+  field $package Architecture "$ARCHITECTURE"
+  field $package Depends "libsignal-tzm${VERSION%%.*} (= $VERSION)" python3-numpy python3-cffi-backend libc6 libopenblas0
+  [ -n "$TOOLCHAIN" ] || [ "$(PYTHONPATH=$scratch/root/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1 \
+    /usr/bin/python3 -c 'import signal_tzm as tz; print(tz.sum([1.0, 2.0]))')" = 3.0 ] || wrong 'Python got no sum'
+}
+
 if [ "$way" = packages ]; then
   cpack --config "$build/CPackConfig.cmake" -B "$scratch" >"$scratch/cpack.log" || wrong "$(cat "$scratch/cpack.log")"
   look_into_packages
+  if compgen -G "$scratch/python3-*.deb" >/dev/null; then look_into_python; fi
   prefix=$scratch/root/usr
 else
   "$CMAKE" --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
