@@ -320,7 +320,7 @@ def main(source, out):
     (out / "_raw.c").touch()  # also where nothing in it changed
     families, stubs, table = functions(rows)
     made = "Made by generate.py from the public headers."
-    compact = [(row.name, row.family, row.kind, row.allocates,
+    compact = [(row.name, row.family, row.kind, row.allocates, row.placed,
                 " ".join(f"{a.role}:{a.type}:{snake(a.name)}" for a in row.arguments if a.role != "length"))
                for row in rows]
     states, docs = state_table(others)

@@ -134,9 +134,9 @@ def check(status, operation, no_memory=9):
 class Member:
     """One operation: `roles`, `types` and `names` of its pointers in the order of the call."""
 
-    def __init__(self, number, name, family, kind, no_memory, arguments):
+    def __init__(self, number, name, family, kind, no_memory, placed, arguments):
         self.number, self.name, self.family, self.kind = number, name, family, kind
-        self.no_memory = no_memory or 9
+        self.no_memory, self.placed = no_memory or 9, placed
         self.roles, self.types, self.names = zip(*(argument.split(":") for argument in arguments.split()))
         self.in_place, self.reduces, self.scaled = ("both" in self.roles, "result" in self.roles, "scale" in self.roles)
         sources = self.places("source", "both")

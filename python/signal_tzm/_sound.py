@@ -80,7 +80,13 @@ class blocks:
             raise TypeError(f"{os.fspath(path)}: its samples do not fit {np.dtype(dtype)}: read them as floating ones")
 
     def __iter__(self) -> Iterator[NDArray[Any]]:
+        return self.starting(0)
+
+    def starting(self, frame: int) -> Iterator[NDArray[Any]]:
+        """The blocks from a frame on."""
         with _File(self._path, _READ, _Info()) as file:
+            if frame and file.call("seek", ctypes.c_int64(frame), 0) != frame:
+                raise ValueError(f"{os.fspath(self._path)}: there is no frame {frame} to go to")
             while True:
                 frames = np.empty((self._size, self.channels), self._kind)
                 count = file.call(f"readf_{_CALLS[self._kind]}", ctypes.c_void_p(frames.ctypes.data),

@@ -180,9 +180,13 @@ class _Filter(State):
                        self.taps.size, *self._values)
         return self._state(init), _name(self._prefix, "", run)
 
-    def reset(self) -> None:
-        """Begins anew, with zeros before the first sample."""
+    def reset(self, before: ArrayLike | None = None) -> None:
+        """Begins anew; `before` are the samples before the first one, oldest first, else zeros."""
         self._line = None
+        if before is not None:
+            line = np.array(before, order="C")
+            _length(line, self._line_length, "before")
+            self._line, self._line_of = line, (line.shape[:-1], line.dtype)
 
     def __call__(self, x: ArrayLike, *, out: Array | None = None, axis: int = -1) -> Array:
         """Filters `x`, each row of a stack with a delay line of its own, and remembers its end for the next call."""
@@ -409,9 +413,23 @@ class Resampler(State):
     def __call__(self, x: ArrayLike, *, norm: float = 1, axis: int = -1) -> Array:
         return np.moveaxis(np.concatenate(list(self.stream([_along(x, axis)], norm=norm)), axis=-1), -1, axis)
 
+    def between(self, x: Array, n: int, time: int, *, norm: float = 1) -> tuple[Array, int]:
+        """The outputs from `time` on, in 1/out_rate of a sample of `x`, up to `n` samples past the one there, and the
+        time of the next; `x` has `reach - 1` samples before and `reach` behind."""
+        name, lead = _name("ResamplePolyphaseFixed", "", self._kind), x.shape[:-1]
+        x = np.ascontiguousarray(x)
+        if not self.reach - 1 <= time // self.out_rate <= x.shape[-1] - self.reach - n:
+            raise ValueError(f"Resampler: {self.reach} samples are needed on both sides")
+        dst = np.empty(lead + (n * self.out_rate // self.in_rate + 1,), self.dtype)
+        count, now = ffi.new("int32_t *"), ffi.new("Orva64s *", time)
+        for row in range(math.prod(lead)):
+            now[0] = time
+            check(getattr(lib, name)(_pointer(x, row * x.shape[-1]), n, _pointer(dst, row * dst.shape[-1]), norm, now,
+                                     count, self._state()), name)
+        return dst[..., :count[0]], now[0]
+
     def stream(self, blocks: Iterable[ArrayLike], *, norm: float = 1) -> Iterator[Array]:
         """Resamples a signal that comes in blocks, along the last axis: the same bits wherever it was cut."""
-        run = getattr(lib, _name("ResamplePolyphaseFixed", "", self._kind))
         held, time = None, (self.reach - 1) * self.out_rate
         for block in itertools.chain(blocks, [None]):
             if block is None and held is None:
@@ -425,15 +443,10 @@ class Resampler(State):
             n = held.shape[-1] - self.reach - time // self.out_rate
             if n <= 0:
                 continue
-            lead, room = held.shape[:-1], n * self.out_rate // self.in_rate + 1
-            dst, count, now = np.empty(lead + (room,), self.dtype), ffi.new("int32_t *"), ffi.new("Orva64s *")
-            for row in range(math.prod(lead)):
-                now[0] = time
-                check(run(_pointer(held, row * held.shape[-1]), n, _pointer(dst, row * room), norm, now, count,
-                          self._state()), "ORVAS_ResamplePolyphaseFixed")
-            yield dst[..., :count[0]]
-            drop = max(now[0] // self.out_rate - (self.reach - 1), 0)
-            held, time = held[..., drop:], now[0] - drop * self.out_rate
+            dst, now = self.between(held, n, time, norm=norm)
+            yield dst
+            drop = max(now // self.out_rate - (self.reach - 1), 0)
+            held, time = held[..., drop:], now - drop * self.out_rate
 
 
 @_about("ResamplePolyphase")
