@@ -71,7 +71,7 @@ std::function<void()> OverlapAdd(int32_t len, int32_t kernelLen) {
     };
     load(taps->data(), kernelLen);
     fftwf_execute_dft_r2c(to.get(), time.get(), bins(kernel));
-    std::fill(dst->begin(), dst->end(), 0.0f);
+    std::fill_n(dst->data(), len + n, 0.0f);
     for (int32_t at = 0; at < len; at += step) {
       load(src->data() + at, std::min(step, len - at));
       fftwf_execute_dft_r2c(to.get(), time.get(), bins(spectrum));
@@ -81,7 +81,7 @@ std::function<void()> OverlapAdd(int32_t len, int32_t kernelLen) {
                              (a.re * b.im + a.im * b.re) / static_cast<float>(n)};
       }
       fftwf_execute_dft_c2r(back.get(), bins(spectrum), time.get());
-      for (int32_t k = 0; k < n; ++k) (*dst)[at + k] += time.get()[k];
+      for (int32_t k = 0; k < n; ++k) dst->data()[at + k] += time.get()[k];
     }
   };
 }

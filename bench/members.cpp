@@ -54,18 +54,15 @@ void RegisterState(const std::string& name, const tzm_bench::Make& make, int32_t
 
 int main(int argc, char** argv) {
   for (const Member* member : AllMembers()) {
-    if (member->IsScenario()) {
-      const auto state = tzm_bench::AllStates().find(member->name);
-      if (state != tzm_bench::AllStates().end())
-        for (int32_t len : {1024, 16384, 262144}) RegisterState(state->first, state->second, len);
-      continue;
-    }
+    if (member->IsScenario()) continue;
     const bool scaled = member->Has(Role::kScale);
     for (const Size& size : kSizes) Register(*member, size, scaled ? 1 : 0, member->name + "/" + size.name);
     if (scaled)
       for (size_t scale : {0, 2})
         Register(*member, kSizes[0], scale, member->name + "/L1/scale:" + std::to_string(kScales[scale]).substr(0, 4));
   }
+  for (const auto& [name, make] : tzm_bench::AllStates())
+    for (int32_t len : {1024, 16384, 262144}) RegisterState(name, make, len);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

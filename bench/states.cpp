@@ -176,7 +176,8 @@ OrvaStatus Run(OrvaStatus (*run)(const T*, const T*, T*, T*, const Spec*), T* sr
 template <class T>
 Make TimeSpec(bool order, int parts, auto init, auto run, OrvaStatus (*release)(Spec*)) {
   return [=](int32_t len) {
-    const std::shared_ptr<Spec> spec(MakeSpec(init, order ? std::countr_zero(static_cast<uint32_t>(len)) : len), release);
+    const int32_t size = order ? std::countr_zero(static_cast<uint32_t>(len)) : len;
+    const std::shared_ptr<Spec> spec(MakeSpec(init, size), release);
     const size_t n = static_cast<size_t>(len);
     const auto src = SharedArray<T>(2 * int64_t{len} + 2), dst = SharedArray<T>(2 * int64_t{len} + 2);
     return Timed{[=] { return Run(run, src->data(), dst->data(), n, spec.get()); },
@@ -215,14 +216,17 @@ Timed TimeHilbert(int32_t len) {
   return {[=] { return ORVAS_Hilbert_32f32fc(src->data(), dst->data(), len, spec.get()); }, int64_t{12} * len};
 }
 
-#define NOISE(type) \
-  {"ORVAS_RandGauss_" #type, TimeNoise(ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type, ORVAS_RandGaussRelease_##type)}
+#define NOISE(type)                                                                            \
+  {"ORVAS_RandGauss_" #type, TimeNoise(ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type,     \
+                                       ORVAS_RandGaussRelease_##type)}
 
-// 64 taps on the direct route; 64 taps down by 4.
-#define SINGLE_RATE(run, init, tap, sample)                                                                          \
-  {"ORVAS_FIRSR" #run, Time<FIRSRState, tap, sample>(                                                                \
-      [](const tap* taps, int32_t len, FIRSRState** made) { ORVAS_FIRSRInit##init(taps, kTaps, len, 1, made); },     \
+// 64 taps on both routes; 64 taps down by 4.
+#define ROUTE(name, kind, run, init, tap, sample)                                                                    \
+  {"ORVAS_FIRSR" name, Time<FIRSRState, tap, sample>(                                                                \
+      [](const tap* taps, int32_t len, FIRSRState** made) { ORVAS_FIRSRInit##init(taps, kTaps, len, kind, made); },  \
       ORVAS_FIRSR##run, ORVAS_FIRSRRelease##init, 1, 1)}
+#define SINGLE_RATE(run, init, tap, sample) \
+  ROUTE(#run, 1, run, init, tap, sample), ROUTE(#run "/fft", 2, run, init, tap, sample)
 #define MULTI_RATE(run, init, tap, sample)                                                                           \
   {"ORVAS_FIRMR" #run, Time<FIRMRState, tap, sample>(                                                                \
       [](const tap* taps, int32_t, FIRMRState** made) { ORVAS_FIRMRInit##init(taps, kTaps, 1, 0, 4, 0, made); },     \
@@ -250,11 +254,10 @@ Timed TimeHilbert(int32_t len) {
   {"ORVAS_Convolve_" #type, TimeConvolution<Orva##type>(ORVAS_ConvInit_##type, ORVAS_Convolve_##type,             \
                                                         ORVAS_ConvRelease_##type, 2)}
 #define CORRELATION(type)                                                                                         \
-  {"ORVAS_AutoCorrNorm_" #type, TimeAutocorrelation<Orva##type>(ORVAS_AutoCorrInit_##type,                        \
-                                                                ORVAS_AutoCorrNorm_##type, ORVAS_CorrRelease_##type, 1)}, \
-      {"ORVAS_CrossCorrNorm_" #type, TimeCrossCorrelation<Orva##type>(ORVAS_CrossCorrInit_##type,                 \
-                                                                      ORVAS_CrossCorrNorm_##type,                 \
-                                                                      ORVAS_CorrRelease_##type, 1)}
+  {"ORVAS_AutoCorrNorm_" #type, TimeAutocorrelation<Orva##type>(                                                  \
+      ORVAS_AutoCorrInit_##type, ORVAS_AutoCorrNorm_##type, ORVAS_CorrRelease_##type, 1)},                        \
+      {"ORVAS_CrossCorrNorm_" #type, TimeCrossCorrelation<Orva##type>(                                            \
+          ORVAS_CrossCorrInit_##type, ORVAS_CrossCorrNorm_##type, ORVAS_CorrRelease_##type, 1)}
 #define SPEC(kind, type, order, parts)                                                                            \
   {"ORVAS_" #kind "_" #type, TimeSpec<Orva##type>(order, parts, ORVAS_##kind##Init_##type, ORVAS_##kind##_##type, \
                                                   ORVAS_##kind##Release_##type)}

@@ -31,7 +31,8 @@ class Slot {
  public:
   Slot() : file_(memfd_create("assault", 0)) {
     if (file_ < 0 || ftruncate(file_, kBlock) != 0) std::perror("assault: memfd_create"), std::exit(2);
-    base_ = static_cast<char*>(mmap(nullptr, kMost + kBlock, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+    const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+    base_ = static_cast<char*>(mmap(nullptr, kMost + kBlock, PROT_NONE, flags, -1, 0));
     if (base_ == MAP_FAILED) std::perror("assault: no addresses"), std::exit(2);
     for (size_t at = 0; at < kMost; at += kBlock) Map(base_ + at, kBlock, file_, 0);
     Map(base_, kOwn, -1, 0);

@@ -96,15 +96,18 @@ std::vector<Call> Calls(bool large) {
       INIT(FFTCToR, _64f, order, 4), INIT(DFTCToC, _32fc, n, 1, 4), INIT(DFTCToC, _64fc, m, 1, 4),
       INIT(DFTCToC, _32f, n, 1, 4), INIT(DFTRToC, _64f, n, 4), INIT(DFTCToR, _32f, m, 4),
       INIT(Hilbert, _32f32fc, n), INIT(Conv, _32f, n, m, 2), INIT(Conv, _64f, n, m, 1),
-      Init("ORVAS_AutoCorrInit_32f", ORVAS_CorrRelease_32f, [](auto** s) { return ORVAS_AutoCorrInit_32f(n, n, 2, s); }),
+      Init("ORVAS_AutoCorrInit_32f", ORVAS_CorrRelease_32f,
+           [](auto** s) { return ORVAS_AutoCorrInit_32f(n, n, 2, s); }),
       Init("ORVAS_CrossCorrInit_64fc", ORVAS_CorrRelease_64fc,
            [](auto** s) { return ORVAS_CrossCorrInit_64fc(n, m, n, 0, 2, s); }),
-      INIT(FIRSR, _32f, kTaps, 64, n, 2), INIT(FIRSR, _64f, kTaps64, 64, n, 1), INIT(FIRMR, _32f, kTaps, 64, 3, 0, 2, 0),
+      INIT(FIRSR, _32f, kTaps, 64, n, 2), INIT(FIRSR, _64f, kTaps64, 64, n, 1),
+      INIT(FIRMR, _32f, kTaps, 64, 3, 0, 2, 0),
       Init("ORVAS_FIRLMSInit_32f", ORVAS_FIRLMSRelease_32f,
            [](auto** s) { return ORVAS_FIRLMSInit_32f(s, kTaps, 64, nullptr, 0); }),
       INIT(FIRSparse, _32f, kTaps, kPositions, 3, nullptr),
       Init("ORVAS_FIRGenInit_64f", ORVAS_FIRGenRelease, [](auto** s) { return ORVAS_FIRGenInit_64f(n, s); }),
-      INIT(ResamplePolyphase, _32f, 64.0f, 512, 0.9f, 9.0f, 0), INIT(ResamplePolyphase, _16s, 64.0f, 512, 0.9f, 9.0f, 0),
+      INIT(ResamplePolyphase, _32f, 64.0f, 512, 0.9f, 9.0f, 0),
+      INIT(ResamplePolyphase, _16s, 64.0f, 512, 0.9f, 9.0f, 0),
       INIT(ResamplePolyphaseFixed, _32f, 44100, 48000, 64.0f, 0.9f, 9.0f),
       Init("ORVAS_RandGaussInit_32f", ORVAS_RandGaussRelease_32f,
            [](auto** s) { return ORVAS_RandGaussInit_32f(s, 0, 1, 5); }),
@@ -136,8 +139,8 @@ int OutOfMemory(const std::vector<std::string>& names) {
     ++children;
     if (result == kDone || result == ORVA_STS_MEM_ALLOC_ERR) return;
     ++failed;
-    std::printf("%s: %s: %s %d\n", call.name, when.c_str(), result == kLeak ? "leaks" : result < 0 ? "dies of" : "answers",
-                result == kLeak ? 0 : std::abs(result));
+    const char* const what = result == kLeak ? "leaks" : result < 0 ? "dies of" : "answers";
+    std::printf("%s: %s: %s %d\n", call.name, when.c_str(), what, result == kLeak ? 0 : std::abs(result));
   };
   for (const Call& call : Calls(false)) {
     if (!names.empty() && std::find(names.begin(), names.end(), call.name) == names.end()) continue;
