@@ -75,7 +75,6 @@ AudioReader::AudioReader(const std::string& path, const SoundOptions& options, s
   promised_ = Promised();
   blockFrames_ = std::clamp<size_t>((size_t{1} << 18) / size_t(info_.channels), kAhead, 1 << 16);
   frames_.resize(blockFrames_ * size_t(info_.channels));
-  ReadAhead();
 }
 
 // Standard input becomes a file without a name.
@@ -147,6 +146,7 @@ void AudioReader::ReadAhead() {
 // False at the end.
 bool AudioReader::NextBlock() {
   if (ended_) return false;
+  if (!next_.valid()) ReadAhead();
   block_ = next_.get();
   ended_ = block_.count < blockFrames_;
   if (ended_) {
@@ -191,14 +191,13 @@ void AudioReader::CheckEnd() {
 }
 
 void AudioReader::Rewind() {
-  if (next_.valid()) next_.wait();
+  if (next_.valid()) next_.get();
   if (sf_seek(file_.get(), 0, SEEK_SET) != 0) {
     throw Failure(Format("reading '%s' again: %s", shown_.c_str(), sf_strerror(file_.get())));
   }
   frame_ = 0;
   block_ = {};
   ended_ = false;
-  ReadAhead();
 }
 
 AudioPair::AudioPair(const std::string& path, int32_t channel, const std::string& otherPath, int32_t otherChannel,

@@ -16,7 +16,7 @@ namespace tzm {
 namespace {
 
 constexpr int64_t kBlock = 1 << 16;
-constexpr double kStopBand = 100;  // dB
+constexpr double kStopBand = 125;  // dB
 constexpr double kMostTaps = 1 << 24;  // of the filter for a fixed ratio
 constexpr int32_t kSteps = 2048;       // of the one for any ratio, in a sample's time: it interpolates at -140 dB
 
@@ -104,12 +104,12 @@ void Apply(AudioReader& reader, const Resampler& resampler, int32_t outRate, Aud
 }
 
 void Run(int argc, char** argv) {
-  int32_t rate = 0, width = 128;
+  int32_t rate = 0, width = 168;
   SoundOptions sound;
   Options options("resample", "FILE OUTPUT",
                   "Brings all channels of a sound file to another sampling rate, whatever the two are. What the\n"
-                  "lower of them cannot hold is taken out, 100 dB down; the transition just below it takes up\n"
-                  "12.8/WIDTH of the lower Nyquist frequency (a tenth by default). Start and length in time stay.",
+                  "lower of them cannot hold is taken out, 125 dB down; the transition just below it takes up\n"
+                  "16.3/WIDTH of the lower Nyquist frequency (a tenth by default). Start and length in time stay.",
                   "tzm resample --rate 16000 /usr/share/sounds/alsa/Front_Center.wav speech16.wav");
   options.Number("rate", 'r', "the new rate in Hz", rate, 1, 10000000);
   options.Number("width", 'w', "width of the filter in samples of the lower rate", width, 32, 4096);
