@@ -70,7 +70,8 @@ void PrintCompletion(const char* shell) {
     std::printf("  esac\n  if [ \"$COMP_CWORD\" -eq 1 ]; then words='%s--help --version'\n"
                 "  elif [ -z \"$words\" ] && [[ $2 == -* ]]; then words=$options; fi\n"
                 "  [ -n \"$words\" ] || return\n  compopt +o default\n"
-                "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$2\")\n}\ncomplete -o default -F _tzm tzm\n", names.c_str());
+                "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$2\")\n}\n"
+                "complete -o default -F _tzm tzm\n", names.c_str());
   }
 }
 

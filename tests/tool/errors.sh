@@ -71,7 +71,8 @@ script -qec "yes | head -c 20000000 | '$tzm' filter --raw --rate 48000 -f 100 - 
 [ "$(bash -c '. ./tzm.bash; compopt() { :; }; COMP_WORDS=(tzm psd --window ha) COMP_CWORD=3; _tzm tzm ha --window
   echo "${COMPREPLY[@]}"; COMP_WORDS=(tzm sp) COMP_CWORD=1; _tzm tzm sp tzm; echo "${COMPREPLY[@]}"' | xargs)" = \
   'hann hamming spectrogram' ] || wrong 'completion for bash'
-"$tzm" --completion zsh | grep -q -- "--segment=,-s}'\[samples in a segment" || wrong 'completion for zsh'
+"$tzm" --completion zsh >_tzm
+grep -q -- "--segment=,-s}'\[samples in a segment" _tzm || wrong 'completion for zsh'
 refuses 2 "the shell 'fish'" --completion fish
 
 for command in '' $("$tzm" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p'); do

@@ -22,7 +22,8 @@ for shape in '1000 0 hann' \
   '1000 0.37 hann' '512 0.5 hamming' '4096 0.5 blackman' '4097 0.5 bartlett' '30000 0.95 rectangular'; do
   read -r segment overlap window <<<"$shape"
   "$tzm" psd -s "$segment" -p "$overlap" -w "$window" --csv long.wav >long.csv
-  near "difference from SciPy ($shape)" "$(/usr/bin/python3 - "$segment" "$overlap" "${window/rectangular/boxcar}" <<'END'
+  near "difference from SciPy ($shape)" "$(
+    /usr/bin/python3 - "$segment" "$overlap" "${window/rectangular/boxcar}" <<'END'
 import math, sys, numpy, scipy.signal
 segment, overlap = int(sys.argv[1]), float(sys.argv[2])
 samples = numpy.fromfile("long.wav", numpy.float32, offset=44).astype(float)
