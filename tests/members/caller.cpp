@@ -90,7 +90,8 @@ void Caller::Prepare(const Setting& setting) {
       Array& array = arrays_[i];
       const size_t size = Elements(argument, std::max(setting.len, 0)) * argument.sample.Size();
       const bool aliased = setting.alias >= 0 && argument.role == Role::kDst;
-      if (setting.given && source < setting.given->sources.size() && array.seed != 0) {
+      const bool own = array.seed != 0 || argument.role == Role::kInput;
+      if (setting.given && own && source < setting.given->sources.size()) {
         array.before = setting.given->sources[source++];
       } else {
         const auto& from = Contents(aliased ? static_cast<size_t>(setting.alias) : i, setting.variety);

@@ -28,8 +28,8 @@ constexpr bool IsSuccess(OrvaStatus status) {
          (status >= 300 && status <= 306);
 }
 
-// Inputs of a call that a row names itself: sources and masks in the order of the arguments, constants, exponents of
-// the scale; every exponent of the frame test, and constants of the row, where none are given.
+// Inputs of a call that a row names itself: sources, masks and single inputs in the order of the arguments, constants,
+// exponents of the scale; every exponent of the frame test, and constants of the row, where none are given.
 struct Case {
   template <class... T>
   explicit Case(const std::vector<T>&... arrays) : sources{Bytes(arrays)...} {
@@ -37,6 +37,7 @@ struct Case {
   }
   Case& With(std::vector<double> values) { constants = std::move(values); return *this; }
   Case& Exponents(std::vector<int> values) { exponents = std::move(values); return *this; }
+  Case& Length(int32_t n) { len = n; return *this; }
   Case& NoMask() { no_mask = true; return *this; }
 
   template <class T>
@@ -47,7 +48,7 @@ struct Case {
   std::vector<std::vector<unsigned char>> sources;
   std::vector<double> constants;
   std::vector<int> exponents;
-  int32_t len;
+  int32_t len = 0;
   bool no_mask = false;
 };
 using Cases = void (*)(const std::function<void(const Case&)>& run);
