@@ -74,7 +74,7 @@ OrvaStatus ORVAS_Convert_64f16s_S(const Orva64f* src, Orva16s* dst, int32_t len,
   const Full<double> dd;
   const Full<int32_t> d32;
   const Full<int16_t> d16;
-  const auto factor = hn::Set(dd, ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(dd, ScaleFactor(scale));
   const auto convert = [&](auto round) TZM_LAMBDA {
     ForEach<hn::MaxLanes(d16), 1>(len, [=](const Orva64f* from, Orva16s* to) TZM_LAMBDA {
       const auto scaled = [=](size_t part) TZM_LAMBDA {

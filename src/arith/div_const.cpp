@@ -139,7 +139,7 @@ OrvaStatus ORVAS_DivC_16sc_S(const Orva16sc* src, Orva16sc value, Orva16sc* dst,
   const double re = value.re, im = value.im, modulus = SquaredModulus(re, im);
   if (modulus == 0) return ORVA_STS_DIV_BY_ZERO_ERR;
   const auto divisor = ComplexProduct<int16_t>::Set(value.re, value.im);
-  const auto factor = ConjugateProduct::Lanes::Set(1.0 / modulus * ScaleFactor(ScaleExponent(scale)));
+  const auto factor = ConjugateProduct::Lanes::Set(1.0 / modulus * ScaleFactor(scale));
   ForEach<ConjugateProduct::kStep, 2>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
     const ConjugateProduct product(ComplexProduct<int16_t>::Load(Parts(from)), divisor);
     StoreRoundedParts(product.re * factor, product.im * factor, Parts(to));
@@ -171,7 +171,7 @@ OrvaStatus ORVAS_DivC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len, double
   const Full<double> d;
   const Full<int64_t> d64;
   const auto reciprocal = hn::Set(d, 1.0 / static_cast<double>(value));
-  const auto factor = hn::Set(d, ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(d, ScaleFactor(scale));
   const Orva64s* src = srcDst;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva64s* from, Orva64s* to) TZM_LAMBDA {
     const auto x = hn::ConvertTo(d, hn::LoadU(d64, from));

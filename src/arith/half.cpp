@@ -47,24 +47,12 @@ OrvaStatus ConvertToHalf(const T* src, Orva16f* dst, int32_t len, uint32_t round
   return ORVA_STS_NO_ERR;
 }
 
-// The factor of the scale rule rounded to binary32, made of its bits: the same in every rounding mode.
-float FactorBits(int exponent) {
-  constexpr int kBias = 127, kFraction = 23;
-  const int field = HWY_MIN(kBias - exponent, 2 * kBias + 1);  // the largest one is infinity
-  uint32_t bits = 0;
-  if (field > 0) bits = static_cast<uint32_t>(field) << kFraction;
-  else if (field > -kFraction) bits = 1u << (kFraction - 1 + field);
-  float factor;
-  std::memcpy(&factor, &bits, sizeof(factor));
-  return factor;
-}
-
 template <bool kTowardZero>
 void RoundHalf(const Orva16f* src, Orva16s* dst, size_t len, float factor) {
   using Lanes = FloatLanes<Orva16s>;
   ForEach<hn::MaxLanes(Full<Orva16s>())>(len, [&](const Orva16f* from, Orva16s* to) TZM_LAMBDA {
     // Integers go into the conversion, so that the caller's rounding mode does not matter there.
-    StoreRounded<Orva16s>(Lanes::Each([&](size_t r) TZM_LAMBDA {
+    StoreRoundedLanes<Orva16s>(Lanes::Each([&](size_t r) TZM_LAMBDA {
       const auto y = hn::Mul(hn::Set(kReal, factor), WidenHalf(from + r * Lanes::kWidth));
       return kTowardZero ? hn::Trunc(y) : hn::Round(y);
     }), to);
@@ -93,7 +81,7 @@ OrvaStatus ORVAS_Convert_16f16s_S(const Orva16f* src, Orva16s* dst, int32_t len,
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckRoundMode(roundMode)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const float factor = FactorBits(ScaleExponent(scale));
+  const float factor = FloatFactor(scale);
   if (roundMode == ORVA_ROUND_NEAREST) RoundHalf<false>(src, dst, len, factor);
   else RoundHalf<true>(src, dst, len, factor);
   return ORVA_STS_NO_ERR;

@@ -23,12 +23,11 @@ TZM_INLINE Vec<Full<float>> LoadTwice(Full<float> d, const float* from) {
 // 8- and 16-bit integers: exact products in lanes of twice the width, scaled exactly.
 template <class A, class B, class Dst>
 void ScaledProducts(const A* src1, const B* src2, Dst* dst, int32_t len, int exponent) {
-  using Wide = hn::DFromV<decltype(WideProducts(Vec<Full<A>>(), Vec<Full<B>>()).low)>;
+  using Wide = decltype(WideProducts(Vec<Full<A>>(), Vec<Full<B>>()))::D;
   WithShift(Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     const Full<Dst> d;
     ForEach<hn::MaxLanes(d)>(len, [=](const A* a, const B* b, Dst* to) TZM_LAMBDA {
-      const auto product = WideProducts(hn::LoadU(Full<A>(), a), hn::LoadU(Full<B>(), b));
-      hn::StoreU(NarrowProducts(d, shift(product.low), shift(product.high)), d, to);
+      hn::StoreU(WideProducts(hn::LoadU(Full<A>(), a), hn::LoadU(Full<B>(), b)).Each(shift).Narrow(d), d, to);
     }, src1, src2, dst);
   });
 }
@@ -146,7 +145,7 @@ OrvaStatus ORVAS_Mul_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   // Deliberately through binary64: a product above 2^53 rounds before the scale.
-  const auto factor = hn::Set(Full<double>(), ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(Full<double>(), ScaleFactor(scale));
   const Full<int32_t> d;
   ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva32s* a, const Orva32s* b, Orva32s* to) TZM_LAMBDA {
     StoreScaledProducts(RoundedProducts(hn::LoadU(d, a), hn::LoadU(d, b)), factor, to);
@@ -184,26 +183,26 @@ OrvaStatus ORVAS_Mul_32sc_S(const Orva32sc* src1, const Orva32sc* src2, Orva32sc
   return ORVA_STS_NO_ERR;
 }
 
-#define TZM_IN_PLACE(types, T1, T2)                                              \
-  OrvaStatus ORVAS_Mul_##types##_I(const T1* src, T2* srcDst, int32_t len) {     \
-    return ORVAS_Mul_##types(src, srcDst, srcDst, len);                          \
+#define TZM_IN_PLACE(in_place, member, T1, T2)                   \
+  OrvaStatus in_place(const T1* src, T2* srcDst, int32_t len) {  \
+    return member(src, srcDst, srcDst, len);                     \
   }
-TZM_IN_PLACE(16s, Orva16s, Orva16s)
-TZM_IN_PLACE(32f, Orva32f, Orva32f)
-TZM_IN_PLACE(64f, Orva64f, Orva64f)
-TZM_IN_PLACE(32fc, Orva32fc, Orva32fc)
-TZM_IN_PLACE(64fc, Orva64fc, Orva64fc)
-TZM_IN_PLACE(32f32fc, Orva32f, Orva32fc)
+TZM_IN_PLACE(ORVAS_Mul_16s_I, ORVAS_Mul_16s, Orva16s, Orva16s)
+TZM_IN_PLACE(ORVAS_Mul_32f_I, ORVAS_Mul_32f, Orva32f, Orva32f)
+TZM_IN_PLACE(ORVAS_Mul_64f_I, ORVAS_Mul_64f, Orva64f, Orva64f)
+TZM_IN_PLACE(ORVAS_Mul_32fc_I, ORVAS_Mul_32fc, Orva32fc, Orva32fc)
+TZM_IN_PLACE(ORVAS_Mul_64fc_I, ORVAS_Mul_64fc, Orva64fc, Orva64fc)
+TZM_IN_PLACE(ORVAS_Mul_32f32fc_I, ORVAS_Mul_32f32fc, Orva32f, Orva32fc)
 #undef TZM_IN_PLACE
 
-#define TZM_IN_PLACE_SCALED(types)                                                                                    \
-  OrvaStatus ORVAS_Mul_##types##_IS(const Orva##types* src, Orva##types* srcDst, int32_t len, double scale) {         \
-    return ORVAS_Mul_##types##_S(src, srcDst, srcDst, len, scale);                                                    \
+#define TZM_IN_PLACE_SCALED(in_place, member, T)                             \
+  OrvaStatus in_place(const T* src, T* srcDst, int32_t len, double scale) {  \
+    return member(src, srcDst, srcDst, len, scale);                          \
   }
-TZM_IN_PLACE_SCALED(8u)
-TZM_IN_PLACE_SCALED(16u)
-TZM_IN_PLACE_SCALED(16s)
-TZM_IN_PLACE_SCALED(32s)
-TZM_IN_PLACE_SCALED(16sc)
-TZM_IN_PLACE_SCALED(32sc)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_8u_IS, ORVAS_Mul_8u_S, Orva8u)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_16u_IS, ORVAS_Mul_16u_S, Orva16u)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_16s_IS, ORVAS_Mul_16s_S, Orva16s)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_32s_IS, ORVAS_Mul_32s_S, Orva32s)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_16sc_IS, ORVAS_Mul_16sc_S, Orva16sc)
+TZM_IN_PLACE_SCALED(ORVAS_Mul_32sc_IS, ORVAS_Mul_32sc_S, Orva32sc)
 #undef TZM_IN_PLACE_SCALED

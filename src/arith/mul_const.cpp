@@ -41,11 +41,10 @@ template <class T>
 void ScaledProducts(const T* src, T value, T* dst, int32_t len, int exponent) {
   const Full<T> d;
   const auto factor = hn::Set(d, value);
-  using Wide = hn::DFromV<decltype(WideProducts(factor, factor).low)>;
+  using Wide = decltype(WideProducts(factor, factor))::D;
   WithShift(Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     ForEach<hn::MaxLanes(d)>(len, [=](const T* a, T* to) TZM_LAMBDA {
-      const auto product = WideProducts(hn::LoadU(d, a), factor);
-      hn::StoreU(NarrowProducts(d, shift(product.low), shift(product.high)), d, to);
+      hn::StoreU(WideProducts(hn::LoadU(d, a), factor).Each(shift).Narrow(d), d, to);
     }, src, dst);
   });
 }
@@ -73,9 +72,9 @@ Orva32sc RoundedComplexProduct(Orva32sc a, Orva32sc b, double factor) {
 
 // (src * value) * factor in binary32, each product rounded, then rounded to integers and saturated.
 template <class T>
-void ScaledFloats(const T* src, T value, double factor, Orva16s* dst, int32_t len) {
+void ScaledFloats(const T* src, T value, float factor, Orva16s* dst, int32_t len) {
   const Full<float> d;
-  const auto vv = hn::Set(d, value), vf = hn::Set(d, static_cast<float>(factor));
+  const auto vv = hn::Set(d, value), vf = hn::Set(d, factor);
   RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(hn::Mul(x, vv), vf); }, dst, src);
 }
 
@@ -83,7 +82,7 @@ void ScaledFloats(const T* src, T value, double factor, Orva16s* dst, int32_t le
 template <class ToDouble>
 TZM_INLINE void ScaleInBinary64(Orva64s* srcDst, int32_t len, double scale, ToDouble toDouble) {
   const Full<int64_t> d;
-  const auto factor = hn::Set(Full<double>(), ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(Full<double>(), ScaleFactor(scale));
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva64s* a, Orva64s* to) TZM_LAMBDA {
     hn::StoreU(RoundToInt64(hn::Mul(toDouble(hn::LoadU(d, a)), factor)), d, to);
   }, static_cast<const Orva64s*>(srcDst), srcDst);
@@ -148,7 +147,7 @@ OrvaStatus ORVAS_MulC_32sc_S(const Orva32sc* src, Orva32sc value, Orva32sc* dst,
   const int exponent = ScaleExponent(scale);
   // Deliberately inexact: for exponents 23 to 63 the tail goes through binary64. Below, binary64 is exact for
   // every result that does not saturate; above, all are 0.
-  const double factor = ScaleFactor(exponent);
+  const double factor = ExponentFactor<double>(exponent);
   BodyAndTail<8>(
       len, [&](size_t count, auto... at) { ScaledComplexProducts(count, value, exponent, at...); },
       [&](size_t count, const Orva32sc* from, Orva32sc* to) {
@@ -164,7 +163,7 @@ OrvaStatus ORVAS_MulC_16s_S(const Orva16s* src, Orva16s value, Orva16s* dst, int
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   // Deliberately in binary32: a product above 2^24 rounds before the scale.
-  ScaledFloats(src, value, ScaleFactor(ScaleExponent(scale)), dst, len);
+  ScaledFloats(src, value, FloatFactor(scale), dst, len);
   return ORVA_STS_NO_ERR;
 }
 
@@ -174,7 +173,7 @@ OrvaStatus ORVAS_MulC_32s_S(const Orva32s* src, Orva32s value, Orva32s* dst, int
   // Deliberately through binary64: a product above 2^53 rounds before the scale.
   const Full<int32_t> d;
   const auto constant = hn::Set(d, value);
-  const auto factor = hn::Set(Full<double>(), ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(Full<double>(), ScaleFactor(scale));
   ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva32s* a, Orva32s* to) TZM_LAMBDA {
     StoreScaledProducts(RoundedProducts(hn::LoadU(d, a), constant), factor, to);
   }, src, dst);
@@ -183,14 +182,14 @@ OrvaStatus ORVAS_MulC_32s_S(const Orva32s* src, Orva32s value, Orva32s* dst, int
 
 OrvaStatus ORVAS_MulC_Low_32f16s(const Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  ScaledFloats(src, value, 1.0, dst, len);
+  ScaledFloats(src, value, 1.0f, dst, len);
   return ORVA_STS_NO_ERR;
 }
 
 OrvaStatus ORVAS_MulC_32f16s_S(const Orva32f* src, Orva32f value, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  ScaledFloats(src, value, ScaleFactor(ScaleExponent(scale)), dst, len);
+  ScaledFloats(src, value, FloatFactor(scale), dst, len);
   return ORVA_STS_NO_ERR;
 }
 
@@ -214,24 +213,24 @@ OrvaStatus ORVAS_MulC_64s_IS(Orva64s value, Orva64s* srcDst, int32_t len, double
   return ORVA_STS_NO_ERR;
 }
 
-#define TZM_IN_PLACE(types, T)                                                \
-  OrvaStatus ORVAS_MulC_##types##_I(T value, T* srcDst, int32_t len) {        \
-    return ORVAS_MulC_##types(srcDst, value, srcDst, len);                    \
+#define TZM_IN_PLACE(in_place, member, T)                 \
+  OrvaStatus in_place(T value, T* srcDst, int32_t len) {  \
+    return member(srcDst, value, srcDst, len);            \
   }
-TZM_IN_PLACE(32f, Orva32f)
-TZM_IN_PLACE(64f, Orva64f)
-TZM_IN_PLACE(32fc, Orva32fc)
-TZM_IN_PLACE(64fc, Orva64fc)
+TZM_IN_PLACE(ORVAS_MulC_32f_I, ORVAS_MulC_32f, Orva32f)
+TZM_IN_PLACE(ORVAS_MulC_64f_I, ORVAS_MulC_64f, Orva64f)
+TZM_IN_PLACE(ORVAS_MulC_32fc_I, ORVAS_MulC_32fc, Orva32fc)
+TZM_IN_PLACE(ORVAS_MulC_64fc_I, ORVAS_MulC_64fc, Orva64fc)
 #undef TZM_IN_PLACE
 
-#define TZM_IN_PLACE_SCALED(types, T)                                                        \
-  OrvaStatus ORVAS_MulC_##types##_IS(T value, T* srcDst, int32_t len, double scale) {        \
-    return ORVAS_MulC_##types##_S(srcDst, value, srcDst, len, scale);                        \
+#define TZM_IN_PLACE_SCALED(in_place, member, T)                        \
+  OrvaStatus in_place(T value, T* srcDst, int32_t len, double scale) {  \
+    return member(srcDst, value, srcDst, len, scale);                   \
   }
-TZM_IN_PLACE_SCALED(8u, Orva8u)
-TZM_IN_PLACE_SCALED(16u, Orva16u)
-TZM_IN_PLACE_SCALED(16s, Orva16s)
-TZM_IN_PLACE_SCALED(32s, Orva32s)
-TZM_IN_PLACE_SCALED(16sc, Orva16sc)
-TZM_IN_PLACE_SCALED(32sc, Orva32sc)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_8u_IS, ORVAS_MulC_8u_S, Orva8u)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_16u_IS, ORVAS_MulC_16u_S, Orva16u)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_16s_IS, ORVAS_MulC_16s_S, Orva16s)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_32s_IS, ORVAS_MulC_32s_S, Orva32s)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_16sc_IS, ORVAS_MulC_16sc_S, Orva16sc)
+TZM_IN_PLACE_SCALED(ORVAS_MulC_32sc_IS, ORVAS_MulC_32sc_S, Orva32sc)
 #undef TZM_IN_PLACE_SCALED

@@ -186,7 +186,7 @@ OrvaStatus ORVAS_Sqrt_16sc_S(const Orva16sc* src, Orva16sc* dst, int32_t len, do
   if (OrvaStatus status = CheckScale(scale)) return status;
   const Full<double> d;
   const hn::Rebind<int32_t, decltype(d)> d32;  // an element is one lane, its real part the low half
-  const auto factor = hn::Set(d, ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(d, ScaleFactor(scale));
   ForEach<hn::MaxLanes(d), 2>(len, [=](const Orva16sc* from, Orva16sc* to) TZM_LAMBDA {
     const auto element = hn::LoadU(d32, reinterpret_cast<const int32_t*>(from));
     const auto a = hn::PromoteTo(d, hn::ShiftRight<16>(hn::ShiftLeft<16>(element)));
@@ -231,7 +231,7 @@ OrvaStatus ORVAS_Cubrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
 OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const double factor = ScaleFactor(ScaleExponent(scale));
+  const double factor = ScaleFactor(scale);
   const Full<double> d;
   const Full<float> dNarrow;
   const Full<int32_t> d32;
@@ -257,22 +257,22 @@ OrvaStatus ORVAS_Cubrt_32s16s_S(const Orva32s* src, Orva16s* dst, int32_t len, d
   return ORVA_STS_NO_ERR;
 }
 
-#define TZM_IN_PLACE(T)                                                   \
-  OrvaStatus ORVAS_Sqrt_##T##_I(Orva##T* srcDst, int32_t len) {           \
-    return ORVAS_Sqrt_##T(srcDst, srcDst, len);                           \
+#define TZM_IN_PLACE(in_place, member, T)        \
+  OrvaStatus in_place(T* srcDst, int32_t len) {  \
+    return member(srcDst, srcDst, len);          \
   }
-TZM_IN_PLACE(32f)
-TZM_IN_PLACE(64f)
-TZM_IN_PLACE(32fc)
-TZM_IN_PLACE(64fc)
+TZM_IN_PLACE(ORVAS_Sqrt_32f_I, ORVAS_Sqrt_32f, Orva32f)
+TZM_IN_PLACE(ORVAS_Sqrt_64f_I, ORVAS_Sqrt_64f, Orva64f)
+TZM_IN_PLACE(ORVAS_Sqrt_32fc_I, ORVAS_Sqrt_32fc, Orva32fc)
+TZM_IN_PLACE(ORVAS_Sqrt_64fc_I, ORVAS_Sqrt_64fc, Orva64fc)
 #undef TZM_IN_PLACE
 
-#define TZM_IN_PLACE_SCALED(T)                                                        \
-  OrvaStatus ORVAS_Sqrt_##T##_IS(Orva##T* srcDst, int32_t len, double scale) {        \
-    return ORVAS_Sqrt_##T##_S(srcDst, srcDst, len, scale);                            \
+#define TZM_IN_PLACE_SCALED(in_place, member, T)               \
+  OrvaStatus in_place(T* srcDst, int32_t len, double scale) {  \
+    return member(srcDst, srcDst, len, scale);                 \
   }
-TZM_IN_PLACE_SCALED(8u)
-TZM_IN_PLACE_SCALED(16u)
-TZM_IN_PLACE_SCALED(16s)
-TZM_IN_PLACE_SCALED(16sc)
+TZM_IN_PLACE_SCALED(ORVAS_Sqrt_8u_IS, ORVAS_Sqrt_8u_S, Orva8u)
+TZM_IN_PLACE_SCALED(ORVAS_Sqrt_16u_IS, ORVAS_Sqrt_16u_S, Orva16u)
+TZM_IN_PLACE_SCALED(ORVAS_Sqrt_16s_IS, ORVAS_Sqrt_16s_S, Orva16s)
+TZM_IN_PLACE_SCALED(ORVAS_Sqrt_16sc_IS, ORVAS_Sqrt_16sc_S, Orva16sc)
 #undef TZM_IN_PLACE_SCALED

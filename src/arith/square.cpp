@@ -56,26 +56,26 @@ OrvaStatus ORVAS_Sqr_64fc(const Orva64fc* src, Orva64fc* dst, int32_t len) {
   return ORVA_STS_NO_ERR;
 }
 
-#define TZM_IN_PLACE(T)                                                  \
-  OrvaStatus ORVAS_Sqr_##T##_I(Orva##T* srcDst, int32_t len) {           \
-    return ORVAS_Sqr_##T(srcDst, srcDst, len);                           \
+#define TZM_IN_PLACE(in_place, member, T)        \
+  OrvaStatus in_place(T* srcDst, int32_t len) {  \
+    return member(srcDst, srcDst, len);          \
   }
-TZM_IN_PLACE(32f)
-TZM_IN_PLACE(64f)
-TZM_IN_PLACE(32fc)
-TZM_IN_PLACE(64fc)
+TZM_IN_PLACE(ORVAS_Sqr_32f_I, ORVAS_Sqr_32f, Orva32f)
+TZM_IN_PLACE(ORVAS_Sqr_64f_I, ORVAS_Sqr_64f, Orva64f)
+TZM_IN_PLACE(ORVAS_Sqr_32fc_I, ORVAS_Sqr_32fc, Orva32fc)
+TZM_IN_PLACE(ORVAS_Sqr_64fc_I, ORVAS_Sqr_64fc, Orva64fc)
 #undef TZM_IN_PLACE
 
 // A scaled square is the exact product of an array with itself, checks included.
-#define TZM_SCALED(T)                                                                                \
-  OrvaStatus ORVAS_Sqr_##T##_S(const Orva##T* src, Orva##T* dst, int32_t len, double scale) {        \
-    return ORVAS_Mul_##T##_S(src, src, dst, len, scale);                                             \
-  }                                                                                                  \
-  OrvaStatus ORVAS_Sqr_##T##_IS(Orva##T* srcDst, int32_t len, double scale) {                        \
-    return ORVAS_Sqr_##T##_S(srcDst, srcDst, len, scale);                                            \
+#define TZM_SCALED(member, product, in_place, T)                        \
+  OrvaStatus member(const T* src, T* dst, int32_t len, double scale) {  \
+    return product(src, src, dst, len, scale);                          \
+  }                                                                     \
+  OrvaStatus in_place(T* srcDst, int32_t len, double scale) {           \
+    return member(srcDst, srcDst, len, scale);                          \
   }
-TZM_SCALED(8u)
-TZM_SCALED(16u)
-TZM_SCALED(16s)
-TZM_SCALED(16sc)
+TZM_SCALED(ORVAS_Sqr_8u_S, ORVAS_Mul_8u_S, ORVAS_Sqr_8u_IS, Orva8u)
+TZM_SCALED(ORVAS_Sqr_16u_S, ORVAS_Mul_16u_S, ORVAS_Sqr_16u_IS, Orva16u)
+TZM_SCALED(ORVAS_Sqr_16s_S, ORVAS_Mul_16s_S, ORVAS_Sqr_16s_IS, Orva16s)
+TZM_SCALED(ORVAS_Sqr_16sc_S, ORVAS_Mul_16sc_S, ORVAS_Sqr_16sc_IS, Orva16sc)
 #undef TZM_SCALED

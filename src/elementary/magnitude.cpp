@@ -226,7 +226,7 @@ OrvaStatus ORVAS_Magnitude_16sc_S(const Orva16sc* src, Orva16s* dst, int32_t len
 OrvaStatus ORVAS_Magnitude_32sc_S(const Orva32sc* src, Orva32s* dst, int32_t len, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const double factor = ScaleFactor(ScaleExponent(scale));
+  const double factor = ScaleFactor(scale);
   const Full<double> d;
   const hn::Rebind<int32_t, Full<double>> d32;
   const auto factors = hn::Set(d, factor);

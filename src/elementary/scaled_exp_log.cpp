@@ -33,7 +33,7 @@ OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*functi
                   See see) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const auto factor = hn::Set(F64(), ScaleFactor(ScaleExponent(scale)));
+  const auto factor = hn::Set(F64(), ScaleFactor(scale));
   OrvaStatus status = ORVA_STS_NO_ERR;
   alignas(64) double value[kBlock];
   ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {

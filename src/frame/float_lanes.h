@@ -34,7 +34,7 @@ TZM_INLINE Lanes LoadFloats(const T* from) {
 
 // Lanes to integers of 8 or 16 bits, rounded to nearest, ties to even, and saturated; NaN gives 0.
 template <class T>
-TZM_INLINE void StoreRounded(const FloatLanes<T>& lanes, T* to) {
+TZM_INLINE void StoreRoundedLanes(const FloatLanes<T>& lanes, T* to) {
   const Full<T> d;
   const auto rounded = [&](size_t r) TZM_LAMBDA { return RoundFor<T>(lanes.v[r]); };
   if constexpr (sizeof(T) == 2) {
@@ -53,7 +53,7 @@ TZM_INLINE void RoundEach(size_t len, Kernel&& kernel, T* dst, const Src*... src
     const auto each = [&](const auto&... loaded) TZM_LAMBDA {
       return Lanes::Each([&](size_t r) TZM_LAMBDA { return kernel(loaded.v[r]...); });
     };
-    StoreRounded<T>(each(LoadFloats<Lanes>(from)...), to);
+    StoreRoundedLanes<T>(each(LoadFloats<Lanes>(from)...), to);
   }, dst, src...);
 }
 

@@ -6,27 +6,64 @@
 namespace tzm {
 
 // ---- Real ----
-// The order of the lanes in the two wide registers is the machine's own: on x86 they stay within their
-// 128-bit blocks. NarrowProducts narrows with saturation and restores the order.
+
+// Lanes of D, twice as wide as those that they come from, in two registers and in the machine's own order: on x86 they
+// stay within their 128-bit blocks. Narrowing puts them back, with saturation.
+template <class Wide>
+class IntegerProducts {
+ public:
+  using D = Wide;
+
+  TZM_INLINE IntegerProducts(Vec<D> low, Vec<D> high) : low_(low), high_(high) {}
+  template <class F>
+  TZM_INLINE IntegerProducts Each(const F& f) const { return {f(low_), f(high_)}; }
+
+  TZM_INLINE Vec<Full<int16_t>> Narrow([[maybe_unused]] Full<int16_t> d) const {
+#if HWY_ARCH_ARM_A64
+    return NarrowPair(d, low_, high_);
+#else
+    return {TZM_X86(packs_epi32)(low_.raw, high_.raw)};
+#endif
+  }
+  TZM_INLINE Vec<Full<uint16_t>> Narrow([[maybe_unused]] Full<uint16_t> d) const {
+#if HWY_ARCH_ARM_A64
+    return Vec<decltype(d)>(vqmovn_high_u32(vqmovn_u32(low_.raw), high_.raw));
+#else  // the pack takes signed lanes
+    const auto limit = hn::Set(D(), 0xffff);
+    return {TZM_X86(packus_epi32)(hn::Min(low_, limit).raw, hn::Min(high_, limit).raw)};
+#endif
+  }
+  TZM_INLINE Vec<Full<uint8_t>> Narrow([[maybe_unused]] Full<uint8_t> d) const {
+#if HWY_ARCH_ARM_A64
+    return Vec<decltype(d)>(vqmovn_high_u16(vqmovn_u16(low_.raw), high_.raw));
+#else
+    const auto limit = hn::Set(D(), 0xff);
+    return {TZM_X86(packus_epi16)(hn::Min(low_, limit).raw, hn::Min(high_, limit).raw)};
+#endif
+  }
+
+ private:
+  Vec<D> low_, high_;
+};
 
 TZM_INLINE auto WideProducts(Vec<Full<uint8_t>> a, Vec<Full<uint8_t>> b) {
   using D = Full<uint16_t>;
 #if HWY_ARCH_ARM_A64
-  return Widened<D>{Vec<D>(vmull_u8(vget_low_u8(a.raw), vget_low_u8(b.raw))), Vec<D>(vmull_high_u8(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_u8(vget_low_u8(a.raw), vget_low_u8(b.raw))), Vec<D>(vmull_high_u8(a.raw, b.raw))};
 #else
   const D d;
   const Full<uint8_t> dn;
   const auto zero = hn::Zero(dn);
   const auto low = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::InterleaveLower(dn, v, zero)); };
   const auto high = [&](auto v) TZM_LAMBDA { return hn::BitCast(d, hn::InterleaveUpper(dn, v, zero)); };
-  return Widened<D>{hn::Mul(low(a), low(b)), hn::Mul(high(a), high(b))};
+  return IntegerProducts<D>{hn::Mul(low(a), low(b)), hn::Mul(high(a), high(b))};
 #endif
 }
 
 #if HWY_ARCH_X86
 // Wide lanes of the two halves, as the machine multiplies 16-bit lanes.
 template <class D, class V>
-TZM_INLINE Widened<D> JoinHalves(D d, V low, V high) {
+TZM_INLINE IntegerProducts<D> JoinHalves(D d, V low, V high) {
   const hn::DFromV<V> dn;
   return {hn::BitCast(d, hn::InterleaveLower(dn, low, high)), hn::BitCast(d, hn::InterleaveUpper(dn, low, high))};
 }
@@ -35,7 +72,7 @@ TZM_INLINE Widened<D> JoinHalves(D d, V low, V high) {
 TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<uint16_t>> b) {
   using D = Full<uint32_t>;
 #if HWY_ARCH_ARM_A64
-  return Widened<D>{Vec<D>(vmull_u16(vget_low_u16(a.raw), vget_low_u16(b.raw))), Vec<D>(vmull_high_u16(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_u16(vget_low_u16(a.raw), vget_low_u16(b.raw))), Vec<D>(vmull_high_u16(a.raw, b.raw))};
 #else
   return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
 #endif
@@ -44,7 +81,7 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<uint16_t>> b) {
 TZM_INLINE auto WideProducts(Vec<Full<int16_t>> a, Vec<Full<int16_t>> b) {
   using D = Full<int32_t>;
 #if HWY_ARCH_ARM_A64
-  return Widened<D>{Vec<D>(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw))), Vec<D>(vmull_high_s16(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw))), Vec<D>(vmull_high_s16(a.raw, b.raw))};
 #else
   return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
 #endif
@@ -56,37 +93,11 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<int16_t>> b) {
   const D d;
   const hn::Half<Full<int16_t>> half;
   const hn::Half<Full<uint16_t>> uhalf;
-  return Widened<D>{hn::Mul(hn::PromoteTo(d, hn::LowerHalf(uhalf, a)), hn::PromoteTo(d, hn::LowerHalf(half, b))),
+  return IntegerProducts<D>{hn::Mul(hn::PromoteTo(d, hn::LowerHalf(uhalf, a)), hn::PromoteTo(d, hn::LowerHalf(half, b))),
                     hn::Mul(hn::PromoteTo(d, hn::UpperHalf(uhalf, a)), hn::PromoteTo(d, hn::UpperHalf(half, b)))};
 #else  // `a` taken as signed is short of 2^16 where its highest bit is set
   const auto as = hn::BitCast(Full<int16_t>(), a);
   return JoinHalves(D(), hn::Mul(as, b), hn::Add(hn::MulHigh(as, b), hn::And(hn::BroadcastSignBit(as), b)));
-#endif
-}
-
-TZM_INLINE Vec<Full<int16_t>> NarrowProducts(Full<int16_t>, Vec<Full<int32_t>> low, Vec<Full<int32_t>> high) {
-#if HWY_ARCH_ARM_A64
-  return NarrowPair(Full<int16_t>(), low, high);
-#else
-  return Vec<Full<int16_t>>{TZM_X86(packs_epi32)(low.raw, high.raw)};
-#endif
-}
-
-TZM_INLINE Vec<Full<uint16_t>> NarrowProducts(Full<uint16_t>, Vec<Full<uint32_t>> low, Vec<Full<uint32_t>> high) {
-#if HWY_ARCH_ARM_A64
-  return Vec<Full<uint16_t>>(vqmovn_high_u32(vqmovn_u32(low.raw), high.raw));
-#else  // the pack takes signed lanes
-  const auto limit = hn::Set(Full<uint32_t>(), 0xffff);
-  return Vec<Full<uint16_t>>{TZM_X86(packus_epi32)(hn::Min(low, limit).raw, hn::Min(high, limit).raw)};
-#endif
-}
-
-TZM_INLINE Vec<Full<uint8_t>> NarrowProducts(Full<uint8_t>, Vec<Full<uint16_t>> low, Vec<Full<uint16_t>> high) {
-#if HWY_ARCH_ARM_A64
-  return Vec<Full<uint8_t>>(vqmovn_high_u16(vqmovn_u16(low.raw), high.raw));
-#else
-  const auto limit = hn::Set(Full<uint16_t>(), 0xff);
-  return Vec<Full<uint8_t>>{TZM_X86(packus_epi16)(hn::Min(low, limit).raw, hn::Min(high, limit).raw)};
 #endif
 }
 
@@ -202,7 +213,7 @@ class ComplexProduct {
     const D d;
     const Wide wide;
     if constexpr (kIs16) {
-      return NarrowProducts(d, hn::InterleaveLower(wide, re, im), hn::InterleaveUpper(wide, re, im));
+      return IntegerProducts<Wide>(hn::InterleaveLower(wide, re, im), hn::InterleaveUpper(wide, re, im)).Narrow(d);
     } else {
       const auto least = hn::Set(wide, std::numeric_limits<T>::min());
       const auto most = hn::Set(wide, std::numeric_limits<T>::max());
@@ -286,8 +297,8 @@ TZM_INLINE void StoreRoundedParts(const ConjugateProduct::Lanes& re, const Conju
     return hn::Combine(d32, RoundToInt32(part.v[1]), RoundToInt32(part.v[0]));
   };
   const auto even = rounded(re), odd = rounded(im);
-  const auto low = hn::InterleaveLower(d32, even, odd), high = hn::InterleaveUpper(d32, even, odd);
-  hn::StoreU(NarrowProducts(d, low, high), d, to);
+  const IntegerProducts<Full<int32_t>> pairs(hn::InterleaveLower(d32, even, odd), hn::InterleaveUpper(d32, even, odd));
+  hn::StoreU(pairs.Narrow(d), d, to);
 #endif
 }
 

@@ -16,24 +16,30 @@ inline int ScaleExponent(double scale) {
   return exponent > 0 || mantissa == 0.5 ? exponent - 1 : exponent;
 }
 
-// 2^-exponent: above 1 the scale shrinks, below 1 it enlarges. Infinite for the smallest scales, subnormal
-// for the largest. Made of its bits: no rounding mode of the caller can touch it.
-inline double ScaleFactor(int exponent) {
-  uint64_t bits = uint64_t{0x7ff} << 52;
-  if (exponent > 1022) bits = uint64_t{1} << (1074 - exponent);
-  else if (exponent > -1024) bits = static_cast<uint64_t>(1023 - exponent) << 52;
-  double factor;
+// 2^-exponent in Real, rounded: infinite for the least exponents, subnormal and in binary32 0 for the largest. Made of
+// its bits: no rounding mode of the caller can touch it.
+template <class Real>
+Real ExponentFactor(int exponent) {
+  using Bits = hwy::UnsignedFromSize<sizeof(Real)>;
+  constexpr int kFraction = sizeof(Real) == 8 ? 52 : 23, kBias = sizeof(Real) == 8 ? 1023 : 127;
+  const int field = HWY_MIN(kBias - exponent, 2 * kBias + 1);  // the largest one is infinity
+  Bits bits = 0;
+  if (field > 0) bits = static_cast<Bits>(field) << kFraction;
+  else if (field > -kFraction) bits = Bits{1} << (kFraction - 1 + field);
+  Real factor;
   std::memcpy(&factor, &bits, sizeof factor);
   return factor;
 }
 
-// The factor of a scale in binary32: infinite and 0 for more of them.
-inline float FloatFactor(double scale) { return static_cast<float>(ScaleFactor(ScaleExponent(scale))); }
+// What the scale multiplies by, in binary64 and in binary32: above 1 it shrinks, below 1 it enlarges.
+inline double ScaleFactor(double scale) { return ExponentFactor<double>(ScaleExponent(scale)); }
+inline double ScaleFactor(int exponent) = delete;
+inline float FloatFactor(double scale) { return ExponentFactor<float>(ScaleExponent(scale)); }
 
 // The same for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either way they are 0 or
 // saturate; there the factor stays, and infinity times it is never a NaN.
 inline float QuotientFactor(double scale) {
-  return static_cast<float>(ScaleFactor(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64))));
+  return ExponentFactor<float>(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64)));
 }
 
 // ---- The rule on exact integers ----

@@ -118,18 +118,17 @@ OrvaStatus Generate(T* dst, int32_t len, const OrvaRandGaussState* state) {
 
 }  // namespace
 
-#define GAUSSIAN(type)                                                                                          \
-  OrvaStatus ORVAS_RandGaussInit_##type(OrvaRandGaussState** stateOut, Orva##type mean, Orva##type stdDev,      \
-                                        uint32_t seed) {                                                        \
-    return Init(stateOut, mean, stdDev, seed);                                                                  \
-  }                                                                                                             \
-  OrvaStatus ORVAS_RandGauss_##type(Orva##type* dst, int32_t len, const OrvaRandGaussState* state) {            \
-    return Generate(dst, len, state);                                                                           \
-  }                                                                                                             \
-  OrvaStatus ORVAS_RandGaussRelease_##type(OrvaRandGaussState* state) { return Release(state); }
+#define TZM_GAUSSIAN(init, run, release, T)                                          \
+  OrvaStatus init(OrvaRandGaussState** stateOut, T mean, T stdDev, uint32_t seed) {  \
+    return Init(stateOut, mean, stdDev, seed);                                       \
+  }                                                                                  \
+  OrvaStatus run(T* dst, int32_t len, const OrvaRandGaussState* state) {             \
+    return Generate(dst, len, state);                                                \
+  }                                                                                  \
+  OrvaStatus release(OrvaRandGaussState* state) { return Release(state); }
 
-GAUSSIAN(8u)
-GAUSSIAN(16s)
-GAUSSIAN(32f)
-GAUSSIAN(64f)
-#undef GAUSSIAN
+TZM_GAUSSIAN(ORVAS_RandGaussInit_8u, ORVAS_RandGauss_8u, ORVAS_RandGaussRelease_8u, Orva8u)
+TZM_GAUSSIAN(ORVAS_RandGaussInit_16s, ORVAS_RandGauss_16s, ORVAS_RandGaussRelease_16s, Orva16s)
+TZM_GAUSSIAN(ORVAS_RandGaussInit_32f, ORVAS_RandGauss_32f, ORVAS_RandGaussRelease_32f, Orva32f)
+TZM_GAUSSIAN(ORVAS_RandGaussInit_64f, ORVAS_RandGauss_64f, ORVAS_RandGaussRelease_64f, Orva64f)
+#undef TZM_GAUSSIAN

@@ -80,18 +80,18 @@ OrvaStatus ApplyKaiser(const Sample* src, Sample* dst, int32_t len, Real alpha) 
 }  // namespace
 
 // A member and its twin in place.
-#define KAISER(type, Alpha)                                                                             \
-  OrvaStatus ORVAS_WinKaiser_##type(const Orva##type* src, Orva##type* dst, int32_t len, Alpha alpha) { \
-    return ApplyKaiser(src, dst, len, alpha);                                                           \
-  }                                                                                                     \
-  OrvaStatus ORVAS_WinKaiser_##type##_I(Orva##type* srcDst, int32_t len, Alpha alpha) {                 \
-    return ORVAS_WinKaiser_##type(srcDst, srcDst, len, alpha);                                          \
+#define TZM_KAISER(member, in_place, T, Alpha)                         \
+  OrvaStatus member(const T* src, T* dst, int32_t len, Alpha alpha) {  \
+    return ApplyKaiser(src, dst, len, alpha);                          \
+  }                                                                    \
+  OrvaStatus in_place(T* srcDst, int32_t len, Alpha alpha) {           \
+    return member(srcDst, srcDst, len, alpha);                         \
   }
 
-KAISER(16s, Orva32f)
-KAISER(16sc, Orva32f)
-KAISER(32f, Orva32f)
-KAISER(32fc, Orva32f)
-KAISER(64f, Orva64f)
-KAISER(64fc, Orva64f)
-#undef KAISER
+TZM_KAISER(ORVAS_WinKaiser_16s, ORVAS_WinKaiser_16s_I, Orva16s, Orva32f)
+TZM_KAISER(ORVAS_WinKaiser_16sc, ORVAS_WinKaiser_16sc_I, Orva16sc, Orva32f)
+TZM_KAISER(ORVAS_WinKaiser_32f, ORVAS_WinKaiser_32f_I, Orva32f, Orva32f)
+TZM_KAISER(ORVAS_WinKaiser_32fc, ORVAS_WinKaiser_32fc_I, Orva32fc, Orva32f)
+TZM_KAISER(ORVAS_WinKaiser_64f, ORVAS_WinKaiser_64f_I, Orva64f, Orva64f)
+TZM_KAISER(ORVAS_WinKaiser_64fc, ORVAS_WinKaiser_64fc_I, Orva64fc, Orva64f)
+#undef TZM_KAISER

@@ -32,8 +32,9 @@ template <class T>
 constexpr std::array<T, 64> kSine = MakeSineTable<T>();
 
 // The cosine of x 64ths of a turn is cs (1 + r^2 c2) - r (c1 + r^2 c3) sn with an integer n next to x,
-// r = x - n, sn and cs the sine and cosine of n out of the table: c1 = 2 pi / 64, c2 = -c1^2/2,
-// c3 = -c1^3/6. Of its two products the first is rounded, the second fused into the difference.
+// r = x - n, sn and cs the sine and cosine of n out of the table, c1 = 2 pi / 64. c2 and c3 lie beside the -c1^2/2 and
+// -c1^3/6 of the power series, so that the errors up to |r| = 1 are half as large: 2.1e-6 and 4.2e-8. Of the two
+// products the first is rounded, the second fused into the difference.
 //
 // The blocks are in binary32 with n to the nearest; the pairs past them in binary64 with n truncated: the
 // two are deliberately not interchangeable.
@@ -115,20 +116,20 @@ OrvaStatus ApplyHamming(const Sample* src, Sample* dst, int32_t len) {
 }  // namespace
 
 // A member and its twin in place.
-#define HAMMING(type)                                                                         \
-  OrvaStatus ORVAS_WinHamming_##type(const Orva##type* src, Orva##type* dst, int32_t len) {   \
-    if (OrvaStatus status = CheckPointers(src, dst)) return status;                           \
-    if (len < 3) return ORVA_STS_SIZE_ERR;                                                    \
-    return ApplyHamming(src, dst, len);                                                       \
-  }                                                                                           \
-  OrvaStatus ORVAS_WinHamming_##type##_I(Orva##type* srcDst, int32_t len) {                   \
-    return ORVAS_WinHamming_##type(srcDst, srcDst, len);                                      \
+#define TZM_HAMMING(member, in_place, T)                             \
+  OrvaStatus member(const T* src, T* dst, int32_t len) {             \
+    if (OrvaStatus status = CheckPointers(src, dst)) return status;  \
+    if (len < 3) return ORVA_STS_SIZE_ERR;                           \
+    return ApplyHamming(src, dst, len);                              \
+  }                                                                  \
+  OrvaStatus in_place(T* srcDst, int32_t len) {                      \
+    return member(srcDst, srcDst, len);                              \
   }
 
-HAMMING(16s)
-HAMMING(16sc)
-HAMMING(32f)
-HAMMING(32fc)
-HAMMING(64f)
-HAMMING(64fc)
-#undef HAMMING
+TZM_HAMMING(ORVAS_WinHamming_16s, ORVAS_WinHamming_16s_I, Orva16s)
+TZM_HAMMING(ORVAS_WinHamming_16sc, ORVAS_WinHamming_16sc_I, Orva16sc)
+TZM_HAMMING(ORVAS_WinHamming_32f, ORVAS_WinHamming_32f_I, Orva32f)
+TZM_HAMMING(ORVAS_WinHamming_32fc, ORVAS_WinHamming_32fc_I, Orva32fc)
+TZM_HAMMING(ORVAS_WinHamming_64f, ORVAS_WinHamming_64f_I, Orva64f)
+TZM_HAMMING(ORVAS_WinHamming_64fc, ORVAS_WinHamming_64fc_I, Orva64fc)
+#undef TZM_HAMMING

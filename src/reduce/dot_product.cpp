@@ -183,7 +183,7 @@ double Dot16(const Orva16s* a, const Orva16s* b, size_t len) {
 // that did not run counts as 0, so an infinite factor makes it NaN, which is stored as 0.
 template <size_t kStep, class A, class B, class Steps>
 Orva32s ScaledDot(const A* a, const B* b, size_t len, double scale, Steps steps) {
-  const double factor = ScaleFactor(ScaleExponent(scale));
+  const double factor = ScaleFactor(scale);
   const size_t body = len - len % kStep;
   double sum = factor * (body != 0 ? steps(a, b, body) : 0.0);
   for (size_t i = body; i < len; ++i)

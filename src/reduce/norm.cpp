@@ -304,7 +304,7 @@ OrvaStatus GiveScaled(double value, double factor, T* norm) {
   return Give(TruncateSaturate<T>(value * factor), norm);
 }
 
-double Factor(double scale) { return ScaleFactor(ScaleExponent(scale)); }
+double Factor(double scale) { return ScaleFactor(scale); }
 
 }  // namespace
 

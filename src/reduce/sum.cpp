@@ -154,7 +154,7 @@ template <class Part, class Src, class Result>
 OrvaStatus ScaledSum(const Src* src, int32_t len, int32_t divisor, Result* result, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, result)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return Give(Scaled<Part>(IntegerSum(src, len), ScaleFactor(ScaleExponent(scale)), divisor), result);
+  return Give(Scaled<Part>(IntegerSum(src, len), ScaleFactor(scale), divisor), result);
 }
 
 // ---- Deviations ----
@@ -219,7 +219,7 @@ OrvaStatus ScaledMeanStdDev(const Orva16s* src, int32_t len, Result* mean, Resul
   if (OrvaStatus status = CheckPointers(src, mean, stdDev)) return status;
   if (len < 2) return ORVA_STS_SIZE_ERR;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  const double factor = ScaleFactor(ScaleExponent(scale));
+  const double factor = ScaleFactor(scale);
   const double center = static_cast<double>(IntegerSum(src, len)) / len;
   const double deviation = Deviation<8>(src, len, center);
   Give(RoundSaturate<Result>(center * factor), mean);

@@ -69,7 +69,7 @@ void Design(const State& state, double width, Orva32f rollf, Orva32f alpha, Orva
     // Between samples a narrow window of a large alpha leaves next to nothing of a small cut-off: in binary32 nothing,
     // if the phase's largest tap were not made about 1.
     const int32_t nearest = centre + (phase <= state.up / 2 ? phase : phase - state.up);
-    const double unit = ScaleFactor(ScaleExponent(at(nearest)));
+    const double unit = ScaleFactor(at(nearest));
     double sum = 0;
     for (int32_t n = phase; n < state.FilterLen(); n += state.up) {
       filter[n] = static_cast<Orva32f>(at(n) * unit);
