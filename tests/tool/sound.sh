@@ -74,7 +74,8 @@ tail -c 1600000 noise.wav |
   "$tzm" resample --raw --raw-rate 48000 --channels 2 --format float -r 16000 - raw.wav >/dev/null
 "$tzm" resample -r 16000 noise.wav same.wav >/dev/null
 cmp raw.wav same.wav || wrong 'headerless samples'
-tail -c 1600000 noise.wav | od -An -v -tx4 -w4 | xxd -r -p |
+/usr/bin/python3 -c 'import numpy, sys
+sys.stdout.buffer.write(numpy.fromfile("noise.wav", "<f4", offset=44).astype(">f4"))' |
   "$tzm" resample --raw --big-endian --raw-rate 48000 --channels 2 --format float -r 16000 - raw.wav >/dev/null
 cmp raw.wav same.wav || wrong 'samples with high bytes first'
 refuses 2 'needs --rate' stats --raw made.raw
