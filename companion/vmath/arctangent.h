@@ -78,10 +78,12 @@ struct Atan2_64 {
     n = hn::IfThenElse(bothInfinite, one, n);
     d = hn::IfThenElse(hn::Or(bothInfinite, bothZero), one, d);
     const V ratio = hn::Div(n, d);
-    const V scale = hn::IfThenElse(hn::Ge(d, C(kMost)), C(0x1p-600), hn::IfThenElse(hn::Lt(d, C(0x1p-300)), C(0x1p600), one));
+    const V up = hn::IfThenElse(hn::Lt(d, C(0x1p-300)), C(0x1p600), one);
+    const V scale = hn::IfThenElse(hn::Ge(d, C(kMost)), C(0x1p-600), up);
     const M small = hn::Lt(ratio, C(0x1p-60));
-    const V scaledN = hn::IfThenElse(small, zero, hn::Mul(n, scale)), scaledD = hn::IfThenElse(small, one, hn::Mul(d, scale));
-    Angle angle = ArctanOfRatio(scaledN, scaledD);
+    n = hn::IfThenElse(small, zero, hn::Mul(n, scale));
+    d = hn::IfThenElse(small, one, hn::Mul(d, scale));
+    Angle angle = ArctanOfRatio(n, d);
     angle.more = hn::IfThenElse(small, ratio, angle.more);
     const V result = FromOctant(y, x, steep, angle);
     return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(y)), C(kNaN), result);
@@ -92,6 +94,11 @@ struct Atan2_64 {
 
 // arctan x = 0, pi/4 or pi/2 and the arctangent of x, (x - 1)/(x + 1) or -1/x, which is below sqrt(2) - 1.
 constexpr double kTanOfPiBy8 = 0.41421356237309503;
+// The arctangent of q, |q| < sqrt(2) - 1.
+TZM_INLINE V SmallArctan(V q) {
+  const V q2 = hn::Mul(q, q);
+  return Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q);
+}
 constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
 struct Atan32 {
   TZM_INLINE V operator()(V x) const {
@@ -100,13 +107,12 @@ struct Atan32 {
     const V n = hn::IfThenElse(steep, C(-1), hn::IfThenElse(middle, hn::Sub(a, one), a));
     const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
     const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
-    const V q = hn::Div(n, d), q2 = hn::Mul(q, q);
-    const V y = hn::Add(base, Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q));
-    return hn::CopySign(Settled(kAtanMiddles, y), x);
+    return hn::CopySign(Settled(kAtanMiddles, hn::Add(base, SmallArctan(hn::Div(n, d)))), x);
   }
 };
 
-// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-50 in the first step.
+// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-49 in the first step
+// (make/arctangent.gappa).
 struct Atan2_32 {
   TZM_INLINE V operator()(V y, V x) const {
     const V ay = hn::Abs(y), ax = hn::Abs(x), zero = hn::Zero(D());
@@ -117,8 +123,7 @@ struct Atan2_32 {
     const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::IfThenElseZero(left, C(kPi[0])));
     const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
-    const V q2 = hn::Mul(q, q), arc = Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q);
-    const V angle = hn::Add(base, hn::Xor(arc, sign));
+    const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
     const M usual = hn::AndNot(IsOpenNormal(angle), hn::Gt(angle, C(0x1p-120)));
     if (Any(hn::Not(usual))) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
     return hn::CopySign(angle, y);

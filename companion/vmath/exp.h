@@ -33,7 +33,9 @@ inline __attribute__((noinline)) V ExpOfAny(V x, V rest) {
   const Exponential e = ExpParts(clamped, hn::IfThenElseZero(hn::Eq(clamped, x), rest));
   const I sixteenth = hn::Sub(e.k, BitsOf(C(kToInteger))), index = hn::And(sixteenth, SetBits(15));
   const I exponent = hn::ShiftLeft<48>(hn::Sub(sixteenth, index));  // where a binary64 number has it
-  const auto scale = [&](int bias) TZM_LAMBDA { return OfBits(hn::Add(exponent, SetBits(uint64_t(1023 + bias) << 52))); };
+  const auto scale = [&](int bias) TZM_LAMBDA {
+    return OfBits(hn::Add(exponent, SetBits(uint64_t(1023 + bias) << 52)));
+  };
   const V root = OfBits(hn::Add(BitsOf(e.root), hn::ShiftLeft<48>(index)));
   const V large = hn::Mul(hn::Mul(Fma(root, e.p, root), scale(-512)), C(0x1p512));
   const V units = hn::Mul(root, scale(1074));  // of the least number above 0
@@ -54,7 +56,7 @@ struct Exp64 {
   }
 };
 
-// Correctly rounded to binary32, of numbers of that type: f in sixteenths of ln 2, its product with 16/ln 2 in two parts.
+// Correctly rounded to binary32, of numbers of that type: f in sixteenths of ln 2, from 16/ln 2 in two parts.
 struct Exp32 {
   TZM_INLINE V operator()(V x) const {
     x = MinOrSecond(C(90), MaxOrSecond(C(-110), x));  // beyond, results are infinite or zero

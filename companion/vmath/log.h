@@ -52,7 +52,8 @@ struct Log64 {
     const LogArgument a = SplitForLog(x);
     const V k = hn::Sub(a.k, shift);
     const auto [inverse, log] = Lookup<Base::kTable>(a.index).number;
-    const V product = hn::Mul(a.fraction, inverse), r = hn::Sub(product, C(1)), rRest = Fms(a.fraction, inverse, product);
+    const V product = hn::Mul(a.fraction, inverse), r = hn::Sub(product, C(1));
+    const V rRest = Fms(a.fraction, inverse, product);
     const V exact = Fma(k, C(Base::kOf2[0]), log), r2 = hn::Mul(r, r);
     if constexpr (std::is_same_v<Base, Natural>) {
       const Sum sum = FastTwoSum(exact, r);

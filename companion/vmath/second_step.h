@@ -1,4 +1,4 @@
-// The second step of binary32 functions of two arguments: where the first one's result, good to 2^-45 of it, leaves
+// The second step of binary32 functions of two arguments: where the first one's result, taken to 2^-45 of it, leaves
 // open on which side of the middle m between two binary32 numbers the truth lies, lane by lane in sums of two
 // binary64 numbers, to 2^-95 or better.
 #pragma once
@@ -28,7 +28,8 @@ inline Double operator*(Double a, double b) {
 }
 inline Double operator*(Double a, Double b) {
   const double product = a.high * b.high;
-  return Normalised(product, __builtin_fma(a.low, b.high, __builtin_fma(a.high, b.low, __builtin_fma(a.high, b.high, -product))));
+  const double lost = __builtin_fma(a.high, b.high, -product);
+  return Normalised(product, __builtin_fma(a.low, b.high, __builtin_fma(a.high, b.low, lost)));
 }
 inline Double operator/(Double a, double b) {
   const double quotient = a.high / b;

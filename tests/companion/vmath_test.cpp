@@ -48,7 +48,8 @@ std::vector<Function<T>> Functions() {
           UNARY(exp, std::exp(x), -80, 80), UNARY(exp, std::exp(x), -745.2, -707), UNARY(exp, std::exp(x), 709, 709.8),
           UNARY(ln, std::log(x), 0, 10), UNARY(ln, std::log(x), 0.95, 1.05), UNARY(log10, std::log10(x), 0, 1e9),
           UNARY(log10, std::log10(x), 0.95, 1.05), BINARY(atan2, Angle(x, y), -10, 10),
-          BINARY(pow, std::pow(x, y), 0, 20), BINARY(pow, std::pow(x, y), 26, 27.2), BINARY(pow, std::pow(x, y), 142, 144)};
+          BINARY(pow, std::pow(x, y), 0, 20), BINARY(pow, std::pow(x, y), 26, 27.2),
+          BINARY(pow, std::pow(x, y), 142, 144)};
 }
 
 template <class T>
@@ -87,7 +88,8 @@ TYPED_TEST(Vmath, Accuracy) {
       for (auto* argument : {&a, &b}) argument->push_back(T(f.low + (f.high - f.low) * random.Unit()));
     Check(f, a, b);
     for (T& x : a) x = 1 + T(random.Unit());  // powers down to below the least number above 0
-    for (size_t i = 0; i < b.size(); ++i) b[i] = T(Limits::min_exponent - Limits::digits * random.Unit()) / std::log2(a[i]);
+    for (size_t i = 0; i < b.size(); ++i)
+      b[i] = T(Limits::min_exponent - Limits::digits * random.Unit()) / std::log2(a[i]);
     if (f.name == std::string("pow")) Check(f, a, b);
   }
 }

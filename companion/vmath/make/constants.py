@@ -85,7 +85,8 @@ POLYNOMIALS = [
     ("kSinPoly32", "sin(sqrt(x))/sqrt(x) - 1", 1, 8, "[1b-30, (pi/2)^2*1.00001]", "sin x = x + x^3 p(x^2), |x| < pi/2"),
     ("kSinPoly", "sin(sqrt(x))/sqrt(x) - 1 + x*{sixth}", 1, 7, "[1b-30, (pi/4)^2*1.00001]",
      "sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x"),
-    ("kCosPoly", "cos(sqrt(x)) - 1 + x/2", 1, 7, "[1b-30, (pi/4)^2*1.00001]", "cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4"),
+    ("kCosPoly", "cos(sqrt(x)) - 1 + x/2", 1, 7, "[1b-30, (pi/4)^2*1.00001]",
+     "cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4"),
     ("kAtanPoly32", "atan(sqrt(x))/sqrt(x) - 1", 1, 11, "[1b-30, (sqrt(2) - 1)^2*1.0001]",
      "arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x"),
     ("kAtanPoly", "atan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, {atan_most}^2]",
@@ -114,8 +115,8 @@ for i from {first} to {last} do {{ print(coeff(p, i)); }};
 
 
 def log_table(unit, fraction_bits):
-    """Sixteen intervals of [kLogStart, 2 kLogStart): 1/c of 30 bits, and log c, so near to so many fraction bits that the
-    rest does not count beside binary64's last bit; for the one around 1, 1/c = 1. The rest stands behind."""
+    """Sixteen intervals of [kLogStart, 2 kLogStart): 1/c of 30 bits, and log c, so near to so many fraction bits
+    that the rest does not count beside binary64's last bit; for the one around 1, 1/c = 1. The rest stands behind."""
     inverse, logs, rests = [], [], []
     for i in range(16):
         low, high = value(LOG_START + (i << 48)), value(LOG_START + ((i + 1) << 48))
@@ -181,7 +182,8 @@ table("kLogRest", [rests], "ln c, less its part in kLogTable")
 table("kLog10Table", list(log_table(10, 44)[:2]), "1/c and log10 c")
 for name, exact, fraction_bits in (("kLn2", LN2, 43), ("kLog10Of2", mp.log(2) / mp.log(10), 44)):
     high = rounded(exact, fraction_bits)
-    array("double", name, "[]", [float(high), float(exact - high)], f"its first {fraction_bits} fraction bits, so that k times it is exact, and the rest")
+    array("double", name, "[]", [float(high), float(exact - high)],
+          f"its first {fraction_bits} fraction bits, so that k times it is exact, and the rest")
 array("double", "kLn2InTwo", "[]", parts(LN2, 2), "ln 2, in parts")
 constant("kLog10E", log10e)
 array("double", "kThird", "[]", parts(mp.mpf(1) / 3, 2), "1/3, in parts")
