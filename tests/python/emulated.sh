@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# emulated.sh ROOT EMULATOR... -- SCRIPT ARGUMENT...: runs a Python script with the target's own Python and NumPy, which
+# are fetched as Debian packages and unpacked below ROOT: beside those of this machine they cannot be installed.
+# Exits 77 where they cannot be had.
+set -euo pipefail
+root=$1
+shift
+emulator=()
+while [ "$1" != -- ]; do emulator+=("$1"); shift; done
+shift
+packages=(python3.11-minimal python3-numpy python3-cffi-backend)
+if [ ! -e "$root/complete" ]; then
+  rm -rf "$root"
+  mkdir -p "$root"
+  (cd "$root" && apt-get -qq download "${packages[@]/%/:arm64}") || exit 77
+  for deb in "$root"/*.deb; do dpkg-deb --extract "$deb" "$root"; done
+  touch "$root/complete"
+fi
+export PYTHONHOME=/usr PYTHONPATH=$root/usr/lib/python3/dist-packages:${PYTHONPATH:-} PYTHONDONTWRITEBYTECODE=1
+exec "${emulator[@]}" -E LD_LIBRARY_PATH=/usr/lib/aarch64-linux-gnu "$root/usr/bin/python3.11" "$@"
