@@ -26,8 +26,8 @@ def chunk(kind, size, start):
 
 
 def made_up(kind, n, dtype):
-    return da.concatenate([da.from_delayed(dask.delayed(chunk)(kind, min(CHUNK, n - at), at), (min(CHUNK, n - at),), dtype)
-                           for at in range(0, n, CHUNK)])
+    parts = [(min(CHUNK, n - at), at) for at in range(0, n, CHUNK)]
+    return da.concatenate([da.from_delayed(dask.delayed(chunk)(kind, *part), part[:1], dtype) for part in parts])
 
 
 def main():
@@ -56,7 +56,8 @@ def main():
             density, *sums = dask.compute(*jobs)
         seconds = time.monotonic() - start
     peak = density[1:].argmax() + 1
-    print(f"\n{x.nbytes / 1e9:.1f} GB of sound: strongest at {peak * rate / 4096:.1f} Hz; columns {[s[0] for s in sums]}; "
+    print(f"\n{x.nbytes / 1e9:.1f} GB of sound: strongest at {peak * rate / 4096:.1f} Hz; "
+          f"columns {[total for total, _ in sums]}; "
           f"{seconds:.1f} s, bits of the peak {density[peak].tobytes().hex()}")
 
 

@@ -194,7 +194,8 @@ def extension(code, rows):
             else:
                 star = "" if a.pointer else "*"
                 values.append(f"{star}({'const ' if a.const or star else ''}{c_type(a)}*)p[{kept.index(a)}]")
-        functions += f"static OrvaStatus run_{row.name}(char** p, int32_t n) {{ return {row.name}({', '.join(values)}); }}\n"
+        functions += (f"static OrvaStatus run_{row.name}(char** p, int32_t n) {{\n"
+                      f"  return {row.name}({', '.join(values)});\n}}\n")
         marks = ", ".join("TZM_" + role.get(a.role, "VALUE") for a in kept)
         sizes = ", ".join(f"sizeof({c_type(a)})" for a in kept)
         table += f"  {{run_{row.name}, {{{marks}}}, {{{sizes}}}, {row.in_place:d}, {row.placed:d}}},\n"
@@ -333,7 +334,8 @@ def main(source, out):
     (out / "_families.pyi").write_text(
         f'"""{made}"""\nfrom typing import Any, Sequence, SupportsComplex, SupportsFloat, SupportsIndex\n\n'
         "from numpy.typing import ArrayLike, DTypeLike, NDArray\n\n"
-        "Value = SupportsIndex | SupportsFloat | SupportsComplex | tuple[int, int]\nOut = NDArray[Any] | Sequence[NDArray[Any]] | None\n"
+        "Value = SupportsIndex | SupportsFloat | SupportsComplex | tuple[int, int]\n"
+        "Out = NDArray[Any] | Sequence[NDArray[Any]] | None\n"
         f"__all__ = [{names}]\n\n" + stubs)
 
 

@@ -28,7 +28,8 @@ DTYPES = {"8u": np.dtype("u1"), "16u": np.dtype("u2"), "32u": np.dtype("u4"), "6
           "32fc": np.dtype("c8"), "64fc": np.dtype("c16"),
           "16sc": complex_int16, "32sc": complex_int32, "64sc": complex_int64, "Decimal128": decimal128}
 TYPES = {dtype: name for name, dtype in DTYPES.items()}
-_POINTERS = {name: ffi.typeof({"32u": "uint32_t", "64u": "uint64_t"}.get(name, "Orva" + name) + " *") for name in DTYPES}
+_POINTERS = {name: ffi.typeof({"32u": "uint32_t", "64u": "uint64_t"}.get(name, "Orva" + name) + " *")
+             for name in DTYPES}
 
 
 def dtype_name(dtype):
@@ -71,7 +72,7 @@ class DataError(Error, ArithmeticError):
 
 
 class DataWarning(RuntimeWarning):
-    """The work is done, and something in the data is worth knowing: a zero divisor, a logarithm of a negative number."""
+    """The work is done, and something in the data is worth knowing: a zero divisor, a negative number's logarithm."""
 
 
 _ERRORS = {3: DivisionByZero, 9: OutOfMemory, 202: SizeOverflow}
@@ -142,7 +143,8 @@ class Member:
         sources = self.places("source", "both")
         self.sources = sources[::-1] if family in ("div", "div_round") else sources
         self.outputs = sorted(self.places("dst", "both", "result"), key=lambda i: self.names[i] == "overflow")
-        self.masks, self.constants, self.scales = self.places("mask"), self.places("constant", "input"), self.places("scale")
+        self.masks, self.constants = self.places("mask"), self.places("constant", "input")
+        self.scales = self.places("scale")
         self.source_types = tuple(DTYPES[self.types[i]] for i in self.sources)
         self.output_types = tuple(DTYPES[self.types[i]] for i in self.outputs)
         self.twin = None  # the in-place member of the same types

@@ -52,7 +52,8 @@ class _File:
         self._handle = _library().sf_open(os.fsencode(path), mode, ctypes.byref(info))
         if not self._handle:
             reason = _library().sf_strerror(None).decode(errors="replace").rstrip(".\n ")
-            raise OSError(f"{os.fspath(path)}: {'no such file' if mode == _READ and not os.path.exists(path) else reason}")
+            missing = mode == _READ and not os.path.exists(path)
+            raise OSError(f"{os.fspath(path)}: {'no such file' if missing else reason}")
 
     def __enter__(self) -> _File:
         return self

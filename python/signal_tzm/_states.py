@@ -460,8 +460,8 @@ class VariableResampler(State):
                  dtype: DTypeLike = np.float32) -> None:
         self.window, self.n_step, self.dtype = window, n_step, np.dtype(dtype)
         self._kind = TYPES.get(self.dtype, str(self.dtype))
-        self._init("", _name("ResamplePolyphase", "Init", self._kind), _name("ResamplePolyphase", "Release", self._kind),
-                   window, n_step, rollf, alpha, hint)
+        self._init("", _name("ResamplePolyphase", "Init", self._kind),
+                   _name("ResamplePolyphase", "Release", self._kind), window, n_step, rollf, alpha, hint)
 
     def __call__(self, x: ArrayLike, factor: float, *, norm: float = 1, axis: int = -1) -> Array:
         src = _along(x, axis)

@@ -151,7 +151,7 @@ def agg_sum(x: Any, nulls: Any = None, *, size: int = 1 << 20) -> Any:
 
 def ordered_sum(x: Any, *, size: int = 1 << 20) -> Any:
     """The float64 sum of a row in the order of `tz.sum(x)`, delayed, to the bit: each chunk goes on from the two lanes
-    that the chunk before left. One chunk after the other, in whatever process: exact, and not faster for more workers."""
+    that the chunk before left. One chunk after the other, in whatever process: not faster for more workers."""
     if x.dtype != np.float64:
         raise TypeError(f"ordered_sum: float64 wanted, not {x.dtype}")
     lanes = None

@@ -43,7 +43,8 @@ class Results(unittest.TestCase):
                 (tz.agg_sum(np.array([2**62] * 2), dtype=tz.decimal128).sum, np.array((2**63, 0), tz.decimal128)[()],
                  tz.decimal128),
                 (tz.vector_jaehne(4, 3, dtype="u1"), [0, 1, 3, 0], np.uint8), (tz.tone(2, 2.0, 0.25), [2, 0], F8),
-                (tz.norm(ONE), 2, F4), (tz.norm(ONE, kind="inf"), 1, F4), (tz.norm(I, kind="l1", scale=1), 35767, np.int64),
+                (tz.norm(ONE), 2, F4), (tz.norm(ONE, kind="inf"), 1, F4),
+                (tz.norm(I, kind="l1", scale=1), 35767, np.int64),
                 (tz.powx(ONE, 3.0, kind=11), ONE, F4)):
             self.assertEqual(got.dtype, dtype)
             if expected is not None:
@@ -124,7 +125,6 @@ class Refusals(unittest.TestCase):
         (lambda: tz.exp(ONE, out=np.ones(8, F4)[::2]), ValueError, "not contiguous"),
         (lambda: tz.exp(ONE, out=LOCKED), ValueError, "read-only"),
         (lambda: tz.mul(A[0][:9], A[0][:9], out=A[0][4:13]), ValueError, "overlaps"),
-        (lambda: tz.convert(A.view(np.uint8)[:, :6].copy().view(I2), out=A.view(np.float16)[:, :3]), ValueError, "cont"),
         (lambda: tz.mul(I, 1.5, scale=1), TypeError, "no constant of type int16"),
         (lambda: tz.mul(I, 70000), OverflowError, "70000"),
         (lambda: tz.mul(A, "a"), TypeError, "no constant of type float32"),

@@ -1,5 +1,7 @@
 #!/usr/bin/python3
-"""Runs the python blocks of a page, one after the other; a text block behind one is what it must print.  page.py PAGE"""
+"""Runs the python blocks of a page, one after the other; a text block behind one is what it must print.
+
+page.py PAGE"""
 import contextlib
 import io
 import pathlib
@@ -7,7 +9,8 @@ import re
 import sys
 
 names, failed = {}, False
-blocks = re.findall(r"^```python\n(.*?)^```\n(?:\n*^```text\n(.*?)^```)?", pathlib.Path(sys.argv[1]).read_text(), re.M | re.S)
+page = pathlib.Path(sys.argv[1]).read_text()
+blocks = re.findall(r"^```python\n(.*?)^```\n(?:\n*^```text\n(.*?)^```)?", page, re.M | re.S)
 for code, expected in blocks:
     with contextlib.redirect_stdout(io.StringIO()) as said:
         exec(code, names)
