@@ -161,18 +161,18 @@ OrvaStatus Run(const Sample* src, int32_t srcLen, Sample* dst, int32_t dstLen, i
 
 }  // namespace
 
-#define AUTOCORRELATION(type)                                                                               \
-  OrvaStatus ORVAS_AutoCorrInit_##type(int32_t srcLen, int32_t dstLen, int32_t kind, CorrState** state) {   \
-    return Init<Orva##type>(srcLen, dstLen, kind, state);                                                   \
-  }                                                                                                         \
-  OrvaStatus ORVAS_AutoCorrNorm_##type(const Orva##type* src, int32_t srcLen, Orva##type* dst,              \
-                                       int32_t dstLen, int32_t normalisation, CorrState* state) {           \
-    return Run(src, srcLen, dst, dstLen, normalisation, state);                                             \
-  }                                                                                                         \
-  OrvaStatus ORVAS_CorrRelease_##type(CorrState* state) { return Release(StateOf<Orva##type>(state)); }
+#define TZM_AUTOCORRELATION(Init_, Norm, Release_, Sample)                                                             \
+  OrvaStatus Init_(int32_t srcLen, int32_t dstLen, int32_t kind, CorrState** state) {                                  \
+    return Init<Sample>(srcLen, dstLen, kind, state);                                                                  \
+  }                                                                                                                    \
+  OrvaStatus Norm(const Sample* src, int32_t srcLen, Sample* dst, int32_t dstLen, int32_t normalisation,               \
+                  CorrState* state) {                                                                                  \
+    return Run(src, srcLen, dst, dstLen, normalisation, state);                                                        \
+  }                                                                                                                    \
+  OrvaStatus Release_(CorrState* state) { return Release(StateOf<Sample>(state)); }
 
-AUTOCORRELATION(32f)
-AUTOCORRELATION(64f)
-AUTOCORRELATION(32fc)
-AUTOCORRELATION(64fc)
-#undef AUTOCORRELATION
+TZM_AUTOCORRELATION(ORVAS_AutoCorrInit_32f, ORVAS_AutoCorrNorm_32f, ORVAS_CorrRelease_32f, Orva32f)
+TZM_AUTOCORRELATION(ORVAS_AutoCorrInit_64f, ORVAS_AutoCorrNorm_64f, ORVAS_CorrRelease_64f, Orva64f)
+TZM_AUTOCORRELATION(ORVAS_AutoCorrInit_32fc, ORVAS_AutoCorrNorm_32fc, ORVAS_CorrRelease_32fc, Orva32fc)
+TZM_AUTOCORRELATION(ORVAS_AutoCorrInit_64fc, ORVAS_AutoCorrNorm_64fc, ORVAS_CorrRelease_64fc, Orva64fc)
+#undef TZM_AUTOCORRELATION

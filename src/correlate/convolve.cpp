@@ -306,9 +306,6 @@ OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** stat
   return ORVA_STS_NO_ERR;
 }
 
-inline void Multiply(const Orva32fc* a, Orva32fc* b, int32_t len) { ORVAS_Mul_32fc(a, b, b, len); }
-inline void Multiply(const Orva64fc* a, Orva64fc* b, int32_t len) { ORVAS_Mul_64fc(a, b, b, len); }
-
 template <class T>
 OrvaStatus Convolve(const T* src1, int32_t src1Len, const T* src2, int32_t src2Len, T* dst, ConvState* opaque) {
   if (OrvaStatus status = CheckPointers(src1, src2, dst, opaque)) return status;
@@ -322,7 +319,7 @@ OrvaStatus Convolve(const T* src1, int32_t src1Len, const T* src2, int32_t src2L
     if (!area.Has(3)) return ORVA_STS_NULL_PTR_ERR;
     area.Forward(src1, 0, src1Len, fftLen, 1);
     area.Forward(src2, 0, src2Len, fftLen, 2);
-    Multiply(area.Spectrum(1), area.Spectrum(2), area.Bins(fftLen));
+    Multiply(area.Spectrum(1), area.Spectrum(2), area.Spectrum(2), area.Bins(fftLen));
     area.Inverse(2, fftLen, dst, static_cast<int32_t>(count));
     return ORVA_STS_NO_ERR;
   }

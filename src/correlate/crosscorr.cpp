@@ -27,10 +27,12 @@ template <class Sample>
 void Direct(const Sample* src1, int64_t len1, const Sample* src2, int64_t len2, const LagRange& lags, Sample* dst) {
   const auto end = [=](int64_t lag) { return std::min(len2 - lag, len1); };  // of i
   const int64_t last = lags.first + lags.count, middle = std::clamp<int64_t>(0, lags.first, last);
-  SingleLags<-1, 0>(src1 - lags.first, src2, middle - lags.first, dst,
-                    [=](int64_t l) { return end(lags.first + l) + lags.first + l; });
-  SingleLags<0, 1>(src1, src2 + middle, last - middle, dst + (middle - lags.first),
-                   [=](int64_t l) { return end(middle + l); });
+  if (lags.first < middle)
+    SingleLags<-1, 0>(src1 - lags.first, src2, middle - lags.first, dst,
+                      [=](int64_t l) { return end(lags.first + l) + lags.first + l; });
+  if (middle < last)
+    SingleLags<0, 1>(src1, src2 + middle, last - middle, dst + (middle - lags.first),
+                     [=](int64_t l) { return end(middle + l); });
 }
 
 // ---- FFT route ----
@@ -128,19 +130,18 @@ OrvaStatus Run(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t 
 
 }  // namespace
 
-#define CROSS_CORRELATION(type)                                                                              \
-  OrvaStatus ORVAS_CrossCorrInit_##type(int32_t src1Len, int32_t src2Len, int32_t dstLen, int32_t lowLag,    \
-                                        int32_t kind, CorrState** state) {                                   \
-    return Init<Orva##type>(src1Len, src2Len, dstLen, lowLag, kind, state);                                  \
-  }                                                                                                          \
-  OrvaStatus ORVAS_CrossCorrNorm_##type(const Orva##type* src1, int32_t src1Len, const Orva##type* src2,     \
-                                        int32_t src2Len, Orva##type* dst, int32_t dstLen, int32_t lowLag,    \
-                                        int32_t normalisation, CorrState* state) {                           \
-    return Run(src1, src1Len, src2, src2Len, dst, dstLen, lowLag, normalisation, state);                     \
+#define TZM_CROSS_CORRELATION(Init_, Norm, Sample)                                                                     \
+  OrvaStatus Init_(int32_t src1Len, int32_t src2Len, int32_t dstLen, int32_t lowLag, int32_t kind,                     \
+                   CorrState** state) {                                                                                \
+    return Init<Sample>(src1Len, src2Len, dstLen, lowLag, kind, state);                                                \
+  }                                                                                                                    \
+  OrvaStatus Norm(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t src2Len, Sample* dst,               \
+                  int32_t dstLen, int32_t lowLag, int32_t normalisation, CorrState* state) {                           \
+    return Run(src1, src1Len, src2, src2Len, dst, dstLen, lowLag, normalisation, state);                               \
   }
 
-CROSS_CORRELATION(32f)
-CROSS_CORRELATION(64f)
-CROSS_CORRELATION(32fc)
-CROSS_CORRELATION(64fc)
-#undef CROSS_CORRELATION
+TZM_CROSS_CORRELATION(ORVAS_CrossCorrInit_32f, ORVAS_CrossCorrNorm_32f, Orva32f)
+TZM_CROSS_CORRELATION(ORVAS_CrossCorrInit_64f, ORVAS_CrossCorrNorm_64f, Orva64f)
+TZM_CROSS_CORRELATION(ORVAS_CrossCorrInit_32fc, ORVAS_CrossCorrNorm_32fc, Orva32fc)
+TZM_CROSS_CORRELATION(ORVAS_CrossCorrInit_64fc, ORVAS_CrossCorrNorm_64fc, Orva64fc)
+#undef TZM_CROSS_CORRELATION

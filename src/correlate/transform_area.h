@@ -1,10 +1,8 @@
 // The FFT route of convolution and correlation: its transform length, its buffers and its two plans.
 #pragma once
 
-#include <signal_tzm/arith.h>
-
 #include "frame/call.h"
-#include "frame/core.h"
+#include "frame/calls.h"
 #include "frame/fft.h"
 
 #include <algorithm>
@@ -18,12 +16,6 @@ inline int64_t TransformLength(int64_t count) {
   return count == 1 ? 1 : static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(std::max<int64_t>(count, 2))));
 }
 
-inline void Divide(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {
-  ORVAS_DivC_32f(src, value, dst, len);
-}
-inline void Divide(const Orva64f* src, Orva64f value, Orva64f* dst, int32_t len) {
-  ORVAS_DivC_64f(src, value, dst, len);
-}
 // src[i] / value for both parts of `len` samples, which may be more reals than one call takes.
 template <class Sample>
 void DivideParts(const Sample* src, int32_t value, Sample* dst, int32_t len) {

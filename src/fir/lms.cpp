@@ -1,10 +1,10 @@
 // LMS adaptive FIR filter: every sample gives one output, then moves the taps along the error.
-#include <signal_tzm/companion.h>
 #include <signal_tzm/fir.h>
 
 #include "frame/call.h"
+#include "frame/calls.h"
 #include "frame/scale.h"
-#include "frame/vector.h"
+#include "frame/sum.h"
 
 using namespace tzm;
 
@@ -27,16 +27,12 @@ template <>
 struct Kind<Orva32f> {
   static constexpr uint32_t kIdentity = 0x14CD78FA;
   static constexpr int32_t kBytesPerTap = 16;
-  static constexpr auto Copy = ORVAS_Copy_32f;
-  static constexpr auto Move = ORVAS_Move_32f;
   static Orva32f Output(float y) { return y; }
 };
 template <>
 struct Kind<Orva16s> {
   static constexpr uint32_t kIdentity = 0x14CD78FB;
   static constexpr int32_t kBytesPerTap = 10;
-  static constexpr auto Copy = ORVAS_Copy_16s;
-  static constexpr auto Move = ORVAS_Move_16s;
   // Rounded as a 32-bit integer and stored in 16 bits: beyond their range it deliberately wraps.
   static Orva16s Output(float y) { return static_cast<Orva16s>(RoundSaturate<int32_t>(y)); }
 };
@@ -57,8 +53,8 @@ OrvaStatus CheckState(const FIRLMSState* state) {
 template <class Sample>
 void SetLine(FIRLMSState* state, const Sample* line, int32_t index) {
   state->index = Reduce(index, state->tapsLen);
-  Kind<Sample>::Copy(line, Line<Sample>(state), state->tapsLen);
-  Kind<Sample>::Copy(line, Line<Sample>(state) + state->tapsLen, state->tapsLen);
+  Copy(line, Line<Sample>(state), state->tapsLen);
+  Copy(line, Line<Sample>(state) + state->tapsLen, state->tapsLen);
 }
 
 template <class Sample>
@@ -73,53 +69,46 @@ OrvaStatus Init(FIRLMSState** result, const Orva32f* taps, int32_t tapsLen, cons
   ORVAS_Zero_8u(area, room);
   *state = {Kind<Sample>::kIdentity, reinterpret_cast<Orva32f*>(area), area + 4 * static_cast<size_t>(tapsLen),
             Reduce(index, tapsLen), tapsLen};
-  if (taps != nullptr) ORVAS_Flip_32f(taps, state->taps, tapsLen);
+  if (taps != nullptr) Flip(taps, state->taps, tapsLen);
   if (line != nullptr) SetLine(state, line, index);
   *result = state;
   return ORVA_STS_NO_ERR;
 }
 
 // Eight lanes as two accumulators of four; these are added, then folded neighbours first.
-using Lanes = LaneArray<float, 8>;
-
-template <class Sample>
-TZM_INLINE Lanes LoadLanes(const Sample* from) {
-  if constexpr (std::is_same_v<Sample, Orva32f>) return Lanes::Load(from);
-  else return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadAsFloat(Lanes::D(), from + r * Lanes::kWidth); });
-}
+using Order = OrderedSum<LaneArray<float, 8>, 8, HalvesThenNeighbours>;
+using Lanes = Order::Lanes;
 
 // Moves the taps by `error` along `window` and gives the output of the window one sample later, in one
 // pass over the taps.
 template <class Sample>
 TZM_INLINE float MoveAndSum(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
-  const size_t body = tapsLen - tapsLen % 8;
   const Lanes by = Lanes::Set(error);
-  Lanes sum = Lanes::Set(0);
-  for (size_t j = 0; j < body; j += 8) {
-    const Lanes moved = MulAdd(by, LoadLanes(window + j), Lanes::Load(taps + j));
-    moved.Store(taps + j);
-    sum = MulAdd(moved, LoadLanes(window + j + 1), sum);
-  }
-  float y = sum.Halved().FoldPairs();
-  for (size_t j = body; j < tapsLen; ++j) {
-    taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
-    y = Fma(taps[j], float(LoadElement(window + j + 1)), y);
-  }
-  return y;
+  return Order::Of(
+      tapsLen,
+      [=](size_t j, Lanes& sum) TZM_LAMBDA {
+        const Lanes moved = MulAdd(by, LoadLanes<Lanes>(window + j), Lanes::Load(taps + j));
+        moved.Store(taps + j);
+        sum = MulAdd(moved, LoadLanes<Lanes>(window + j + 1), sum);
+      },
+      [=](size_t j, float& y) TZM_LAMBDA {
+        taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
+        y = Fma(taps[j], float(LoadElement(window + j + 1)), y);
+      });
 }
 
 // The same without a move first, and without an output after it.
 template <class Sample>
 float Sum(const Orva32f* taps, size_t tapsLen, const Sample* window) {
-  const size_t body = tapsLen - tapsLen % 8;
-  Lanes sum = Lanes::Set(0);
-  for (size_t j = 0; j < body; j += 8) sum = MulAdd(Lanes::Load(taps + j), LoadLanes(window + j), sum);
-  float y = sum.Halved().FoldPairs();
-  for (size_t j = body; j < tapsLen; ++j) y = Fma(taps[j], float(LoadElement(window + j)), y);
-  return y;
+  return Order::Of(
+      tapsLen,
+      [=](size_t j, Lanes& sum) TZM_LAMBDA {
+        sum = MulAdd(Lanes::Load(taps + j), LoadLanes<Lanes>(window + j), sum);
+      },
+      [=](size_t j, float& y) TZM_LAMBDA { y = Fma(taps[j], float(LoadElement(window + j)), y); });
 }
 template <class Sample>
-void Move(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
+void MoveTaps(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
   for (size_t j = 0; j < tapsLen; ++j) taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
 }
 
@@ -131,7 +120,7 @@ void Adapt(Orva32f* taps, size_t tapsLen, const Sample* window, const Sample* re
     const float error = (static_cast<float>(LoadElement(ref + n)) - y) * step;
     StoreElement(Kind<Sample>::Output(y), dst + n);
     if (n < len - 1) y = MoveAndSum(taps, tapsLen, window, error);
-    else Move(taps, tapsLen, window, error);
+    else MoveTaps(taps, tapsLen, window, error);
   }
 }
 
@@ -139,15 +128,14 @@ template <class Sample>
 OrvaStatus Run(FIRLMSState* state, const Sample* src, const Sample* ref, Sample* dst, int32_t len, Orva32f mu) {
   if (OrvaStatus status = CheckArrays(len, state, src, ref, dst)) return status;
   if (OrvaStatus status = CheckState<Sample>(state)) return status;
-  using K = Kind<Sample>;
   const int32_t tapsLen = state->tapsLen, first = len < tapsLen ? len : tapsLen;
   Sample* const line = Line<Sample>(state);
   const float step = 2 * mu;
   // The first windows reach back into the line, the others lie in the source as they are.
-  K::Copy(src, line + state->index + tapsLen, first);
+  Copy(src, line + state->index + tapsLen, first);
   Adapt(state->taps, tapsLen, line + state->index + 1, ref, dst, first, step);
   if (len > tapsLen) Adapt(state->taps, tapsLen, src + 1, ref + tapsLen, dst + tapsLen, len - tapsLen, step);
-  K::Move(len > tapsLen ? src + (len - tapsLen) : line + state->index + len, line, tapsLen);
+  Move(len > tapsLen ? src + (len - tapsLen) : line + state->index + len, line, tapsLen);
   state->index = 0;
   return ORVA_STS_NO_ERR;
 }
@@ -156,7 +144,7 @@ template <class Sample>
 OrvaStatus GetTaps(const FIRLMSState* state, Orva32f* taps) {
   if (OrvaStatus status = CheckPointers(state, taps)) return status;
   if (OrvaStatus status = CheckState<Sample>(state)) return status;
-  ORVAS_Flip_32f(state->taps, taps, state->tapsLen);
+  Flip(state->taps, taps, state->tapsLen);
   return ORVA_STS_NO_ERR;
 }
 
@@ -165,7 +153,7 @@ OrvaStatus GetDlyLine(const FIRLMSState* state, Sample* line, int32_t* index) {
   if (OrvaStatus status = CheckPointers(state, line, index)) return status;
   if (OrvaStatus status = CheckState<Sample>(state)) return status;
   StoreElement(state->index, index);
-  Kind<Sample>::Copy(Line<Sample>(state), line, state->tapsLen);
+  Copy(Line<Sample>(state), line, state->tapsLen);
   return ORVA_STS_NO_ERR;
 }
 

@@ -1,17 +1,11 @@
-// What the streaming filters share: copies by sample type, and the delay line that a run hands on.
+// What the streaming filters share: the delay line that a run begins with and hands on.
 #pragma once
 
-#include "frame/core.h"
+#include "frame/calls.h"
 
 namespace tzm {
 
 constexpr int64_t RoundUp16(int64_t bytes) { return (bytes + 15) / 16 * 16; }
-
-// Converting copies.
-inline void Copy(const Orva16s* src, Orva32f* dst, int32_t len) { ORVAS_Convert_16s32f(src, dst, len); }
-inline void Copy(const Orva16sc* src, Orva32fc* dst, int32_t len) {
-  ORVAS_Convert_16s32f(Parts(src), Parts(dst), 2 * len);
-}
 
 // The first `len` samples of a line: those of the caller's delay line, or zeros. May convert.
 template <class Sample, class Element>
@@ -34,8 +28,8 @@ void HandOn(const Sample* delaySrc, const Sample* src, int32_t len, Sample* dela
     Zero(delayDst, old);
   } else {
     static_assert(sizeof(Sample) % sizeof(Orva16s) == 0);
-    ORVAS_Move_16s(reinterpret_cast<const Orva16s*>(delaySrc + len), reinterpret_cast<Orva16s*>(delayDst),
-                   old * static_cast<int32_t>(sizeof(Sample) / sizeof(Orva16s)));
+    Move(reinterpret_cast<const Orva16s*>(delaySrc + len), reinterpret_cast<Orva16s*>(delayDst),
+         old * static_cast<int32_t>(sizeof(Sample) / sizeof(Orva16s)));
   }
   Copy(src, delayDst + old, len);
 }

@@ -1,7 +1,5 @@
 // Single-rate FIR filter: y[n] = sum over i of h[i] * x[n-i], directly or by fast convolution.
-#include <signal_tzm/arith.h>
 #include <signal_tzm/fir.h>
-#include <signal_tzm/reduce.h>
 
 #include "fir/samples.h"
 #include "frame/call.h"
@@ -156,27 +154,17 @@ TZM_INLINE Orva16s RoundBySign(float v) {
   return RoundSaturate<Orva16s>(hn::GetLane(NanBySign(hn::Set(one, v))));
 }
 
-TZM_INLINE void DotProduct(const Orva32f* taps, const Orva32f* line, int32_t len, Orva32f* dst) {
-  ORVAS_DotProd_32f(taps, line, len, dst);
+// One output.
+template <class Tap, class Sample>
+TZM_INLINE void TailOutput(const Tap* taps, const Sample* line, int32_t len, Sample* dst) {
+  DotProduct(taps, line, len, dst);
 }
-TZM_INLINE void DotProduct(const Orva64f* taps, const Orva64f* line, int32_t len, Orva64f* dst) {
-  ORVAS_DotProd_64f(taps, line, len, dst);
-}
-TZM_INLINE void DotProduct(const Orva32fc* taps, const Orva32fc* line, int32_t len, Orva32fc* dst) {
-  ORVAS_DotProd_32fc(taps, line, len, dst);
-}
-TZM_INLINE void DotProduct(const Orva64fc* taps, const Orva64fc* line, int32_t len, Orva64fc* dst) {
-  ORVAS_DotProd_64fc(taps, line, len, dst);
-}
-TZM_INLINE void DotProduct(const Orva32f* taps, const Orva32fc* line, int32_t len, Orva32fc* dst) {
-  ORVAS_DotProd_32f32fc(taps, line, len, dst);
-}
-TZM_INLINE void DotProduct(const Orva32f* taps, const Orva16s* line, int32_t len, Orva16s* dst) {
+TZM_INLINE void TailOutput(const Orva32f* taps, const Orva16s* line, int32_t len, Orva16s* dst) {
   float sum = 0;
   for (int32_t j = 0; j < len; ++j) sum = SignedFma(taps[j], LoadElement(line + j), sum);
   StoreElement(RoundBySign(sum), dst);
 }
-TZM_INLINE void DotProduct(const Orva32fc* taps, const Orva16sc* line, int32_t len, Orva16sc* dst) {
+TZM_INLINE void TailOutput(const Orva32fc* taps, const Orva16sc* line, int32_t len, Orva16sc* dst) {
   Orva32fc sum = {0, 0};
   for (int32_t j = 0; j < len; ++j) {
     const Orva16sc sample = LoadElement(line + j);
@@ -222,7 +210,7 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
     Orva32f* const im = re + used;
     auto* const narrowRe = reinterpret_cast<Orva16s*>(im + used);
     Orva16s* const narrowIm = narrowRe + used;
-    ORVAS_CplxToReal_16sc(line, narrowRe, narrowIm, used);
+    Split(line, narrowRe, narrowIm, used);
     Copy(narrowRe, re, used);
     Copy(narrowIm, im, used);
     ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
@@ -233,36 +221,29 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
   } else {
     auto* const re = reinterpret_cast<PartOf<Sample>*>(behind);
     PartOf<Sample>* const im = re + used;
-    if constexpr (sizeof(Sample) == 8) ORVAS_CplxToReal_32fc(line, re, im, used);
-    else ORVAS_CplxToReal_64fc(line, re, im, used);
+    Split(line, re, im, used);
     ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       hn::StoreInterleaved2(sumRe, sumIm, d, out + 2 * n);
     });
   }
-  for (int32_t n = body; n < len; ++n) DotProduct(taps, line + n, state.tapsLen, dst + n);
+  for (int32_t n = body; n < len; ++n) TailOutput(taps, line + n, state.tapsLen, dst + n);
   if (delayDst != nullptr) Copy(line + len, delayDst, kept);
 }
 
 // ---- FFT route ----
 
-TZM_INLINE void Multiply(const Orva32fc* by, Orva32fc* srcDst, int32_t len) { ORVAS_Mul_32fc_I(by, srcDst, len); }
-TZM_INLINE void Multiply(const Orva64fc* by, Orva64fc* srcDst, int32_t len) { ORVAS_Mul_64fc_I(by, srcDst, len); }
-TZM_INLINE void Conjugate(Orva32fc* srcDst, int32_t len) { ORVAS_Conj_32fc_I(srcDst, len); }
-TZM_INLINE void Conjugate(Orva64fc* srcDst, int32_t len) { ORVAS_Conj_64fc_I(srcDst, len); }
-
 // What the inverse transform gave, divided by its points, to the outputs.
-TZM_INLINE void Divide(Orva32f* line, Orva32f points, Orva32f* dst, int32_t len) {
-  ORVAS_DivC_32f(line, points, dst, len);
-}
-TZM_INLINE void Divide(Orva64f* line, Orva64f points, Orva64f* dst, int32_t len) {
-  ORVAS_DivC_64f(line, points, dst, len);
-}
-TZM_INLINE void Divide(Orva32f* line, Orva32f points, Orva16s* dst, int32_t len) {
-  ORVAS_DivC_32f_I(points, line, len);
-  const Full<Orva32f> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* from, Orva16s* to) TZM_LAMBDA {
-    StoreRounded(NanBySign(hn::LoadU(d, from)), to);
-  }, static_cast<const Orva32f*>(line), dst);
+template <class Real, class Result>
+TZM_INLINE void DivideTo(Real* line, Real points, Result* dst, int32_t len) {
+  if constexpr (std::is_same_v<Real, Result>) {
+    Divide(line, points, dst, len);
+  } else {
+    Divide(line, points, line, len);
+    const Full<Real> d;
+    ForEach<hn::MaxLanes(d)>(len, [=](const Real* from, Result* to) TZM_LAMBDA {
+      StoreRounded(NanBySign(hn::LoadU(d, from)), to);
+    }, static_cast<const Real*>(line), dst);
+  }
 }
 
 // Overlap-save with the spectrum of the reversed taps, so prepared that multiplying another spectrum by it
@@ -302,21 +283,21 @@ struct Overlap {
     Zero(line, points);
     if constexpr (std::is_same_v<Tap, Wide>) {
       Copy(taps, line, tapsLen);
-      if constexpr (kComplex) Conjugate(line, tapsLen);
+      if constexpr (kComplex) Conjugate(line, line, tapsLen);
     } else {
       for (int32_t j = 0; j < tapsLen; ++j) line[j].re = taps[j];
     }
     Forward(spectrum);
-    Conjugate(spectrum, bins);
+    Conjugate(spectrum, spectrum, bins);
   }
 
   // Outputs from the line's `points` samples, which begin T-1 before the first of them.
   template <class Sample>
   void Filter(Sample* dst, int32_t count) const {
     Forward(block);
-    Multiply(spectrum, block, bins);
+    Multiply(spectrum, block, block, bins);
     Inverse();
-    Divide(Reals(line), static_cast<Real>(points), Reals(dst), kParts<Sample> * count);
+    DivideTo(Reals(line), static_cast<Real>(points), Reals(dst), kParts<Sample> * count);
   }
 };
 
@@ -356,11 +337,6 @@ OrvaStatus Release(FIRSRState* state) {
   ORVAS_Free(state);
   return ORVA_STS_NO_ERR;
 }
-
-void Flip(const Orva32f* src, void* dst, int32_t len) { ORVAS_Flip_32f(src, static_cast<Orva32f*>(dst), len); }
-void Flip(const Orva64f* src, void* dst, int32_t len) { ORVAS_Flip_64f(src, static_cast<Orva64f*>(dst), len); }
-void Flip(const Orva32fc* src, void* dst, int32_t len) { ORVAS_Flip_32fc(src, static_cast<Orva32fc*>(dst), len); }
-void Flip(const Orva64fc* src, void* dst, int32_t len) { ORVAS_Flip_64fc(src, static_cast<Orva64fc*>(dst), len); }
 
 // Bytes of the direct route's line for T + maxLen = `samples`.
 template <class Tap>
@@ -414,7 +390,7 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, 
   state->route = kind;
   state->taps = block + RoundUp16(sizeof(FIRSRState));
   state->work = work;
-  Flip(taps, state->taps, tapsLen);
+  Flip(taps, static_cast<Tap*>(state->taps), tapsLen);
   if (kind == ORVA_ROUTE_FFT) {
     state->fftLen = static_cast<int32_t>(points);
     state->spectrum = block + spectrumAt;

@@ -3,7 +3,7 @@
 #include <signal_tzm/generate.h>
 
 #include "frame/call.h"
-#include "frame/core.h"
+#include "frame/calls.h"
 #include "frame/drive.h"
 
 #include <cmath>

@@ -2,7 +2,7 @@
 // its index and the one at the mirror; the middle sample of an odd length is copied.
 #pragma once
 
-#include "frame/core.h"
+#include "frame/calls.h"
 #include "frame/scale.h"
 #include "frame/vector.h"
 

@@ -3,7 +3,7 @@
 #include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
-#include "frame/vector.h"
+#include "frame/sum.h"
 
 using namespace tzm;
 
@@ -33,32 +33,28 @@ template <class T, class Add>
 TZM_INLINE void ForEachRegister(const T* src, const Orva8u* nulls, size_t len, Add add) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  size_t i = 0;
   if (nulls == nullptr) {
-    for (; len - i >= kLanes; i += kLanes) add(hn::LoadU(d, src + i));
+    ForSteps<kLanes>(len, [&](const T* from) TZM_LAMBDA { add(hn::LoadU(d, from)); }, [] {}, src);
   } else {
-    for (; len - i >= kLanes; i += kLanes) add(hn::And(hn::LoadU(d, src + i), Present(d, nulls + i)));
+    ForSteps<kLanes>(
+        len, [&](const T* from, const Orva8u* mask) TZM_LAMBDA { add(hn::And(hn::LoadU(d, from), Present(d, mask))); },
+        [] {}, src, nulls);
   }
-  if (i == len) return;
-  T rest[kLanes] = {};
-  for (size_t k = i; k < len; ++k)
-    if (nulls == nullptr || nulls[k] == 0) rest[k - i] = LoadElement(src + k);
-  add(hn::LoadU(d, rest));
 }
 
 uint64_t CountPresent(const Orva8u* nulls, size_t len) {
   if (nulls == nullptr) return len;
   const Full<uint8_t> d;
   const hn::Repartition<uint64_t, decltype(d)> d64;
-  auto counts = hn::Zero(d64);
-  size_t i = 0;
-  for (; len - i >= hn::Lanes(d); i += hn::Lanes(d)) {
-    const auto present = hn::VecFromMask(d, hn::Eq(hn::LoadU(d, nulls + i), hn::Zero(d)));
-    counts = hn::Add(counts, hn::SumsOf8(hn::And(present, hn::Set(d, 1))));
-  }
-  uint64_t count = hn::GetLane(hn::SumOfLanes(d64, counts));
-  for (; i < len; ++i) count += nulls[i] == 0;
-  return count;
+  auto counts = hn::Zero(d64);  // of nulls
+  ForRegisters(
+      len,
+      [&](auto bytes) TZM_LAMBDA {
+        const auto present = hn::VecFromMask(d, hn::Eq(bytes, hn::Zero(d)));
+        counts = hn::Add(counts, hn::SumsOf8(hn::AndNot(present, hn::Set(d, 1))));
+      },
+      [] {}, nulls);
+  return len - hn::GetLane(hn::SumOfLanes(d64, counts));
 }
 
 // ---- Sums that cannot overflow: no legal length of 16- or 32-bit rows fills 64 bits ----
@@ -189,19 +185,19 @@ void AddRows(const OrvaDecimal128* src, const Orva8u* nulls, size_t len, Decimal
     hn::LoadInterleaved2(d, reinterpret_cast<const uint64_t*>(from), lo, hi);
     add(present(lo), present(hi));
   };
-  size_t i = 0;
   if (nulls == nullptr) {
-    for (; len - i >= kLanes; i += kLanes) addFrom(src + i, [](auto v) TZM_LAMBDA { return v; });
+    ForSteps<kLanes>(
+        len, [&](const OrvaDecimal128* from) TZM_LAMBDA { addFrom(from, [](auto v) TZM_LAMBDA { return v; }); }, [] {},
+        src);
   } else {
-    for (; len - i >= kLanes; i += kLanes) {
-      const auto present = hn::BitCast(d, Present(di, nulls + i));
-      addFrom(src + i, [=](auto v) TZM_LAMBDA { return hn::And(v, present); });
-    }
+    ForSteps<kLanes>(
+        len,
+        [&](const OrvaDecimal128* from, const Orva8u* mask) TZM_LAMBDA {
+          const auto present = hn::BitCast(d, Present(di, mask));
+          addFrom(from, [=](auto v) TZM_LAMBDA { return hn::And(v, present); });
+        },
+        [] {}, src, nulls);
   }
-  OrvaDecimal128 rest[kLanes] = {};
-  for (size_t k = i; k < len; ++k)
-    if (nulls == nullptr || nulls[k] == 0) rest[k - i] = LoadElement(src + k);
-  addFrom(rest, [](auto v) TZM_LAMBDA { return v; });
 
   uint64_t lane[kLanes], magnitude = 0;
   hn::StoreU(bits, d, lane);
@@ -213,7 +209,7 @@ void AddRows(const OrvaDecimal128* src, const Orva8u* nulls, size_t len, Decimal
     total.sum += static_cast<Int128>((sum(high) << 64) + (sum(middle) << 32) + sum(low) + sum(negative));
     return;
   }
-  for (i = 0; i < len && !total.overflow; ++i) {
+  for (size_t i = 0; i < len && !total.overflow; ++i) {
     const Int128 value = Value(LoadElement(src + i), nulls == nullptr || nulls[i] == 0);
     total.overflow = __builtin_add_overflow(total.sum, value, &total.sum);
   }

@@ -4,9 +4,8 @@
 #include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
-#include "frame/drive.h"
-#include "frame/result.h"
 #include "frame/scale.h"
+#include "frame/sum.h"
 
 using namespace tzm;
 
@@ -67,6 +66,10 @@ auto Of(const T* src1, const T* src2) {
   return Differences<decltype(Of(src1))>{Of(src1), Of(src2)};
 }
 
+// The order of a sum of norms: kStep elements a step, kLanes lanes.
+template <class Sum, size_t kLanes, size_t kStep = kLanes, class Fold = NeighboursFirst<>>
+using InLanes = OrderedSum<LaneArray<Sum, kLanes>, kStep, Fold>;
+
 // Real part squared onto the rounded square of the imaginary part.
 template <class X>
 TZM_INLINE auto SquaredMagnitude(const X& x, size_t i) {
@@ -74,29 +77,22 @@ TZM_INLINE auto SquaredMagnitude(const X& x, size_t i) {
   return Fma(re, re, im * im);
 }
 
-// ---- Real floats ----
+// ---- Greatest magnitudes ----
 
-// Largest of `body` magnitudes, a multiple of kStep; NaN if any is NaN. load(d, i) gives those from i on,
-// in any order.
-template <class T, size_t kStep, class Load>
-T BodyMaximum(size_t body, Load load) {
+// The greatest of the magnitudes that register(d, x, i) gives of the elements from i on, in any order; NaN if any of
+// them is.
+template <class T, class Register, class... Src>
+T BodyMaximum(size_t len, Register magnitudes, const Src*... src) {
   const Full<T> d;
-  const hn::CappedTag<T, kStep> step;
-  constexpr size_t kWide = hn::MaxLanes(d), kNarrow = hn::MaxLanes(step), kUnroll = 4;
+  constexpr size_t kLanes = hn::MaxLanes(d), kUnroll = 4;
   const auto zero = hn::Zero(d);
   Vec<decltype(d)> best[kUnroll] = {zero, zero, zero, zero};
-  size_t i = 0;
-  for (; body - i >= kUnroll * kWide; i += kUnroll * kWide) {
-    [&]<size_t... k>(std::index_sequence<k...>) TZM_LAMBDA {
-      ((best[k] = MaxMagnitude(best[k], load(d, i + k * kWide))), ...);
-    }(std::make_index_sequence<kUnroll>());
-  }
-  for (; body - i >= kWide; i += kWide) best[0] = MaxMagnitude(best[0], load(d, i));
-  T lane[kWide + kNarrow];
+  ForEach<kUnroll * kLanes, 1>(len, [&](const Src*... from) TZM_LAMBDA {
+    const auto x = Of(from...);
+    Unrolled<kUnroll>([&](auto k) TZM_LAMBDA { best[k] = MaxMagnitude(best[k], magnitudes(d, x, k * kLanes)); });
+  }, src...);
+  T lane[kLanes];
   hn::StoreU(MaxMagnitude(MaxMagnitude(best[0], best[1]), MaxMagnitude(best[2], best[3])), d, lane);
-  auto rest = hn::Zero(step);
-  for (; i < body; i += kNarrow) rest = MaxMagnitude(rest, load(step, i));
-  hn::StoreU(rest, step, lane + kWide);
   T result = 0;
   for (const T each : lane) {
     if (each != each) return each;
@@ -105,112 +101,116 @@ T BodyMaximum(size_t body, Load load) {
   return result;
 }
 
-// A NaN of the body stays, one of the tail is passed over.
-template <size_t kStep, class X>
-auto Maximum(const X& x, size_t len) {
-  using T = decltype(x.At(0));
-  const size_t body = len - len % kStep;
-  T result = BodyMaximum<T, kStep>(body, [&](auto d, size_t i) TZM_LAMBDA { return hn::Abs(x.Load(d, i)); });
-  for (size_t i = body; i < len; ++i) {
-    const T magnitude = std::fabs(x.At(i));
-    if (magnitude > result) result = magnitude;
-  }
+// A NaN of the body of whole steps stays, one of the tail is passed over. element(x, i) gives one magnitude.
+template <size_t kStep, class Register, class Element, class... Src>
+auto Maximum(size_t len, Register magnitudes, Element element, const Src*... src) {
+  using T = decltype(Of(src...).At(0));
+  T result = 0;
+  BodyAndTail<kStep>(
+      len, [&](size_t count, const Src*... from) { result = BodyMaximum<T>(count, magnitudes, from...); },
+      [&](size_t count, const Src*... from) {
+        const auto x = Of(from...);
+        for (size_t i = 0; i < count; ++i) {
+          const T magnitude = element(x, i);
+          if (magnitude > result) result = magnitude;
+        }
+      },
+      src...);
   return result;
 }
 
-// Sum of magnitudes, element i of the body in lane i mod kLanes.
-template <size_t kLanes, class X>
+template <size_t kStep, class... Src>
+auto RealMaximum(size_t len, const Src*... src) {
+  return Maximum<kStep>(
+      len, [](auto d, const auto& x, size_t i) TZM_LAMBDA { return hn::Abs(x.Load(d, i)); },
+      [](const auto& x, size_t i) TZM_LAMBDA { return std::fabs(x.At(i)); }, src...);
+}
+
+// Root of the greatest squared magnitude.
+template <size_t kStep, class... Src>
+double ComplexMaximum(size_t len, const Src*... src) {
+  const auto squared = Maximum<kStep>(
+      len,
+      [](auto d, const auto& x, size_t i) TZM_LAMBDA {
+        Vec<decltype(d)> re, im;
+        x.LoadParts(d, i, re, im);
+        return hn::MulAdd(re, re, hn::Mul(im, im));
+      },
+      [](const auto& x, size_t i) TZM_LAMBDA { return SquaredMagnitude(x, i); }, src...);
+  return sqrt(static_cast<double>(squared));
+}
+
+// ---- Sums of magnitudes and of squares ----
+
+template <class Order, class X>
 auto MagnitudeSum(const X& x, size_t len) {
-  using T = decltype(x.At(0));
-  using Lanes = LaneArray<T, kLanes>;
-  const size_t body = len - len % kLanes;
-  Lanes acc = Lanes::Set(0);
-  for (size_t i = 0; i < body; i += kLanes) acc = acc + Abs(x.template LoadLanes<Lanes>(i));
-  T sum = acc.FoldPairs();
-  for (size_t i = body; i < len; ++i) sum += std::fabs(x.At(i));
-  return sum;
+  using Lanes = typename Order::Lanes;
+  return Order::Of(
+      len, [=](size_t i, Lanes& sum) TZM_LAMBDA { sum = sum + Abs(x.template LoadLanes<Lanes>(i)); },
+      [=](size_t i, auto& sum) TZM_LAMBDA { sum += std::fabs(x.At(i)); });
 }
 
-// Sum of squares in the same lanes, each added in one fused step.
-template <size_t kLanes, class X>
+// Each square is added in one fused step.
+template <class Order, class X>
 auto SquareSum(const X& x, size_t len) {
-  using T = decltype(x.At(0));
-  using Lanes = LaneArray<T, kLanes>;
-  const size_t body = len - len % kLanes;
-  Lanes acc = Lanes::Set(0);
-  for (size_t i = 0; i < body; i += kLanes) {
-    const Lanes v = x.template LoadLanes<Lanes>(i);
-    acc = MulAdd(v, v, acc);
-  }
-  T sum = acc.FoldPairs();
-  for (size_t i = body; i < len; ++i) {
-    const T v = x.At(i);
-    sum = Fma(v, v, sum);
-  }
-  return sum;
+  using Lanes = typename Order::Lanes;
+  return Order::Of(
+      len,
+      [=](size_t i, Lanes& sum) TZM_LAMBDA {
+        const Lanes v = x.template LoadLanes<Lanes>(i);
+        sum = MulAdd(v, v, sum);
+      },
+      [=](size_t i, auto& sum) TZM_LAMBDA {
+        const auto v = x.At(i);
+        sum = Fma(v, v, sum);
+      });
 }
 
-// ---- Complex floats ----
-
-// Root of the largest squared magnitude: NaN in the body stays, in the tail is passed over.
-template <size_t kStep, class X>
-double ComplexMaximum(const X& x, size_t len) {
-  using T = decltype(x.At(0));
-  const size_t body = len - len % kStep;
-  T result = BodyMaximum<T, kStep>(body, [&](auto d, size_t i) TZM_LAMBDA {
-    Vec<decltype(d)> re, im;
-    x.LoadParts(d, i, re, im);
-    return hn::MulAdd(re, re, hn::Mul(im, im));
-  });
-  for (size_t i = body; i < len; ++i) {
-    const T squared = SquaredMagnitude(x, i);
-    if (squared > result) result = squared;
-  }
-  return sqrt(static_cast<double>(result));
-}
-
-// Sum of magnitudes in two binary64 lanes. With binary32 parts the body takes binary32 roots and widens
-// them; the tail widens the square and takes a binary64 root.
-template <size_t kStep, class X>
+// With binary32 parts the body takes binary32 roots and widens them; the tail widens the square and takes a binary64
+// root.
+template <class Order, class X>
 double ComplexMagnitudeSum(const X& x, size_t len) {
   using T = decltype(x.At(0));
-  using Lanes = LaneArray<T, kStep>;
-  using Wide = LaneArray<double, 2>;
-  const size_t body = len - len % kStep;
-  Wide acc = Wide::Set(0);
-  for (size_t i = 0; i < body; i += kStep) {
-    Lanes re, im;
-    x.LoadComplexLanes(i, re, im);
-    const Lanes root = Sqrt(MulAdd(re, re, im * im));
-    if constexpr (std::is_same_v<T, double>) {
-      acc = acc + root;
-    } else {
-      const Wide::D wide;
-      const hn::Half<typename Lanes::D> half;
-      acc = acc + Wide{{hn::PromoteTo(wide, hn::LowerHalf(half, root.v[0]))}};
-      acc = acc + Wide{{hn::PromoteTo(wide, hn::UpperHalf(half, root.v[0]))}};
-    }
-  }
-  double sum = acc.FoldPairs();
-  for (size_t i = body; i < len; ++i) sum += sqrt(static_cast<double>(SquaredMagnitude(x, i)));
-  return sum;
+  using Wide = typename Order::Lanes;
+  using Lanes = LaneArray<T, Order::kBlock>;
+  return Order::template Of<Order::kBlock>(
+      len,
+      [=](size_t i, Wide& sum) TZM_LAMBDA {
+        Lanes re, im;
+        x.LoadComplexLanes(i, re, im);
+        const Lanes root = Sqrt(MulAdd(re, re, im * im));
+        if constexpr (std::is_same_v<T, double>) {
+          sum = sum + root;
+        } else {
+          const typename Wide::D wide;
+          const hn::Half<typename Lanes::D> half;
+          sum = sum + Wide{{hn::PromoteTo(wide, hn::LowerHalf(half, root.v[0]))}};
+          sum = sum + Wide{{hn::PromoteTo(wide, hn::UpperHalf(half, root.v[0]))}};
+        }
+      },
+      [=](size_t i, double& sum) TZM_LAMBDA { sum += sqrt(static_cast<double>(SquaredMagnitude(x, i))); });
 }
 
 // Root of the sum of squares: the body in lanes of the source's precision, two fused steps each, the
 // tail's squared magnitudes plainly added in binary64.
-template <size_t kLanes, class X>
+struct WidenedNeighboursFirst {
+  template <class Lanes>
+  TZM_INLINE double operator()(const Lanes& lanes) const { return lanes.FoldPairs(); }
+};
+template <class T, size_t kLanes>
+using InSourceLanes = InLanes<T, kLanes, kLanes, WidenedNeighboursFirst>;
+
+template <class Order, class X>
 double ComplexLength(const X& x, size_t len) {
-  using Lanes = LaneArray<decltype(x.At(0)), kLanes>;
-  const size_t body = len - len % kLanes;
-  Lanes acc = Lanes::Set(0);
-  for (size_t i = 0; i < body; i += kLanes) {
-    Lanes re, im;
-    x.LoadComplexLanes(i, re, im);
-    acc = MulAdd(im, im, MulAdd(re, re, acc));
-  }
-  double sum = acc.FoldPairs();
-  for (size_t i = body; i < len; ++i) sum += SquaredMagnitude(x, i);
-  return sqrt(sum);
+  using Lanes = typename Order::Lanes;
+  return sqrt(Order::Of(
+      len,
+      [=](size_t i, Lanes& sum) TZM_LAMBDA {
+        Lanes re, im;
+        x.LoadComplexLanes(i, re, im);
+        sum = MulAdd(im, im, MulAdd(re, re, sum));
+      },
+      [=](size_t i, double& sum) TZM_LAMBDA { sum += SquaredMagnitude(x, i); }));
 }
 
 // ---- 16-bit integers, exactly ----
@@ -325,12 +325,12 @@ OrvaStatus ORVAS_Norm_Inf_64f(const Orva64f* src, int32_t len, Orva64f* norm) {
 
 OrvaStatus ORVAS_Norm_Inf_32fc32f(const Orva32fc* src, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(static_cast<Orva32f>(ComplexMaximum<4>(Of(src), len)), norm);
+  return Give(static_cast<Orva32f>(ComplexMaximum<4>(len, src)), norm);
 }
 
 OrvaStatus ORVAS_Norm_Inf_64fc64f(const Orva64fc* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(ComplexMaximum<2>(Of(src), len), norm);
+  return Give(ComplexMaximum<2>(len, src), norm);
 }
 
 OrvaStatus ORVAS_Norm_Inf_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm, double scale) {
@@ -346,22 +346,22 @@ OrvaStatus ORVAS_Norm_L1_16s32f(const Orva16s* src, int32_t len, Orva32f* norm) 
 
 OrvaStatus ORVAS_Norm_L1_32f(const Orva32f* src, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(MagnitudeSum<4>(Of(src), len), norm);
+  return Give(MagnitudeSum<InLanes<Orva32f, 4>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_64f(const Orva64f* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(MagnitudeSum<2>(Of(src), len), norm);
+  return Give(MagnitudeSum<InLanes<Orva64f, 2>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_32fc64f(const Orva32fc* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(ComplexMagnitudeSum<4>(Of(src), len), norm);
+  return Give(ComplexMagnitudeSum<InLanes<Orva64f, 2, 4>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_64fc64f(const Orva64fc* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(ComplexMagnitudeSum<2>(Of(src), len), norm);
+  return Give(ComplexMagnitudeSum<InLanes<Orva64f, 2>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm, double scale) {
@@ -383,22 +383,22 @@ OrvaStatus ORVAS_Norm_L2_16s32f(const Orva16s* src, int32_t len, Orva32f* norm) 
 
 OrvaStatus ORVAS_Norm_L2_32f(const Orva32f* src, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(std::sqrt(SquareSum<4>(Of(src), len)), norm);
+  return Give(std::sqrt(SquareSum<InLanes<Orva32f, 4>>(Of(src), len)), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2_64f(const Orva64f* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(std::sqrt(SquareSum<2>(Of(src), len)), norm);
+  return Give(std::sqrt(SquareSum<InLanes<Orva64f, 2>>(Of(src), len)), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2_32fc64f(const Orva32fc* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(ComplexLength<4>(Of(src), len), norm);
+  return Give(ComplexLength<InSourceLanes<Orva32f, 4>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2_64fc64f(const Orva64fc* src, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
-  return Give(ComplexLength<2>(Of(src), len), norm);
+  return Give(ComplexLength<InSourceLanes<Orva64f, 2>>(Of(src), len), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm, double scale) {
@@ -424,22 +424,22 @@ OrvaStatus ORVAS_NormDiff_Inf_16s32f(const Orva16s* src1, const Orva16s* src2, i
 
 OrvaStatus ORVAS_NormDiff_Inf_32f(const Orva32f* src1, const Orva32f* src2, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(Maximum<4>(Of(src1, src2), len), norm);
+  return Give(RealMaximum<4>(len, src1, src2), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_Inf_64f(const Orva64f* src1, const Orva64f* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(Maximum<2>(Of(src1, src2), len), norm);
+  return Give(RealMaximum<2>(len, src1, src2), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_Inf_32fc32f(const Orva32fc* src1, const Orva32fc* src2, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(static_cast<Orva32f>(ComplexMaximum<8>(Of(src1, src2), len)), norm);
+  return Give(static_cast<Orva32f>(ComplexMaximum<8>(len, src1, src2)), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_Inf_64fc64f(const Orva64fc* src1, const Orva64fc* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(ComplexMaximum<2>(Of(src1, src2), len), norm);
+  return Give(ComplexMaximum<2>(len, src1, src2), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_Inf_16s32s_S(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva32s* norm,
@@ -458,22 +458,22 @@ OrvaStatus ORVAS_NormDiff_L1_16s32f(const Orva16s* src1, const Orva16s* src2, in
 
 OrvaStatus ORVAS_NormDiff_L1_32f(const Orva32f* src1, const Orva32f* src2, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(MagnitudeSum<4>(Of(src1, src2), len), norm);
+  return Give(MagnitudeSum<InLanes<Orva32f, 4>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_64f(const Orva64f* src1, const Orva64f* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(MagnitudeSum<2>(Of(src1, src2), len), norm);
+  return Give(MagnitudeSum<InLanes<Orva64f, 2>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_32fc64f(const Orva32fc* src1, const Orva32fc* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(ComplexMagnitudeSum<4>(Of(src1, src2), len), norm);
+  return Give(ComplexMagnitudeSum<InLanes<Orva64f, 2, 4>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_64fc64f(const Orva64fc* src1, const Orva64fc* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(ComplexMagnitudeSum<2>(Of(src1, src2), len), norm);
+  return Give(ComplexMagnitudeSum<InLanes<Orva64f, 2>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_16s32s_S(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva32s* norm,
@@ -497,22 +497,22 @@ OrvaStatus ORVAS_NormDiff_L2_16s32f(const Orva16s* src1, const Orva16s* src2, in
 
 OrvaStatus ORVAS_NormDiff_L2_32f(const Orva32f* src1, const Orva32f* src2, int32_t len, Orva32f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(std::sqrt(SquareSum<4>(Of(src1, src2), len)), norm);
+  return Give(std::sqrt(SquareSum<InLanes<Orva32f, 4>>(Of(src1, src2), len)), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2_64f(const Orva64f* src1, const Orva64f* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(std::sqrt(SquareSum<2>(Of(src1, src2), len)), norm);
+  return Give(std::sqrt(SquareSum<InLanes<Orva64f, 2>>(Of(src1, src2), len)), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2_32fc64f(const Orva32fc* src1, const Orva32fc* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(ComplexLength<4>(Of(src1, src2), len), norm);
+  return Give(ComplexLength<InSourceLanes<Orva32f, 4>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2_64fc64f(const Orva64fc* src1, const Orva64fc* src2, int32_t len, Orva64f* norm) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
-  return Give(ComplexLength<2>(Of(src1, src2), len), norm);
+  return Give(ComplexLength<InSourceLanes<Orva64f, 2>>(Of(src1, src2), len), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2_16s32s_S(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva32s* norm,

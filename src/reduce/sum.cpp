@@ -2,9 +2,9 @@
 #include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
-#include "frame/drive.h"
-#include "frame/result.h"
+#include "frame/calls.h"
 #include "frame/scale.h"
+#include "frame/sum.h"
 
 using namespace tzm;
 
@@ -26,62 +26,56 @@ struct DivideBy {
   }
 };
 
-// Sum of samples of kParts interleaved parts. The samples up to the last multiple of kStep go to kLanes
-// lanes a part, sample i to lane i mod kLanes; the others are added to the folded lanes one by one.
-// Lanes that start at +0 never become -0, so that no zero need be added to the folded sum.
-template <class Sum, size_t kLanes, size_t kParts, size_t kStep, class Src, class Map = Keep>
-Complex<Sum> LaneSum(const Src* src, size_t len, Map map = {}, Sum start = 0) {
-  using Lanes = LaneArray<Sum, kLanes * kParts>;
-  const auto load = [](const Src* from) TZM_LAMBDA {
-    if constexpr (std::is_same_v<Src, Sum>) return Lanes::Load(from);
-    else return Lanes::LoadWiden(from);
-  };
-  const size_t body = len - len % kStep;
-  Sum sum[2] = {0, 0};
-  if (body != 0) {
-    Lanes acc = Lanes::Set(start);
-    for (size_t i = 0; i < body; i += kLanes) acc = acc + map(load(src + kParts * i));
-    for (size_t part = 0; part < kParts; ++part) sum[part] = acc.template FoldPairs<kParts>(part);
-  }
-  for (size_t i = body; i < len; ++i)
-    for (size_t part = 0; part < kParts; ++part) sum[part] += map(Sum(LoadElement(src + kParts * i + part)));
-  return {sum[0], sum[1]};
-}
+// The order of a sum of samples: kStep of them a step, kLanes lanes for each of their parts.
+template <class Sum, size_t kLanes, size_t kStep = kLanes, size_t kParts = 1>
+using InLanes = OrderedSum<LaneArray<Sum, kLanes * kParts>, kStep, NeighboursFirst<kParts>>;
 
-// Sums of binary32 samples, real and complex, in binary32 and in binary64.
-template <class Map = Keep>
-Complex<Orva32f> FastSum(const Orva32f* src, size_t len, Map map = {}) {
-  return LaneSum<Orva32f, 4, 1, 4>(src, len, map);
+template <class Order, class T, class Map = Keep>
+auto LaneSum(const T* src, size_t len, Map map = {}, typename Order::Element start = 0) {
+  using Lanes = typename Order::Lanes;
+  using Sum = typename Order::Element;
+  return Order::template Of<Lanes::kLanes / kParts<T>>(
+      len, [=](size_t i, Lanes& sum) TZM_LAMBDA { sum = sum + map(LoadLanes<Lanes>(Reals(src + i))); },
+      [=](size_t i, auto& sum) TZM_LAMBDA {
+        const T x = LoadElement(src + i);
+        if constexpr (kIsComplex<T>) sum = {sum.re + map(Sum(x.re)), sum.im + map(Sum(x.im))};
+        else sum += map(Sum(x));
+      },
+      start);
 }
-template <class Map = Keep>
-Complex<Orva32f> FastSum(const Orva32fc* src, size_t len, Map map = {}) {
-  return LaneSum<Orva32f, 4, 2, 4>(Parts(src), len, map);
-}
-Complex<double> AccurateSum(const Orva32f* src, size_t len) { return LaneSum<double, 2, 1, 4>(src, len); }
-Complex<double> AccurateSum(const Orva32fc* src, size_t len) { return LaneSum<double, 2, 2, 4>(Parts(src), len); }
 
 // Two lanes of complex numbers: of each 8 samples, lane 0 takes 0 and 1 before and 4 and 5 after its
 // sum so far, lane 1 the others.
-Complex<double> ComplexSum64(const double* src, size_t len) {
-  using Number = LaneArray<double, 2>;  // one complex number
-  constexpr size_t kStep = 8, kAhead = 4096, kLine = 64;
-  const size_t body = len - len % kStep;
-  Number sum = Number::Set(0);
-  if (body != 0) {
-    Number lane[2] = {sum, sum};
-    for (size_t i = 0; i < body; i += kStep) {
-      const double* from = src + 2 * i;
-      for (size_t line = 0; line < kStep * sizeof(Orva64fc); line += kLine)
-        __builtin_prefetch(reinterpret_cast<const char*>(from) + kAhead + line, 0, 0);
-      const auto pair = [&](size_t k) TZM_LAMBDA {
-        return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2);
-      };
-      lane[0] = (pair(0) + lane[0]) + pair(4);
-      lane[1] = (pair(2) + lane[1]) + pair(6);
-    }
-    sum = lane[0] + lane[1];
-  }
-  for (size_t i = body; i < len; ++i) sum = sum + Number::Load(src + 2 * i);
+struct TwoNumbers {
+  using Element = double;
+  using Number = LaneArray<double, 2>;
+  static constexpr size_t kLanes = 2;
+  Number lane[kLanes];
+
+  static TZM_INLINE TwoNumbers Set(double value) { return {{Number::Set(value), Number::Set(value)}}; }
+};
+struct AddNumbers {
+  TZM_INLINE auto operator()(const TwoNumbers& numbers) const { return numbers.lane[0] + numbers.lane[1]; }
+};
+using InNumbers = OrderedSum<TwoNumbers, 8, AddNumbers>;
+
+template <class Order>
+Complex<double> NumberSum(const Orva64fc* src, size_t len) {
+  using Number = TwoNumbers::Number;
+  constexpr size_t kAhead = 4096, kLine = 64;
+  const auto sum = Order::template Of<Order::kBlock>(
+      len,
+      [=](size_t i, TwoNumbers& numbers) TZM_LAMBDA {
+        const double* const from = Parts(src + i);
+        for (size_t line = 0; line < Order::kBlock * sizeof(Orva64fc); line += kLine)
+          __builtin_prefetch(reinterpret_cast<const char*>(from) + kAhead + line, 0, 0);
+        const auto pair = [&](size_t k) TZM_LAMBDA {
+          return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2);
+        };
+        numbers.lane[0] = (pair(0) + numbers.lane[0]) + pair(4);
+        numbers.lane[1] = (pair(2) + numbers.lane[1]) + pair(6);
+      },
+      [=](size_t i, Number& number) TZM_LAMBDA { number = number + Number::Load(Parts(src + i)); });
   double part[2];
   sum.Store(part);
   return {part[0], part[1]};
@@ -126,17 +120,16 @@ Complex<int64_t> IntegerSum(const Orva16sc* src, size_t len) {
 
 int64_t IntegerSum(const Orva32s* src, size_t len) {
   const Full<int64_t> d;
-  const size_t step = 2 * hn::Lanes(d);
   auto low = hn::Zero(d), high = low;
-  size_t i = 0;
-  for (; i + step <= len; i += step) {
-    const auto v = LoadWidened(d, src + i);
-    low = hn::Add(low, v.low);
-    high = hn::Add(high, v.high);
-  }
-  int64_t sum = hn::GetLane(hn::SumOfLanes(d, hn::Add(low, high)));
-  for (; i < len; ++i) sum += LoadElement(src + i);
-  return sum;
+  ForSteps<2 * hn::MaxLanes(d)>(
+      len,
+      [&](const Orva32s* from) TZM_LAMBDA {
+        const auto v = LoadWidened(d, from);
+        low = hn::Add(low, v.low);
+        high = hn::Add(high, v.high);
+      },
+      [] {}, src);
+  return hn::GetLane(hn::SumOfLanes(d, hn::Add(low, high)));
 }
 
 // The scaled sum, divided by `divisor` after the scaling, as an integer.
@@ -184,24 +177,23 @@ TZM_INLINE void ForPairs(const Src* from, Add add) {
   }
 }
 
-// Sample standard deviation about `mean`: squares in two lanes, then one by one.
-template <size_t kStep, class Src>
+// Sample standard deviation about `mean`.
+template <class Order, class Src>
 double Deviation(const Src* src, size_t len, double mean) {
-  using Lanes = LaneArray<double, 2>;
-  const size_t body = len - len % kStep;
+  using Lanes = typename Order::Lanes;
   const Lanes means = Lanes::Set(mean);
-  Lanes acc = Lanes::Set(0);
-  for (size_t i = 0; i < body; i += kStep) {
-    ForPairs<kStep>(src + i, [&](const Lanes& x) TZM_LAMBDA {
-      const Lanes deviation = x - means;
-      acc = MulAdd(deviation, deviation, acc);
-    });
-  }
-  double sum = acc.FoldPairs();
-  for (size_t i = body; i < len; ++i) {
-    const double deviation = LoadElement(src + i) - mean;
-    sum = Fma(deviation, deviation, sum);
-  }
+  const double sum = Order::template Of<Order::kBlock>(
+      len,
+      [=](size_t i, Lanes& squares) TZM_LAMBDA {
+        ForPairs<Order::kBlock>(src + i, [&](const Lanes& x) TZM_LAMBDA {
+          const Lanes deviation = x - means;
+          squares = MulAdd(deviation, deviation, squares);
+        });
+      },
+      [=](size_t i, double& squares) TZM_LAMBDA {
+        const double deviation = LoadElement(src + i) - mean;
+        squares = Fma(deviation, deviation, squares);
+      });
   return sqrt(sum / static_cast<double>(len - 1));
 }
 
@@ -210,7 +202,7 @@ template <class Real>
 Real DeviationFromGiven(const Real* src, int32_t len, const Real* mean) {
   const double center = LoadElement(mean);
   if (!std::isfinite(center)) return 0;
-  return static_cast<Real>(Deviation<4>(src, len, center));
+  return static_cast<Real>(Deviation<InLanes<double, 2, 4>>(src, len, center));
 }
 
 // Unscaled throughout; mean and deviation are scaled and rounded at the end.
@@ -221,7 +213,7 @@ OrvaStatus ScaledMeanStdDev(const Orva16s* src, int32_t len, Result* mean, Resul
   if (OrvaStatus status = CheckScale(scale)) return status;
   const double factor = ScaleFactor(scale);
   const double center = static_cast<double>(IntegerSum(src, len)) / len;
-  const double deviation = Deviation<8>(src, len, center);
+  const double deviation = Deviation<InLanes<double, 2, 8>>(src, len, center);
   Give(RoundSaturate<Result>(center * factor), mean);
   return Give(RoundSaturate<Result>(deviation * factor), stdDev);
 }
@@ -230,25 +222,25 @@ OrvaStatus ScaledMeanStdDev(const Orva16s* src, int32_t len, Result* mean, Resul
 
 OrvaStatus ORVAS_Sum_32f(const Orva32f* src, int32_t len, Orva32f* sum, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len).re, sum);
-  return Give(static_cast<Orva32f>(AccurateSum(src, len).re), sum);
+  if (hint == ORVA_HINT_FAST) return Give(LaneSum<InLanes<Orva32f, 4>>(src, len), sum);
+  return Give(static_cast<Orva32f>(LaneSum<InLanes<Orva64f, 2, 4>>(src, len)), sum);
 }
 
 OrvaStatus ORVAS_Sum_32fc(const Orva32fc* src, int32_t len, Orva32fc* sum, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len), sum);
-  return Give(AccurateSum(src, len), sum);
+  if (hint == ORVA_HINT_FAST) return Give(LaneSum<InLanes<Orva32f, 4, 4, 2>>(src, len), sum);
+  return Give(LaneSum<InLanes<Orva64f, 2, 4, 2>>(src, len), sum);
 }
 
 OrvaStatus ORVAS_Sum_64f(const Orva64f* src, int32_t len, Orva64f* sum) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
   // Lanes that start at -0 are those that start with the first samples: -0 throughout stays -0.
-  return Give(LaneSum<double, 2, 1, 2>(src, len, Keep(), -0.0).re, sum);
+  return Give(LaneSum<InLanes<Orva64f, 2>>(src, len, Keep(), len < 2 ? 0.0 : -0.0), sum);
 }
 
 OrvaStatus ORVAS_Sum_64fc(const Orva64fc* src, int32_t len, Orva64fc* sum) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  return Give(ComplexSum64(Parts(src), len), sum);
+  return Give(NumberSum<InNumbers>(src, len), sum);
 }
 
 OrvaStatus ORVAS_Sum_16s_S(const Orva16s* src, int32_t len, Orva16s* sum, double scale) {
@@ -273,14 +265,16 @@ OrvaStatus ORVAS_Sum_16sc32sc_S(const Orva16sc* src, int32_t len, Orva32sc* sum,
 
 OrvaStatus ORVAS_Mean_32f(const Orva32f* src, int32_t len, Orva32f* mean, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
-  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}).re, mean);
-  return Give(static_cast<Orva32f>(AccurateSum(src, len).re / len), mean);
+  const DivideBy divide = {static_cast<Orva32f>(len)};
+  if (hint == ORVA_HINT_FAST) return Give(LaneSum<InLanes<Orva32f, 4>>(src, len, divide), mean);
+  return Give(static_cast<Orva32f>(LaneSum<InLanes<Orva64f, 2, 4>>(src, len) / len), mean);
 }
 
 OrvaStatus ORVAS_Mean_32fc(const Orva32fc* src, int32_t len, Orva32fc* mean, int32_t hint) {
   if (OrvaStatus status = CheckArrays(len, src, mean)) return status;
-  if (hint == ORVA_HINT_FAST) return Give(FastSum(src, len, DivideBy{static_cast<Orva32f>(len)}), mean);
-  const Complex<double> sum = AccurateSum(src, len);
+  const DivideBy divide = {static_cast<Orva32f>(len)};
+  if (hint == ORVA_HINT_FAST) return Give(LaneSum<InLanes<Orva32f, 4, 4, 2>>(src, len, divide), mean);
+  const Complex<double> sum = LaneSum<InLanes<Orva64f, 2, 4, 2>>(src, len);
   return Give(Complex<double>{sum.re / len, sum.im / len}, mean);
 }
 

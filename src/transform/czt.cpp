@@ -1,40 +1,17 @@
 // Chirp-Z transform: the z-transform of a signal on a spiral of points, by a convolution through three
 // transforms.
-#include <signal_tzm/arith.h>
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
-#include "frame/core.h"
+#include "frame/calls.h"
 #include "frame/fft.h"
-#include "frame/vector.h"
 
 using namespace tzm;
 
 namespace {
 
-// The exported operations that the transform is made of, by real type.
 template <class Real>
-struct Call;
-template <>
-struct Call<Orva32f> {
-  static constexpr auto Sqrt = ORVAS_Sqrt_32fc;
-  static constexpr auto Set = ORVAS_Set_32fc;
-  static constexpr auto Divide = ORVAS_Div_32fc;
-  static constexpr auto Flip = ORVAS_Flip_32fc;
-  static constexpr auto Multiply = ORVAS_Mul_32fc;
-  static constexpr auto DivideByConstant = ORVAS_DivC_32f;
-  static constexpr int32_t kLongestTransform = 0x8000000;
-};
-template <>
-struct Call<Orva64f> {
-  static constexpr auto Sqrt = ORVAS_Sqrt_64fc;
-  static constexpr auto Set = ORVAS_Set_64fc;
-  static constexpr auto Divide = ORVAS_Div_64fc;
-  static constexpr auto Flip = ORVAS_Flip_64fc;
-  static constexpr auto Multiply = ORVAS_Mul_64fc;
-  static constexpr auto DivideByConstant = ORVAS_DivC_64f;
-  static constexpr int32_t kLongestTransform = 0x4000000;
-};
+constexpr int32_t kLongestTransform = 0x40000000 / (2 * sizeof(Real));  // so that a buffer has 2^30 bytes at most
 
 // Complex product in the roundings of ORVAS_Mul.
 template <class Complex>
@@ -50,14 +27,13 @@ template <class Sample, class Complex>
 OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, Complex w, Complex a) {
   using Real = decltype(w.re);
   using F = Fft<Real>;
-  using C = Call<Real>;
   if (OrvaStatus status = CheckPointers(src, dst)) return status;
   if (srcLen < 1 || dstLen < 1) return ORVA_STS_SIZE_ERR;
   if (static_cast<int64_t>(srcLen) + dstLen >= 0x40000000) return ORVA_STS_OVERFLOW_ERR;
   const int32_t convolved = srcLen + dstLen - 1, longer = srcLen > dstLen ? srcLen : dstLen;
   int32_t n = 1;
   while (n < convolved) n *= 2;
-  if (n > C::kLongestTransform) return ORVA_STS_OVERFLOW_ERR;
+  if (n > kLongestTransform<Real>) return ORVA_STS_OVERFLOW_ERR;
 
   const auto make = [](int32_t count) {
     return static_cast<Complex*>(ORVA_Malloc(count * static_cast<int32_t>(sizeof(Complex))));
@@ -79,7 +55,7 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
   // chirp[k] = w^(k^2/2), by recurrence: its error grows with k.
   const Complex one = {1, 0};
   Complex q;
-  C::Sqrt(&w, &q, 1);
+  Sqrt(&w, &q, 1);
   chirp[0] = one;
   for (int32_t k = 0; k < longer - 1; ++k) {
     chirp[k + 1] = Product(chirp[k], q);
@@ -88,10 +64,10 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
 
   // The kernel: the chirp's reciprocal at the circular indices -(srcLen - 1) to dstLen - 1. Here and below,
   // a call refuses a count of 0 and does nothing.
-  C::Set(one, kernel, longer);
-  C::Divide(chirp, kernel, data, longer);
+  Set(one, kernel, longer);
+  Divide(chirp, kernel, data, longer);
   Copy(data, kernel, dstLen);
-  C::Flip(data + 1, kernel + (n - srcLen + 1), srcLen - 1);
+  Flip(data + 1, kernel + (n - srcLen + 1), srcLen - 1);
   Zero(kernel + dstLen, n - convolved);
 
   // The data: src[n] * a^-n * chirp[n], the powers of 1/a a running product.
@@ -109,11 +85,11 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
 
   F::Execute(forward, data, data);
   F::Execute(forward, kernel, kernel);
-  C::Multiply(data, kernel, data, n);
+  Multiply(data, kernel, data, n);
   F::Execute(inverse, data, data);
-  C::Multiply(chirp, data, data, dstLen);
+  Multiply(chirp, data, data, dstLen);
   // The only scaling: the inverse plan has none.
-  C::DivideByConstant(Parts(data), static_cast<Real>(n), Parts(dst), 2 * dstLen);
+  Divide(Parts(data), static_cast<Real>(n), Parts(dst), 2 * dstLen);
   return release(ORVA_STS_NO_ERR);
 }
 

@@ -169,45 +169,66 @@ OrvaStatus Release(OrvaTransformSpec* spec) {
 
 }  // namespace
 
-// The members of one family and one sample type.
-#define TZM_SPEC_MEMBERS(FAMILY, Family, length, bits, Real, Complex)                                               \
-  OrvaStatus ORVAS_##FAMILY##CToCInit_##bits##fc(int32_t length, int32_t direction, int32_t flag,                   \
-                                                 OrvaTransformSpec** specOut) {                                     \
-    return InitComplex<Family, Real>(length, direction, flag, specOut);                                             \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToCInit_##bits##f(int32_t length, int32_t direction, int32_t flag,                    \
-                                                OrvaTransformSpec** specOut) {                                      \
-    return InitSplit<Family, Real>(length, direction, flag, specOut);                                               \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##RToCInit_##bits##f(int32_t length, int32_t flag, OrvaTransformSpec** specOut) {        \
-    return InitRealToComplex<Family, Real>(length, flag, specOut);                                                  \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToRInit_##bits##f(int32_t length, int32_t flag, OrvaTransformSpec** specOut) {        \
-    return InitComplexToReal<Family, Real>(length, flag, specOut);                                                  \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToC_##bits##fc(const Complex* src, Complex* dst, const OrvaTransformSpec* spec) {     \
-    return RunComplex<Family, Real>(src, dst, spec);                                                                \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToC_##bits##f(const Real* srcRe, const Real* srcIm, Real* dstRe, Real* dstIm,         \
-                                            const OrvaTransformSpec* spec) {                                        \
-    return RunSplit<Family>(srcRe, srcIm, dstRe, dstIm, spec);                                                      \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##RToC_##bits##f(const Real* src, Real* dst, const OrvaTransformSpec* spec) {            \
-    return RunRealToComplex<Family>(src, dst, spec);                                                                \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToR_##bits##f(Real* src, Real* dst, const OrvaTransformSpec* spec) {                  \
-    return RunComplexToReal<Family>(src, dst, spec);                                                                \
-  }                                                                                                                 \
-  OrvaStatus ORVAS_##FAMILY##CToCRelease_##bits##fc(OrvaTransformSpec* spec) { return Release<Real>(spec); }        \
-  OrvaStatus ORVAS_##FAMILY##CToCRelease_##bits##f(OrvaTransformSpec* spec) { return Release<Real>(spec); }         \
-  OrvaStatus ORVAS_##FAMILY##RToCRelease_##bits##f(OrvaTransformSpec* spec) { return Release<Real>(spec); }         \
-  OrvaStatus ORVAS_##FAMILY##CToRRelease_##bits##f(OrvaTransformSpec* spec) { return Release<Real>(spec); }
+// The members of each kind of transform: their names, the family, the name of its length and the sample type.
+#define TZM_COMPLEX(Init, Run, Release_, Family, length, Real, Complex)                                                \
+  OrvaStatus Init(int32_t length, int32_t direction, int32_t flag, OrvaTransformSpec** specOut) {                      \
+    return InitComplex<Family, Real>(length, direction, flag, specOut);                                                \
+  }                                                                                                                    \
+  OrvaStatus Run(const Complex* src, Complex* dst, const OrvaTransformSpec* spec) {                                    \
+    return RunComplex<Family, Real>(src, dst, spec);                                                                   \
+  }                                                                                                                    \
+  OrvaStatus Release_(OrvaTransformSpec* spec) { return Release<Real>(spec); }
 
-TZM_SPEC_MEMBERS(FFT, PowerOfTwo, order, 32, Orva32f, Orva32fc)
-TZM_SPEC_MEMBERS(FFT, PowerOfTwo, order, 64, Orva64f, Orva64fc)
-TZM_SPEC_MEMBERS(DFT, AnyLength, len, 32, Orva32f, Orva32fc)
-TZM_SPEC_MEMBERS(DFT, AnyLength, len, 64, Orva64f, Orva64fc)
-#undef TZM_SPEC_MEMBERS
+TZM_COMPLEX(ORVAS_FFTCToCInit_32fc, ORVAS_FFTCToC_32fc, ORVAS_FFTCToCRelease_32fc, PowerOfTwo, order, Orva32f, Orva32fc)
+TZM_COMPLEX(ORVAS_FFTCToCInit_64fc, ORVAS_FFTCToC_64fc, ORVAS_FFTCToCRelease_64fc, PowerOfTwo, order, Orva64f, Orva64fc)
+TZM_COMPLEX(ORVAS_DFTCToCInit_32fc, ORVAS_DFTCToC_32fc, ORVAS_DFTCToCRelease_32fc, AnyLength, len, Orva32f, Orva32fc)
+TZM_COMPLEX(ORVAS_DFTCToCInit_64fc, ORVAS_DFTCToC_64fc, ORVAS_DFTCToCRelease_64fc, AnyLength, len, Orva64f, Orva64fc)
+#undef TZM_COMPLEX
+
+#define TZM_SPLIT(Init, Run, Release_, Family, length, Real)                                                           \
+  OrvaStatus Init(int32_t length, int32_t direction, int32_t flag, OrvaTransformSpec** specOut) {                      \
+    return InitSplit<Family, Real>(length, direction, flag, specOut);                                                  \
+  }                                                                                                                    \
+  OrvaStatus Run(const Real* srcRe, const Real* srcIm, Real* dstRe, Real* dstIm, const OrvaTransformSpec* spec) {      \
+    return RunSplit<Family>(srcRe, srcIm, dstRe, dstIm, spec);                                                         \
+  }                                                                                                                    \
+  OrvaStatus Release_(OrvaTransformSpec* spec) { return Release<Real>(spec); }
+
+TZM_SPLIT(ORVAS_FFTCToCInit_32f, ORVAS_FFTCToC_32f, ORVAS_FFTCToCRelease_32f, PowerOfTwo, order, Orva32f)
+TZM_SPLIT(ORVAS_FFTCToCInit_64f, ORVAS_FFTCToC_64f, ORVAS_FFTCToCRelease_64f, PowerOfTwo, order, Orva64f)
+TZM_SPLIT(ORVAS_DFTCToCInit_32f, ORVAS_DFTCToC_32f, ORVAS_DFTCToCRelease_32f, AnyLength, len, Orva32f)
+TZM_SPLIT(ORVAS_DFTCToCInit_64f, ORVAS_DFTCToC_64f, ORVAS_DFTCToCRelease_64f, AnyLength, len, Orva64f)
+#undef TZM_SPLIT
+
+#define TZM_REAL_TO_COMPLEX(Init, Run, Release_, Family, length, Real)                                                 \
+  OrvaStatus Init(int32_t length, int32_t flag, OrvaTransformSpec** specOut) {                                         \
+    return InitRealToComplex<Family, Real>(length, flag, specOut);                                                     \
+  }                                                                                                                    \
+  OrvaStatus Run(const Real* src, Real* dst, const OrvaTransformSpec* spec) {                                          \
+    return RunRealToComplex<Family>(src, dst, spec);                                                                   \
+  }                                                                                                                    \
+  OrvaStatus Release_(OrvaTransformSpec* spec) { return Release<Real>(spec); }
+
+TZM_REAL_TO_COMPLEX(ORVAS_FFTRToCInit_32f, ORVAS_FFTRToC_32f, ORVAS_FFTRToCRelease_32f, PowerOfTwo, order, Orva32f)
+TZM_REAL_TO_COMPLEX(ORVAS_FFTRToCInit_64f, ORVAS_FFTRToC_64f, ORVAS_FFTRToCRelease_64f, PowerOfTwo, order, Orva64f)
+TZM_REAL_TO_COMPLEX(ORVAS_DFTRToCInit_32f, ORVAS_DFTRToC_32f, ORVAS_DFTRToCRelease_32f, AnyLength, len, Orva32f)
+TZM_REAL_TO_COMPLEX(ORVAS_DFTRToCInit_64f, ORVAS_DFTRToC_64f, ORVAS_DFTRToCRelease_64f, AnyLength, len, Orva64f)
+#undef TZM_REAL_TO_COMPLEX
+
+#define TZM_COMPLEX_TO_REAL(Init, Run, Release_, Family, length, Real)                                                 \
+  OrvaStatus Init(int32_t length, int32_t flag, OrvaTransformSpec** specOut) {                                         \
+    return InitComplexToReal<Family, Real>(length, flag, specOut);                                                     \
+  }                                                                                                                    \
+  OrvaStatus Run(Real* src, Real* dst, const OrvaTransformSpec* spec) {                                                \
+    return RunComplexToReal<Family>(src, dst, spec);                                                                   \
+  }                                                                                                                    \
+  OrvaStatus Release_(OrvaTransformSpec* spec) { return Release<Real>(spec); }
+
+TZM_COMPLEX_TO_REAL(ORVAS_FFTCToRInit_32f, ORVAS_FFTCToR_32f, ORVAS_FFTCToRRelease_32f, PowerOfTwo, order, Orva32f)
+TZM_COMPLEX_TO_REAL(ORVAS_FFTCToRInit_64f, ORVAS_FFTCToR_64f, ORVAS_FFTCToRRelease_64f, PowerOfTwo, order, Orva64f)
+TZM_COMPLEX_TO_REAL(ORVAS_DFTCToRInit_32f, ORVAS_DFTCToR_32f, ORVAS_DFTCToRRelease_32f, AnyLength, len, Orva32f)
+TZM_COMPLEX_TO_REAL(ORVAS_DFTCToRInit_64f, ORVAS_DFTCToR_64f, ORVAS_DFTCToRRelease_64f, AnyLength, len, Orva64f)
+#undef TZM_COMPLEX_TO_REAL
 
 OrvaStatus ORVAS_FFTCToC_32fc_I(Orva32fc* srcDst, const OrvaTransformSpec* spec) {
   return ORVAS_FFTCToC_32fc(srcDst, srcDst, spec);

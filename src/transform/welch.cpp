@@ -1,10 +1,8 @@
 // Welch's estimate of a power spectral density: overlapped windowed segments, their power spectra averaged.
-#include <signal_tzm/arith.h>
-#include <signal_tzm/elementary.h>
 #include <signal_tzm/transform.h>
 
 #include "frame/call.h"
-#include "frame/core.h"
+#include "frame/calls.h"
 #include "frame/drive.h"
 #include "frame/fft.h"
 
@@ -12,35 +10,13 @@ using namespace tzm;
 
 namespace {
 
-// The exported operations that the estimate is made of, by real type.
+// The longest window: longer ones, folded, would need buffers beyond 2^31 - 1 bytes.
 template <class Real>
-struct Call;
-template <>
-struct Call<Orva32f> {
-  static constexpr auto Set = ORVAS_Set_32f;
-  static constexpr auto Add = ORVAS_Add_32f_I;
-  static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_32fc;
-  static constexpr auto Divide = ORVAS_DivC_32f_I;
-  static constexpr auto Multiply = ORVAS_MulC_32f_I;
-  static constexpr size_t kEnergyLanes = 4;
-  static constexpr int32_t kLongestWindow = 0xfffffff;
-};
-template <>
-struct Call<Orva64f> {
-  static constexpr auto Set = ORVAS_Set_64f;
-  static constexpr auto Add = ORVAS_Add_64f_I;
-  static constexpr auto PowerSpectrum = ORVAS_PowerSpectr_64fc;
-  static constexpr auto Divide = ORVAS_DivC_64f_I;
-  static constexpr auto Multiply = ORVAS_MulC_64f_I;
-  static constexpr size_t kEnergyLanes = 2;
-  static constexpr int32_t kLongestWindow = 0x7ffffff;
-};
+constexpr int32_t kLongestWindow = 0x40000000 / sizeof(Real) - 1;
 
-void Window(const Orva32f* src, const Orva32f* window, Orva32f* segment, int32_t len) {
-  ORVAS_Mul_32f(src, window, segment, len);
-}
-void Window(const Orva64f* src, const Orva64f* window, Orva64f* segment, int32_t len) {
-  ORVAS_Mul_64f(src, window, segment, len);
+template <class Real>
+void Window(const Real* src, const Real* window, Real* segment, int32_t len) {
+  Multiply(src, window, segment, len);
 }
 
 // Complex samples times a real window; there is no exported product of this shape in binary64.
@@ -78,10 +54,11 @@ void Fold(const Complex* src, const Real* window, Complex* segment, int32_t len)
 // Sum of squares: blocks of lanes folded pairwise onto a running total, the rest fused one by one.
 template <class Real>
 Real Energy(const Real* window, int32_t len) {
-  using Lanes = LaneArray<Real, Call<Real>::kEnergyLanes>;
+  constexpr int32_t kLanes = 16 / sizeof(Real);
+  using Lanes = LaneArray<Real, kLanes>;
   Real total = 0;
   int32_t i = 0;
-  for (; len - i >= static_cast<int32_t>(Call<Real>::kEnergyLanes); i += Call<Real>::kEnergyLanes) {
+  for (; len - i >= kLanes; i += kLanes) {
     const Lanes block = Lanes::Load(window + i);
     total += (block * block).FoldPairs();
   }
@@ -103,7 +80,7 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
   using Complex = typename F::Complex;
   constexpr bool kReal = !kIsComplex<Sample>;
   if (OrvaStatus status = CheckPointers(src, dst)) return status;
-  if (srcLen < 1 || srcLen > 0x3fffffff || winLen < 1 || winLen > srcLen || winLen > Call<Real>::kLongestWindow ||
+  if (srcLen < 1 || srcLen > 0x3fffffff || winLen < 1 || winLen > srcLen || winLen > kLongestWindow<Real> ||
       nfft > winLen || !(overlap > 0 && overlap <= 0.95))
     return ORVA_STS_SIZE_ERR;
   const int32_t noverlap = static_cast<int32_t>(__builtin_ceil(winLen * overlap));
@@ -137,7 +114,7 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
   if (CheckPointers(weights, power, sum, segment, spectrum, plan)) return release(ORVA_STS_MEM_ALLOC_ERR);
 
   if (window != nullptr) Copy(window, weights, winLen);
-  else Call<Real>::Set(1, weights, winLen);
+  else Set(Real(1), weights, winLen);
   Zero(weights + winLen, windowLen - winLen);  // refused where nothing is left
   const Real mean = Energy(weights, winLen) / static_cast<Real>(winLen);
 
@@ -153,13 +130,13 @@ OrvaStatus Pwelch(const Sample* src, const Real* window, Real* dst, int32_t srcL
     }
     if constexpr (kReal) F::ExecuteRealToComplex(plan, segment, spectrum);
     else F::Execute(plan, segment, spectrum);
-    Call<Real>::PowerSpectrum(spectrum, power, bins);
-    Call<Real>::Add(power, sum, bins);
+    PowerSpectrum(spectrum, power, bins);
+    Add(power, sum, bins);
   }
 
   // A window of zeros gives scale 0, which the division refuses: the sum stays as it is.
-  Call<Real>::Divide(Scale(segments, mean, winLen), sum, bins);
-  if constexpr (kReal) Call<Real>::Multiply(2, sum + 1, (n - 1) / 2);  // one-sided; refused for n below 3
+  Divide(sum, Scale(segments, mean, winLen), sum, bins);
+  if constexpr (kReal) Multiply(sum + 1, Real(2), sum + 1, (n - 1) / 2);  // one-sided; refused for n below 3
   Copy(sum, dst, bins);
   return release(ORVA_STS_NO_ERR);
 }
