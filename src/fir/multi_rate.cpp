@@ -244,60 +244,85 @@ struct Tile {
       }
     });
   }
+};
 
-  // `valid` periods, their windows beginning `from` samples later than those of the first one.
-  static void Run(const Periods<Tap, Sample>& p, int64_t from, int64_t valid, Sample* dst) {
-    constexpr int64_t kGroup = kPhases;
-    const int64_t outputs = p.factor * p.up, step = p.factor * p.down, width = p.up + kExtension;
-    // So many outputs of a period find so many rows of their samples in the area together. What has more rows
-    // goes through it in several turns, and its sums are kept between them.
-    Sums kept[16];
-    int64_t rows = std::min(p.rows, kRows / 2), together = (kRows - rows) * p.up / p.down / kGroup * kGroup;
-    if (rows < p.rows) together = std::min<int64_t>(together, kGroup * std::size(kept));
-    // Phases too far apart for that have a share of the area each.
-    const bool apart = together == 0;
-    if (apart) {
-      together = kGroup;
-      rows = kRows / kGroup;
-    }
-    for (int64_t begin = 0; begin < outputs; begin += together) {
-      const int64_t end = std::min(begin + together, outputs);
-      const int64_t first = p.Q(begin), span = p.Q(end - 1) - first;
-      for (int64_t r = 0; r < p.rows; r += rows) {
-        const int64_t count = std::min(rows, p.rows - r);
-        if (!apart) Lay(p.signal, from + first + r, step, valid, span + count, p.area);
-        Position position(p.offset + begin * p.down, p.up, p.down);
-        int64_t column = begin % p.up;
-        for (int64_t n = begin; n < end; n += kGroup) {
-          const Real* x[kPhases];
-          for (int64_t i = 0; i < kGroup; ++i) {
-            const int64_t q = position.Q();
-            Real* const own = p.area + static_cast<size_t>(apart ? i * rows : q - first) * kRow;
-            if (apart) Lay(p.signal, from + q + r, step, valid, count, own);
-            x[i] = own;
-            if (n + i < outputs - 1) position.Next();  // phases beyond the period repeat the last one
-          }
-          Sums sum, &before = kept[(n - begin) / kGroup % std::size(kept)];
-          Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { sum[k] = r == 0 ? hn::Zero(D()) : before[k]; });
-          Accumulate(x, p.taps + column + r * width, width, count, sum);
-          if (r + count == p.rows) Store(sum, dst + n, std::min(kGroup, outputs - n), valid, outputs);
-          else Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { before[k] = sum[k]; });
-          column = (column + kGroup) % p.up;
+// ---- Schedules: which windows share the area ----
+
+// The area holds one row of samples below the other, in each a column for every period of the tile:
+//
+//            period 0      period 1      ...   the last
+//   row 0    x[q0]         x[q0 + s]     ...               q0: where the window of the first output begins, s: the
+//   row 1    x[q0 + 1]     x[q0 + s + 1] ...               source samples of a period
+//   ...
+//
+// Output n of every period sums the rows from q(n) - q0 on, as many as the filter has.
+enum class Schedule {
+  kTogether,  // some outputs in a row share the rows of all their windows, which are laid once
+  kInTurns,   // the windows are too long for that: so many of their rows at a time, and the sums wait in between
+  kApart      // the outputs are too far apart to share: in turns, and each of a group has rows of its own
+};
+
+struct Turns {
+  Schedule schedule;
+  int64_t rows;     // of each window at a time
+  int64_t outputs;  // of a period, a whole number of groups, unless they end before
+};
+
+// For an area of kRows, groups of kGroup outputs, and sums of kKept groups that can wait.
+template <int64_t kRows, int64_t kGroup, int64_t kKept>
+Turns PlanTurns(int64_t rows, int64_t up, int64_t down) {
+  const int64_t atOnce = std::min(rows, kRows / 2), outputs = (kRows - atOnce) * up / down / kGroup * kGroup;
+  if (outputs == 0) return {Schedule::kApart, kRows / kGroup, kGroup};
+  if (atOnce == rows) return {Schedule::kTogether, rows, outputs};
+  return {Schedule::kInTurns, atOnce, std::min(outputs, kGroup * kKept)};
+}
+
+// `valid` periods, their windows beginning `from` samples later than those of the first one.
+template <class Tap, class Sample, size_t kVectors>
+void RunTile(const Periods<Tap, Sample>& p, int64_t from, int64_t valid, Sample* dst) {
+  using T = Tile<Tap, Sample, kVectors>;
+  using Sums = typename T::Sums;
+  constexpr int64_t kGroup = T::kPhases, kKept = 16;
+  const int64_t outputs = p.factor * p.up, step = p.factor * p.down, width = p.up + kExtension;
+  const Turns turns = PlanTurns<T::kRows, kGroup, kKept>(p.rows, p.up, p.down);
+  const bool apart = turns.schedule == Schedule::kApart;
+  Sums kept[kKept];
+  for (int64_t begin = 0; begin < outputs; begin += turns.outputs) {
+    const int64_t end = std::min(begin + turns.outputs, outputs);
+    const int64_t first = p.Q(begin), span = p.Q(end - 1) - first;
+    for (int64_t r = 0; r < p.rows; r += turns.rows) {
+      const int64_t count = std::min(turns.rows, p.rows - r);
+      if (!apart) T::Lay(p.signal, from + first + r, step, valid, span + count, p.area);
+      Position position(p.offset + begin * p.down, p.up, p.down);
+      int64_t column = begin % p.up;
+      for (int64_t n = begin; n < end; n += kGroup) {
+        const PartOf<Tap>* x[kGroup];
+        for (int64_t i = 0; i < kGroup; ++i) {
+          const int64_t q = position.Q();
+          PartOf<Tap>* const own = p.area + static_cast<size_t>(apart ? i * turns.rows : q - first) * T::kRow;
+          if (apart) T::Lay(p.signal, from + q + r, step, valid, count, own);
+          x[i] = own;
+          if (n + i < outputs - 1) position.Next();  // phases beyond the period repeat the last one
         }
+        Sums sum, &before = kept[(n - begin) / kGroup % kKept];
+        Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { sum[k] = r == 0 ? hn::Zero(typename T::D()) : before[k]; });
+        T::Accumulate(x, p.taps + column + r * width, width, count, sum);
+        if (r + count == p.rows) T::Store(sum, dst + n, std::min(kGroup, outputs - n), valid, outputs);
+        else Unrolled<std::size(sum)>([&](size_t k) TZM_LAMBDA { before[k] = sum[k]; });
+        column = (column + kGroup) % p.up;
       }
     }
   }
-};
+}
 
 // `count` periods.
 template <class Tap, class Sample>
 void RunPeriods(const Periods<Tap, Sample>& p, int64_t from, int64_t count, Sample* dst) {
   constexpr size_t kVectors = hn::MaxLanes(Full<uint8_t>()) == 16 ? 4 : 2;  // chains that fill the pipelines
-  using Narrow = Tile<Tap, Sample, 1>;
-  using Wide = Tile<Tap, Sample, kVectors>;
-  for (int64_t k = 0; k < count; k += Wide::kPeriods) {
-    const int64_t valid = std::min(Wide::kPeriods, count - k);
-    const auto run = valid > Narrow::kPeriods ? Wide::Run : Narrow::Run;
+  constexpr int64_t kNarrow = Tile<Tap, Sample, 1>::kPeriods, kWide = Tile<Tap, Sample, kVectors>::kPeriods;
+  for (int64_t k = 0; k < count; k += kWide) {
+    const int64_t valid = std::min(kWide, count - k);
+    const auto run = valid > kNarrow ? RunTile<Tap, Sample, kVectors> : RunTile<Tap, Sample, 1>;
     run(p, from + k * p.factor * p.down, valid, dst + k * p.factor * p.up);
   }
 }

@@ -179,52 +179,66 @@ TZM_INLINE void TailOutput(const Orva32fc* taps, const Orva16sc* line, int32_t l
 
 // ---- Direct route ----
 
-// The line: T-1 samples from before the call, then those of the call. Behind it in the work block, where
-// the blocks need one, stands a copy in the form that they read: binary32, and complex parts apart.
+// The work block: the line, T-1 samples from before the call and those of the call, and behind it, where the blocks of
+// outputs read another form, its first samples again: in the taps' precision, the parts of complex ones apart.
+template <class Tap, class Sample>
+struct DirectArea {
+  Sample* line;
+  PartOf<Tap>*re, *im;           // of real samples re only
+  Orva16s *narrowRe, *narrowIm;  // complex 16-bit samples on the way there
+
+  DirectArea(Orva8u* work, int64_t lineLen, int64_t copied)
+      : line(reinterpret_cast<Sample*>(work)),
+        re(reinterpret_cast<PartOf<Tap>*>(work + RoundUp16(lineLen * int64_t{sizeof(Sample)}))),
+        im(re + copied),
+        narrowRe(reinterpret_cast<Orva16s*>(im + copied)),
+        narrowIm(narrowRe + copied) {}
+};
+
+// Its bytes for T + (longest call) samples, of whatever type a call has: at most a tap's size each in the line and in
+// the copy, and 15 taps more, as many as a block of 16 outputs may read ahead.
+template <class Tap>
+constexpr int64_t DirectBytes(int64_t samples) {
+  return RoundUp16((2 * samples + 15) * int64_t{sizeof(Tap)});
+}
+
 template <class Tap, class Sample>
 void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state, const Sample* delaySrc,
                Sample* delayDst) {
   const auto* const taps = static_cast<const Tap*>(state.taps);
-  const int32_t kept = state.tapsLen - 1, lineLen = kept + len;
-  auto* const line = reinterpret_cast<Sample*>(state.work);
+  const int32_t kept = state.tapsLen - 1, body = len - len % kBlock<Sample>, used = kept + body;
+  const DirectArea<Tap, Sample> area(state.work, int64_t{kept} + len, used);
+  Sample* const line = area.line;
   BeginLine(delaySrc, line, kept);
   Copy(src, line + kept, len);
 
-  const int32_t body = len - len % kBlock<Sample>;
-  const int32_t used = kept + body;
-  Orva8u* const behind = state.work + RoundUp16(int64_t{lineLen} * sizeof(Sample));
   PartOf<Sample>* const out = Reals(dst);
   if (body == 0) {
     // nothing but a tail
   } else if constexpr (std::is_same_v<Sample, Orva16s>) {
-    auto* const wide = reinterpret_cast<Orva32f*>(behind);
-    Copy(line, wide, used);
-    RealBlocks<1>(taps, state.tapsLen, wide, body,
+    Copy(line, area.re, used);
+    RealBlocks<1>(taps, state.tapsLen, area.re, body,
                   [=](auto, size_t n, auto sum) TZM_LAMBDA { StoreRounded(sum, out + n); });
   } else if constexpr (!kIsComplex<Tap>) {
     constexpr size_t kStride = kIsComplex<Sample> ? 2 : 1;
     RealBlocks<kStride>(taps, state.tapsLen, Reals(line), kStride * body,
                         [=](auto d, size_t n, auto sum) TZM_LAMBDA { hn::StoreU(sum, d, out + n); });
   } else if constexpr (std::is_same_v<Sample, Orva16sc>) {
-    auto* const re = reinterpret_cast<Orva32f*>(behind);
-    Orva32f* const im = re + used;
-    auto* const narrowRe = reinterpret_cast<Orva16s*>(im + used);
-    Orva16s* const narrowIm = narrowRe + used;
-    Split(line, narrowRe, narrowIm, used);
-    Copy(narrowRe, re, used);
-    Copy(narrowIm, im, used);
-    ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
+    Split(line, area.narrowRe, area.narrowIm, used);
+    Copy(area.narrowRe, area.re, used);
+    Copy(area.narrowIm, area.im, used);
+    const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       const hn::Rebind<Orva16s, decltype(d)> narrow;
       const auto part = [=](auto sum) TZM_LAMBDA { return hn::DemoteTo(narrow, RoundFor<Orva16s>(sum)); };
       hn::StoreInterleaved2(part(sumRe), part(sumIm), narrow, out + 2 * n);
-    });
+    };
+    ComplexBlocks(taps, state.tapsLen, area.re, area.im, body, store);
   } else {
-    auto* const re = reinterpret_cast<PartOf<Sample>*>(behind);
-    PartOf<Sample>* const im = re + used;
-    Split(line, re, im, used);
-    ComplexBlocks(taps, state.tapsLen, re, im, body, [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
+    Split(line, area.re, area.im, used);
+    const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       hn::StoreInterleaved2(sumRe, sumIm, d, out + 2 * n);
-    });
+    };
+    ComplexBlocks(taps, state.tapsLen, area.re, area.im, body, store);
   }
   for (int32_t n = body; n < len; ++n) TailOutput(taps, line + n, state.tapsLen, dst + n);
   if (delayDst != nullptr) Copy(line + len, delayDst, kept);
@@ -338,22 +352,17 @@ OrvaStatus Release(FIRSRState* state) {
   return ORVA_STS_NO_ERR;
 }
 
-// Bytes of the direct route's line for T + maxLen = `samples`.
-template <class Tap>
-constexpr int64_t DirectBytes(int64_t samples) {
-  if constexpr (sizeof(Tap) == 4) return (8 * samples + 75) / 16 * 16;
-  else if constexpr (sizeof(Tap) == 8) return 16 * samples + 128;
-  else return 32 * samples + 240;
-}
-
 template <class Tap, class Sample>
 OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, FIRSRState** stateOut) {
   using F = Fft<PartOf<Sample>>;
   using Complex = typename F::Complex;
   constexpr bool kComplex = kIsComplex<Sample>;
+  // By length, the direct route serves so many taps, however long the calls, and calls so long, whatever the taps.
   constexpr int32_t kMostDirectTaps = kComplex ? 31 : 95, kMostDirectLen = 5119;
-  constexpr int64_t kMostPoints = sizeof(PartOf<Sample>) == 4 ? 44739241 : 22369620;
   constexpr int64_t kMostBytes = std::numeric_limits<int32_t>::max();
+  // Six complex values a point beside a record of 64 bytes.
+  constexpr int64_t kMostPoints = (kMostBytes - 64) / int64_t{6 * sizeof(Complex)};
+  static_assert(kMostPoints == (sizeof(Complex) == 8 ? 44739241 : 22369620));
 
   if (OrvaStatus status = CheckPointers(taps, stateOut)) return status;
   if (tapsLen < 1) return ORVA_STS_SIZE_ERR;

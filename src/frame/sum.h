@@ -12,11 +12,11 @@ namespace tzm {
 // The lanes of a complex sum: as many of each part.
 template <class Lanes>
 struct ComplexLanes {
-  using Element = typename Lanes::Element;
-  static constexpr size_t kLanes = Lanes::kLanes;
+  using D = typename Lanes::D;
+  static constexpr size_t kWidth = Lanes::kWidth, kRegisters = Lanes::kRegisters;
   Lanes re, im;
 
-  static TZM_INLINE ComplexLanes Set(Element value) { return {Lanes::Set(value), Lanes::Set(value)}; }
+  static TZM_INLINE ComplexLanes Set(hn::TFromD<D> value) { return {Lanes::Set(value), Lanes::Set(value)}; }
 };
 
 // How lanes become one sum. The halves of the lanes first: of four (l0+l2) + (l1+l3), and +0 onto that, so that no sum
@@ -26,7 +26,7 @@ struct HalvesFirst {
   TZM_INLINE T operator()(const LaneArray<T, kLanes>& lanes) const { return lanes.FoldHalves() + T(0); }
   template <class Lanes>
   TZM_INLINE auto operator()(const ComplexLanes<Lanes>& lanes) const {
-    return Complex<typename Lanes::Element>{operator()(lanes.re), operator()(lanes.im)};
+    return Complex<hn::TFromD<typename Lanes::D>>{operator()(lanes.re), operator()(lanes.im)};
   }
 };
 // Neighbours first: of four (l0+l1) + (l2+l3). Interleaved lanes hold kParts parts, each with a sum of its own.
@@ -50,12 +50,12 @@ struct HalvesThenNeighbours {
 template <class SumLanes, size_t kStep, class Fold>
 struct OrderedSum {
   using Lanes = SumLanes;
-  using Element = typename Lanes::Element;
-  static constexpr size_t kBlock = kStep;
+  using Element = hn::TFromD<typename Lanes::D>;
+  static constexpr size_t kLanes = Lanes::kRegisters * Lanes::kWidth, kBlock = kStep;
 
   // step(i, lanes) adds kAtOnce elements from i on, tail(i, sum) the element i. Lanes start at +0: sums of anything but
   // products that underflow never become -0 there.
-  template <size_t kAtOnce = Lanes::kLanes, class Step, class Tail>
+  template <size_t kAtOnce = kLanes, class Step, class Tail>
   static TZM_INLINE auto Of(size_t len, Step&& step, Tail&& tail, Element start = 0) {
     constexpr size_t kTurn = HWY_MAX(kStep, 4 * kAtOnce);
     static_assert(kTurn % kStep == 0 && kStep % kAtOnce == 0);
@@ -74,7 +74,7 @@ struct OrderedSum {
 // Elements in lanes of their own type or of a wider one.
 template <class Lanes, class T>
 TZM_INLINE Lanes LoadLanes(const T* from) {
-  using Element = typename Lanes::Element;
+  using Element = hn::TFromD<typename Lanes::D>;
   if constexpr (std::is_same_v<T, Element>) {
     return Lanes::Load(from);
   } else if constexpr (std::is_same_v<Element, float>) {
@@ -101,7 +101,7 @@ struct ZeroFilled {
 // at most kSteps of them and at the end: an exact integer reduction keeps narrow lanes in step and empties them into
 // wide ones in flush.
 template <size_t kStep, size_t kSteps = size_t{1} << 32, class Step, class Flush, class... T>
-TZM_INLINE void ForSteps(size_t len, Step&& step, Flush&& flush, const T*... arrays) {
+TZM_INLINE void ReduceSteps(size_t len, Step&& step, Flush&& flush, const T*... arrays) {
   for (size_t i = 0; i < len;) {
     const size_t end = HWY_MIN(len, i + kSteps * kStep);
     for (; end - i >= 2 * kStep; i += 2 * kStep) {
@@ -123,9 +123,9 @@ TZM_INLINE void ForSteps(size_t len, Step&& step, Flush&& flush, const T*... arr
 
 // The same with step(one register from each array).
 template <size_t kSteps = size_t{1} << 32, class Step, class Flush, class T, class... More>
-TZM_INLINE void ForRegisters(size_t len, Step&& step, Flush&& flush, const T* array, const More*... more) {
+TZM_INLINE void ReduceRegisters(size_t len, Step&& step, Flush&& flush, const T* array, const More*... more) {
   const Full<T> d;
-  ForSteps<hn::MaxLanes(d), kSteps>(len, [&](const T* from, const More*... others) TZM_LAMBDA {
+  ReduceSteps<hn::MaxLanes(d), kSteps>(len, [&](const T* from, const More*... others) TZM_LAMBDA {
     step(hn::LoadU(d, from), hn::LoadU(d, others)...);
   }, flush, array, more...);
 }

@@ -34,9 +34,9 @@ TZM_INLINE void ForEachRegister(const T* src, const Orva8u* nulls, size_t len, A
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
   if (nulls == nullptr) {
-    ForSteps<kLanes>(len, [&](const T* from) TZM_LAMBDA { add(hn::LoadU(d, from)); }, [] {}, src);
+    ReduceSteps<kLanes>(len, [&](const T* from) TZM_LAMBDA { add(hn::LoadU(d, from)); }, [] {}, src);
   } else {
-    ForSteps<kLanes>(
+    ReduceSteps<kLanes>(
         len, [&](const T* from, const Orva8u* mask) TZM_LAMBDA { add(hn::And(hn::LoadU(d, from), Present(d, mask))); },
         [] {}, src, nulls);
   }
@@ -47,7 +47,7 @@ uint64_t CountPresent(const Orva8u* nulls, size_t len) {
   const Full<uint8_t> d;
   const hn::Repartition<uint64_t, decltype(d)> d64;
   auto counts = hn::Zero(d64);  // of nulls
-  ForRegisters(
+  ReduceRegisters(
       len,
       [&](auto bytes) TZM_LAMBDA {
         const auto present = hn::VecFromMask(d, hn::Eq(bytes, hn::Zero(d)));
@@ -186,11 +186,11 @@ void AddRows(const OrvaDecimal128* src, const Orva8u* nulls, size_t len, Decimal
     add(present(lo), present(hi));
   };
   if (nulls == nullptr) {
-    ForSteps<kLanes>(
+    ReduceSteps<kLanes>(
         len, [&](const OrvaDecimal128* from) TZM_LAMBDA { addFrom(from, [](auto v) TZM_LAMBDA { return v; }); }, [] {},
         src);
   } else {
-    ForSteps<kLanes>(
+    ReduceSteps<kLanes>(
         len,
         [&](const OrvaDecimal128* from, const Orva8u* mask) TZM_LAMBDA {
           const auto present = hn::BitCast(d, Present(di, mask));

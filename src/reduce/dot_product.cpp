@@ -84,7 +84,7 @@ auto WideComplexDot(const Orva32fc* a, const Orva32fc* b, size_t len) {
 // The parts of complex samples in lanes of their own type or of a wider one.
 template <class Part, class T>
 TZM_INLINE void LoadComplexLanes(const T* from, Part& re, Part& im) {
-  using Narrow = LaneArray<T, Part::kLanes>;
+  using Narrow = LaneArray<T, Part::kWidth>;
   if constexpr (std::is_same_v<Narrow, Part>) {
     Part::LoadComplex(from, re, im);
   } else {
@@ -128,7 +128,7 @@ double Steps16(const Orva16s* a, const Orva16s* b, size_t body) {
   constexpr size_t kExact = kStep16 << 21;
   const size_t exact = HWY_MIN(body, kExact);
   ProductSums16 sums;
-  ForRegisters(exact, [&](auto va, auto vb) TZM_LAMBDA { sums.Add(va, vb); }, [] {}, a, b);
+  ReduceRegisters(exact, [&](auto va, auto vb) TZM_LAMBDA { sums.Add(va, vb); }, [] {}, a, b);
   double lane[2] = {static_cast<double>(sums.Lane(0)), static_cast<double>(sums.Lane(1))};
   for (size_t i = exact; i < body; i += kStep16) {
     int64_t add[2] = {0, 0};
@@ -194,7 +194,7 @@ Complex<int64_t> IntegerComplexDot(const A* a, const Orva16sc* b, size_t len) {
   const hn::Repartition<uint32_t, decltype(d)> d32;
   const auto real = hn::BitCast(d, hn::Set(d32, 0x0000ffff));
   ProductSums16 reSum, imSum, crossed;  // of br, of bi, and of both with the parts of `a` exchanged
-  ForSteps<hn::MaxLanes(d) / 2>(
+  ReduceSteps<hn::MaxLanes(d) / 2>(
       len,
       [&](const A* x, const Orva16sc* y) TZM_LAMBDA {
         const auto vb = hn::LoadU(d, Parts(y));

@@ -229,7 +229,7 @@ template <class... T>
 int32_t IntegerMaximum(size_t len, const T*... src) {
   const Full<uint16_t> d;
   auto best = hn::Zero(d), other = best;
-  ForRegisters(
+  ReduceRegisters(
       len,
       [&](auto... v) TZM_LAMBDA {
         const auto next = hn::Max(other, Magnitudes(v...));  // two maxima in turn: half the latency
@@ -245,7 +245,7 @@ int64_t IntegerMagnitudeSum(size_t len, const T*... src) {
   const auto zero = hn::Zero(Full<uint32_t>());
   auto pairs = zero;
   uint64_t sum = 0;
-  ForRegisters<kPairSums>(
+  ReduceRegisters<kPairSums>(
       len, [&](auto... v) TZM_LAMBDA { pairs = AddPairs(pairs, Magnitudes(v...)); },
       [&]() TZM_LAMBDA {
         sum += WideSum(pairs);
@@ -257,7 +257,7 @@ int64_t IntegerMagnitudeSum(size_t len, const T*... src) {
 
 int64_t IntegerSquareSum(size_t len, const Orva16s* src) {
   ProductSums16 squares;
-  ForRegisters(len, [&](auto v) TZM_LAMBDA { squares.Add(v, v); }, [] {}, src);
+  ReduceRegisters(len, [&](auto v) TZM_LAMBDA { squares.Add(v, v); }, [] {}, src);
   return squares.Lane(0) + squares.Lane(1);
 }
 
@@ -269,7 +269,7 @@ int64_t IntegerSquareSum(size_t len, const Orva16s* src1, const Orva16s* src2) {
   ProductSums16 squares;
   auto pairs = zero;
   int64_t shifted = 0;
-  ForRegisters<kPairSums>(
+  ReduceRegisters<kPairSums>(
       len,
       [&](auto a, auto b) TZM_LAMBDA {
         const auto s = hn::Xor(hn::BitCast(d, Magnitudes(a, b)), hn::Set(d, std::numeric_limits<int16_t>::min()));

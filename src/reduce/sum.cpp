@@ -34,7 +34,7 @@ template <class Order, class T, class Map = Keep>
 auto LaneSum(const T* src, size_t len, Map map = {}, typename Order::Element start = 0) {
   using Lanes = typename Order::Lanes;
   using Sum = typename Order::Element;
-  return Order::template Of<Lanes::kLanes / kParts<T>>(
+  return Order::template Of<Order::kLanes / kParts<T>>(
       len, [=](size_t i, Lanes& sum) TZM_LAMBDA { sum = sum + map(LoadLanes<Lanes>(Reals(src + i))); },
       [=](size_t i, auto& sum) TZM_LAMBDA {
         const T x = LoadElement(src + i);
@@ -47,10 +47,10 @@ auto LaneSum(const T* src, size_t len, Map map = {}, typename Order::Element sta
 // Two lanes of complex numbers: of each 8 samples, lane 0 takes 0 and 1 before and 4 and 5 after its
 // sum so far, lane 1 the others.
 struct TwoNumbers {
-  using Element = double;
   using Number = LaneArray<double, 2>;
-  static constexpr size_t kLanes = 2;
-  Number lane[kLanes];
+  using D = Number::D;
+  static constexpr size_t kWidth = 2, kRegisters = 1;
+  Number lane[2];
 
   static TZM_INLINE TwoNumbers Set(double value) { return {{Number::Set(value), Number::Set(value)}}; }
 };
@@ -87,7 +87,7 @@ int64_t IntegerSum(const Orva16s* src, size_t len) {
   const auto zero = hn::Zero(Full<int32_t>());
   auto pairs = zero;
   int64_t sum = 0;
-  ForRegisters<kPairSums>(
+  ReduceRegisters<kPairSums>(
       len, [&](auto v) TZM_LAMBDA { pairs = AddPairs(pairs, v); },
       [&]() TZM_LAMBDA {
         sum += WideSum(pairs);
@@ -103,7 +103,7 @@ Complex<int64_t> IntegerSum(const Orva16sc* src, size_t len) {
   const auto zero = hn::Zero(d);
   auto pairs = zero, imaginary = zero;
   int64_t both = 0, im = 0;
-  ForRegisters<kPairSums>(
+  ReduceRegisters<kPairSums>(
       2 * len,
       [&](auto v) TZM_LAMBDA {
         pairs = AddPairs(pairs, v);
@@ -121,7 +121,7 @@ Complex<int64_t> IntegerSum(const Orva16sc* src, size_t len) {
 int64_t IntegerSum(const Orva32s* src, size_t len) {
   const Full<int64_t> d;
   auto low = hn::Zero(d), high = low;
-  ForSteps<2 * hn::MaxLanes(d)>(
+  ReduceSteps<2 * hn::MaxLanes(d)>(
       len,
       [&](const Orva32s* from) TZM_LAMBDA {
         const auto v = LoadWidened(d, from);

@@ -9,8 +9,6 @@ namespace tzm {
 // this type: a wider register holds more of them at once and never changes the order.
 template <class T, size_t N>
 struct LaneArray {
-  using Element = T;
-  static constexpr size_t kLanes = N;
   using D = hn::CappedTag<T, N>;
   static constexpr size_t kWidth = hn::MaxLanes(D());
   static constexpr size_t kRegisters = N / kWidth;
