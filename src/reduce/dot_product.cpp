@@ -84,7 +84,7 @@ auto WideComplexDot(const Orva32fc* a, const Orva32fc* b, size_t len) {
 // The parts of complex samples in lanes of their own type or of a wider one.
 template <class Part, class T>
 TZM_INLINE void LoadComplexLanes(const T* from, Part& re, Part& im) {
-  using Narrow = LaneArray<T, Part::kWidth>;
+  using Narrow = LaneArray<T, Part::kRegisters * Part::kWidth>;
   if constexpr (std::is_same_v<Narrow, Part>) {
     Part::LoadComplex(from, re, im);
   } else {

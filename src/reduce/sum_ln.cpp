@@ -26,9 +26,8 @@ constexpr double TableLn(unsigned i) {
 }
 constexpr double kLn2 = TableLn(256);
 
-// Row i holds the logarithm and the reciprocal of head = 1 + i/256, and what the remainder is shifted
-// by. The last row stands for 2, so that a fraction just below 2 is reduced about 2 and leaves a small
-// remainder on both sides of 0.
+// Row i holds the logarithm and the reciprocal of head = 1 + i/256. The last row stands for 2: a fraction
+// just below 2 is reduced about 2, its remainder shifted by kOffset[1] to small values on both sides of 0.
 struct Row {
   double lnHead, recipHead;
 };
@@ -59,9 +58,8 @@ struct Reduced {
   float offset;
   double head;  // exponent * ln 2 + lnHead
 };
-// What exponent and top 8 bits of the fraction say. The exponent is that of an unsigned number: for a sample below 1
-// it wraps to 2^32 less a little.
-// Callers rely on the values that result.
+// What exponent and top 8 bits of the fraction say. The exponent deliberately counts as an unsigned number: for a
+// sample below 1 it wraps to 2^32 less a little.
 TZM_INLINE Reduced Reduce(uint32_t exponent, unsigned i) {
   const Row row = kTable.row[i];
   return {row.recipHead, kOffset[i == kRows - 1], Fma(double(exponent), kLn2, row.lnHead)};
@@ -104,7 +102,7 @@ template <class Sum, class Src, class Ln>
 OrvaStatus SumLn(const Src* src, int32_t len, Sum* result, Ln ln) {
   OrvaStatus status = ORVA_STS_NO_ERR;
   Sum sum = 0;
-  for (int32_t i = 0; i < len; ++i) {
+  for (size_t i = 0, count = static_cast<size_t>(len); i < count; ++i) {
     const Src x = LoadElement(src + i);
     if (x == 0) {
       sum += -std::numeric_limits<Sum>::infinity();
@@ -124,12 +122,12 @@ OrvaStatus SumLn(const Src* src, int32_t len, Sum* result, Ln ln) {
 
 OrvaStatus ORVAS_SumLn_32f(const Orva32f* src, int32_t len, Orva32f* sum) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  return SumLn(src, len, sum, [=](int32_t i) TZM_LAMBDA { return Ln32<Remainder::kTwice>(LoadElement(src + i)); });
+  return SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA { return Ln32<Remainder::kTwice>(LoadElement(src + i)); });
 }
 
 OrvaStatus ORVAS_SumLn_64f(const Orva64f* src, int32_t len, Orva64f* sum) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  return SumLn(src, len, sum, [=](int32_t i) TZM_LAMBDA { return Ln64(LoadElement(src + i)); });
+  return SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA { return Ln64(LoadElement(src + i)); });
 }
 
 OrvaStatus ORVAS_SumLn_32f64f(const Orva32f* src, int32_t len, Orva64f* sum) {
@@ -139,12 +137,12 @@ OrvaStatus ORVAS_SumLn_32f64f(const Orva32f* src, int32_t len, Orva64f* sum) {
   // The one failure after which the block stays behind, as this member's contract has it.
   if (OrvaStatus status = ORVAS_Convert_32f64f(src, wide, len)) return status;
   const OrvaStatus status =
-      SumLn(src, len, sum, [=](int32_t i) TZM_LAMBDA { return Reduce64(Bits<uint64_t>(LoadElement(wide + i))).head; });
+      SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA { return Reduce64(Bits<uint64_t>(LoadElement(wide + i))).head; });
   ORVAS_Free(wide);
   return status;
 }
 
 OrvaStatus ORVAS_SumLn_16s32f(const Orva16s* src, int32_t len, Orva32f* sum) {
   if (OrvaStatus status = CheckArrays(len, src, sum)) return status;
-  return SumLn(src, len, sum, [=](int32_t i) TZM_LAMBDA { return Ln32<Remainder::kOnce>(LoadElement(src + i)); });
+  return SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA { return Ln32<Remainder::kOnce>(LoadElement(src + i)); });
 }
