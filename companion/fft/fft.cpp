@@ -23,7 +23,7 @@ constexpr size_t kThreadedPoints = size_t{1} << 15;
 constexpr int kIdlePlans = 32;
 constexpr int64_t kIdlePoints = int64_t{1} << 20;
 
-constexpr size_t kStackBytes = 8192;  // for the work area of a short transform
+constexpr size_t kStackBytes = 12288;  // for the work area of a short transform
 
 constinit Helpers helpers;
 
@@ -32,30 +32,34 @@ constinit Helpers helpers;
 class WorkAreas {
  public:
   explicit WorkAreas(size_t bytes) : bytes_(bytes) {
-    if (bytes_ > kStackBytes) free_ = new (operator new(bytes_, std::align_val_t(kLine))) Area{nullptr};
+    if (bytes_ > kStackBytes) ready_ = new (operator new(bytes_, std::align_val_t(kLine))) Area{nullptr};
   }
   ~WorkAreas() {
-    while (free_ != nullptr) operator delete(std::exchange(free_, free_->next), std::align_val_t(kLine));
+    operator delete(ready_, std::align_val_t(kLine));
+    while (more_ != nullptr) operator delete(std::exchange(more_, more_->next), std::align_val_t(kLine));
   }
   WorkAreas(const WorkAreas&) = delete;
 
   size_t bytes() const { return bytes_; }
   void* Take() {
+    if (Area* area = ready_.exchange(nullptr)) return area;
+    ++waiting_;
     for (;;) {
       const int returned = returned_;
-      {
-        const std::lock_guard guard(lock_);
-        if (free_ != nullptr) return std::exchange(free_, free_->next);
-      }
-      if (void* area = operator new(bytes_, std::align_val_t(kLine), std::nothrow)) return area;
+      if (Area* area = TakeMore()) return --waiting_, area;
+      if (void* area = operator new(bytes_, std::align_val_t(kLine), std::nothrow)) return --waiting_, area;
       returned_.wait(returned);
     }
   }
   void Give(void* area) {
-    {
+    Area* const given = new (area) Area{nullptr};
+    Area* none = nullptr;
+    if (!ready_.compare_exchange_strong(none, given)) {
       const std::lock_guard guard(lock_);
-      free_ = new (area) Area{free_};
+      given->next = more_;
+      more_ = given;
     }
+    if (waiting_ == 0) return;
     ++returned_;
     returned_.notify_one();
   }
@@ -64,10 +68,17 @@ class WorkAreas {
   struct Area {
     Area* next;
   };
+  Area* TakeMore() {
+    if (Area* area = ready_.exchange(nullptr)) return area;
+    const std::lock_guard guard(lock_);
+    return more_ == nullptr ? nullptr : std::exchange(more_, more_->next);
+  }
+
   size_t bytes_;
+  std::atomic<Area*> ready_ = nullptr;  // one of them, for a run that is alone
+  std::atomic<int> waiting_ = 0, returned_ = 0;
   std::mutex lock_;
-  std::atomic<int> returned_ = 0;
-  Area* free_ = nullptr;
+  Area* more_ = nullptr;  // the others that nobody has
 };
 
 enum class Kind { kComplex, kReal, kShape };
@@ -100,7 +111,7 @@ struct Record {
       : kind(Kind::kShape), points(0), threads(1), shape(std::move(transform)), areas(shape->Scratch() * sizeof(T)) {}
 
   // Runs work(scratch).
-  void WithScratch(auto work) const {
+  [[gnu::noinline]] void WithScratch(auto work) const {
     if (areas.bytes() <= kStackBytes) return OnStack(work);
     void* const area = areas.Take();
     work(static_cast<T*>(area));
@@ -218,28 +229,33 @@ void DestroyPlan(typename Record<T>::Plan* plan) {
 }
 
 template <class T>
+void RunComplex(const Record<T>& record, const View<const T>& in, const View<T>& out) {
+  if (record.areas.bytes() == 0) return record.complex->Run(in, out, nullptr, helpers);  // the shortest, at once
+  record.WithScratch([&](T* scratch) { record.complex->Run(in, out, scratch, helpers); });
+}
+template <class T>
 void Execute(const typename Record<T>::Plan& plan, const T* in, T* out) {
   const Form form = plan.exchanged ? Form::kExchanged : Form::kPairs;
-  plan.record->WithScratch([&](T* scratch) {
-    plan.record->complex->Run({form, in, nullptr}, {form, out, nullptr}, scratch, helpers);
-  });
+  RunComplex<T>(*plan.record, {form, in, nullptr}, {form, out, nullptr});
 }
 template <class T>
 void ExecuteForward(const typename Record<T>::Plan& plan, const T* in, T* out) {
-  plan.record->WithScratch([&](T* scratch) { plan.record->real->Forward(in, out, scratch, helpers); });
+  const Record<T>& record = *plan.record;
+  if (record.areas.bytes() == 0) return record.real->Forward(in, out, nullptr, helpers);
+  record.WithScratch([&](T* scratch) { record.real->Forward(in, out, scratch, helpers); });
 }
 template <class T>
 void ExecuteInverse(const typename Record<T>::Plan& plan, const T* in, T* out) {
-  plan.record->WithScratch([&](T* scratch) { plan.record->real->Inverse(in, out, scratch, helpers); });
+  const Record<T>& record = *plan.record;
+  if (record.areas.bytes() == 0) return record.real->Inverse(in, out, nullptr, helpers);
+  record.WithScratch([&](T* scratch) { record.real->Inverse(in, out, scratch, helpers); });
 }
 template <class T>
 void ExecuteSplit(const typename Record<T>::Plan& plan, const T* ri, const T* ii, T* ro, T* io) {
   const View<const T> in = {Form::kSplit, ri, ii};
   const View<T> out = {Form::kSplit, ro, io};
-  plan.record->WithScratch([&](T* scratch) {
-    if (plan.record->kind == Kind::kShape) plan.record->shape->Run(in, out, scratch, helpers);
-    else plan.record->complex->Run(in, out, scratch, helpers);
-  });
+  if (plan.record->kind != Kind::kShape) return RunComplex<T>(*plan.record, in, out);
+  plan.record->WithScratch([&](T* scratch) { plan.record->shape->Run(in, out, scratch, helpers); });
 }
 
 template <class T>

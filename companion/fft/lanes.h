@@ -176,15 +176,49 @@ TZM_INLINE void TransposeParts(D d, Vec<D>* x) {
   }
 }
 
+#if HWY_TARGET <= HWY_AVX3
+// The even and the odd 128-bit parts of two registers.
+template <class V>
+TZM_INLINE V EvenParts(V a, V b) {
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V{_mm512_shuffle_f32x4(a.raw, b.raw, 0x88)};
+  else return V{_mm512_shuffle_f64x2(a.raw, b.raw, 0x88)};
+}
+template <class V>
+TZM_INLINE V OddParts(V a, V b) {
+  if constexpr (sizeof(hn::TFromV<V>) == 4) return V{_mm512_shuffle_f32x4(a.raw, b.raw, 0xdd)};
+  else return V{_mm512_shuffle_f64x2(a.raw, b.raw, 0xdd)};
+}
+#endif
+
+// Rows become columns in V registers.
+template <class D>
+TZM_INLINE void Transpose(D d, Vec<D>* x) {
+  constexpr size_t kLane = kLanes<D>, kPart = 16 / sizeof(hn::TFromD<D>);
+  TransposeParts(d, x);
+  if constexpr (kLane == 2 * kPart) Unrolled<kPart>([&](auto i) TZM_LAMBDA {
+    const auto low = hn::ConcatLowerLower(d, x[i + kPart], x[i]);
+    x[i + kPart] = hn::ConcatUpperUpper(d, x[i + kPart], x[i]);
+    x[i] = low;
+  });
+#if HWY_TARGET <= HWY_AVX3
+  if constexpr (kLane == 4 * kPart) Unrolled<kPart>([&](auto i) TZM_LAMBDA {
+    const auto a = EvenParts(x[i], x[i + kPart]), c = EvenParts(x[i + 2 * kPart], x[i + 3 * kPart]);
+    const auto b = OddParts(x[i], x[i + kPart]), e = OddParts(x[i + 2 * kPart], x[i + 3 * kPart]);
+    x[i] = EvenParts(a, c);
+    x[i + kPart] = EvenParts(b, e);
+    x[i + 2 * kPart] = OddParts(a, c);
+    x[i + 3 * kPart] = OddParts(b, e);
+  });
+#endif
+}
+
 // Stores V registers as columns: lane t of x[k] goes to element k of the register at to + InOrder(t) * step.
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreTransposed(D d, Vec<D>* x, T* to, size_t step) {
   constexpr size_t kLane = kLanes<D>, kPart = 16 / sizeof(T);
-  TransposeParts(d, x);
   const auto place = [=](size_t t) TZM_LAMBDA { return to + InOrder<D>(t) * step; };
-  if constexpr (kLane <= kPart) {
-    Unrolled<kLane>([&](auto t) TZM_LAMBDA { hn::StoreU(x[t], d, place(t)); });
-  } else if constexpr (kLane == 2 * kPart) {  // by halves, which costs no shuffle
+  if constexpr (kLane == 2 * kPart) {  // by halves, which costs no shuffle
+    TransposeParts(d, x);
     const hn::Half<D> half;
     Unrolled<kLane>([&](auto t) TZM_LAMBDA {
       constexpr size_t kRow = t % kPart, kHalf = t / kPart * kPart;
@@ -192,24 +226,8 @@ TZM_INLINE void StoreTransposed(D d, Vec<D>* x, T* to, size_t step) {
       hn::StoreU(hn::UpperHalf(half, x[t]), half, place(kRow + kPart) + kHalf);
     });
   } else {
-#if HWY_TARGET <= HWY_AVX3
-    const auto even = [](Vec<D> a, Vec<D> b) TZM_LAMBDA {
-      if constexpr (sizeof(T) == 4) return Vec<D>{_mm512_shuffle_f32x4(a.raw, b.raw, 0x88)};
-      else return Vec<D>{_mm512_shuffle_f64x2(a.raw, b.raw, 0x88)};
-    };
-    const auto odd = [](Vec<D> a, Vec<D> b) TZM_LAMBDA {
-      if constexpr (sizeof(T) == 4) return Vec<D>{_mm512_shuffle_f32x4(a.raw, b.raw, 0xdd)};
-      else return Vec<D>{_mm512_shuffle_f64x2(a.raw, b.raw, 0xdd)};
-    };
-    Unrolled<kPart>([&](auto i) TZM_LAMBDA {  // the four parts of four registers, as rows to columns
-      const auto a = even(x[i], x[i + kPart]), c = even(x[i + 2 * kPart], x[i + 3 * kPart]);
-      const auto b = odd(x[i], x[i + kPart]), e = odd(x[i + 2 * kPart], x[i + 3 * kPart]);
-      hn::StoreU(even(a, c), d, place(i));
-      hn::StoreU(even(b, e), d, place(i + kPart));
-      hn::StoreU(odd(a, c), d, place(i + 2 * kPart));
-      hn::StoreU(odd(b, e), d, place(i + 3 * kPart));
-    });
-#endif
+    Transpose(d, x);
+    Unrolled<kLane>([&](auto t) TZM_LAMBDA { hn::StoreU(x[t], d, place(t)); });
   }
 }
 

@@ -73,7 +73,7 @@ class Matrix final : public Complex<T> {
     n2_ = n / n1_;
     blocks_ = (n1_ + kLane - 1) / kLane;
     strips_ = (n2_ + kLane - 1) / kLane;
-    part_ = n2_ * kNumber + kPad;
+    part_ = std::max(n2_, kLane) * kNumber + kPad;
     if (!IsFused()) for (size_t radix : Radices(n1_, true)) columnSteps_.push_back({radix, 0});
     for (size_t radix : Radices(n2_, false)) rowSteps_.push_back({radix, 0});
     Tabulate(Roots<T>(n));
@@ -208,7 +208,15 @@ class Matrix final : public Complex<T> {
   // Arrays of which V numbers can be read from anywhere.
   View<const T> Widened(const View<const T>& in, T* to) const {
     T *const re = to, *const im = to + n_ + kLane;
-    for (size_t k = 0; k < n_; ++k) {
+    const D d;
+    size_t whole = 0;
+    for (; whole + kLane <= n_; whole += kLane) {
+      Cx<D> x;
+      LoadUser<1>(d, in, &x, [=](auto) { return whole; });
+      hn::StoreU(ToMemory(d, x.re), d, re + whole);
+      hn::StoreU(ToMemory(d, x.im), d, im + whole);
+    }
+    for (size_t k = whole; k < n_; ++k) {
       const Number<T> x = in.Get(k);
       re[k] = x.re;
       im[k] = x.im;
@@ -283,13 +291,7 @@ class Matrix final : public Complex<T> {
             const size_t k = std::min(BlockStart(block) + InOrder<D>(t), n1_ - 1);
             y[t] = hn::LoadU(d, a + k * row + q * kNumber + half * kLane);
           });
-          if (n2_ >= kLane) {
-            StoreTransposed(d, y, to + half * kLane, kNumber);
-          } else {
-            HWY_ALIGN T columns[kLane * kLane];
-            StoreTransposed(d, y, columns, kLane);
-            for (size_t j = 0; j < n2_; ++j) hn::StoreU(hn::Load(d, columns + j * kLane), d, to + j * kNumber + half * kLane);
-          }
+          StoreTransposed(d, y, to + half * kLane, kNumber);  // there is room for V columns
         });
       }
     }
@@ -340,7 +342,8 @@ class Matrix final : public Complex<T> {
                                         [&](const auto& other) { return other.p() == step.radix; });
         PassPrime<kKind>(d, *prime, in, out, shape, twiddles, work);
       } else {
-        Pass<Levels, kKind>(d, in, out, shape, twiddles);
+        constexpr bool kMiddle = kKind == Twiddles::kLanes && std::is_pointer_v<std::remove_cvref_t<decltype(out)>>;
+        Pass<Levels, kKind, !kMiddle>(d, in, out, shape, twiddles);
       }
     });
   }

@@ -205,30 +205,29 @@ TZM_INLINE void Store(D d, const View<T>& to, const Cx<D>* x, auto at) {
   StoreUser<N>(d, to, x, at);
 }
 
-// One pass of the levels that `Levels` stands for.
-template <class Levels, Twiddles kKind, class D, class T = hn::TFromD<D>>
+// One pass of the levels that `Levels` stands for. Middle passes along rows have one group.
+template <class Levels, Twiddles kKind, bool kGrouped, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geometry, const T* twiddles) {
   constexpr size_t kRadix = Levels::kRadix;
   const Geometry g = geometry;
   const auto source = in;
   const auto target = out;
+  const size_t inPoint = g.count * g.inRow;
   for (size_t p = 0; p < g.count; ++p) {
     const T* w = twiddles;
-    for (size_t k = 0; k < g.steps; ++k) {
-      const size_t from = p * g.inRow + k * g.inStep, to = p * kRadix * g.outRow + k * g.outStep;
-      for (size_t b = 0; b < g.groups; ++b) {
+    size_t from = p * g.inRow, to = p * kRadix * g.outRow;
+    for (size_t k = 0; k < g.steps; ++k, from += g.inStep, to += g.outStep) {
+      for (size_t b = 0; b < (kGrouped ? g.groups : 1); ++b) {
+        const size_t fromGroup = from + b * g.inGroup, toGroup = to + b * g.outGroup;
+        const T* const v = w + b * g.twiddleGroup;
         Cx<D> x[kRadix];
-        Load<kRadix>(d, source, x, [&](auto i) TZM_LAMBDA {
-          return from + Levels::From(i) * g.count * g.inRow + b * g.inGroup;
-        });
+        Load<kRadix>(d, source, x, [&](auto i) TZM_LAMBDA { return fromGroup + Levels::From(i) * inPoint; });
         if constexpr (kKind == Twiddles::kNone) Levels::First(d, x);
         else if constexpr (kKind == Twiddles::kShared) Levels::Next(d, x, [&](size_t q) TZM_LAMBDA {
           return Cx<D>{hn::Set(d, w[2 * q]), hn::Set(d, w[2 * q + 1])};
         });
-        else Levels::Next(d, x, [&](size_t q) TZM_LAMBDA {
-          return LoadBlock(d, w + b * g.twiddleGroup + kBlock<D> * q);
-        });
-        Store<kRadix>(d, target, x, [&](auto t) TZM_LAMBDA { return to + t * g.outRow + b * g.outGroup; });
+        else Levels::Next(d, x, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, v + kBlock<D> * q); });
+        Store<kRadix>(d, target, x, [&](auto t) TZM_LAMBDA { return toGroup + t * g.outRow; });
       }
       if constexpr (kKind == Twiddles::kShared) w += 2 * Levels::kTwiddles;
       else if constexpr (kKind == Twiddles::kLanes) w += kBlock<D> * Levels::kTwiddles;

@@ -12,11 +12,12 @@ template <class T>
 class Real {
   using D = Full<T>;
   static constexpr size_t kLane = kLanes<D>;
+  static constexpr size_t kShort = 32;  // points that are not halved and need no work area
 
  public:
   Real(size_t n, size_t workers)
       : n_(n), half_(n / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)), table_(IsHalved() ? half_ : 0) {
-    scratch_ = complex_->Scratch() + (IsHalved() ? 0 : 2 * n + kLine);
+    scratch_ = complex_->Scratch() + (IsHalved() || n <= kShort ? 0 : 2 * n + kLine);
     if (!IsHalved()) return;
     const Roots<T> roots(n);
     T *const re = table_.get(), *const im = re + half_ / 2;
@@ -30,12 +31,12 @@ class Real {
 
   void Forward(const T* in, T* out, T* scratch, Helpers& helpers) const {
     if (!IsHalved()) {
-      T *const re = scratch, *const im = re + n_;
-      complex_->Run({Form::kReal, in, nullptr}, {Form::kSplit, re, im}, Rest(scratch), helpers);
-      const View<T> bins = {Form::kPairs, out, nullptr};
-      bins.Put(0, {re[0], 0});
-      for (size_t k = 1; k <= half_; ++k) bins.Put(k, {re[k], im[k]});
-      if (n_ % 2 == 0) bins.Put(half_, {re[half_], 0});
+      T few[2 * kShort];
+      T* const whole = n_ <= kShort ? few : scratch;
+      complex_->Run({Form::kReal, in, nullptr}, {Form::kPairs, whole, nullptr}, Rest(scratch), helpers);
+      std::memcpy(static_cast<void*>(out), whole, 2 * (half_ + 1) * sizeof(T));
+      StoreElement(T{0}, out + 1);
+      if (n_ % 2 == 0) StoreElement(T{0}, out + n_ + 1);
       return;
     }
     complex_->Run({Form::kPairs, in, nullptr}, {Form::kPairs, out, nullptr}, scratch, helpers);
@@ -59,7 +60,8 @@ class Real {
   void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
     const View<const T> bins = {Form::kPairs, in, nullptr};
     if (!IsHalved()) {
-      T *const re = scratch, *const im = re + n_;
+      T few[2 * kShort];
+      T *const re = n_ <= kShort ? few : scratch, *const im = re + n_;
       re[0] = bins.Get(0).re;
       im[0] = 0;
       for (size_t k = 1; k <= half_; ++k) {
@@ -91,7 +93,7 @@ class Real {
 
  private:
   bool IsHalved() const { return n_ % 2 == 0 && n_ > 16; }
-  T* Rest(T* scratch) const { return scratch + (2 * n_ + kLine) / kLine * kLine; }
+  T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
 
   // f(tag, a, b, w) on all pairs a = x[k], b = x[n/2 - k] below the middle, w = exp(-2 pi i k / n).
   void ForEachPair(const T* in, T* out, auto f) const {

@@ -12,7 +12,7 @@ class Small final : public Complex<T> {
   using Rows = PowerOfTwo<kRows>;
   using Columns = PowerOfTwo<kColumns>;
   static constexpr size_t kNumber = kBlock<D>, kLanes = fft::kLanes<D>;
-  static constexpr size_t kPart = Columns::kRadix * kNumber, kTable = Columns::kTwiddles * kNumber;
+  static constexpr size_t kTable = Columns::kTwiddles * kNumber;
 
  public:
   Small() {
@@ -32,11 +32,29 @@ class Small final : public Complex<T> {
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
     const D d;
-    alignas(kLine) T matrix[Rows::kRadix / kLanes * kPart];
-    PassTransposed<Rows>(d, in, matrix, Columns::kRadix, 0, Columns::kRadix, kPart);
-    Pass<Columns, Twiddles::kLanes>(d, static_cast<const T*>(matrix), out,
-                                    {1, 1, Rows::kRadix / kLanes, kNumber, 0, kPart, Rows::kRadix, 0, kLanes, kTable},
-                                    table_);
+    constexpr size_t kRowCount = Rows::kRadix, kColumnCount = Columns::kRadix;
+    Cx<D> matrix[kRowCount / kLanes][kColumnCount];
+    Unrolled<kColumnCount / kLanes>([&](auto strip) TZM_LAMBDA {
+      Cx<D> x[kRowCount];
+      LoadUser<kRowCount>(d, in, x, [=](auto i) TZM_LAMBDA { return strip * kLanes + Rows::From(i) * kColumnCount; });
+      Rows::First(d, x);
+      Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
+        Vec<D> re[kLanes], im[kLanes];
+        Unrolled<kLanes>([&](auto t) TZM_LAMBDA {
+          re[t] = x[block * kLanes + InOrder<D>(t)].re;
+          im[t] = x[block * kLanes + InOrder<D>(t)].im;
+        });
+        Transpose(d, re);
+        Transpose(d, im);
+        Unrolled<kLanes>([&](auto t) TZM_LAMBDA { matrix[block][strip * kLanes + InOrder<D>(t)] = {re[t], im[t]}; });
+      });
+    });
+    Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
+      Cx<D> x[kColumnCount];
+      Unrolled<kColumnCount>([&](auto i) TZM_LAMBDA { x[i] = matrix[block][Columns::From(i)]; });
+      Columns::Next(d, x, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, table_ + block * kTable + q * kNumber); });
+      StoreUser<kColumnCount>(d, out, x, [=](auto t) TZM_LAMBDA { return block * kLanes + t * kRowCount; });
+    });
   }
 
  private:
