@@ -67,13 +67,14 @@ TZM_INLINE V SmallSinh(V y) {
 }
 
 // A trigonometric by a hyperbolic factor, in units of 2^1535 where `large`. Zero times anything is a zero
-// with the sign of the product.
+// with the sign of the product; the sign of a NaN, which differs between machines, does not count.
 TZM_INLINE V Product(V trigonometric, V hyperbolic, Mask<D> large) {
   const V one = Constant(1), first = hn::IfThenElse(large, Constant(0x1p1023), one);
   const V second = hn::IfThenElse(large, Constant(0x1p512), one);
   const V product = hn::Mul(hn::Mul(hn::Mul(trigonometric, first), hyperbolic), second);
   const auto zero = hn::Or(hn::Eq(trigonometric, hn::Zero(D())), hn::Eq(hyperbolic, hn::Zero(D())));
-  return hn::IfThenElse(zero, hn::And(hn::Xor(trigonometric, hyperbolic), hn::SignBit(D())), product);
+  const V signs = hn::Xor(hn::IfThenZeroElse(hn::IsNaN(trigonometric), trigonometric), hyperbolic);
+  return hn::IfThenElse(zero, hn::And(signs, hn::SignBit(D())), product);
 }
 
 enum class Function { kSin, kCos };
