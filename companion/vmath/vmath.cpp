@@ -14,12 +14,12 @@ namespace {
 
 using namespace vmath;
 
-// r[i] = function(a[i], ...) for `n` elements.
-template <class T, class Function, class... Source>
+// r[i] = function(a[i], ...) for `n` elements; kTurn registers make a turn of the loop.
+template <size_t kTurn = 1, class T, class Function, class... Source>
 TZM_INLINE void Map(int32_t n, Function function, T* r, const Source*... a) {
   if (n < 1) return;
   const Full<T> d;
-  ForEach<hn::MaxLanes(d), 1>(n, [=](T* to, const Source*... from) TZM_LAMBDA {
+  ForEach<hn::MaxLanes(d), kTurn>(n, [=](T* to, const Source*... from) TZM_LAMBDA {
     hn::StoreU(function(hn::LoadU(d, from)...), d, to);
   }, r, a...);
 }
@@ -46,13 +46,13 @@ TZM_INLINE void Compute(int32_t n, Function function, Orva32f* r, const Source*.
   void name(int32_t n, const T* a, const T* b, T* r) { Compute(n, function, r, a, b); }
 
 void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r) {
-  Map(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
+  Map<4>(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
 }
 void vdmul(int32_t n, const Orva64f* a, const Orva64f* b, Orva64f* r) {
-  Map(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
+  Map<4>(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
 }
-void vssqrt(int32_t n, const Orva32f* a, Orva32f* r) { Map(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
-void vdsqrt(int32_t n, const Orva64f* a, Orva64f* r) { Map(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
+void vssqrt(int32_t n, const Orva32f* a, Orva32f* r) { Map<4>(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
+void vdsqrt(int32_t n, const Orva64f* a, Orva64f* r) { Map<4>(n, [](auto x) TZM_LAMBDA { return hn::Sqrt(x); }, r, a); }
 
 ONE_SOURCE(Orva32f, vsexp, Exp32())
 ONE_SOURCE(Orva64f, vdexp, Exp64())
