@@ -165,35 +165,4 @@ TZM_INLINE void ForBlocks(size_t len, Block&& block, T*... arrays) {
     block(static_cast<int32_t>(HWY_MIN(size_t{kBlock}, len - i)), (arrays + i)...);
 }
 
-// Calls step(one register from each array) for all elements, the last register filled up with zeros, and
-// flush() after at most kRegisters steps and at the end: an exact integer reduction keeps narrow lanes
-// in step and empties them into wide ones in flush.
-template <size_t kRegisters = size_t{1} << 32, class Step, class Flush, class T, class... More>
-TZM_INLINE void ForRegisters(size_t len, Step&& step, Flush&& flush, const T* array, const More*... more) {
-  const Full<T> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
-  const auto at = [&](size_t i) TZM_LAMBDA { step(hn::LoadU(d, array + i), hn::LoadU(d, more + i)...); };
-  for (size_t i = 0; i < len;) {
-    const size_t end = HWY_MIN(len, i + kRegisters * kLanes);
-    for (; end - i >= 2 * kLanes; i += 2 * kLanes) {
-      at(i);
-      at(i + kLanes);
-    }
-    if (end - i >= kLanes) {
-      at(i);
-      i += kLanes;
-    }
-    if (i < end) {
-      const auto rest = [&](const T* from) TZM_LAMBDA {
-        T padded[kLanes] = {};
-        std::memcpy(padded, from + i, (end - i) * sizeof(T));
-        return hn::LoadU(d, padded);
-      };
-      step(rest(array), rest(more)...);
-      i = end;
-    }
-    flush();
-  }
-}
-
 }  // namespace tzm
