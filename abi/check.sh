@@ -12,7 +12,7 @@ if [ "${2:-}" = --write ]; then
     --no-corpus-path --no-comp-dir-path --no-show-locs --no-architecture --no-elf-needed --no-parameter-names \
     "$library" |
     sed -zE "s/ (mangled-name|visibility)='[^']*'//g; s/ binding='global-binding'//g; s/\n +/\n/g
-      s/\n<(parameter|return|\/function)/<\1/g" >"$file"
+      s/ path='[^']*\/src\// path='src\//g; s/\n<(parameter|return|\/function)/<\1/g" >"$file"
   exit
 fi
 

@@ -10,6 +10,23 @@ target_compile_options(tzm_flags INTERFACE
   $<$<BOOL:${TZM_WARNINGS_AS_ERRORS}>:-Werror>)
 target_include_directories(tzm_flags INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
+# Marks for a processor that checks where jumps and returns go. The note that it may check jumps comes into a file once
+# the system's own start-up code is marked, which that of Debian 12 is not.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+  target_compile_options(tzm_flags INTERFACE -mbranch-protection=bti)
+else()
+  target_compile_options(tzm_flags INTERFACE -fcf-protection)
+  target_link_options(tzm_flags INTERFACE -Wl,-z,shstk)
+endif()
+
+# For companions and tool; the library keeps names that its companions may lack unresolved until they are called.
+add_library(tzm_hardened INTERFACE)
+target_compile_options(tzm_hardened INTERFACE -fstack-protector-strong)
+target_link_options(tzm_hardened INTERFACE -Wl,-z,relro -Wl,-z,now)
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # which looks at the same calls
+  target_compile_options(tzm_hardened INTERFACE $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+endif()
+
 # The baseline of each architecture; TZM_MARCH raises it (x86-64-v4, say).
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
   # Highway's functions carry the crypto attribute on AArch64, and only code with the same attribute
@@ -30,3 +47,9 @@ function(tzm_vector_level name march)
   endif()
 endfunction()
 tzm_vector_level(tzm_vector ${TZM_MARCH})
+
+# tzm_exports(LIBRARY MAP): the linker keeps every name to itself that the version script MAP does not make global.
+function(tzm_exports library map)
+  target_link_options(${library} PRIVATE -Wl,--version-script=${map})
+  set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${map})
+endfunction()

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Holds the built library against the public headers: what it exports, what it leaves unresolved, what it
-# needs, and whether the table of members knows every operation.
-#   exports.sh LIBRARY INCLUDE_DIR CC NM READELF PROGRAM...   (PROGRAM --names lists the table)
+# needs, and whether the table of members knows every operation. The companions beside it export what their header
+# declares, the tool nothing of ours.
+#   exports.sh LIBRARY TOOL INCLUDE_DIR CC NM READELF PROGRAM...   (PROGRAM --names lists the table; TOOL may be empty)
 set -euo pipefail
-library=$1 include=$2 cc=$3 nm=$4 readelf=$5
-shift 5
+library=$1 tool=$2 include=$3 cc=$4 nm=$5 readelf=$6
+shift 6
 failed=0
 dir=$(mktemp -d)
 trap 'rm -r "$dir"' EXIT
@@ -14,6 +15,11 @@ export LC_ALL=C
 declared() {
   printf '#include <signal_tzm/%s>\n' "$@" | "$cc" -x c -std=c99 -E -P -I "$include" - | tr '\n' ' ' |
     grep -oE 'visibility\("default"\)\)\)[^;(]*\(' | grep -oE '\w+ *\($' | tr -d ' (' | sort -u
+}
+
+# The names that the files define for others; those of versions aside.
+exported() {
+  "$nm" -D --defined-only --without-symbol-versions "$@" | awk 'NF == 3 && $2 != "A" {print $3}' | sort -u
 }
 
 # Lines of the first sorted list that the second lacks are a failure, with a reason.
@@ -29,9 +35,22 @@ none_beyond() {
 cd "$include/signal_tzm"
 declared companion.h > "$dir/companion"
 declared *.h | comm -23 - "$dir/companion" > "$dir/declared"
-"$nm" -D --defined-only "$library" | awk '{print $3}' | sort -u > "$dir/exported"
+exported "$library" > "$dir/exported"
 none_beyond "$dir/exported" "$dir/declared" "exported but not declared"
 none_beyond "$dir/declared" "$dir/exported" "declared but not exported"
+
+companions=("${library%/*}"/libtzm_*.so)
+exported "${companions[@]}" > "$dir/provided"
+none_beyond "$dir/provided" "$dir/companion" "exported by a companion but not declared"
+grep -v ^cblas_ "$dir/companion" > "$dir/owed"
+none_beyond "$dir/owed" "$dir/provided" "declared but exported by no companion"
+for file in "${companions[@]}" ${tool:+"$tool"}; do
+  "$readelf" -d "$file" | grep -q 'FLAGS.* NOW' || { echo "names are not bound when it loads: $file"; failed=1; }
+done
+if [ -n "$tool" ]; then
+  exported "$tool" | grep -i -e tzm -e orva > "$dir/tool" || true  # the C++ library's names are the linker's affair
+  none_beyond "$dir/tool" /dev/null "exported by the tool"
+fi
 
 "$@" --names | sort -u > "$dir/rows"
 grep '^ORVAS_' "$dir/exported" > "$dir/operations" || true
