@@ -20,8 +20,8 @@ int main(int argc, char** argv) {
   CHECK(ORVAS_DFTRToCInit_32f(frame, ORVA_DIVIDE_NONE, &made));
   const std::unique_ptr<OrvaTransformSpec, ReleaseSpec> spec(made);
 
-  std::vector<Orva32f> windowed(frame), power(bins);
-  std::vector<Orva32fc> spectrum(bins);
+  std::vector<Orva32f> windowed(static_cast<size_t>(frame)), power(static_cast<size_t>(bins));
+  std::vector<Orva32fc> spectrum(power.size());
   for (int32_t start = 0; start + frame <= recording.len; start += step) {
     CHECK(ORVAS_WinHann_32f(recording.samples + start, windowed.data(), frame));
     // The half spectrum comes as an array of reals: real part, imaginary part, ...

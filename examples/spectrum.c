@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
   CHECK(ORVAS_MulC_32f_I((Orva32f)(2 * pi / recording.rate), density, BINS));
 
   printf("hertz,power per hertz\n");
-  for (i = 0; i < BINS; ++i) printf("%.9g,%.9g\n", (double)i * recording.rate / SEGMENT, density[i]);
+  for (i = 0; i < BINS; ++i) printf("%.9g,%.9g\n", (double)i * recording.rate / (double)SEGMENT, density[i]);
   FreeRecording(recording);
   return 0;
 }
