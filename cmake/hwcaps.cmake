@@ -1,8 +1,9 @@
 # The libraries once more for each wider level of the processor in TZM_HWCAPS, from the same sources. Installed in
 # glibc-hwcaps/LEVEL beside the others, they are what the loader takes on a processor of that level. In the build they
-# stand apart, so that what runs there has the level of TZM_MARCH; LD_LIBRARY_PATH=BUILD/hwcaps gives the loader the choice.
+# stand apart, so that what runs there has the level of TZM_MARCH; LD_LIBRARY_PATH=BUILD/hwcaps gives the loader the
+# choice.
 set(wider "")
-if(PROJECT_IS_TOP_LEVEL AND tzm_library_type STREQUAL SHARED AND TZM_MARCH STREQUAL "x86-64-v3")
+if(PROJECT_IS_TOP_LEVEL AND TZM_MARCH STREQUAL "x86-64-v3")
   set(wider x86-64-v4)
 endif()
 set(TZM_HWCAPS "${wider}" CACHE STRING "Levels that the libraries are built for as well, for glibc-hwcaps")

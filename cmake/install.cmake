@@ -42,12 +42,14 @@ endif()
 
 # The documents as they stand in the tree, so that their links to each other hold, and the manual if it has been made.
 set(tzm_documents ${CMAKE_INSTALL_DATADIR}/doc/libsignal-tzm-doc)
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${tzm_documents} COMPONENT documents)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md CITATION.cff LICENSE DESTINATION ${tzm_documents}
+  COMPONENT documents)
 install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
   FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
 install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
-  FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN CMakeLists.txt)
+  FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.py PATTERN CMakeLists.txt)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT documents OPTIONAL)
 
 # tzm_all: what has to be built before it is installed.
 add_custom_target(tzm_all)

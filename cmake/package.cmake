@@ -1,5 +1,5 @@
-# Debian packages, one for each component, of the architecture that the build is for: the target `tzm_packages` makes them
-# in the build folder. ./run package makes those of both architectures.
+# Debian packages, one for each component, of the architecture that the build is for: the target `tzm_packages` makes
+# them in the build folder. ./run package makes those of both architectures.
 if(NOT TZM_MULTIARCH OR NOT PROJECT_IS_TOP_LEVEL)
   return()
 endif()
@@ -29,6 +29,29 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
   set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
 endif()
 
+# What policy wants of every package, and what only packages have, out of packaging/.
+set(folder ${PROJECT_BINARY_DIR}/debian)
+set(templates ${PROJECT_SOURCE_DIR}/packaging)
+set(run_package libsignal-tzm${PROJECT_VERSION_MAJOR})
+pkg_check_modules(HWY QUIET libhwy)  # for its version
+file(STRINGS LICENSE TZM_COPYRIGHT REGEX "^Copyright")
+string(REPLACE "Copyright (c) " "" TZM_COPYRIGHT ${TZM_COPYRIGHT})
+file(READ LICENSE TZM_LICENSE)
+string(REGEX REPLACE "^.*\n(Permission is)" "\\1" TZM_LICENSE "${TZM_LICENSE}")
+string(REGEX REPLACE "\n\n" "\n.\n" TZM_LICENSE "${TZM_LICENSE}")
+string(REGEX REPLACE "\n$" "" TZM_LICENSE "${TZM_LICENSE}")
+string(REPLACE "\n" "\n " TZM_LICENSE " ${TZM_LICENSE}")
+foreach(file copyright symbols doc-base signal_tzm.spdx.json)
+  configure_file(${templates}/${file}.in ${folder}/${file} @ONLY)
+endforeach()
+file(WRITE ${folder}/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgency=medium
+
+  * What is new is told by CHANGELOG.md, in the package libsignal-tzm-doc.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${TZM_RELEASE_DAY}
+")
+execute_process(COMMAND gzip -9nf ${folder}/changelog COMMAND_ERROR_IS_FATAL ANY)
+
 # tzm_package(COMPONENT NAME SECTION MULTIARCH DESCRIPTION [DEPENDS]): the description's first line is its synopsis.
 macro(tzm_package component name section multiarch description)
   string(TOUPPER ${component} upper)
@@ -38,11 +61,13 @@ macro(tzm_package component name section multiarch description)
   set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${ARGN}")
   # CPack before 3.31 has no variable for the second field.
   set(CPACK_DEBIAN_${upper}_PACKAGE_SOURCE "signal-tzm\nMulti-Arch: ${multiarch}")
-  # What policy wants of every package, where only packages have it.
-  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION share/doc/${name} RENAME copyright
+  install(FILES ${folder}/copyright ${folder}/changelog.gz DESTINATION share/doc/${name}
     COMPONENT ${component} EXCLUDE_FROM_ALL)
-  install(FILES ${PROJECT_BINARY_DIR}/debian/changelog.gz DESTINATION share/doc/${name}
-    COMPONENT ${component} EXCLUDE_FROM_ALL)
+  if(EXISTS ${templates}/${component}.overrides.in)  # tags of lintian that are meant, each with its reason
+    configure_file(${templates}/${component}.overrides.in ${folder}/${component}.overrides @ONLY)
+    install(FILES ${folder}/${component}.overrides DESTINATION share/lintian/overrides RENAME ${name}
+      COMPONENT ${component} EXCLUDE_FROM_ALL)
+  endif()
 endmacro()
 
 string(REPLACE "+crypto" "" level ${TZM_MARCH})  # which only the compiler wants
@@ -50,23 +75,24 @@ set(same_version "(= ${PROJECT_VERSION})")
 set(about "A shared library with a plain C interface: element-wise arithmetic, elementary
 functions, reductions, windows, transforms, filters, resampling, convolution
 and correlation, with results that are the same bits on every machine.")
-tzm_package(runtime libsignal-tzm${PROJECT_VERSION_MAJOR} libs same "signal-processing primitives with exact results
+tzm_package(runtime ${run_package} libs same "signal-processing primitives with exact results
 ${about}
 It needs a processor of the level ${level}. Here are the library and its
 default companions.")
+install(FILES ${folder}/signal_tzm.spdx.json DESTINATION share/doc/${run_package} COMPONENT runtime EXCLUDE_FROM_ALL)
 tzm_package(development libsignal-tzm-dev libdevel same "signal-processing primitives - development files
 ${about}
 Here are the headers, a CMake package and a pkg-config file."
-  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}, lib${TZM_CBLAS_NAME}-dev")
+  "${run_package} ${same_version}, lib${TZM_CBLAS_NAME}-dev")
 tzm_package(tool tzm sound foreign "analyse, filter and make sound files
 A command-line program: spectra and spectrograms, levels, filters, resampling,
 convolution, noise cancelling, delays, tones and their detection, on sound
 files of any format and length, with plots and with data for programs."
-  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}")
+  "${run_package} ${same_version}")
 tzm_package(python python3-signal-tzm python no "signal-processing primitives - Python 3 module
 ${about}
 Here is the module signal_tzm: every operation on NumPy arrays."
-  "libsignal-tzm${PROJECT_VERSION_MAJOR} ${same_version}, python3 (>= 3.9~), python3-numpy, python3-cffi-backend")
+  "${run_package} ${same_version}, python3 (>= 3.9~), python3-numpy, python3-cffi-backend")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS libsndfile1)
 tzm_package(documents libsignal-tzm-doc doc foreign "signal-processing primitives - documents
 ${about}
@@ -80,35 +106,34 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-file(WRITE ${PROJECT_BINARY_DIR}/debian/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
-set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/cpack.cmake)
+file(WRITE ${folder}/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+set(CPACK_PROJECT_CONFIG_FILE ${folder}/cpack.cmake)
 
 # The loader's cache is renewed, and programs that link the libraries get their dependency. (What CPack would write for
 # the latter counts the libraries of a wider level again.)
-set(run_package ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
-file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
-list(TRANSFORM tzm_libraries REPLACE "(.+)"
-  "lib\\1 ${PROJECT_VERSION_MAJOR} ${run_package} ${same_version}\n" OUTPUT_VARIABLE shlibs)
+file(WRITE ${folder}/triggers "activate-noawait ldconfig\n")
+list(TRANSFORM tzm_libraries REPLACE "(.+)" "lib\\1 ${PROJECT_VERSION_MAJOR} ${run_package} ${same_version}\n"
+  OUTPUT_VARIABLE shlibs)
 string(JOIN "" shlibs ${shlibs})
-file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs ${shlibs})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
-  ${PROJECT_BINARY_DIR}/debian/triggers ${PROJECT_BINARY_DIR}/debian/shlibs)
+file(WRITE ${folder}/shlibs ${shlibs})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${folder}/triggers ${folder}/shlibs)
+find_program(TZM_GENSYMBOLS dpkg-gensymbols DOC "What lists the names of libraries (package dpkg-dev)")
+if(TZM_GENSYMBOLS)
+  list(TRANSFORM tzm_libraries REPLACE "(.+)" "-e$<TARGET_FILE:\\1>" OUTPUT_VARIABLE files)
+  add_custom_command(OUTPUT ${folder}/names/symbols VERBATIM DEPENDS ${tzm_libraries} ${folder}/symbols
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}/names
+    COMMAND ${CMAKE_COMMAND} -E env DEB_HOST_ARCH=${CPACK_DEBIAN_PACKAGE_ARCHITECTURE} ${TZM_GENSYMBOLS} -q -c4
+      -p${run_package} -v${PROJECT_VERSION} -I${folder}/symbols -O${folder}/names/symbols ${files})
+  add_custom_target(tzm_symbols DEPENDS ${folder}/names/symbols)
+  add_dependencies(tzm_all tzm_symbols)
+  list(APPEND CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${folder}/names/symbols)
+endif()
 
-# The vector mathematics call nothing, not even the C library, and lintian is told
-# that this is meant.
-file(WRITE ${PROJECT_BINARY_DIR}/debian/overrides
-  "${run_package}: library-not-linked-against-libc [usr/lib/*/libtzm_vmath.so.*]\n")
-install(FILES ${PROJECT_BINARY_DIR}/debian/overrides DESTINATION share/lintian/overrides
-  RENAME ${run_package} COMPONENT runtime EXCLUDE_FROM_ALL)
-
-# A changelog in Debian's form.
-file(WRITE ${PROJECT_BINARY_DIR}/debian/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgency=medium
-
-  * What is new is told by CHANGELOG.md, in the package libsignal-tzm-doc.
-
- -- ${CPACK_PACKAGE_CONTACT}  ${TZM_RELEASE_DAY}
-")
-execute_process(COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/debian/changelog COMMAND_ERROR_IS_FATAL ANY)
+# The manual is registered where it is.
+if(TARGET tzm_docs)
+  install(FILES ${folder}/doc-base DESTINATION share/doc-base RENAME libsignal-tzm-doc.signal-tzm
+    COMPONENT documents EXCLUDE_FROM_ALL)
+endif()
 
 include(CPack)
 

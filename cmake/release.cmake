@@ -6,6 +6,10 @@ if(NOT newest MATCHES "^## ([0-9.]+) \\((.+)\\)$" OR NOT CMAKE_MATCH_1 STREQUAL 
   message(FATAL_ERROR "The newest heading of CHANGELOG.md is '${newest}', the version is ${PROJECT_VERSION}")
 endif()
 set(TZM_RELEASE_DATE ${CMAKE_MATCH_2})
+file(STRINGS ${PROJECT_SOURCE_DIR}/CITATION.cff cited REGEX "^(version|date-released): ")
+if(NOT cited STREQUAL "version: ${PROJECT_VERSION};date-released: ${TZM_RELEASE_DATE}")
+  message(FATAL_ERROR "CITATION.cff has '${cited}', the release is ${PROJECT_VERSION} of ${TZM_RELEASE_DATE}")
+endif()
 
 # The same in seconds since 1970, and as mail has it. A year begins in March here, so that it ends with the leap day.
 string(REPLACE "-" ";" date ${TZM_RELEASE_DATE})

@@ -1,5 +1,5 @@
-# cmake -P uninstall.cmake BUILD: removes the files that `cmake --install BUILD` listed, and our own folders among theirs
-# that are empty then.
+# cmake -P uninstall.cmake BUILD: removes the files that `cmake --install BUILD` listed, and our own folders among
+# theirs that are empty then.
 file(GLOB manifests ${CMAKE_ARGV3}/install_manifest*.txt)
 if(NOT manifests)
   message(FATAL_ERROR "nothing has been installed from ${CMAKE_ARGV3}")

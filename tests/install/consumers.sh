@@ -43,6 +43,8 @@ look_into_packages() {
       "usr/$LIBDIR/"{pkgconfig/signal_tzm.pc,cmake/signal_tzm/signal_tzmConfig.cmake}
     holds tzm usr/bin/tzm $(printf 'usr/share/man/man1/tzm%s.1.gz\n' '' $commands)
   }
+  dpkg-deb --info "$scratch/${run}"_*.deb symbols >"$scratch/symbols"
+  grep -q '^ ORVAS_Mul_32f@SIGNAL_TZM_0.1 0.1.0$' "$scratch/symbols" || wrong "$run does not list the library's names"
   for package in "$run" libsignal-tzm-dev tzm; do
     field "$package" Version "$VERSION"
     field "$package" Architecture "$ARCHITECTURE"
@@ -51,10 +53,17 @@ look_into_packages() {
   field libsignal-tzm-dev Depends "$run (= $VERSION)" libopenblas-dev
   field tzm Depends "$run (= $VERSION)" libcairo2 libsndfile1 libopenblas0
   if [ -z "$TOOLCHAIN" ]; then
-    holds libsignal-tzm-doc usr/share/doc/libsignal-tzm-doc/{README.md,docs/testing.md,examples/find_tone.c}
+    holds libsignal-tzm-doc \
+      usr/share/doc/libsignal-tzm-doc/{README.md,docs/testing.md,examples/{find_tone.c,gallery.py}}
+    if command -v doxygen >/dev/null; then
+      holds libsignal-tzm-doc usr/share/doc/libsignal-tzm-doc/html/index.html \
+        usr/share/doc-base/libsignal-tzm-doc.signal-tzm usr/share/man/man3/{signal_tzm_arith_squares,ORVAS_Sqr_32f}.3.gz
+    fi
     field libsignal-tzm-doc Architecture all
   fi
-  if command -v lintian >/dev/null; then lintian --fail-on error "$scratch"/*.deb || wrong 'lintian has objections'; fi
+  if command -v lintian >/dev/null; then
+    lintian --suppress-tags unused-override --fail-on error "$scratch"/*.deb || wrong 'lintian has objections'
+  fi
   for deb in "$scratch"/*.deb; do dpkg-deb --extract "$deb" "$scratch/root"; done
 }
 
@@ -75,6 +84,7 @@ if [ "$way" = packages ]; then
   prefix=$scratch/root/usr
 else
   "$CMAKE" --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
+  mv "$build/install_manifest.txt" "$scratch"  # tzm_uninstall is not to find it
   prefix=$scratch/moved
   mv "$scratch/installed" "$prefix"
 fi
@@ -124,7 +134,7 @@ fi
 if [ "$way" = prefix ]; then
   mv "$prefix" "$scratch/installed"
   tree=$(dirname "$source")/..
-  "$CMAKE" -P "$tree/cmake/uninstall.cmake" "$build"
+  "$CMAKE" -P "$tree/cmake/uninstall.cmake" "$scratch"
   left=$(find "$scratch/installed" ! -type d -o -name 'signal_tzm*' -o -name glibc-hwcaps)
   [ -z "$left" ] || wrong "tzm_uninstall leaves $left"
   mkdir "$scratch/parent"
