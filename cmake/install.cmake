@@ -35,6 +35,9 @@ if(TARGET tzm)
   list(TRANSFORM run_path PREPEND $ORIGIN/)
   set_target_properties(tzm PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${run_path}")
   install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  set(completion ${PROJECT_BINARY_DIR}/tool/completion)
+  install(FILES ${completion}/tzm DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
+  install(FILES ${completion}/_tzm DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
 endif()
 if(TARGET tzm_manual)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/tool/manual/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
@@ -53,7 +56,7 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/man3 DESTINATION ${CMAKE_INSTALL_MA
 
 # tzm_all: what has to be built before it is installed.
 add_custom_target(tzm_all)
-foreach(target IN LISTS tzm_libraries tzm_wider_libraries ITEMS tzm tzm_python tzm_manual)
+foreach(target IN LISTS tzm_libraries tzm_wider_libraries ITEMS tzm tzm_python tzm_completion tzm_manual)
   if(TARGET ${target})
     add_dependencies(tzm_all ${target})
   endif()

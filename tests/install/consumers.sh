@@ -41,7 +41,8 @@ look_into_packages() {
     holds "$run" "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so.{"$VERSION","${VERSION%%.*}"}
     holds libsignal-tzm-dev "usr/$LIBDIR/lib"{signal_tzm,tzm_{core,vmath,fft}}.so usr/include/signal_tzm.h \
       "usr/$LIBDIR/"{pkgconfig/signal_tzm.pc,cmake/signal_tzm/signal_tzmConfig.cmake}
-    holds tzm usr/bin/tzm $(printf 'usr/share/man/man1/tzm%s.1.gz\n' '' $commands)
+    holds tzm usr/bin/tzm usr/share/bash-completion/completions/tzm usr/share/zsh/vendor-completions/_tzm \
+      $(printf 'usr/share/man/man1/tzm%s.1.gz\n' '' $commands)
   }
   dpkg-deb --info "$scratch/${run}"_*.deb symbols >"$scratch/symbols"
   grep -q '^ ORVAS_Mul_32f@SIGNAL_TZM_0.1 0.1.0$' "$scratch/symbols" || wrong "$run does not list the library's names"
