@@ -1,8 +1,8 @@
 // Levels of a prime radix from 17 on: sums over all pairs of points.
 //
-// With a primitive root g, pair i is of the points g^i and p - g^i, and a result is number g^a: the factors of pair i in
-// it are the cosine and sine of 2 pi g^(a+i) / p. Those of one result stand in a row, and those of the next one place
-// further on.
+// With a primitive root g, pair i is of the points g^i and p - g^i, and a result is number g^a: the factors of pair i
+// in it are the cosine and sine of 2 pi g^(a+i) / p. Those of one result stand in a row, and those of the next one
+// place further on.
 #pragma once
 
 #include "passes.h"
@@ -96,7 +96,9 @@ HWY_NOINLINE void PassPrime(D d, const Prime<T>& prime, const auto& in, const au
       for (size_t b = 0; b < g.groups; ++b) {
         const auto point = [&](size_t j) TZM_LAMBDA {
           Cx<D> x;
-          Load<1>(d, in, &x, [&](auto) TZM_LAMBDA { return (p + j * g.count) * g.inRow + k * g.inStep + b * g.inGroup; });
+          Load<1>(d, in, &x, [&](auto) TZM_LAMBDA {
+            return (p + j * g.count) * g.inRow + k * g.inStep + b * g.inGroup;
+          });
           if (j == 0 || kKind == Twiddles::kNone) return x;
           if (kKind == Twiddles::kLanes) return Product(LoadBlock(d, w + b * g.twiddleGroup + kBlock<D> * (j - 1)), x);
           return Product(Cx<D>{hn::Set(d, w[2 * j - 2]), hn::Set(d, w[2 * j - 1])}, x);

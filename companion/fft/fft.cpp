@@ -27,8 +27,8 @@ constexpr size_t kStackBytes = 12288;  // for the work area of a short transform
 
 constinit Helpers helpers;
 
-// The work areas of one plan, of which each run takes one. The first is made with the plan; a run that finds none, since
-// others have them, makes one more, and waits for one of theirs where there is no memory.
+// The work areas of one plan, of which each run takes one. The first is made with the plan; a run that finds none,
+// since others have them, makes one more, and waits for one of theirs where there is no memory.
 class WorkAreas {
  public:
   explicit WorkAreas(size_t bytes) : bytes_(bytes) {

@@ -1,5 +1,5 @@
-// Threads that help with the parallel loops of long transforms. The calling thread takes jobs itself, one after the other,
-// and a helper takes one only when it has a processor to run on. So a helper that gets none holds nobody up:
+// Threads that help with the parallel loops of long transforms. The calling thread takes jobs itself, one after the
+// other, and a helper takes one only when it has a processor to run on. So a helper that gets none holds nobody up:
 // a team with a job for each of its threads waits for the slowest, on a busy machine a hundred times as long.
 #pragma once
 

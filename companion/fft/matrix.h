@@ -123,7 +123,10 @@ class Matrix final : public Complex<T> {
     size_t groups;
   };
 
-  static size_t RoundUp(size_t count) { return (count + kLine / sizeof(T) - 1) / (kLine / sizeof(T)) * (kLine / sizeof(T)); }
+  static size_t RoundUp(size_t count) {
+    constexpr size_t kUnit = kLine / sizeof(T);
+    return (count + kUnit - 1) / kUnit * kUnit;
+  }
   bool IsFused() const { return n1_ == kFused && n2_ >= kLane; }
   T* Worker(T* matrix, size_t worker) const {
     return matrix + RoundUp(blocks_ * part_) + worker * RoundUp(worker_);
@@ -334,7 +337,8 @@ class Matrix final : public Complex<T> {
 
   // One pass.
   template <Twiddles kKind>
-  void Take(const Step& step, const auto& in, const auto& out, const Geometry& shape, const T* twiddles, T* work) const {
+  void Take(const Step& step, const auto& in, const auto& out, const Geometry& shape, const T* twiddles,
+            T* work) const {
     const D d;
     WithLevels(step.radix, [&]<class Levels>(const Levels&) {
       if constexpr (std::is_same_v<Levels, AnyPrime>) {

@@ -5,7 +5,7 @@
 
 namespace tzm::fft {
 
-// Bluestein's: with the chirp c[j] = exp(-pi i j^2 / n), result k is c[k] times the sum over j of x[j] c[j] conj c[k - j].
+// Bluestein's: with the chirp c[j] = exp(-pi i j^2 / n), result k is c[k] times the sum of x[j] c[j] conj c[k - j].
 template <class T>
 class Chirp final : public Complex<T> {
   using D = Full<T>;

@@ -5,6 +5,8 @@
 #include "roots.h"
 #include "transform.h"
 
+#include <cstring>
+
 namespace tzm::fft {
 
 // An even length above 16 through a complex transform of half of it, another through one of its own length.

@@ -26,7 +26,8 @@ using Quad = long double;
 // exp(-2 pi i j / n), correctly rounded: an angle of at most an eighth of the circle, turned and reflected.
 template <class T>
 Number<T> Root(size_t n, size_t j) {
-  const size_t scale = 8 / std::gcd(size_t{8}, n), eighth = n * scale / 8, units = j % n * scale, octant = units / eighth;
+  const size_t scale = 8 / std::gcd(size_t{8}, n), eighth = n * scale / 8;
+  const size_t units = j % n * scale, octant = units / eighth;
   const size_t rest = octant % 2 == 0 ? units - octant * eighth : (octant + 1) * eighth - units;
   const Quad pi = Quad(0x1.921fb54442d18p+1) + Quad(0x1.1a62633145c07p-53) + Quad(-0x1.f1976b7ed8fbcp-109);
   const Quad x = 2 * pi * static_cast<Quad>(rest) / static_cast<Quad>(n * scale);
