@@ -84,8 +84,8 @@ TZM_API OrvaStatus ORVAS_RealToCplx_64f(const Orva64f* srcRe, const Orva64f* src
 /** @} */
 
 /** @name Core: extrema
- * `*result` is the largest, smallest or largest absolute element. NaN elements are passed over; an array of nothing else gives NaN. Among zeros of both signs the first
- * one is the result of Max and Min; MaxAbs gives +0. @{ */
+ * `*result` is the largest, smallest or largest absolute element. NaN elements are passed over; an array of nothing
+ * else gives NaN. Among zeros of both signs the first one is the result of Max and Min; MaxAbs gives +0. @{ */
 TZM_API OrvaStatus ORVAS_Max_64f(const Orva64f* src, int32_t len, Orva64f* result);
 TZM_API OrvaStatus ORVAS_Min_64f(const Orva64f* src, int32_t len, Orva64f* result);
 TZM_API OrvaStatus ORVAS_MaxAbs_32f(const Orva32f* src, int32_t len, Orva32f* result);
@@ -93,12 +93,11 @@ TZM_API OrvaStatus ORVAS_MaxAbs_64f(const Orva64f* src, int32_t len, Orva64f* re
 /** @} */
 
 /** @name Vector mathematics
- * Element-wise over `n` elements, results last. A result array may be a source array. Nothing is reported: `n < 1` does nothing, domain errors give NaN
- * or infinity. Products and square roots are correctly rounded; so are all binary32 functions of tzm_vmath, the
- * binary64 ones stay within 0.6 ulp. They give the same bits on every architecture, and depend on no element but
- * their own. `atan2` is that
- * of a[i] over b[i], `pow` a[i] to the power b[i], `ln` the natural logarithm; `sincos` gives the bits of
- * `sin` and `cos`. @{ */
+ * Element-wise over `n` elements, results last. A result array may be a source array. Nothing is reported: `n < 1` does
+ * nothing, domain errors give NaN or infinity. Products and square roots are correctly rounded; so are all binary32
+ * functions of tzm_vmath, the binary64 ones stay within 0.6 ulp. They give the same bits on every architecture, and
+ * depend on no element but their own. `atan2` is that of a[i] over b[i], `pow` a[i] to the power b[i], `ln` the natural
+ * logarithm; `sincos` gives the bits of `sin` and `cos`. @{ */
 TZM_API void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r);
 TZM_API void vdmul(int32_t n, const Orva64f* a, const Orva64f* b, Orva64f* r);
 TZM_API void vssqrt(int32_t n, const Orva32f* a, Orva32f* r);
@@ -126,10 +125,10 @@ TZM_API void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c);
 /** @} */
 
 /** @name FFT
- * Unnormalised transforms, tzm_fft for binary64 and tzm_fftf for binary32. A plan is made without arrays and runs on any arrays of its shape, in place too, from any number of
- * threads at once; null means failure. Sign -1 is forward, +1 inverse; flags are 0. The split planner
- * makes the forward transform: exchanging the real and imaginary arrays on both sides gives the
- * inverse. The complex-to-real execution may destroy its input. @{ */
+ * Unnormalised transforms, tzm_fft for binary64 and tzm_fftf for binary32. A plan is made without arrays and runs on
+ * any arrays of its shape, in place too, from any number of threads at once; null means failure. Sign -1 is forward, +1
+ * inverse; flags are 0. The split planner makes the forward transform: exchanging the real and imaginary arrays on both
+ * sides gives the inverse. The complex-to-real execution may destroy its input. @{ */
 typedef struct tzm_fft_plan_record* tzm_fft_plan;
 typedef struct tzm_fftf_plan_record* tzm_fftf_plan;
 typedef struct tzm_fft_iodim { int32_t n, is, os; } tzm_fft_iodim; /**< Size, input and output stride. */

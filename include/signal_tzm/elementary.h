@@ -117,10 +117,11 @@ TZM_API OrvaStatus ORVAS_Magnitude_32sc_S(const Orva32sc* src, Orva32s* dst, int
 /** @name Phase
  * dst[i] = the angle of re[i] + i im[i] in radians, -pi to pi: arctan(im/re), plus pi with the sign of `im`
  * where re < 0: the quotient, the arctangent (as ORVAS_Arctan has it) and the sum are rounded one after the
- * other. Deliberately not atan2: a negative zero counts as 0, so (-1, -0) gives pi, and (0, 0) gives NaN. Integer samples are converted to binary32. _S: the angle times 2^-s in binary32, where s is log2(scale)
- * truncated toward zero, rounded to nearest, ties to even, and saturated; the NaN of (0, 0) gives 0.
- * Status: 1 null pointer; 2 `len < 1`; _S: 20 `scale` not positive and finite; 9 no memory for the scratch
- * arrays, with `dst` untouched. `dst` must not overlap the sources. @{ */
+ * other. Deliberately not atan2: a negative zero counts as 0, so (-1, -0) gives pi, and (0, 0) gives NaN. Integer
+ * samples are converted to binary32. _S: the angle times 2^-s in binary32, where s is log2(scale) truncated toward
+ * zero, rounded to nearest, ties to even, and saturated; the NaN of (0, 0) gives 0.
+ * Status: 1 null pointer; 2 `len < 1`; _S: 20 `scale` not positive and finite; 9 no memory for the scratch arrays,
+ * with `dst` untouched. `dst` must not overlap the sources. @{ */
 TZM_API OrvaStatus ORVAS_Phase_32f(const Orva32f* srcRe, const Orva32f* srcIm, Orva32f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Phase_64f(const Orva64f* srcRe, const Orva64f* srcIm, Orva64f* dst, int32_t len);
 TZM_API OrvaStatus ORVAS_Phase_16s32f(const Orva16s* srcRe, const Orva16s* srcIm, Orva32f* dst, int32_t len);

@@ -72,13 +72,13 @@ TZM_API OrvaStatus ORVAS_ResamplePolyphaseRelease_32f(ResamplePolyphaseState* st
  * moves time on by inRate. So it is exact: it does not drift however long the stream, and blocks of any sizes give what
  * one call gives, to the bit.
  *
- * **Init** designs h: a sinc under a Kaiser window of the parameter `alpha`, 1 to 713, with its cut-off at `rollf`, above
- * 0 and up to 1, of the lower Nyquist frequency; every phase sums to 1. `window`, 2 or more, is the filter's full width
- * in source samples (when the rate falls: in samples of the output), its two ends included, and R is half of it in
- * source samples, rounded up to a multiple of 4. A stop-band A dB down wants alpha = 0.11*(A - 8.7); the transition, centred at the
- * cut-off, is then (A - 8) / (7.2*window) of the lower Nyquist frequency wide. Status, in this order: 1 `stateOut`
- * null; 2 a rate below 1; 7 another argument out of its range; 202 a filter beyond 2^31-1 bytes; 9 no memory.
- * `*stateOut` is null after a failure.
+ * **Init** designs h: a sinc under a Kaiser window of the parameter `alpha`, 1 to 713, with its cut-off at `rollf`,
+ * above 0 and up to 1, of the lower Nyquist frequency; every phase sums to 1. `window`, 2 or more, is the filter's full
+ * width in source samples (when the rate falls: in samples of the output), its two ends included, and R is half of it
+ * in source samples, rounded up to a multiple of 4. A stop-band A dB down wants alpha = 0.11*(A - 8.7); the transition,
+ * centred at the cut-off, is then (A - 8) / (7.2*window) of the lower Nyquist frequency wide. Status, in this order: 1
+ * `stateOut` null; 2 a rate below 1; 7 another argument out of its range; 202 a filter beyond 2^31-1 bytes; 9 no
+ * memory. `*stateOut` is null after a failure.
  *
  * **Set and get a filter.** `taps` is h, of `tapsLen` = 2*U*R entries; its sum is U where the gain is to be 1. Get
  * gives the filter as the state holds it; with `taps` null, its length only. Status: 1 a null pointer; 2 (set) another

@@ -222,7 +222,8 @@ class Decimal {
   // Digit of weight 10^place, also outside what is stored.
   char At(int64_t place) const {
     const int64_t digit = place - scale_;
-    return digit < 0 || digit >= int64_t{kPlaces} * count_ ? '0' : static_cast<char>('0' + Digit(static_cast<int>(digit)));
+    const bool stored = digit >= 0 && digit < int64_t{kPlaces} * count_;
+    return static_cast<char>('0' + (stored ? Digit(static_cast<int>(digit)) : 0));
   }
   int Exponent() const { return count_ == 0 ? 0 : Size() - 1 + scale_; }
   // The lowest place that holds a digit other than 0; 0 for zero.

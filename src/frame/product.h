@@ -49,7 +49,8 @@ class IntegerProducts {
 TZM_INLINE auto WideProducts(Vec<Full<uint8_t>> a, Vec<Full<uint8_t>> b) {
   using D = Full<uint16_t>;
 #if HWY_ARCH_ARM_A64
-  return IntegerProducts<D>{Vec<D>(vmull_u8(vget_low_u8(a.raw), vget_low_u8(b.raw))), Vec<D>(vmull_high_u8(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_u8(vget_low_u8(a.raw), vget_low_u8(b.raw))),
+                            Vec<D>(vmull_high_u8(a.raw, b.raw))};
 #else
   const D d;
   const Full<uint8_t> dn;
@@ -72,7 +73,8 @@ TZM_INLINE IntegerProducts<D> JoinHalves(D d, V low, V high) {
 TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<uint16_t>> b) {
   using D = Full<uint32_t>;
 #if HWY_ARCH_ARM_A64
-  return IntegerProducts<D>{Vec<D>(vmull_u16(vget_low_u16(a.raw), vget_low_u16(b.raw))), Vec<D>(vmull_high_u16(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_u16(vget_low_u16(a.raw), vget_low_u16(b.raw))),
+                            Vec<D>(vmull_high_u16(a.raw, b.raw))};
 #else
   return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
 #endif
@@ -81,7 +83,8 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<uint16_t>> b) {
 TZM_INLINE auto WideProducts(Vec<Full<int16_t>> a, Vec<Full<int16_t>> b) {
   using D = Full<int32_t>;
 #if HWY_ARCH_ARM_A64
-  return IntegerProducts<D>{Vec<D>(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw))), Vec<D>(vmull_high_s16(a.raw, b.raw))};
+  return IntegerProducts<D>{Vec<D>(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw))),
+                            Vec<D>(vmull_high_s16(a.raw, b.raw))};
 #else
   return JoinHalves(D(), hn::Mul(a, b), hn::MulHigh(a, b));
 #endif
@@ -93,8 +96,9 @@ TZM_INLINE auto WideProducts(Vec<Full<uint16_t>> a, Vec<Full<int16_t>> b) {
   const D d;
   const hn::Half<Full<int16_t>> half;
   const hn::Half<Full<uint16_t>> uhalf;
-  return IntegerProducts<D>{hn::Mul(hn::PromoteTo(d, hn::LowerHalf(uhalf, a)), hn::PromoteTo(d, hn::LowerHalf(half, b))),
-                    hn::Mul(hn::PromoteTo(d, hn::UpperHalf(uhalf, a)), hn::PromoteTo(d, hn::UpperHalf(half, b)))};
+  const auto low = hn::Mul(hn::PromoteTo(d, hn::LowerHalf(uhalf, a)), hn::PromoteTo(d, hn::LowerHalf(half, b)));
+  const auto high = hn::Mul(hn::PromoteTo(d, hn::UpperHalf(uhalf, a)), hn::PromoteTo(d, hn::UpperHalf(half, b)));
+  return IntegerProducts<D>{low, high};
 #else  // `a` taken as signed is short of 2^16 where its highest bit is set
   const auto as = hn::BitCast(Full<int16_t>(), a);
   return JoinHalves(D(), hn::Mul(as, b), hn::Add(hn::MulHigh(as, b), hn::And(hn::BroadcastSignBit(as), b)));

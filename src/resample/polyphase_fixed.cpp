@@ -49,8 +49,8 @@ void ForEachTap(const State& state, Take take) {
       take(Row<Sample>(state, phase) + tap, n);
 }
 
-// The source samples on either side of an output that the filter may reach, in steps of 1/(2*up): window * max(up, down)
-// as a product of integers and 2^-22, exact in binary64 as long as the filter has a legal length.
+// The source samples on either side of an output that the filter may reach, in steps of 1/(2*up):
+// window * max(up, down), a product of integers and 2^-22, exact in binary64 as long as the filter has a legal length.
 double Width(double window, int32_t up, int32_t down) { return window * HWY_MAX(up, down); }
 
 // A low-pass filter `width` wide, in steps of 1/up of a source sample; the taps on its edges belong to it. Every phase
@@ -103,7 +103,8 @@ OrvaStatus Init(int32_t inRate, int32_t outRate, Orva32f window, Orva32f rollf, 
   if (OrvaStatus status = CheckPointers(stateOut)) return status;
   *stateOut = nullptr;
   if (inRate < 1 || outRate < 1) return ORVA_STS_SIZE_ERR;
-  if (!(window >= 2) || !(rollf > 0) || rollf > 1 || !(alpha >= 1) || alpha > kBesselI0Limit) return ORVA_STS_BAD_ARG_ERR;
+  if (!(window >= 2) || !(rollf > 0) || rollf > 1) return ORVA_STS_BAD_ARG_ERR;
+  if (!(alpha >= 1) || alpha > kBesselI0Limit) return ORVA_STS_BAD_ARG_ERR;
   const int32_t unit = std::gcd(inRate, outRate);
   const int32_t up = outRate / unit, down = inRate / unit;
   const double width = Width(window, up, down);

@@ -73,7 +73,8 @@ look_into_python() {
   local package=python3-signal-tzm
   holds $package usr/lib/python3/dist-packages/signal_tzm/{__init__.py,py.typed,_raw.abi3.so}
   field $package Architecture "$ARCHITECTURE"
-  field $package Depends "libsignal-tzm${VERSION%%.*} (= $VERSION)" python3-numpy python3-cffi-backend libc6 libopenblas0
+  field $package Depends "libsignal-tzm${VERSION%%.*} (= $VERSION)" python3-numpy python3-cffi-backend \
+    libc6 libopenblas0
   [ -n "$TOOLCHAIN" ] || [ "$(PYTHONPATH=$scratch/root/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1 \
     /usr/bin/python3 -c 'import signal_tzm as tz; print(tz.sum([1.0, 2.0]))')" = 3.0 ] || wrong 'Python got no sum'
 }

@@ -113,8 +113,8 @@ TYPED_TEST(ResamplePolyphaseFixed, PassesAndStops) {
 TYPED_TEST(ResamplePolyphaseFixed, TapsReachTheEdgesOfTheWindow) {
   using M = Members<TypeParam>;
   struct { int32_t in, out; float window, rollf, alpha; } const shapes[] = {
-      {8, 3, 8, 0.57f, 2}, {7, 5, 28, 0.9f, 3}, {8, 7, 17, 0.9f, 2}, {3, 2, 20, 0.8f, 4}, {5, 3, 6, 0.9f, 1}, {3, 8, 9, 0.9f, 2},
-      {9, 7, 2, 0.9f, 1}, {1, 2, 2, 1, 713}, {3, 100, 2, 1e-45f, 713}, {100, 3, 2, 1e-45f, 1}};
+      {8, 3, 8, 0.57f, 2}, {7, 5, 28, 0.9f, 3}, {8, 7, 17, 0.9f, 2}, {3, 2, 20, 0.8f, 4}, {5, 3, 6, 0.9f, 1},
+      {3, 8, 9, 0.9f, 2}, {9, 7, 2, 0.9f, 1}, {1, 2, 2, 1, 713}, {3, 100, 2, 1e-45f, 713}, {100, 3, 2, 1e-45f, 1}};
   for (const auto& [in, out, window, rollf, alpha] : shapes) {
     SCOPED_TRACE(testing::Message() << in << " to " << out << ", window " << window);
     ResamplePolyphaseFixedState* state = nullptr;
