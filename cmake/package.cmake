@@ -124,7 +124,7 @@ if(TZM_GENSYMBOLS)
     COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}/names
     COMMAND ${CMAKE_COMMAND} -E env DEB_HOST_ARCH=${CPACK_DEBIAN_PACKAGE_ARCHITECTURE} ${TZM_GENSYMBOLS} -q -c4
       -p${run_package} -v${PROJECT_VERSION} -I${folder}/symbols -O${folder}/names/symbols ${files})
-  add_custom_target(tzm_symbols DEPENDS ${folder}/names/symbols)
+  add_custom_target(tzm_symbols ALL DEPENDS ${folder}/names/symbols)
   add_dependencies(tzm_all tzm_symbols)
   list(APPEND CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${folder}/names/symbols)
 endif()
