@@ -91,12 +91,16 @@ TZM_API OrvaStatus ORVAS_Pow_64f(const Orva64f* src1, const Orva64f* src2, Orva6
  * |---|---|---|
  * | 32f, 64f | re^2 added with one rounding to the rounded im^2 | as the body |
  * | 32fc | two rounded squares, rounded sum | as the body |
- * | 64fc, blocks of 2 | scaled so that no square overflows or underflows; infinity prevails over NaN | the system's cabs of re + i im, formed with re + 0 im as its real part |
- * | 16s32f, blocks of 4 | exact sum rounded to binary32, binary32 root | exact sum, binary64 root, rounded to binary32 |
+ * | 64fc, blocks of 2 | scaled (below) | the system's cabs (below) |
+ * | 16s32f, blocks of 4 | binary32 root of the exact sum rounded to binary32 | binary64 root of the sum, then rounded |
  * | 16sc32f, blocks of 4 | as 32f on converted parts | as 16s32f |
  * | 16s_S, blocks of 8 | as 16s32f, times the factor in binary32 | binary64 root of the exact sum times the factor |
  * | 16sc_S | binary64 root of the exact sum times the factor | as the body |
- * | 32sc_S, blocks of 4 | binary64: re^2 added with one rounding to the rounded im^2; root times the factor | 64-bit integer sum, which wraps (to a result of 0) for two parts of -2^31; binary64 root times the factor |
+ * | 32sc_S, blocks of 4 | binary64 root of a binary64 sum (below) times the factor | the same of a 64-bit integer sum |
+ *
+ * 64fc: the body scales so that no square overflows or underflows, and infinity prevails over NaN; the tail takes
+ * cabs of re + i im, formed with re + 0 im as its real part. 32sc_S: the body adds re^2 with one rounding to the
+ * rounded im^2; the sum of the tail wraps (to a result of 0) for two parts of -2^31.
  *
  * _S: the factor is 2^-s, where s is log2(scale) truncated toward zero; the result is rounded to nearest, ties
  * to even, and saturated; saturation is not reported.
