@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Runs the examples on recordings, holds their results against SciPy's and draws them.   gallery.py PROGRAMS OUT
 
-PROGRAMS is the folder of the built examples; what they read, what they write and the pictures go to OUT. A function
-below is an example: it runs the program, does the same with SciPy, draws, and returns the largest difference, what is
-allowed and why.
+PROGRAMS is the folder of the built examples, or that of the Python scripts; what they read, what they write and the
+pictures go to OUT. A function below is an example: it runs the program, does the same with SciPy, draws, and returns
+the largest difference, what is allowed and why.
 """
 import io
 import pathlib
@@ -68,7 +68,9 @@ class Gallery:
     def run(self, name, *recordings, header=1):
         """What the program writes, as columns, and what it says."""
         files = [file if isinstance(file, pathlib.Path) else self.out / f"{file}.wav" for file in recordings]
-        done = subprocess.run([self.programs / name, *files], capture_output=True, text=True)
+        script = self.programs / f"{name}.py"
+        program = [sys.executable, script] if script.exists() else [self.programs / name]
+        done = subprocess.run([*program, *files], capture_output=True, text=True)
         require(done.returncode == 0, done.stderr.strip() or f"ended with {done.returncode}")
         (self.out / f"{name}.csv").write_text(done.stdout)
         return np.loadtxt(io.StringIO(done.stdout), delimiter=",", skiprows=header, ndmin=2).T, done.stderr.strip()
