@@ -122,7 +122,9 @@ enum { TZM_ARRAYS = 6 };
 enum { TZM_NONE, TZM_SOURCE, TZM_MASK, TZM_DST, TZM_BOTH, TZM_RESULT, TZM_VALUE };
 typedef struct {
   OrvaStatus (*call)(char** p, int32_t n);
-  unsigned char role[TZM_ARRAYS], size[TZM_ARRAYS], in_place, placed;
+  unsigned char role[TZM_ARRAYS], size[TZM_ARRAYS];
+  signed char given[TZM_ARRAYS];  /* which one in order of sources, masks, results, constants, scales; or -1 */
+  unsigned char in_place, placed;
 } Operation;
 
 static int32_t tzm_longest = INT32_MAX;  /* of a call; what is longer goes in pieces where that changes no bit */
@@ -131,19 +133,27 @@ static int32_t tzm_longest = INT32_MAX;  /* of a call; what is longer goes in pi
 static const Operation tzm_operations[] = {
 %s};
 
-/* Runs an operation on `rows` rows of `n` elements. Bit i of `shared` says that all rows use the one row p_i has.
+static const struct {
+  OrvaStatus (*call)(char** p);
+  int count;  /* of arguments */
+} tzm_others[] = {
+%s};
+
+/* Runs an operation on `rows` rows of `n` elements. Bit i of `shared` says that all rows use the one row g_i has.
  * -1: a destination overlaps what it must not. -2: longer than one call can be, and not to be split. */
-static int32_t tzm_run(int32_t number, int64_t n, int64_t rows, uint32_t shared, void* p0, void* p1, void* p2, void* p3,
-                       void* p4, void* p5) {
+static int32_t tzm_run(int32_t number, int64_t n, int64_t rows, uint32_t shared, void* g0, void* g1, void* g2, void* g3,
+                       void* g4, void* g5) {
   const Operation* const o = tzm_operations + number;
-  char* const p[TZM_ARRAYS] = {p0, p1, p2, p3, p4, p5};
+  char* const given[TZM_ARRAYS] = {g0, g1, g2, g3, g4, g5};
+  char* p[TZM_ARRAYS];
   size_t step[TZM_ARRAYS], bytes[TZM_ARRAYS];
   int64_t row;
   int32_t result = 0;
   int i, j, reduces = 0;
   for (i = 0; i < TZM_ARRAYS; ++i) {
-    const int array = o->role[i] && o->role[i] <= TZM_BOTH, one = o->role[i] == TZM_RESULT;
-    step[i] = p[i] && !(shared >> i & 1) ? (size_t)o->size[i] * (array ? n : one) : 0;
+    const int array = o->role[i] && o->role[i] <= TZM_BOTH, one = o->role[i] == TZM_RESULT, from = o->given[i];
+    p[i] = from < 0 ? NULL : given[from];
+    step[i] = p[i] && !(shared >> from & 1) ? (size_t)o->size[i] * (array ? n : one) : 0;
     bytes[i] = p[i] ? (size_t)o->size[i] * (array ? n : 1) * (step[i] ? rows : 1) : 0;
     reduces |= one;
   }
@@ -174,6 +184,24 @@ static int32_t tzm_run(int32_t number, int64_t n, int64_t rows, uint32_t shared,
   }
   return result;
 }
+
+/* Runs one of the other operations, those on states, on `rows` rows. p[i] is its argument i where that is a pointer, else
+ * where its value is; for each further row it lies steps[i] bytes on. */
+static int32_t tzm_rows(int32_t number, int64_t rows, void* const* p, const int64_t* steps) {
+  const int count = tzm_others[number].count;
+  char* at[16];
+  int32_t result = 0;
+  int64_t row;
+  int i;
+  for (row = 0; row < rows; ++row) {
+    OrvaStatus status;
+    for (i = 0; i < count; ++i) at[i] = (char*)p[i] + (row ? row * steps[i] : 0);
+    status = tzm_others[number].call(at);
+    if (status) result = status;
+    if (status && status < 300) break;
+  }
+  return result;
+}
 """
 
 
@@ -181,7 +209,18 @@ def c_type(argument):
     return {"32u": "uint32_t", "64u": "uint64_t"}.get(argument.type, "Orva" + argument.type)
 
 
-def extension(code, rows):
+def given(row, kept):
+    """The arguments in the order in which the thin layer gives them: a source that is the result, as the result."""
+    places = lambda *roles: [i for i, a in enumerate(kept) if a.role in roles]
+    sources = places("source", "both")
+    results = sorted(places("dst", "both", "result"), key=lambda i: kept[i].name == "overflow")
+    if row.family in SWAPPED:
+        sources.reverse()
+    return ([i for i in sources if i not in results] + places("mask") + results + places("constant", "input") +
+            places("scale"))
+
+
+def extension(code, rows, others):
     import cffi  # what only reads the tables needs none
 
     role = {"source": "SOURCE", "mask": "MASK", "dst": "DST", "both": "BOTH", "result": "RESULT"}
@@ -198,11 +237,21 @@ def extension(code, rows):
                       f"  return {row.name}({', '.join(values)});\n}}\n")
         marks = ", ".join("TZM_" + role.get(a.role, "VALUE") for a in kept)
         sizes = ", ".join(f"sizeof({c_type(a)})" for a in kept)
-        table += f"  {{run_{row.name}, {{{marks}}}, {{{sizes}}}, {row.in_place:d}, {row.placed:d}}},\n"
+        order = given(row, kept)
+        places = ", ".join(str(order.index(i) if i in order else -1) for i in range(6))
+        table += (f"  {{run_{row.name}, {{{marks}}}, {{{sizes}}}, {{{places}}}, {row.in_place:d}, "
+                  f"{row.placed:d}}},\n")
+    rest = ""
+    for operation in others:
+        values = [f"({a.type}{'*' * a.pointer})p[{i}]" if a.pointer else f"*(const {a.type}*)p[{i}]"
+                  for i, a in enumerate(operation.arguments)]
+        functions += (f"static OrvaStatus run_{operation.name}(char** p) {{\n"
+                      f"  return {operation.name}({', '.join(values)});\n}}\n")
+        rest += f"  {{run_{operation.name}, {len(values)}}},\n"
     ffi = cffi.FFI()
     ffi.cdef(code + "static int32_t tzm_longest; int32_t tzm_run(int32_t, int64_t, int64_t, uint32_t," +
-             ", ".join(["void*"] * 6) + ");")
-    ffi.set_source("signal_tzm._raw", "#include <signal_tzm.h>\n" + RUN % (functions, table))
+             ", ".join(["void*"] * 6) + "); int32_t tzm_rows(int32_t, int64_t, void* const*, const int64_t*);")
+    ffi.set_source("signal_tzm._raw", "#include <signal_tzm.h>\n" + RUN % (functions, table, rest))
     return ffi
 
 
@@ -317,7 +366,7 @@ def main(source, out):
     out.mkdir(parents=True, exist_ok=True)
     code, rows, others = read(source)
     with contextlib.redirect_stdout(None):
-        extension(code, rows).emit_c_code(str(out / "_raw.c"))
+        extension(code, rows, others).emit_c_code(str(out / "_raw.c"))
     (out / "_raw.c").touch()  # also where nothing in it changed
     families, stubs, table = functions(rows)
     made = "Made by generate.py from the public headers."
@@ -325,9 +374,11 @@ def main(source, out):
                 " ".join(f"{a.role}:{a.type}:{snake(a.name)}" for a in row.arguments if a.role != "length"))
                for row in rows]
     states, docs = state_table(others)
+    values = {operation.name: (number, ["" if a.pointer else f"{a.type} *" for a in operation.arguments])
+              for number, operation in enumerate(others)}
     (out / "_table.py").write_text(
         f'"""{made}"""\nSTATUSES = {statuses(source)!r}\nFAMILIES = {table!r}\nSTATES = {states!r}\n'
-        f"DOCS = {docs!r}\nOPERATIONS = [\n" + "".join(f"    {row!r},\n" for row in compact) + "]\n")
+        f"OTHERS = {values!r}\nDOCS = {docs!r}\nOPERATIONS = [\n" + "".join(f"    {row!r},\n" for row in compact) + "]\n")
     names = ", ".join(repr(name) for name in table)
     (out / "_families.py").write_text(
         f'"""{made}"""\nfrom ._call import FAMILIES as _F, call as _call\n\n__all__ = [{names}]\n' + families)

@@ -6,6 +6,7 @@ from __future__ import annotations
 import collections
 import contextlib
 import contextvars
+import functools
 import math
 import numbers
 import operator
@@ -149,13 +150,19 @@ class Member:
         self.output_types = tuple(DTYPES[self.types[i]] for i in self.outputs)
         self.twin = None  # the in-place member of the same types
         self.last = self.sources.index(self.outputs[0]) if self.in_place else None  # the source that is the output
-        # From [null, sources, masks, outputs, constants, scales] to the six pointers of the call.
-        given = [None if i in self.outputs else i for i in self.sources]
-        given += self.masks + self.outputs + self.constants + self.scales
-        self.order = operator.itemgetter(*(1 + given.index(i) if i in given else 0 for i in range(6)))
+        self.output_type = self.output_types[0]
 
     def places(self, *roles):
         return [i for i, role in enumerate(self.roles) if role in roles]
+
+    def given(self, sources):
+        """Those of the sources that the call takes beside the result."""
+        return [*sources[:self.last], *sources[self.last + 1:]] if self.in_place else sources
+
+
+@functools.lru_cache(256)
+def _integer(kind, value):
+    return _constant(kind, value)
 
 
 def _whole(number):
@@ -164,6 +171,10 @@ def _whole(number):
 
 def constant(kind, value):
     """A pointer to a value of a sample type. A float never becomes an integer here, and no integer wraps."""
+    return _integer(kind, value) if type(value) is int else _constant(kind, value)
+
+
+def _constant(kind, value):
     dtype = DTYPES[kind]
     try:
         if dtype.kind in "cV":
@@ -187,10 +198,11 @@ class Family:
         if name == "mul":
             self.by_first = self.by_second
 
-    def values(self, member, constants, scales):
-        """Pointers to those of the family's constants that the member has, and to its scales."""
-        values = [constant(member.types[i], constants[self.constants.index(member.names[i])]) for i in member.constants]
-        return values + [constant("64f", scale) for scale in scales[:len(member.scales)]]
+    def add(self, member):
+        self.members.append(member)
+        # (type, place in the family's constants, or in its scales behind them)
+        member.values = [(member.types[i], self.constants.index(member.names[i])) for i in member.constants]
+        member.values += [("64f", len(self.constants) + i) for i in range(len(member.scales))]
 
     def pair(self):
         """Joins each in-place member to the other one of its types; those without one stay by themselves."""
@@ -231,35 +243,41 @@ FAMILIES: dict[str, Family] = {}
 for _name in sorted(_table.FAMILIES, key=len, reverse=True):  # mul_c is there before mul
     FAMILIES[_name] = Family(_name)
 for _number, (_name, _family, *_rest) in enumerate(_table.OPERATIONS):
-    FAMILIES[_family].members.append(Member(_number, _name, _family, *_rest))
+    FAMILIES[_family].add(Member(_number, _name, _family, *_rest))
 for _each in FAMILIES.values():
     _each.pair()
 
-_run, _from_buffer, _NULL, _empty = lib.tzm_run, ffi.from_buffer, ffi.NULL, np.empty
-_dtype = operator.attrgetter("dtype")
+_run, _from_buffer, _empty = lib.tzm_run, ffi.from_buffer, np.empty
+_BYTES = ffi.typeof("char[]")
+_REST = [(ffi.NULL,) * (6 - given) for given in range(7)]  # behind the pointers that are given
+_NUMBERS = frozenset((int, float, complex))
 
 
 def call(f, sources, constants, out, scales, dtype, axis, kind=None):
     """Runs the member of family `f` that the arguments ask for."""
+    if f.by_second and type(sources[1]) in _NUMBERS:
+        return call(f.by_second, sources[:1], sources[1:], out, scales, dtype, axis)
     # The quick road: arrays as they must be, one result, types that were there before.
     try:
-        first = sources[0]
+        first, last = sources[0], sources[-1]  # there are never more than two
         shape = first.shape
         scaled = scales != () and scales[0] is not None
-        member = f.plans[(kind, dtype, scaled, out if out is None else out.dtype, *map(_dtype, sources))]
-        if sources[-1].shape != shape or axis is not None and len(shape) != 1:  # there are never more than two
+        member = f.plans[kind, dtype, scaled, out is None or out.dtype, first.dtype, last.dtype]
+        if last.shape != shape or axis is not None and len(shape) != 1:
             raise ValueError
         result = out
         if out is None:
-            result = _empty(() if member.reduces else shape, member.output_types[0])
+            result = _empty(() if member.reduces else shape, member.output_type)
         elif out.shape != shape:
             raise ValueError
         elif member.twin and out is sources[member.twin.last]:
             member = member.twin
-        pointers = [_NULL, *map(_from_buffer, sources), _from_buffer(result, require_writable=True)]
-        if constants or scaled:
-            pointers += f.values(member, constants, scales)
-        status = _run(member.number, first.size, 1, 0, *member.order(pointers))
+            sources = member.given(sources)
+        pointers = [*map(_from_buffer, sources), _from_buffer(_BYTES, result, True)]
+        if member.values:
+            values = constants + scales
+            pointers += [constant(of, values[place]) for of, place in member.values]
+        status = _run(member.number, first.size, 1, 0, *pointers, *_REST[len(pointers)])
     except (KeyError, AttributeError, TypeError, ValueError, BufferError):
         member = None
     if member is None:  # the long road knows how, or what is wrong
@@ -313,7 +331,7 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         wanted = (np.dtype(float),)
     member = f.choose(tuple(a.dtype for a in given), scaled, wanted, kind, constants)
     if given and len(member.outputs) == 1 and not member.in_place and not member.masks:
-        f.plans[(kind, dtype, scaled, None if out is None else out.dtype, *map(_dtype, given))] = member
+        f.plans[kind, dtype, scaled, out is None or out.dtype, given[0].dtype, given[-1].dtype] = member
 
     # Shapes: `shape` is that of an element-wise result, `stack` that of the rows' single results.
     if given:
@@ -341,13 +359,12 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
     elif member.twin and results[0] is given[member.twin.last]:
         member = member.twin
 
-    pointers = [_NULL, *map(_from_buffer, arrays), *([*map(_from_buffer, masks)] or [_NULL] * len(member.masks)),
-                *[_from_buffer(a, require_writable=True) for a in results], *f.values(member, constants, scales)]
-    shared = 0
-    for place, a in zip(member.sources + member.masks, arrays + masks):
-        shared |= (a.shape[:-1] != stack) << place
-    shared *= bool(stack)
-    status = _run(member.number, n, math.prod(stack), shared, *member.order(pointers))
+    rows, values = [*member.given(arrays), *masks], constants + scales
+    pointers = [*map(_from_buffer, rows), *[ffi.NULL] * (len(member.masks) - len(masks)),
+                *[_from_buffer(_BYTES, a, True) for a in results],
+                *[constant(of, values[place]) for of, place in member.values]]
+    shared = sum((stack != a.shape[:-1]) << i for i, a in enumerate(rows)) if stack else 0
+    status = _run(member.number, n, math.prod(stack), shared, *pointers, *_REST[len(pointers)])
     if status:
         _finish(f, member, status)
     if moved and not member.reduces:

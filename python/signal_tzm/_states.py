@@ -43,20 +43,46 @@ def _type(x: Any) -> str:
     return TYPES.get(x.dtype, str(x.dtype))
 
 
-def _pointer(array: Any, offset: int = 0) -> Any:
-    """The address of an element of a contiguous array; None is null."""
-    if array is None:
-        return ffi.NULL
-    return ffi.cast("void *", ffi.cast("char *", ffi.from_buffer(array)) + offset * array.itemsize)
+_from_buffer, _new, _KINDS = ffi.from_buffer, ffi.new, {
+    kind: kind and ffi.typeof(kind) for _, kinds in _table.OTHERS.values() for kind in kinds}
 
 
-def _do(name: str, *values: Any) -> None:
-    check(getattr(lib, name)(*[_pointer(v) if isinstance(v, np.ndarray) else ffi.NULL if v is None else v
-                               for v in values]), name)
+def _pointer(value: Any, kind: str) -> Any:
+    if kind:
+        return _new(_KINDS[kind], value)
+    if type(value) is np.ndarray:
+        return _from_buffer(value)
+    if type(value) is tuple:
+        return _from_buffer(value[0]) + value[1] * value[0].itemsize
+    return ffi.NULL if value is None else value
+
+
+def _step(value: Any) -> int:
+    array = value[0] if type(value) is tuple else value
+    return array.shape[-1] * array.itemsize if type(array) is np.ndarray and array.ndim > 1 else 0
+
+
+def _do(name: str, *values: Any, rows: int = 1) -> None:
+    """Runs an operation on contiguous arrays, one row after the other. Arrays of more than one dimension go on by a row,
+    all rows share the rest; (array, n) is from its element n on."""
+    number, kinds = _table.OTHERS[name]
+    status = lib.tzm_rows(number, rows, [*map(_pointer, values, kinds)],
+                          ffi.NULL if rows == 1 else [*map(_step, values)])
+    if status:
+        check(status, name)
 
 
 def _along(x: ArrayLike, axis: int) -> Array:
-    return np.ascontiguousarray(np.moveaxis(np.asarray(x), axis, -1))
+    x = np.asarray(x)
+    return np.ascontiguousarray(x if axis in (-1, x.ndim - 1) else np.moveaxis(x, axis, -1))
+
+
+def _stack(what: str, *arrays: Array) -> tuple[Any, int]:
+    """The shape of a stack and the number of its rows; a single row may go with all of them."""
+    lead = max((a.shape[:-1] for a in arrays), key=len)
+    if any(a.shape[:-1] not in ((), lead) for a in arrays):
+        raise ValueError(f"{what}: shapes {' and '.join(str(a.shape) for a in arrays)} do not fit along the axis")
+    return lead, math.prod(lead)
 
 
 def _target(shape: Any, dtype: Any, axis: int, out: Any, *sources: Array) -> Array:
@@ -74,8 +100,9 @@ def _target(shape: Any, dtype: Any, axis: int, out: Any, *sources: Array) -> Arr
     return np.empty(shape, dtype)
 
 
-def _given(result: Array, axis: int, out: Any) -> Array:
-    result = result if result is out else np.moveaxis(result, -1, axis)
+def _given(result: Array, axis: int, out: Any = None) -> Array:
+    if axis not in (-1, result.ndim - 1) and result is not out:
+        result = np.moveaxis(result, -1, axis)
     if out is None or out is result:
         return result
     out[...] = result
@@ -201,13 +228,9 @@ class _Filter(State):
             if self._line_of != (lead, src.dtype):
                 raise ValueError("the stream began with another shape or type: reset() first")
             dst = _target(lead + (n // self._down * self._up,), src.dtype, axis, out, src)
-            run, line = getattr(lib, name), self._line.shape[-1]
-            for row in range(math.prod(lead)):
-                delay = _pointer(self._line, row * line)
-                for at in range(0, n // self._down, self._piece):
-                    count = min(self._piece, n // self._down - at)
-                    check(run(_pointer(src, row * n + at * self._down),
-                              _pointer(dst, row * dst.shape[-1] + at * self._up), count, state, delay, delay), name)
+            for at in range(0, n // self._down, self._piece):
+                _do(name, (src, at * self._down), (dst, at * self._up), min(self._piece, n // self._down - at), state,
+                    self._line, self._line, rows=math.prod(lead))
             return _given(dst, axis, out)
 
     def stream(self, blocks: Iterable[ArrayLike]) -> Iterator[Array]:
@@ -411,7 +434,7 @@ class Resampler(State):
         _do(_name("ResamplePolyphaseFixed", "SetFilter", self._kind), self._state(), taps, taps.size)
 
     def __call__(self, x: ArrayLike, *, norm: float = 1, axis: int = -1) -> Array:
-        return np.moveaxis(np.concatenate(list(self.stream([_along(x, axis)], norm=norm)), axis=-1), -1, axis)
+        return _given(np.concatenate(list(self.stream([_along(x, axis)], norm=norm)), axis=-1), axis)
 
     def between(self, x: Array, n: int, time: int, *, norm: float = 1) -> tuple[Array, int]:
         """The outputs from `time` on, in 1/out_rate of a sample of `x`, up to `n` samples past the one there, and the
@@ -421,12 +444,9 @@ class Resampler(State):
         if not self.reach - 1 <= time // self.out_rate <= x.shape[-1] - self.reach - n:
             raise ValueError(f"Resampler: {self.reach} samples are needed on both sides")
         dst = np.empty(lead + (n * self.out_rate // self.in_rate + 1,), self.dtype)
-        count, now = ffi.new("int32_t *"), ffi.new("Orva64s *", time)
-        for row in range(math.prod(lead)):
-            now[0] = time
-            check(getattr(lib, name)(_pointer(x, row * x.shape[-1]), n, _pointer(dst, row * dst.shape[-1]), norm, now,
-                                     count, self._state()), name)
-        return dst[..., :count[0]], now[0]
+        count, now = np.empty(lead + (1,), np.int32), np.full(lead + (1,), time, np.int64)
+        _do(name, x, n, dst, norm, now, count, self._state(), rows=math.prod(lead))
+        return dst[..., :count.flat[0]], int(now.flat[0])
 
     def stream(self, blocks: Iterable[ArrayLike], *, norm: float = 1) -> Iterator[Array]:
         """Resamples a signal that comes in blocks, along the last axis: the same bits wherever it was cut."""
@@ -474,13 +494,11 @@ class VariableResampler(State):
         silence = np.zeros(lead + (reach,), src.dtype)
         src = np.concatenate([silence, src, silence], axis=-1)
         room = math.ceil(n * factor) + 1
-        dst, count, time = np.empty(lead + (room,), src.dtype), ffi.new("int32_t *"), ffi.new("Orva64f *")
-        for row in range(math.prod(lead)):
-            time[0] = reach
-            name = _name("ResamplePolyphase", "", self._kind)
-            check(getattr(lib, name)(_pointer(src, row * src.shape[-1]), n, _pointer(dst, row * room), factor, norm,
-                                     time, count, self._state()), name)
-        return np.moveaxis(dst[..., :count[0]], -1, axis)
+        dst, count, time = np.empty(lead + (room,), src.dtype), np.empty(lead + (1,), np.int32), np.full(lead + (1,),
+                                                                                                         float(reach))
+        _do(_name("ResamplePolyphase", "", self._kind), src, n, dst, factor, norm, time, count, self._state(),
+            rows=math.prod(lead))
+        return _given(dst[..., :count.flat[0]], axis)
 
 
 # ---- Transforms ----
@@ -504,6 +522,7 @@ class FFT(State):
         other = DTYPES[self._kind.rstrip("c") + "c"] if self._kind in DTYPES else self.dtype
         self._in, self._out = ((other, self.dtype) if inverse else (self.dtype, other)) if real else (self.dtype,) * 2
         self._lengths = ((n // 2 + 1, n) if inverse else (n, n // 2 + 1)) if real else (n, n)
+        self._name = _name(self._prefix, "", self._kind)
         self._init("", _name(self._prefix, "Init", self._kind), _name(self._prefix, "Release", self._kind),
                    n.bit_length() - 1 if power else n, *([] if real else [-1 if inverse else 1]), divide)
 
@@ -515,17 +534,12 @@ class FFT(State):
             if src.dtype != self._in:
                 raise TypeError(f"FFT: samples must be {self._in}, not {src.dtype}")
             _length(src, self._lengths[0], "the array")
-            if src.shape != sources[0].shape:
-                raise ValueError(f"FFT: shapes {sources[0].shape} and {src.shape} differ")
+        lead, rows = _stack("FFT", *sources)
         if self._prefix.endswith("CToR"):  # the transform spoils its source
             sources = [sources[0].copy()]
         outs = out if isinstance(out, (tuple, list)) else [out] * len(sources)
-        lead = sources[0].shape[:-1]
         results = [_target(lead + (self._lengths[1],), self._out, axis, o, *sources) for o in outs]
-        name = _name(self._prefix, "", self._kind)
-        run, state = getattr(lib, name), self._state()
-        for row in range(math.prod(lead)):
-            check(run(*[_pointer(a, row * a.shape[-1]) for a in sources + results], state), name)
+        _do(self._name, *sources, *results, self._state(), rows=rows)
         results = [_given(result, axis, o) for result, o in zip(results, outs)]
         return tuple(results) if self.split else results[0]
 
@@ -582,9 +596,7 @@ class Hilbert(State):
         name = _name("Hilbert", "", f"{_type(src)}32fc")
         _length(src, self.n, "the array")
         dst = _target(src.shape, np.dtype(np.complex64), axis, out, src)
-        for row in range(math.prod(src.shape[:-1])):
-            check(getattr(lib, name)(_pointer(src, row * self.n), _pointer(dst, row * self.n), self.n, self._state()),
-                  name)
+        _do(name, src, dst, self.n, self._state(), rows=math.prod(src.shape[:-1]))
         return _given(dst, axis, out)
 
 
@@ -601,10 +613,8 @@ def czt(x: ArrayLike, n: int, w: complex, a: complex = 1, *, axis: int = -1) -> 
     name = _name("CZT", "", _type(src))
     dst = np.empty(src.shape[:-1] + (max(n, 0),), np.result_type(src.dtype, np.complex64))
     powers = [constant(TYPES[dst.dtype], value)[0] for value in (w, a)]
-    for row in range(math.prod(src.shape[:-1])):
-        check(getattr(lib, name)(_pointer(src, row * src.shape[-1]), src.shape[-1], _pointer(dst, row * n), n, *powers),
-              name)
-    return np.moveaxis(dst, -1, axis)
+    _do(name, src, src.shape[-1], dst, n, *powers, rows=math.prod(src.shape[:-1]))
+    return _given(dst, axis)
 
 
 @_about("Pwelch")
@@ -624,26 +634,15 @@ def pwelch(x: ArrayLike, window: ArrayLike | None = None, *, win_len: int | None
     win_len = win_len or min(256, n)
     points = nfft if 0 < nfft < win_len else win_len
     dst = np.empty(src.shape[:-1] + (points if src.dtype.kind == "c" else points // 2 + 1,), part)
-    for row in range(math.prod(src.shape[:-1])):
-        check(getattr(lib, name)(_pointer(src, row * n), _pointer(window), _pointer(dst, row * dst.shape[-1]), n, nfft,
-                                 win_len, overlap), name)
-    return np.moveaxis(dst, -1, axis)
+    _do(name, src, window, dst, n, nfft, win_len, overlap, rows=math.prod(src.shape[:-1]))
+    return _given(dst, axis)
 
 
 # ---- Convolution and correlation ----
 
-def _row(x: ArrayLike, n: int | None = None) -> Array:
-    x = np.ascontiguousarray(x)
-    if x.ndim != 1:
-        raise ValueError(f"one row of samples wanted, not an array of shape {x.shape}")
-    if n is not None:
-        _length(x, n, "the array")
-    return x
-
-
-def _same(a: Array, b: Array, dtype: Any) -> None:
-    if a.dtype != dtype or b.dtype != dtype:
-        raise TypeError(f"samples must be {dtype}, not {a.dtype} and {b.dtype}")
+def _same(dtype: Any, *arrays: Array) -> None:
+    if any(a.dtype != dtype for a in arrays):
+        raise TypeError(f"samples must be {dtype}, not {' and '.join(str(a.dtype) for a in arrays)}")
 
 
 class _Pair(State):
@@ -652,25 +651,31 @@ class _Pair(State):
         self._kind = TYPES.get(self.dtype, str(self.dtype))
         self._init("", _name(prefix, "Init", self._kind), _name(release, "Release", self._kind), *values)
 
-    def _run(self, prefix: str, *values: Any) -> None:
+    def _run(self, prefix: str, sources: list[tuple[ArrayLike, int]], size: int, axis: int,
+             *values: int) -> Array:
+        arrays = [_along(x, axis) for x, _ in sources]
+        _same(self.dtype, *arrays)
+        for a, (_, n) in zip(arrays, sources):
+            _length(a, n, "the array")
+        lead, rows = _stack(type(self).__name__, *arrays)
+        dst = np.zeros(lead + (size,), self.dtype)
+        given = [value for a in arrays for value in (a, a.shape[-1])]
         with self._lock:
-            _do(_name(prefix, "", self._kind), *values, self._state())
+            _do(_name(prefix, "", self._kind), *given, dst, *values, self._state(), rows=rows)
+        return _given(dst, axis)
 
 
 @_about("Conv", "Convolve")
 class Convolution(_Pair):
-    """Convolution(n1, n2, dtype=float32, kind=0): the full convolution of rows of n1 and n2 samples."""
+    """Convolution(n1, n2, dtype=float32, kind=0): the full convolution of rows of n1 and n2 samples. Of stacks each row
+    is convolved with its partner, or all with a single one."""
 
     def __init__(self, n1: int, n2: int, dtype: DTypeLike = np.float32, *, kind: int = 0) -> None:
         self.n1, self.n2 = n1, n2
         super().__init__("Conv", "Conv", dtype, n1, n2, kind)
 
-    def __call__(self, a: ArrayLike, b: ArrayLike) -> Array:
-        a, b = _row(a, self.n1), _row(b, self.n2)
-        _same(a, b, self.dtype)
-        dst = np.empty(self.n1 + self.n2 - 1, self.dtype)
-        self._run("Convolve", a, self.n1, b, self.n2, dst)
-        return dst
+    def __call__(self, a: ArrayLike, b: ArrayLike, *, axis: int = -1) -> Array:
+        return self._run("Convolve", [(a, self.n1), (b, self.n2)], self.n1 + self.n2 - 1, axis)
 
 
 @_about("AutoCorr", "AutoCorrNorm", "Corr")
@@ -681,12 +686,8 @@ class AutoCorrelation(_Pair):
         self.n, self.lags = n, lags
         super().__init__("AutoCorr", "Corr", dtype, n, lags, kind)
 
-    def __call__(self, x: ArrayLike, *, normalisation: int = 0) -> Array:
-        x = _row(x, self.n)
-        _same(x, x, self.dtype)
-        dst = np.empty(self.lags, self.dtype)
-        self._run("AutoCorrNorm", x, self.n, dst, self.lags, normalisation)
-        return dst
+    def __call__(self, x: ArrayLike, *, normalisation: int = 0, axis: int = -1) -> Array:
+        return self._run("AutoCorrNorm", [(x, self.n)], self.lags, axis, self.lags, normalisation)
 
 
 @_about("CrossCorr", "CrossCorrNorm")
@@ -698,59 +699,59 @@ class CrossCorrelation(_Pair):
         self.n1, self.n2, self.lags, self.low_lag = n1, n2, lags, low_lag
         super().__init__("CrossCorr", "Corr", dtype, n1, n2, lags, low_lag, kind)
 
-    def __call__(self, a: ArrayLike, b: ArrayLike, *, normalisation: int = 0) -> Array:
-        a, b = _row(a, self.n1), _row(b, self.n2)
-        _same(a, b, self.dtype)
-        dst = np.zeros(self.lags, self.dtype)
-        self._run("CrossCorrNorm", a, self.n1, b, self.n2, dst, self.lags, self.low_lag, normalisation)
-        return dst
+    def __call__(self, a: ArrayLike, b: ArrayLike, *, normalisation: int = 0, axis: int = -1) -> Array:
+        return self._run("CrossCorrNorm", [(a, self.n1), (b, self.n2)], self.lags, axis, self.lags, self.low_lag,
+                         normalisation)
 
 
-def convolve(a: ArrayLike, b: ArrayLike, *, kind: int = 0) -> Array:
-    """The full convolution of two rows of float32 or float64 samples."""
-    a, b = _row(a), _row(b)
-    with Convolution(a.size, b.size, a.dtype, kind=kind) as state:
-        return state(a, b)
+def convolve(a: ArrayLike, b: ArrayLike, *, kind: int = 0, axis: int = -1) -> Array:
+    """The full convolution of float32 or float64 samples along an axis."""
+    a, b = _along(a, axis), _along(b, axis)
+    with Convolution(a.shape[-1], b.shape[-1], a.dtype, kind=kind) as state:
+        return _given(state(a, b), axis)
 
 
-def autocorr(x: ArrayLike, lags: int, *, normalisation: int = 0, kind: int = 0) -> Array:
-    """The autocorrelation of a row at lags 0 to lags-1."""
-    x = _row(x)
-    with AutoCorrelation(x.size, lags, x.dtype, kind=kind) as state:
-        return state(x, normalisation=normalisation)
+def autocorr(x: ArrayLike, lags: int, *, normalisation: int = 0, kind: int = 0, axis: int = -1) -> Array:
+    """The autocorrelation at lags 0 to lags-1, along an axis."""
+    x = _along(x, axis)
+    with AutoCorrelation(x.shape[-1], lags, x.dtype, kind=kind) as state:
+        return _given(state(x, normalisation=normalisation), axis)
 
 
-def crosscorr(a: ArrayLike, b: ArrayLike, lags: int, low_lag: int, *, normalisation: int = 0, kind: int = 0) -> Array:
-    """The cross-correlation of two rows at `lags` lags from `low_lag` on: sums of conj(a[i]) * b[i + lag]."""
-    a, b = _row(a), _row(b)
-    with CrossCorrelation(a.size, b.size, lags, low_lag, a.dtype, kind=kind) as state:
-        return state(a, b, normalisation=normalisation)
+def crosscorr(a: ArrayLike, b: ArrayLike, lags: int, low_lag: int, *, normalisation: int = 0, kind: int = 0,
+              axis: int = -1) -> Array:
+    """The cross-correlation at `lags` lags from `low_lag` on, along an axis: sums of conj(a[i]) * b[i + lag]."""
+    a, b = _along(a, axis), _along(b, axis)
+    with CrossCorrelation(a.shape[-1], b.shape[-1], lags, low_lag, a.dtype, kind=kind) as state:
+        return _given(state(a, b, normalisation=normalisation), axis)
 
 
 @_about("ConvBiased")
-def conv_biased(a: ArrayLike, b: ArrayLike, n: int, bias: int = 0) -> Array:
-    """`n` outputs of a partial convolution of float32 rows; what a bias reads around `b` is zeros."""
-    a, b = _row(a), _row(b)
-    _same(a, b, np.float32)
-    around = np.zeros(abs(bias), np.float32)
-    dst = np.empty(max(n, 0), np.float32)
-    wide = np.concatenate([around, b, around])
-    check(lib.ORVAS_ConvBiased_32f(_pointer(a), a.size, _pointer(wide, around.size), b.size, _pointer(dst), n, bias),
-          "ORVAS_ConvBiased_32f")
-    return dst
+def conv_biased(a: ArrayLike, b: ArrayLike, n: int, bias: int = 0, *, axis: int = -1) -> Array:
+    """`n` outputs of a partial convolution of float32 samples; what a bias reads around `b` is zeros."""
+    a, b = _along(a, axis), _along(b, axis)
+    _same(np.dtype(np.float32), a, b)
+    lead, rows = _stack("conv_biased", a, b)
+    around = np.zeros(b.shape[:-1] + (abs(bias),), np.float32)
+    dst = np.empty(lead + (max(n, 0),), np.float32)
+    wide = np.concatenate([around, b, around], axis=-1)
+    _do("ORVAS_ConvBiased_32f", a, a.shape[-1], (wide, abs(bias)), b.shape[-1], dst, n, bias, rows=rows)
+    return _given(dst, axis)
 
 
 @_about("MMul")
 def matmul(a: ArrayLike, b: ArrayLike) -> Array:
-    """The product of two matrices of one type."""
+    """The product of two matrices of one type, or of stacks of them; a single matrix may go with all of a stack."""
     a, b = np.ascontiguousarray(a), np.ascontiguousarray(b)
     name = _name("MMul", "", _type(a))
-    _same(a, b, a.dtype)
-    if a.ndim != 2 or b.ndim != 2 or a.shape[1] != b.shape[0]:
+    _same(a.dtype, b)
+    if a.ndim < 2 or b.ndim < 2 or a.shape[-1] != b.shape[-2]:
         raise ValueError(f"matmul: shapes {a.shape} and {b.shape} do not fit")
-    c = np.empty((a.shape[0], b.shape[1]), a.dtype)
-    _do(name, a, b, c, a.shape[0], b.shape[1], a.shape[1])
-    return c
+    flat = [x.reshape(x.shape[:-2] + (-1,)) for x in (a, b)]
+    lead, rows = _stack("matmul", *flat)
+    c = np.empty(lead + (a.shape[-2] * b.shape[-1],), a.dtype)
+    _do(name, *flat, c, a.shape[-2], b.shape[-1], a.shape[-1], rows=rows)
+    return c.reshape(lead + (a.shape[-2], b.shape[-1]))
 
 
 # ---- Noise ----
