@@ -85,7 +85,8 @@ class AudioReader {
   };
 
   void Spool();
-  int64_t Promised();
+  std::string Log() const;
+  int64_t Promised() const;
   Block ReadBlock();
   bool NextBlock();
   void ReadAhead();

@@ -39,6 +39,19 @@ bool IsPlaceholder(int64_t bytes) {
   return false;
 }
 
+// The bytes of a sample of every channel; 0 where samples are coded together.
+int64_t FrameBytes(const SF_INFO& info) {
+  const auto all = int64_t(info.channels);
+  switch (info.format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_PCM_S8: case SF_FORMAT_PCM_U8: case SF_FORMAT_ULAW: case SF_FORMAT_ALAW: return all;
+    case SF_FORMAT_PCM_16: return 2 * all;
+    case SF_FORMAT_PCM_24: return 3 * all;
+    case SF_FORMAT_PCM_32: case SF_FORMAT_FLOAT: return 4 * all;
+    case SF_FORMAT_DOUBLE: return 8 * all;
+    default: return 0;
+  }
+}
+
 }  // namespace
 
 AudioReader::AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels,
@@ -92,24 +105,36 @@ void AudioReader::Spool() {
   if (!good) throw Failure(Format("keeping standard input for a second reading: %s", std::strerror(error)));
 }
 
-// How many frames the header tells of, even if the file ends before; 0 where it does not. libsndfile cuts its own count
-// to what is there, but its log has both: "data : 576000 (should be 287978)" in bytes.
-int64_t AudioReader::Promised() {
-  const int64_t frames = info_.frames < kUnknown ? int64_t(info_.frames) : 0;
+// What libsndfile noted of the file: its headers' numbers, and what it found wrong with them.
+std::string AudioReader::Log() const {
   std::string log(1 << 14, '\0');
-  sf_command(file_.get(), SFC_GET_LOG_INFO, log.data(), int(log.size()));
+  log.resize(size_t(sf_command(file_.get(), SFC_GET_LOG_INFO, log.data(), int(log.size()))));
+  return log;
+}
+
+// How many frames the header tells of, even if the file ends before; 0 where it does not. libsndfile cuts its own count
+// to what is there, but its log has the bytes of both: "data : 576000 (should be 287978)". For W64 and RF64 the second
+// of them stands with the whole file only.
+int64_t AudioReader::Promised() const {
+  const int64_t frames = info_.frames < kUnknown ? int64_t(info_.frames) : 0;
+  const int64_t width = FrameBytes(info_), wave64 = (info_.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_W64 ? 24 : 0;
+  const std::string log = Log();
   struct Entry {
     const char* name;
     int64_t more;  // bytes that are counted but hold no samples
   };
-  for (const auto& [name, more] : {Entry{"data :", 0}, Entry{"SSND :", 8}, Entry{"Data Size   :", 0}}) {
+  for (const auto& [name, more] :
+       {Entry{"Data size :", 0}, Entry{"data :", wave64}, Entry{"SSND :", 8}, Entry{"Data Size   :", 0}}) {
     const size_t at = log.find(name);
     if (at == std::string::npos) continue;
     char* rest;
     const int64_t promised = std::strtoll(log.data() + at + std::strlen(name), &rest, 10);
     if (IsPlaceholder(promised)) return 0;
     int64_t there = 0;
-    if (std::sscanf(rest, " (should be %" SCNd64, &there) != 1 || there <= more) break;
+    const bool told = std::sscanf(rest, " (should be %" SCNd64, &there) == 1;
+    if (!told && (IsStandard(path_) || log.rfind("(should be", at) != std::string::npos)) there = more + frames * width;
+    if (width > 0 && (there - more) / width == frames) return std::max(frames, (promised - more) / width);
+    if (there <= more) break;
     return std::max(frames, int64_t(std::round(double(promised - more) / double(there - more) * double(frames))));
   }
   return frames;
@@ -180,11 +205,17 @@ size_t AudioReader::Ahead() {
 
 void AudioReader::CheckEnd() {
   if (frame_ == 0 && block_.error.empty()) throw Failure(Format("'%s' holds no samples", shown_.c_str()));
+  const std::string log = Log();
+  const bool open = log.find("without an End-Of-Stream") != std::string::npos ||  // Ogg
+                    log.find("to be a truncated file") != std::string::npos;      // VOC
   if (frame_ < promised_) {
     Warn(Format("'%s' is cut off: it holds %lld of the %lld samples that it promises%s", shown_.c_str(),
                 static_cast<long long>(frame_), static_cast<long long>(promised_),
                 block_.error.empty() ? "" : (" (" + block_.error + ")").c_str()));
     promised_ = frame_;
+  } else if (open) {
+    Warn(Format("'%s' is cut off: its end is missing after %lld samples", shown_.c_str(),
+                static_cast<long long>(frame_)));
   } else if (!block_.error.empty()) {
     throw Failure(Format("reading '%s': %s", shown_.c_str(), block_.error.c_str()));
   }
