@@ -205,9 +205,9 @@ size_t AudioReader::Ahead() {
 
 void AudioReader::CheckEnd() {
   if (frame_ == 0 && block_.error.empty()) throw Failure(Format("'%s' holds no samples", shown_.c_str()));
+  // An Ogg file that is whole tells its length; of a stream, as of VOC, only the log tells whether its end came.
   const std::string log = Log();
-  const bool open = log.find("without an End-Of-Stream") != std::string::npos ||  // Ogg
-                    log.find("to be a truncated file") != std::string::npos;      // VOC
+  const bool open = log.find(promised_ == 0 ? "without an End-Of-Stream" : "a truncated file") != std::string::npos;
   if (frame_ < promised_) {
     Warn(Format("'%s' is cut off: it holds %lld of the %lld samples that it promises%s", shown_.c_str(),
                 static_cast<long long>(frame_), static_cast<long long>(promised_),
