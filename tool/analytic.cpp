@@ -236,7 +236,7 @@ void Long(AudioReader& reader, int64_t len, const Take& take) {
   const auto forEachBlock = [&](const auto& work) {
     for (size_t got = kStreamBlock; got == kStreamBlock;) {
       got = reader.Read(samples);
-      ForEachChannel(channels.size(), [&](size_t c) { work(c, std::span(samples[c]).first(got), got < kStreamBlock); });
+      InParallel(channels.size(), [&](size_t c) { work(c, std::span(samples[c]).first(got), got < kStreamBlock); });
       progress.Show(done += int64_t(got));
     }
   };

@@ -141,7 +141,7 @@ class AudioWriter {
   template <class T>
   void WriteBlock(const std::vector<std::vector<T>>& src);
   template <class T>
-  void Quantise(const std::vector<std::vector<T>>& src, std::vector<int32_t>& frames);
+  std::vector<int32_t> Quantise(const std::vector<T>& src, uint64_t channel);
   [[noreturn]] void Fail(const std::string& reason) const;
 
   std::string path_;

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cinttypes>
 #include <cmath>
@@ -146,19 +147,28 @@ AudioReader::Block AudioReader::ReadBlock() {
   const auto all = size_t(info_.channels);
   block.count = size_t(std::max<sf_count_t>(0, sf_readf_float(file_.get(), frames_.data(), sf_count_t(blockFrames_))));
   if (block.count < blockFrames_ && sf_error(file_.get())) block.error = sf_strerror(file_.get());
-  const auto isBad = [](float v) { return !(std::abs(v) <= kLargestSample); };
-  bool good = true;
-  for (size_t i = 0; i < block.count * all; ++i) good &= !isBad(frames_[i]);
-  if (!good) {
-    const auto bad = std::find_if(frames_.begin(), frames_.end(), isBad);
-    const int64_t at = frame_ + (bad - frames_.begin()) / std::ptrdiff_t(all);
+  const auto isBad = [](float v) {  // NaN has more bits than infinity, and that more than any number
+    return (std::bit_cast<int32_t>(v) & INT32_MAX) > std::bit_cast<int32_t>(kLargestSample);
+  };
+  uint32_t bad = 0;
+  for (size_t i = 0; i < block.count * all; ++i) bad |= isBad(frames_[i]);
+  if (bad) {
+    const auto first = std::find_if(frames_.begin(), frames_.end(), isBad);
+    const int64_t at = frame_ + (first - frames_.begin()) / std::ptrdiff_t(all);
     throw Failure(Format("'%s' holds a sample that is not finite, or beyond %g, at %.4f s", shown_.c_str(),
                          double(kLargestSample), double(at) / info_.samplerate));
   }
   for (const int32_t channel : channels_) {
-    std::vector<float> plane(block.count);
-    for (size_t i = 0; i < block.count; ++i) plane[i] = frames_[i * all + size_t(channel - 1)];
-    block.samples.push_back(std::move(plane));
+    std::vector<float>& plane = block.samples.emplace_back(block.count);
+    const float* const src = frames_.data() + channel - 1;
+    const auto take = [&](auto stride) {
+      for (size_t i = 0; i < block.count; ++i) plane[i] = src[i * stride];
+    };
+    if (all == 2) {  // as a constant, of which the compiler makes vector code
+      take(std::integral_constant<size_t, 2>());
+    } else {
+      take(all);
+    }
   }
   frame_ += int64_t(block.count);
   return block;

@@ -87,6 +87,30 @@ double Rounded(double value) {
   return value + kWhole - kWhole;
 }
 
+// The samples of all channels in turn.
+template <class T>
+std::vector<T> Interleaved(const std::vector<std::vector<T>>& src) {
+  const size_t channels = src.size(), count = src[0].size();
+  std::vector<T> frames(channels * count);
+  if (channels == 2) {  // at once, of which the compiler makes vector code
+    for (size_t i = 0; i < count; ++i) {
+      frames[2 * i] = src[0][i];
+      frames[2 * i + 1] = src[1][i];
+    }
+    return frames;
+  }
+  for (size_t c = 0; c < channels; ++c) {
+    for (size_t i = 0; i < count; ++i) frames[i * channels + c] = src[c][i];
+  }
+  return frames;
+}
+
+// By values, unlike std::clamp, so that the compiler makes vector code of it.
+double Bounded(double value, double low, double high) {
+  value = value < low ? low : value;
+  return value > high ? high : value;
+}
+
 // What the name's ending says. A stream is WAV.
 const Container& FindContainer(const std::string& path) {
   std::string ending = IsStandard(path) ? ".wav" : std::filesystem::path(path).extension().string();
@@ -216,27 +240,34 @@ void AudioWriter::Fail(const std::string& reason) const {
 }
 
 template <class T>
-void AudioWriter::Quantise(const std::vector<std::vector<T>>& src, std::vector<int32_t>& frames) {
+std::vector<int32_t> AudioWriter::Quantise(const std::vector<T>& src, uint64_t channel) {
   const double scale = std::ldexp(1.0, bits_ - 1), place = std::ldexp(1.0, 32 - bits_);
-  for (size_t c = 0; c < src.size(); ++c) {
-    for (size_t i = 0; i < src[c].size(); ++i) {
-      const double value = double(src[c][i]) * scale;
-      const double noise = dither_ ? Dither(c, uint64_t(written_) + i) : 0;
-      const double whole = std::clamp(Rounded(std::clamp(value, -2 * scale, 2 * scale) + noise), -scale, scale - 1);
-      frames[i * src.size() + c] = int32_t(whole * place);
-      saturated_ += std::abs(value) > scale;
+  std::vector<int32_t> dst(src.size());
+  const auto quantise = [&](const auto& noise) {
+    int32_t saturated = 0;
+    for (size_t i = 0; i < src.size(); ++i) {
+      const double value = double(src[i]) * scale, near = Bounded(value, -2 * scale, 2 * scale);
+      dst[i] = int32_t(Bounded(Rounded(near + noise(i)), -scale, scale - 1) * place);
+      saturated += value > scale || value < -scale;
     }
+    saturated_ += saturated;
+  };
+  if (dither_) {
+    quantise([&](size_t i) { return Dither(channel, uint64_t(written_) + i); });
+  } else {
+    quantise([](size_t) { return 0.0; });
   }
+  return dst;
 }
 
 template <class T>
 void AudioWriter::WriteBlock(const std::vector<std::vector<T>>& src) {
   const size_t count = src[0].size(), channels = src.size();
-  bool good = true;
+  uint32_t bad = 0;
   for (const auto& channel : src) {
-    for (const T value : channel) good &= std::abs(value) <= std::numeric_limits<T>::max();
+    for (const T value : channel) bad |= !(std::abs(value) <= std::numeric_limits<T>::max());
   }
-  if (!good) Fail("the result is beyond what a sample can hold");
+  if (bad) Fail("the result is beyond what a sample can hold");
   if (!place_ && written_ == 0) {
     header_ = HeaderPlace();
     const std::string header = StreamHeader(info_, UINT32_MAX);
@@ -244,14 +275,11 @@ void AudioWriter::WriteBlock(const std::vector<std::vector<T>>& src) {
   }
   sf_count_t done;
   if (bits_ > 0) {
-    std::vector<int32_t> frames(count * channels);
-    Quantise(src, frames);
-    done = sf_writef_int(file_.get(), frames.data(), sf_count_t(count));
+    std::vector<std::vector<int32_t>> whole;
+    for (size_t c = 0; c < channels; ++c) whole.push_back(Quantise(src[c], c));
+    done = sf_writef_int(file_.get(), Interleaved(whole).data(), sf_count_t(count));
   } else {
-    std::vector<T> frames(count * channels);
-    for (size_t c = 0; c < channels; ++c) {
-      for (size_t i = 0; i < count; ++i) frames[i * channels + c] = src[c][i];
-    }
+    const std::vector<T> frames = Interleaved(src);
     if constexpr (std::is_same_v<T, double>) {
       done = sf_writef_double(file_.get(), frames.data(), sf_count_t(count));
     } else {

@@ -70,9 +70,9 @@ void Run(int argc, char** argv) {
   AudioWriter writer(operands->at(2), reader.Rate(), reader.FileChannels(), reader.SampleFormat(), sound);
   // Each block's response is longer than the block: what lies beyond is added to the blocks that follow.
   Planes sums(channels, std::vector<float>(full)), made = sums;
-  Stream(channels, channels, reader.Length(), {0, taps - 1}, writer,
-         [&](Planes& source) { return reader.Read(source); },
-         [&](size_t c, Planes& source, std::vector<float>& result, int32_t len) {
+  Stream({channels, channels}, reader.Length(), {0, taps - 1}, writer,
+         [&](Planes& source, size_t at) { return reader.Read(source, at); },
+         [&](size_t c, Planes& source, size_t, float* dst, int32_t len) {
            std::fill(source[c].begin() + len, source[c].end(), 0.0f);
            const std::vector<float>& taken = response[response.size() == 1 ? 0 : c];
            Require(ORVAS_Convolve_32f(source[c].data(), int32_t(kStreamBlock), taken.data(), int32_t(taps),
@@ -80,7 +80,7 @@ void Run(int argc, char** argv) {
                    "the convolution");
            std::vector<float>& sum = sums[c];
            for (size_t i = 0; i < full; ++i) sum[i] += made[c][i];
-           std::copy_n(sum.begin(), len, result.begin());
+           std::copy_n(sum.begin(), len, dst);
            std::copy(sum.begin() + len, sum.end(), sum.begin());
            std::fill(sum.end() - len, sum.end(), 0.0f);
          });

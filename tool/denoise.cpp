@@ -105,10 +105,10 @@ void Run(int argc, char** argv) {
   Canceller canceller(s);
   const auto delay = size_t(s.taps / 2);
   AudioWriter writer(s.output, recording.Rate(), 1, recording.SampleFormat(), s.sound);
-  Stream(2, 1, recording.Length(), {delay, delay}, writer,
-         [&](Planes& source) { return pair.Read(source)[0]; },
-         [&](size_t, const Planes& source, std::vector<float>& result, int32_t len) {
-           canceller.Run(source[0], source[1], result.data(), len);
+  Stream({2, 1}, recording.Length(), {delay, delay}, writer,
+         [&](Planes& source, size_t at) { return pair.Read(source, at)[0]; },
+         [&](size_t, const Planes& source, size_t, float* dst, int32_t len) {
+           canceller.Run(source[0], source[1], dst, len);
          });
   writer.Finish();
 }

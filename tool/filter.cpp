@@ -105,21 +105,22 @@ void DrawResponse(const Settings& s, const std::vector<float>& taps, int32_t rat
   WritePlots({plot}, s.response);
 }
 
-// The filter delays by half its length, which is taken out.
+// The filter delays by half its length, which is taken out. A block's delay line is what lies before it.
 void Apply(AudioReader& reader, const std::vector<float>& taps, AudioWriter& writer) {
-  const size_t channels = reader.Channels(), delay = taps.size() / 2;
-  std::vector<Filter> filters;  // each works for one channel at a time
-  for (size_t c = 0; c < channels; ++c) {
+  const size_t channels = reader.Channels(), delay = taps.size() / 2, atOnce = BlocksAtOnce(channels);
+  std::vector<Filter> filters;  // each works for one block at a time
+  for (size_t i = 0; i < channels * atOnce; ++i) {
     filters.push_back(MakeHandle<Filter>("the filter", [&](auto** state) {
       return ORVAS_FIRSRInit_32f(taps.data(), int32_t(taps.size()), int32_t(kStreamBlock), ORVA_ROUTE_BY_LENGTH, state);
     }));
   }
-  Planes lines(channels, std::vector<float>(taps.size() - 1));
-  Stream(channels, channels, reader.Length(), {delay, delay}, writer,
-         [&](Planes& source) { return reader.Read(source); },
-         [&](size_t c, const Planes& source, std::vector<float>& result, int32_t len) {
-           float* const line = lines[c].data();
-           Require(ORVAS_FIRSR_32f(source[c].data(), result.data(), len, filters[c].get(), line, line), "the filter");
+  const size_t past = taps.size() - 1;
+  Stream({channels, channels, past, atOnce}, reader.Length(), {delay, delay}, writer,
+         [&](Planes& source, size_t at) { return reader.Read(source, at); },
+         [&](size_t c, const Planes& source, size_t at, float* dst, int32_t len) {
+           const float* const line = source[c].data() + at;
+           FIRSRState* const state = filters[c * atOnce + at / kStreamBlock].get();
+           Require(ORVAS_FIRSR_32f(line + past, dst, len, state, line, nullptr), "the filter");
          });
 }
 

@@ -43,27 +43,34 @@ class Resampler {
       any_ = MakeHandle<AnyResampler>("the resampler", [&](auto** state) {
         return ORVAS_ResamplePolyphaseInit_32f(float(width), kSteps, rolloff, alpha, 0, state);
       });
-      reach_ = int64_t(samples / 2) + 3;
+      reach_ = int64_t(samples / 2 + std::max(1.0, double(inRate) / outRate) / kSteps) + 4;
     }
   }
 
   /** How many samples the filter reaches to both sides. */
   int64_t Reach() const { return reach_; }
 
-  /** Makes the outputs of the next `len` samples from `time` on and gives their count. Channels may run at once. */
-  int32_t Run(const std::vector<float>& src, int64_t time, int64_t len, std::vector<float>& dst) const {
-    dst.resize(size_t(len * outRate_ / inRate_ + 2));
+  /** How many outputs the next `len` samples from `time` on give: at least one. */
+  int64_t Count(int64_t time, int64_t len) const {
+    return (len * outRate_ - time % outRate_ + inRate_ - 1) / inRate_;
+  }
+
+  /** Makes them; a sample more than the filter reaches lies behind the last one. Calls at once are allowed. */
+  void Run(const std::vector<float>& src, int64_t time, int64_t len, std::vector<float>& dst) const {
+    const auto count = size_t(Count(time, len));
     int32_t made = 0;
     if (fixed_) {
+      dst.resize(count);
       Require(ORVAS_ResamplePolyphaseFixed_32f(src.data(), int32_t(len), dst.data(), 1, &time, &made, fixed_.get()),
               "the resampler");
-    } else {
+    } else {  // one sample more, as the time in binary64 may fall on either side of an output
+      dst.resize(size_t(Count(time, len + 1)) + 1);
       double place = double(time) / outRate_;
-      Require(ORVAS_ResamplePolyphase_32f(src.data(), int32_t(len), dst.data(), double(outRate_) / inRate_, 1, &place,
-                                          &made, any_.get()),
+      Require(ORVAS_ResamplePolyphase_32f(src.data(), int32_t(len + 1), dst.data(), double(outRate_) / inRate_, 1,
+                                          &place, &made, any_.get()),
               "the resampler");
+      dst.resize(count);
     }
-    return made;
   }
 
  private:
@@ -73,29 +80,41 @@ class Resampler {
   AnyResampler any_;
 };
 
-// The resampler keeps no samples: those that its filter reaches are held here, from the first one it still needs.
+// The resampler keeps no samples: those that its filter reaches are held here, from the first one it still needs. What
+// they give is made in pieces of a block of samples each, on all processors; the pieces are the same however many.
 void Apply(AudioReader& reader, const Resampler& resampler, int32_t outRate, AudioWriter& writer) {
   const int32_t inRate = reader.Rate();
   const int64_t reach = resampler.Reach();
-  const size_t channels = reader.Channels();
-  const auto block = size_t(std::clamp<int64_t>(16 * kBlock * inRate / outRate, 1, kBlock));
-  Planes fresh(channels, std::vector<float>(block)), result = fresh;
+  const size_t channels = reader.Channels(), atOnce = BlocksAtOnce(channels);
+  const int64_t block = std::clamp<int64_t>(16 * kBlock * inRate / outRate, 1, kBlock);
+  Planes fresh(channels, std::vector<float>(atOnce * size_t(block)));
   Planes held(channels, std::vector<float>(size_t(reach - 1)));
+  std::vector<Planes> result;
   Progress progress("resampling", reader.Length());
   int64_t time = (reach - 1) * outRate, read = 0;  // the next output's, in parts of 1/outRate of a held sample
   for (bool more = true; more;) {
     const size_t got = reader.Read(fresh);
-    more = got == block;
+    more = got == fresh[0].size();
     for (size_t c = 0; c < channels; ++c) {
       held[c].insert(held[c].end(), fresh[c].begin(), fresh[c].begin() + std::ptrdiff_t(got));
       if (!more) held[c].resize(held[c].size() + size_t(reach));
     }
-    const int64_t len = int64_t(held[0].size()) - reach - time / outRate;
-    if (len < 1) continue;
-    std::vector<int32_t> made(channels);
-    ForEachChannel(channels, [&](size_t c) { made[c] = resampler.Run(held[c], time, len, result[c]); });
-    writer.Write(result, 0, size_t(made[0]));
-    time += int64_t{made[0]} * inRate;
+    const int64_t end = int64_t(held[0].size()) - reach;
+    struct Piece {
+      int64_t time, len;
+    };
+    std::vector<Piece> pieces;
+    while (time / outRate < end && (!more || end - time / outRate >= block)) {
+      const int64_t len = std::min(block, end - time / outRate);
+      pieces.push_back({time, len});
+      time += resampler.Count(time, len) * inRate;
+    }
+    if (result.size() < pieces.size()) result.resize(pieces.size(), Planes(channels));
+    InParallel(pieces.size() * channels, [&](size_t i) {
+      const auto& [begin, len] = pieces[i / channels];
+      resampler.Run(held[i % channels], begin, len, result[i / channels][i % channels]);
+    });
+    for (size_t i = 0; i < pieces.size(); ++i) writer.Write(result[i], 0, result[i][0].size());
     const int64_t passed = std::min(time / outRate - (reach - 1), int64_t(held[0].size()));
     for (auto& samples : held) samples.erase(samples.begin(), samples.begin() + passed);
     time -= passed * outRate;

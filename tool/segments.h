@@ -34,7 +34,7 @@ int64_t ForEachSegment(AudioReader& reader, const std::vector<float>& window, si
   for (size_t held = 0, wanted = samples[0].size();;) {
     const size_t got = reader.Read(samples, held);
     held += got;
-    ForEachChannel(samples.size(), [&](size_t c) {
+    InParallel(samples.size(), [&](size_t c) {
       std::vector<float> windowed(len), power(len / 2 + 1);
       std::vector<Orva32fc> bin(power.size());
       for (size_t at = 0; at + len <= held; at += step) {

@@ -60,7 +60,7 @@ std::vector<Levels> Measure(AudioReader& reader) {
   Progress progress("reading", reader.Length());
   int64_t done = 0;
   while (const size_t got = reader.Read(samples)) {
-    ForEachChannel(levels.size(), [&](size_t c) {
+    InParallel(levels.size(), [&](size_t c) {
       std::vector<double> wide(got);
       Require(ORVAS_Convert_32f64f(samples[c].data(), wide.data(), int32_t(got)), "the conversion");
       levels[c].Add(wide, int32_t(got));

@@ -16,10 +16,16 @@ inline constexpr size_t kStreamBlock = 1 << 16;
 /** Channels with room for a block. */
 inline Planes StreamBlocks(size_t channels) { return Planes(channels, std::vector<float>(kStreamBlock)); }
 
+/** How many threads work at once. */
+inline size_t Processors() { return std::max(1u, std::thread::hardware_concurrency()); }
+
+/** Blocks of each channel to work on at once, so that every processor has one. */
+inline size_t BlocksAtOnce(size_t channels) { return (Processors() + channels - 1) / channels; }
+
 /** Calls work(c) for every c below `count`, on all processors. The work on one must leave that on others alone. */
 template <class Work>
-void ForEachChannel(size_t count, const Work& work) {
-  const size_t threads = std::min<size_t>(count, std::max(1u, std::thread::hardware_concurrency()));
+void InParallel(size_t count, const Work& work) {
+  const size_t threads = std::min(count, Processors());
   const auto share = [&](size_t first) {
     for (size_t c = first; c < count; c += threads) work(c);
   };
@@ -35,23 +41,35 @@ struct Trim {
   size_t drop, tail;
 };
 
-/** read(source) fills the blocks and gives the count of samples, fewer than a block only at the end;
- * process(c, source, result, len) makes `len` results of channel c, which go to the writer. `length` is for the
- * progress line. */
+/** Channels that are read and made, the samples before a block that a source keeps, and how many blocks are read and
+ * worked on together. */
+struct Shape {
+  size_t sources, results, past = 0, atOnce = 1;
+};
+
+/** read(source, at) fills the channels from sample `at` on and gives the count, fewer than asked for only at the end.
+ * process(c, source, at, dst, len) makes `len` results of channel c, a block at most, of the samples from
+ * source[c][past + at] on; they go to the writer. The blocks are the same however many of them are worked on together.
+ * `length` is for the progress line. */
 template <class Read, class Process>
-void Stream(size_t sources, size_t results, int64_t length, Trim trim, AudioWriter& writer, const Read& read,
-            const Process& process) {
-  Planes source = StreamBlocks(sources), result = StreamBlocks(results);
+void Stream(Shape shape, int64_t length, Trim trim, AudioWriter& writer, const Read& read, const Process& process) {
+  const size_t room = shape.atOnce * kStreamBlock, past = shape.past;
+  Planes source(shape.sources, std::vector<float>(past + room)), result(shape.results, std::vector<float>(room));
   Progress progress("working", length);
   int64_t done = 0;
   for (bool more = true; more || trim.tail > 0;) {
-    const size_t count = more ? read(source) : 0;
-    more = count == kStreamBlock;
-    const size_t zeros = more ? 0 : std::min(kStreamBlock - count, trim.tail);
-    for (auto& channel : source) std::fill_n(channel.begin() + std::ptrdiff_t(count), zeros, 0.0f);
+    const size_t count = more ? read(source, past) : 0;
+    more = count == room;
+    const size_t zeros = more ? 0 : std::min(room - count, trim.tail);
+    for (auto& channel : source) std::fill_n(channel.begin() + std::ptrdiff_t(past + count), zeros, 0.0f);
     const size_t len = count + zeros, dropped = std::min(len, trim.drop);
-    if (len > 0) ForEachChannel(results, [&](size_t c) { process(c, source, result[c], int32_t(len)); });
+    const size_t blocks = (len + kStreamBlock - 1) / kStreamBlock;
+    InParallel(blocks * shape.results, [&](size_t i) {
+      const size_t c = i / blocks, at = i % blocks * kStreamBlock;
+      process(c, source, at, result[c].data() + at, int32_t(std::min(kStreamBlock, len - at)));
+    });
     writer.Write(result, dropped, len - dropped);
+    for (auto& channel : source) std::copy_n(channel.begin() + std::ptrdiff_t(len), past, channel.begin());
     trim.drop -= dropped;
     trim.tail -= zeros;
     progress.Show(done += int64_t(count));
