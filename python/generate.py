@@ -376,8 +376,9 @@ def main(source, out):
     states, docs = state_table(others)
     values = {operation.name: (number, ["" if a.pointer else f"{a.type} *" for a in operation.arguments])
               for number, operation in enumerate(others)}
+    version = re.search(r"project\(\w+ VERSION ([\d.]+)", (source / "CMakeLists.txt").read_text())[1]
     (out / "_table.py").write_text(
-        f'"""{made}"""\nSTATUSES = {statuses(source)!r}\nFAMILIES = {table!r}\nSTATES = {states!r}\n'
+        f'"""{made}"""\nVERSION = {version!r}\nSTATUSES = {statuses(source)!r}\nFAMILIES = {table!r}\nSTATES = {states!r}\n'
         f"OTHERS = {values!r}\nDOCS = {docs!r}\nOPERATIONS = [\n" + "".join(f"    {row!r},\n" for row in compact) + "]\n")
     names = ", ".join(repr(name) for name in table)
     (out / "_families.py").write_text(

@@ -1,5 +1,7 @@
 """pip install ./python: builds the library with CMake and puts it, its companions and what they link into the package,
-which needs nothing of the machine then but the C library. Without a net: pip install --no-build-isolation ./python"""
+which needs nothing of the machine then but the C library. Without a net: pip install --no-build-isolation ./python
+
+For another machine: CMAKE_TOOLCHAIN_FILE, and _PYTHON_HOST_PLATFORM for the wheel's name."""
 import os
 import pathlib
 import re
@@ -11,7 +13,27 @@ from setuptools import Distribution, setup
 from setuptools.command.build_py import build_py
 
 HERE = pathlib.Path(__file__).resolve().parent
-SYSTEM = re.compile(r"lib(c|m|dl|rt|pthread)\.so|ld-linux|linux-vdso")  # what every machine has
+SYSTEM = re.compile(r"lib(c|m|dl|rt|pthread)\.so|ld-linux")  # what every machine has
+
+
+def says(*command):
+    return subprocess.run(list(map(str, command)), check=True, capture_output=True, text=True).stdout
+
+
+def linked(file, ours, compiler):
+    """{name: place} of the libraries that a file needs, and those need, the system's apart."""
+    found, files = {}, [file]
+    for each in files:
+        for name in re.findall(r"NEEDED.*\[(.*)\]", says("readelf", "-d", each)):
+            if name not in found and not SYSTEM.match(name):
+                place = ours / name
+                if not place.exists():
+                    place = pathlib.Path(says(compiler, f"-print-file-name={name}").strip())
+                if not place.is_absolute():
+                    sys.exit(f"setup.py: {name} is not where {compiler} looks for libraries")
+                found[name] = place
+                files.append(place)
+    return found
 
 
 class Build(build_py):
@@ -20,18 +42,21 @@ class Build(build_py):
         run = lambda *command: subprocess.run(list(map(str, command)), check=True)
         # The old kind of run path holds for the libraries of the libraries, too.
         run("cmake", "-S", HERE.parent, "-B", work, "-DCMAKE_BUILD_TYPE=Release", "-DTZM_PYTHON=ON", "-DTZM_TESTS=OFF",
-            "-DTZM_TOOL=OFF", f"-DTZM_PYTHON_PROGRAM={sys.executable}",
-            "-DCMAKE_MODULE_LINKER_FLAGS=-Wl,--disable-new-dtags")
-        run("cmake", "--build", work, "--target", "tzm_python", "--parallel", os.cpu_count())
+            "-DTZM_TOOL=OFF", "-DCMAKE_C_FLAGS_RELEASE=-O2", "-DCMAKE_CXX_FLAGS_RELEASE=-O2",
+            "-DCMAKE_SHARED_LINKER_FLAGS=-s", "-DCMAKE_MODULE_LINKER_FLAGS=-s -Wl,--disable-new-dtags",
+            f"-DTZM_PYTHON_PROGRAM={sys.executable}")
+        run("cmake", "--build", work, "--target", "tzm_all", "--parallel", os.cpu_count())
         package = pathlib.Path(self.build_lib) / "signal_tzm"
         shutil.rmtree(package, ignore_errors=True)
         shutil.copytree(work / "python" / "signal_tzm", package, ignore=shutil.ignore_patterns("__pycache__"))
-        linked = subprocess.run(["ldd", package / "_raw.abi3.so"], check=True, capture_output=True, text=True,
-                                env={**os.environ, "LD_LIBRARY_PATH": str(work / "lib")}).stdout
+        compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)", (work / "CMakeCache.txt").read_text(), re.M)[1]
         (package / "lib").mkdir()
-        for name, place in re.findall(r"(\S+) => (/\S+)", linked):
-            if not SYSTEM.match(name):
-                shutil.copy(place, package / "lib" / name)
+        for name, place in linked(package / "_raw.abi3.so", work / "lib", compiler).items():
+            shutil.copy(place, package / "lib" / name)
+            for wider in (work / "hwcaps").glob(f"glibc-hwcaps/*/{name}"):  # the loader looks there below a run path
+                folder = package / "lib" / wider.parent.relative_to(work / "hwcaps")
+                folder.mkdir(parents=True, exist_ok=True)
+                shutil.copy(wider, folder / name)
         shutil.copy(HERE.parent / "LICENSE", package)
 
 

@@ -17,6 +17,7 @@ from . import _families
 from ._call import (ArgumentError, DataError, DataWarning, DivisionByZero, Error, OutOfMemory, SizeOverflow,
                     complex_int16, complex_int32, complex_int64, decimal128, errstate)
 from ._families import *
+from ._table import VERSION as __version__
 from ._states import (FFT, FIR, FIRMR, LMS, AutoCorrelation, Convolution, CrossCorrelation, GaussianNoise, Hilbert,
                       Resampler, SparseFIR, VariableResampler, autocorr, conv_biased, convolve, crosscorr, czt, fft,
                       fir_bandpass, fir_bandstop, fir_highpass, fir_lowpass, get_fft_threads, hilbert, ifft, irfft,

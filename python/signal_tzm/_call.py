@@ -251,6 +251,7 @@ _run, _from_buffer, _empty = lib.tzm_run, ffi.from_buffer, np.empty
 _BYTES = ffi.typeof("char[]")
 _REST = [(ffi.NULL,) * (6 - given) for given in range(7)]  # behind the pointers that are given
 _NUMBERS = frozenset((int, float, complex))
+_Array = np.ndarray
 
 
 def call(f, sources, constants, out, scales, dtype, axis, kind=None):
@@ -263,7 +264,8 @@ def call(f, sources, constants, out, scales, dtype, axis, kind=None):
         shape = first.shape
         scaled = scales != () and scales[0] is not None
         member = f.plans[kind, dtype, scaled, out is None or out.dtype, first.dtype, last.dtype]
-        if last.shape != shape or axis is not None and len(shape) != 1:
+        if (last.shape != shape or axis is not None and len(shape) != 1 or type(first) is not _Array
+                or type(last) is not _Array):
             raise ValueError
         result = out
         if out is None:
@@ -284,7 +286,7 @@ def call(f, sources, constants, out, scales, dtype, axis, kind=None):
         return _call_any(f, sources, constants, out, scales, dtype, axis, kind)
     if status:
         _finish(f, member, status)
-    return result[()] if member.reduces else result
+    return result[()] if member.reduces or out is None and not shape else result
 
 
 def _finish(f, member, status):
@@ -299,9 +301,10 @@ def _rows(f, arrays, axis):
     """Each array with its axis last, contiguous; the shape of the stack, the length of a row."""
     if axis is None:
         if any(a.shape != arrays[0].shape for a in arrays):
-            raise ValueError(f"{f.name}: shapes {', '.join(str(a.shape) for a in arrays)} differ")
+            raise ValueError(f"{f.name}: shapes {', '.join(str(a.shape) for a in arrays)} differ; with axis= a row may go "
+                             "with all rows of a stack")
         return [np.ascontiguousarray(a) for a in arrays], (), arrays[0].size
-    arrays = [np.ascontiguousarray(np.moveaxis(a, axis, -1)) for a in arrays]
+    arrays = [np.ascontiguousarray(np.moveaxis(a, operator.index(axis), -1)) for a in arrays]
     stack = max((a.shape[:-1] for a in arrays), key=len)
     if any(a.shape[-1] != arrays[0].shape[-1] or a.shape[:-1] not in ((), stack) for a in arrays):
         raise ValueError(f"{f.name}: shapes {', '.join(str(a.shape) for a in arrays)} do not fit along the axis")
@@ -314,6 +317,10 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
     for at, other in ((1, f.by_second), (0, f.by_first)):
         if other and len(given) == 2 and (type(given[at]) is tuple or np.ndim(given[at]) == 0):
             return call(other, (given[1 - at],), (given[at],), out, scales, dtype, axis)
+    if f.sources and not given:
+        raise TypeError(f"{f.name}: no {f.sources[0]}")
+    if any(isinstance(a, np.ma.MaskedArray) for a in given):
+        raise TypeError(f"{f.name}: a mask would be lost: give the array's .data or .filled()")
     given = [np.asarray(a) for a in given]
     outs = () if out is None else tuple(out) if isinstance(out, (tuple, list)) else (out,)
     if not all(type(a) is np.ndarray for a in outs):
@@ -331,7 +338,7 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         wanted = (np.dtype(float),)
     member = f.choose(tuple(a.dtype for a in given), scaled, wanted, kind, constants)
     if given and len(member.outputs) == 1 and not member.in_place and not member.masks:
-        f.plans[kind, dtype, scaled, out is None or out.dtype, given[0].dtype, given[-1].dtype] = member
+        f.plans[kind, dtype, scaled, not outs or outs[0].dtype, given[0].dtype, given[-1].dtype] = member
 
     # Shapes: `shape` is that of an element-wise result, `stack` that of the rows' single results.
     if given:
@@ -343,6 +350,8 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
     else:
         arrays, stack, n = [], (), max(operator.index(sources[0]), 0)
         shape = (n,)
+        if n > lib.tzm_longest:
+            _finish(f, member, -2)
     moved = axis is not None and given and range(len(shape))[axis] != len(shape) - 1
     for a in outs:
         if len(outs) != len(member.outputs) or a.shape != shape:
@@ -371,5 +380,5 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         results = tuple(np.moveaxis(a, -1, axis) for a in results)
         for a, result in zip(outs, results):
             a[...] = result
-    results = [result[()] for result in outs or results] if member.reduces else outs or results
+    results = [result[()] for result in outs or results] if member.reduces or not (outs or shape) else outs or results
     return results[0] if len(results) == 1 else f.result(*results)

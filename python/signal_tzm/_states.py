@@ -6,6 +6,7 @@ import contextlib
 import functools
 import itertools
 import math
+import re
 import threading
 import weakref
 from typing import Any, Iterable, Iterator
@@ -14,7 +15,7 @@ import numpy as np
 from numpy.typing import ArrayLike, DTypeLike, NDArray
 
 from . import _table
-from ._call import DTYPES, TYPES, check, constant, dtype_name
+from ._call import DTYPES, TYPES, SizeOverflow, check, constant, dtype_name
 from ._raw import ffi, lib
 
 Array = NDArray[Any]
@@ -35,8 +36,14 @@ def _name(prefix: str, role: str, types: str) -> str:
     try:
         return _table.STATES[prefix][role][types]
     except KeyError:
-        there = ", ".join(sorted(_table.STATES[prefix][role]))
-        raise TypeError(f"{prefix}: none for samples of type {types}, but for {there}") from None
+        there = ", ".join(map(_dtypes, sorted(_table.STATES[prefix][role])))
+        raise TypeError(f"{prefix}: none for {_dtypes(types)}, but for {there}") from None
+
+
+def _dtypes(types: str) -> str:
+    """`32f32fc` as dtypes; what is none stays as it is."""
+    names = re.findall(r"\d+(?:sc|fc|u|s|f)", types)
+    return " to ".join(dtype_name(DTYPES[name]) for name in names) if names else types
 
 
 def _type(x: Any) -> str:
@@ -66,21 +73,28 @@ def _do(name: str, *values: Any, rows: int = 1) -> None:
     """Runs an operation on contiguous arrays, one row after the other. Arrays of more than one dimension go on by a row,
     all rows share the rest; (array, n) is from its element n on."""
     number, kinds = _table.OTHERS[name]
-    status = lib.tzm_rows(number, rows, [*map(_pointer, values, kinds)],
-                          ffi.NULL if rows == 1 else [*map(_step, values)])
+    try:
+        pointers = [*map(_pointer, values, kinds)]
+    except OverflowError as error:
+        raise SizeOverflow(f"{name}: {error}") from None
+    status = lib.tzm_rows(number, rows, pointers, ffi.NULL if rows == 1 else [*map(_step, values)])
     if status:
         check(status, name)
 
 
+def _is_last(x: Array, axis: int) -> bool:
+    return axis == -1 or axis == x.ndim - 1
+
+
 def _along(x: ArrayLike, axis: int) -> Array:
     x = np.asarray(x)
-    return np.ascontiguousarray(x if axis in (-1, x.ndim - 1) else np.moveaxis(x, axis, -1))
+    return np.ascontiguousarray(x if _is_last(x, axis) else np.moveaxis(x, axis, -1))
 
 
 def _stack(what: str, *arrays: Array) -> tuple[Any, int]:
     """The shape of a stack and the number of its rows; a single row may go with all of them."""
-    lead = max((a.shape[:-1] for a in arrays), key=len)
-    if any(a.shape[:-1] not in ((), lead) for a in arrays):
+    lead = arrays[0].shape[:-1] if len(arrays) == 1 else max((a.shape[:-1] for a in arrays), key=len)
+    if len(arrays) > 1 and any(a.shape[:-1] not in ((), lead) for a in arrays):
         raise ValueError(f"{what}: shapes {' and '.join(str(a.shape) for a in arrays)} do not fit along the axis")
     return lead, math.prod(lead)
 
@@ -91,17 +105,19 @@ def _target(shape: Any, dtype: Any, axis: int, out: Any, *sources: Array) -> Arr
         return np.empty(shape, dtype)
     if not isinstance(out, np.ndarray) or out.dtype != dtype:
         raise TypeError(f"out must be an array of {dtype_name(dtype)}")
-    if np.moveaxis(out, axis, -1).shape != tuple(shape):
-        raise ValueError(f"out has shape {out.shape}, the result {tuple(shape)}")
-    if not out.flags.writeable:
+    last = _is_last(out, axis)
+    if (out if last else np.moveaxis(out, axis, -1)).shape != shape:
+        raise ValueError(f"out has shape {out.shape}, the result {shape}")
+    flags = out.flags
+    if not flags.writeable:
         raise ValueError("out is read-only")
-    if out.flags.c_contiguous and axis in (-1, out.ndim - 1) and not any(np.may_share_memory(out, s) for s in sources):
+    if last and flags.c_contiguous and not any(np.may_share_memory(out, s) for s in sources):
         return out
     return np.empty(shape, dtype)
 
 
 def _given(result: Array, axis: int, out: Any = None) -> Array:
-    if axis not in (-1, result.ndim - 1) and result is not out:
+    if result is not out and not _is_last(result, axis):
         result = np.moveaxis(result, -1, axis)
     if out is None or out is result:
         return result
@@ -117,8 +133,10 @@ def _length(x: Array, n: int, what: str) -> None:
 def recut(blocks: Iterable[ArrayLike], size: int) -> Iterator[Array]:
     """The same samples in arrays of `size`, the last one shorter: results no longer depend on the first cuts."""
     rest = None
-    for block in blocks:
-        rest = np.asarray(block) if rest is None else np.concatenate([rest, block], axis=-1)
+    for block in map(np.asarray, blocks):
+        if rest is not None and block.dtype != rest.dtype:
+            raise TypeError(f"the stream began with samples of {dtype_name(rest.dtype)}, not {dtype_name(block.dtype)}")
+        rest = block if rest is None else np.concatenate([rest, block], axis=-1)
         while rest.shape[-1] >= size:
             yield rest[..., :size]
             rest = rest[..., size:]
@@ -170,6 +188,11 @@ class State:
     def __exit__(self, *_: Any) -> None:
         self.close()
 
+    def __repr__(self) -> str:
+        arguments, options = self._arguments
+        given = [*map(repr, arguments), *(f"{name}={value!r}" for name, value in options.items())]
+        return f"{type(self).__name__}({', '.join(given)})"
+
     def __reduce__(self) -> Any:
         arguments, options = self._arguments
         return functools.partial(type(self), *arguments, **options), ()
@@ -191,6 +214,8 @@ class _Filter(State):
 
     def __init__(self, taps: ArrayLike, line: int, piece: int, *values: int) -> None:
         self.taps = np.ascontiguousarray(taps)
+        if self.taps.ndim != 1:
+            raise ValueError(f"{type(self).__name__}: taps must be one row, not of shape {self.taps.shape}")
         self._values, self._line_length, self._piece = values, line, piece
         self._line: Array | None = None
         self._open(_type(self.taps))
@@ -552,14 +577,14 @@ def _spec(n: int, dtype: Any, inverse: bool) -> FFT:
 def fft(x: ArrayLike, *, axis: int = -1) -> Array:
     """The discrete Fourier transform of complex64 or complex128 samples, of real ones their half spectrum (n/2 + 1
     bins, as numpy.fft.rfft). Specs are kept and used again; FFT has all that can be chosen."""
-    x = np.asarray(x)
-    return _spec(x.shape[axis], x.dtype, False)(x, axis=axis)
+    x = _along(x, axis)
+    return _given(_spec(x.shape[-1], x.dtype, False)(x), axis)
 
 
 def ifft(x: ArrayLike, *, axis: int = -1) -> Array:
     """The inverse transform of complex64 or complex128 bins, divided by their number."""
-    x = np.asarray(x)
-    return _spec(x.shape[axis], x.dtype, True)(x, axis=axis)
+    x = _along(x, axis)
+    return _given(_spec(x.shape[-1], x.dtype, True)(x), axis)
 
 
 def irfft(x: ArrayLike, n: int, *, axis: int = -1) -> Array:
@@ -602,8 +627,9 @@ class Hilbert(State):
 
 def hilbert(x: ArrayLike, *, axis: int = -1) -> Array:
     """The analytic signal of float32 samples: real part the signal, imaginary part its Hilbert transform."""
-    with Hilbert(np.asarray(x).shape[axis]) as transform:
-        return transform(x, axis=axis)
+    x = _along(x, axis)
+    with Hilbert(x.shape[-1]) as transform:
+        return _given(transform(x), axis)
 
 
 @_about("CZT")

@@ -15,6 +15,7 @@ def __getattr__(name):
                           ffi.NULL if a is None else a for a in arguments])
 
     call.__name__ = call.__qualname__ = name
+    call.__doc__ = f"{ffi.typeof(function)}, as its header declares it"
     return call
 
 

@@ -45,7 +45,8 @@ class Results(unittest.TestCase):
                 (tz.vector_jaehne(4, 3, dtype="u1"), [0, 1, 3, 0], np.uint8), (tz.tone(2, 2.0, 0.25), [2, 0], F8),
                 (tz.norm(ONE), 2, F4), (tz.norm(ONE, kind="inf"), 1, F4),
                 (tz.norm(I, kind="l1", scale=1), 35767, np.int64),
-                (tz.powx(ONE, 3.0, kind=11), ONE, F4)):
+                (tz.powx(ONE, 3.0, kind=11), ONE, F4), (tz.exp(ONE, out=(ONE.copy(),)), np.exp(ONE), F4),
+                (tz.exp(0.0), 1, F8)):
             self.assertEqual(got.dtype, dtype)
             if expected is not None:
                 if got.dtype.names:
@@ -117,6 +118,9 @@ class Refusals(unittest.TestCase):
         (lambda: tz.mul(A, B, out=A.astype(F8)), TypeError, "results float64"),
         (lambda: tz.mul(A, B, out=A.copy(), dtype=F8), TypeError, "out and dtype"),
         (lambda: tz.mul(A, B, out=[1, 2]), TypeError, "out must be"),
+        (lambda: tz.exp(None), TypeError, "no src"), (lambda: tz.sum(A, axis=(0, 1)), TypeError, "tuple"),
+        (lambda: tz.exp(np.ma.array(A, mask=True)), TypeError, "mask would be lost"),
+        (lambda: tz.tone(2**31, 1.0, 0.1), OverflowError, "longer than one call"),
         (lambda: tz.norm(A, kind="l3"), TypeError, "kind 'l3'"),
         (lambda: tz.mul(A, B[:, :3]), ValueError, "differ"),
         (lambda: tz.mul(A, B[:2], axis=-1), ValueError, "do not fit"),

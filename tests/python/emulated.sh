@@ -8,13 +8,13 @@ shift
 emulator=()
 while [ "$1" != -- ]; do emulator+=("$1"); shift; done
 shift
-packages=(python3.11-minimal python3-numpy python3-cffi-backend)
+packages=({python3.11-minimal,python3-numpy,python3-cffi-backend,python3-scipy,liblbfgsb0}:arm64 python3-decorator)
 if [ ! -e "$root/complete" ]; then
   rm -rf "$root"
   mkdir -p "$root"
-  (cd "$root" && apt-get -qq download "${packages[@]/%/:arm64}") || exit 77
+  (cd "$root" && apt-get -qq download "${packages[@]}") || exit 77
   for deb in "$root"/*.deb; do dpkg-deb --extract "$deb" "$root"; done
   touch "$root/complete"
 fi
 export PYTHONHOME=/usr PYTHONPATH=$root/usr/lib/python3/dist-packages:${PYTHONPATH:-} PYTHONDONTWRITEBYTECODE=1
-exec "${emulator[@]}" -E LD_LIBRARY_PATH=/usr/lib/aarch64-linux-gnu "$root/usr/bin/python3.11" "$@"
+exec "${emulator[@]}" -E LD_LIBRARY_PATH="/usr/lib/aarch64-linux-gnu:$root/usr/lib/aarch64-linux-gnu" "$root/usr/bin/python3.11" "$@"

@@ -157,6 +157,9 @@ class Results(unittest.TestCase):
         for call, error, text in (
                 (lambda: tz.FIR(TAPS.astype("i4")), TypeError, "no taps of int32"),
                 (lambda: tz.FIR(TAPS)(x4), TypeError, "no taps of float64 with samples of float32"),
+                (lambda: tz.FIR([TAPS, TAPS]), ValueError, "one row"),
+                (lambda: tz.fft(Z, axis=1), ValueError, "out of bounds"),
+                (lambda: list(tz.FIR(TAPS).stream([X, x4])), TypeError, "began with samples of float64"),
                 (lambda: tz.FIR(TAPS, kind=7), ValueError, "FIR_ALG"), (lambda: tz.FIR([]), ValueError, "below 1"),
                 (lambda: tz.FIR(TAPS, max_len=100), ValueError, "multiple of 16"),
                 (lambda: fir(X.reshape(2, 3000)), ValueError, "reset"), (lambda: fir(X[:0]), ValueError, "positive"),
@@ -164,7 +167,7 @@ class Results(unittest.TestCase):
                 (lambda: fir(X, out=X[1:]), ValueError, "out has shape"),
                 (lambda: tz.FIRMR(TAPS, up=0), ValueError, "FACTOR"),
                 (lambda: tz.FIRMR(TAPS, down=7)(X), ValueError, "multiple of 7"),
-                (lambda: tz.LMS(0), ValueError, "LMS_TAPS"), (lambda: tz.LMS(3, dtype="f8"), TypeError, "32f"),
+                (lambda: tz.LMS(0), ValueError, "LMS_TAPS"), (lambda: tz.LMS(3, dtype="f8"), TypeError, "but for float32"),
                 (lambda: tz.LMS(3)(X, X, 1), TypeError, "float32"),
                 (lambda: tz.LMS(3)(x4, x4[1:], 1), ValueError, "one length"),
                 (lambda: tz.SparseFIR([1, 2], [3, 3]), ValueError, "SPARSE_DELAY"),

@@ -1,23 +1,33 @@
-// The digest program with Python in the middle: rows of the table whose calls go through a function that Python gives.
+// The digest program with Python in the middle: the table's calls go through functions that Python gives. Those on
+// states are caught by their names, which the loader finds here before it looks into the library.
 #define main DigestProgram
 #include "../digest.cpp"
 #undef main
 
+#include <signal_tzm.h>
+
 namespace {
 OrvaStatus (*through)(const Value* values);
+OrvaStatus (*other)(int32_t number, void* const* arguments);
 }
 
-// The digest of a row; empty for rows that have none, or that are no single call.
-extern "C" __attribute__((visibility("default"))) const char* DigestThrough(const char* name,
-                                                                             OrvaStatus (*call)(const Value*)) {
+extern "C" {
+#include "others.inc"
+
+// The digest of a row, whose calls go through `call`; empty for rows that have none,
+// or that are no operation of the public headers.
+__attribute__((visibility("default"))) const char* DigestThrough(const char* name, OrvaStatus (*call)(const Value*),
+                                                                  decltype(other) call_other) {
   static std::string digest;
   digest.clear();
   through = call;
+  other = call_other;
   for (const Member* row : AllMembers()) {
-    if (row->name != name || row->IsScenario() || !row->exact) continue;
+    if (row->name != name || !row->exact || (call == nullptr && !row->IsScenario())) continue;
     Member changed = *row;
-    changed.invoke = [](void (*)(), const Value* values) { return through(values); };
+    if (!row->IsScenario()) changed.invoke = [](void (*)(), const Value* values) { return through(values); };
     digest = DigestOf(changed);
   }
   return digest.c_str();
+}
 }
