@@ -60,9 +60,9 @@ OrvaStatus ORVAS_Convert_32f64f(const Orva32f* src, Orva64f* dst, int32_t len) {
 OrvaStatus ORVAS_Convert_64f32f(const Orva64f* src, Orva32f* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   const Full<double> dd;
-  const Full<float> d;
+  const hn::Half<Full<float>> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva64f* from, Orva32f* to) TZM_LAMBDA {
-    hn::StoreU(NarrowPair(d, hn::LoadU(dd, from), hn::LoadU(dd, from + hn::Lanes(dd))), d, to);
+    hn::StoreU(hn::DemoteTo(d, hn::LoadU(dd, from)), d, to);
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }

@@ -30,13 +30,12 @@ OrvaStatus Divide(const T* divisor, const T* dividend, T* dst, int32_t len) {
   return Status(zero.Seen());
 }
 
-// Loops over complex elements with their parts apart: kernel(c, d, a, b, re, im) of c + di, the divisor,
-// and a + bi, the dividend.
-template <class Complex, class Kernel>
-TZM_INLINE void ForEachParts(size_t len, Kernel kernel, const Complex* divisor, const Complex* dividend,
+// Loops over complex elements with their parts apart, in registers of tag `real`: kernel(c, d, a, b, re, im) of c + di,
+// the divisor, and a + bi, the dividend.
+template <class Real, class Complex, class Kernel>
+TZM_INLINE void ForEachParts(Real real, size_t len, Kernel kernel, const Complex* divisor, const Complex* dividend,
                              Complex* dst) {
-  const Full<std::remove_pointer_t<decltype(Parts(dst))>> real;
-  using V = Vec<decltype(real)>;
+  using V = Vec<Real>;
   ForEach<hn::MaxLanes(real), 2>(len, [&](const Complex* divisors, const Complex* dividends, Complex* to) TZM_LAMBDA {
     V c, d, a, b, re, im;
     LoadParts(real, Parts(divisors), c, d);
@@ -49,11 +48,12 @@ TZM_INLINE void ForEachParts(size_t len, Kernel kernel, const Complex* divisor, 
 // Body and tail deliberately differ in what is fused and in what warns: in the tail a real numerator of
 // zero, which a zero divisor has, and so has a zero dividend over any divisor.
 template <bool kBody>
-bool DivideComplex32(size_t len, const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst) {
-  const Full<float> real32;
-  using V = Vec<Full<float>>;
-  AnyLane<Full<float>> zero;
-  ForEachParts(len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
+TZM_INLINE bool DivideComplex32(size_t len, const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst) {
+  using Real = std::conditional_t<kBody, Full<float>, hn::FixedTag<float, 4>>;  // few elements: narrow registers
+  const Real real32;
+  using V = Vec<Real>;
+  AnyLane<Real> zero;
+  ForEachParts(real32, len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
     const V squares = hn::Mul(d, d), product = hn::Mul(d, a);
     const V denominator = kBody ? hn::Add(hn::Mul(c, c), squares) : hn::MulAdd(c, c, squares);
     const V real = hn::MulAdd(c, a, hn::Mul(d, b));
@@ -237,7 +237,7 @@ OrvaStatus ORVAS_Div_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* 
   using V = Vec<Full<double>>;
   const Full<double> real;
   AnyLane<Full<double>> zero;
-  ForEachParts(len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {  // deliberately nothing fused
+  ForEachParts(Full<double>(), len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {  // deliberately nothing fused
     const V denominator = hn::Add(hn::Mul(c, c), hn::Mul(d, d));
     zero.See(hn::Eq(denominator, hn::Zero(real)));
     const V reciprocal = hn::Div(hn::Set(real, 1.0), denominator);

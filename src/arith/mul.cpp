@@ -11,15 +11,6 @@ using namespace tzm;
 
 namespace {
 
-// Half a register of binary32 elements from memory, each in two lanes in a row: a real factor for complex
-// elements.
-TZM_INLINE Vec<Full<float>> LoadTwice(Full<float> d, const float* from) {
-  const hn::Repartition<uint64_t, Full<float>> dw;
-  const auto narrow = hn::LoadU(hn::Rebind<uint32_t, decltype(dw)>(), reinterpret_cast<const uint32_t*>(from));
-  const auto wide = hn::PromoteTo(dw, narrow);
-  return hn::BitCast(d, hn::Or(wide, hn::ShiftLeft<32>(wide)));
-}
-
 // 8- and 16-bit integers: exact products in lanes of twice the width, scaled exactly.
 template <class A, class B, class Dst>
 void ScaledProducts(const A* src1, const B* src2, Dst* dst, int32_t len, int exponent) {

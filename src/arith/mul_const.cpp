@@ -182,7 +182,8 @@ OrvaStatus ORVAS_MulC_32s_S(const Orva32s* src, Orva32s value, Orva32s* dst, int
 
 OrvaStatus ORVAS_MulC_Low_32f16s(const Orva32f* src, Orva32f value, Orva16s* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  ScaledFloats(src, value, 1.0f, dst, len);
+  const auto factor = hn::Set(Full<float>(), value);
+  RoundEach(len, [=](auto x) TZM_LAMBDA { return hn::Mul(x, factor); }, dst, src);
   return ORVA_STS_NO_ERR;
 }
 

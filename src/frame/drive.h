@@ -7,50 +7,6 @@
 
 namespace tzm {
 
-// Copies a constant number of elements by moves of registers.
-template <size_t kCount, class T>
-TZM_INLINE void CopyElements(const T* from, T* to) {
-  constexpr size_t kBytes = kCount * sizeof(T), kRegister = hn::MaxLanes(Full<uint8_t>());
-  if constexpr (kBytes < kRegister) {
-    std::memcpy(to, from, kBytes);
-  } else {
-    static_assert(kBytes % kRegister == 0);
-    const Full<uint8_t> d;
-    Unrolled<kBytes / kRegister>([&](auto i) TZM_LAMBDA {
-      const auto* const source = reinterpret_cast<const uint8_t*>(from) + i * kRegister;
-      hn::StoreU(hn::LoadU(d, source), d, reinterpret_cast<uint8_t*>(to) + i * kRegister);
-    });
-  }
-}
-
-// Copies 1 to 2 * kPiece - 1 elements by two moves of constant size, which overlap; kPiece is a power of two.
-template <size_t kPiece, class T>
-TZM_INLINE void CopyFew(const T* from, T* to, size_t count) {
-  if (kPiece == 1 || count >= kPiece) {
-    CopyElements<kPiece>(from, to);
-    const size_t rest = count % kPiece;
-    CopyElements<kPiece>(from + rest, to + rest);
-  } else {
-    CopyFew<(kPiece + 1) / 2>(from, to, count);
-  }
-}
-
-// kCount copies of one element.
-template <size_t kCount, class T>
-TZM_INLINE void Fill(const T* from, T* to) {
-  if constexpr (sizeof(T) > 8) {
-    Unrolled<kCount>([&](auto i) TZM_LAMBDA { StoreElement(LoadElement(from), to + i); });
-  } else {
-    const hn::CappedTag<hwy::UnsignedFromSize<sizeof(T)>, kCount> d;
-    constexpr size_t kLanes = hn::MaxLanes(d);
-    hn::TFromD<decltype(d)> bits;
-    std::memcpy(&bits, from, sizeof bits);
-    Unrolled<kCount / kLanes>([&](auto i) TZM_LAMBDA {
-      hn::StoreU(hn::Set(d, bits), d, reinterpret_cast<hn::TFromD<decltype(d)>*>(to + i * kLanes));
-    });
-  }
-}
-
 // What one step keeps of an array: of a source a copy of an array shorter than the step, of a destination what the
 // kernel has computed and is yet to be stored.
 template <class T, size_t kStep>
@@ -61,7 +17,7 @@ class Kept {
   TZM_INLINE T* Few(T* array, size_t count) {
     if constexpr (std::is_const_v<T>) {
       Fill<kStep>(array, element_);
-      CopyFew<kStep / 2>(array, element_, count);
+      TakeFew<kStep>(array, element_, count);
     }
     return element_;
   }
@@ -71,7 +27,7 @@ class Kept {
     else return element_;
   }
   TZM_INLINE void StoreFew(T* array, size_t count) const {
-    if constexpr (!std::is_const_v<T>) CopyFew<kStep / 2>(element_, array, count);
+    if constexpr (!std::is_const_v<T>) GiveFew<kStep>(element_, array, count);
   }
   TZM_INLINE void StoreWhole(T* array) const {
     if constexpr (!std::is_const_v<T>) CopyElements<kStep>(element_, array);
@@ -81,6 +37,10 @@ class Kept {
   std::remove_const_t<T> element_[kStep];
 };
 
+// Whether four steps make a turn, and results are no complex elements.
+template <size_t kUnroll, class... T>
+constexpr bool kLight = kUnroll >= 4 && ((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...);
+
 // kUnroll steps in a row.
 template <size_t kStep, size_t kUnroll, class Kernel, class... T>
 TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
@@ -88,7 +48,7 @@ TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
   // The machine loads and stores registers in pairs, but no load may pass a store to what may be its own array: all
   // steps are computed before the first is stored. That needs registers for all of them, so light kernels only, and
   // complex results leave by instructions that the compiler does not follow through an array on the stack.
-  if constexpr (kUnroll >= 4 && ((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...)) {
+  if constexpr (kLight<kUnroll, T...>) {
     std::tuple<Kept<T, kStep>...> steps[kUnroll];
     Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
       std::apply([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + k * kStep)...); }, steps[k]);
@@ -110,30 +70,31 @@ TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
 // divide `len`. It is computed first, from sources that nothing has overwritten yet, and stored last. So a kernel
 // may see an element twice; a value does not depend on its position, and nothing outside the arrays is touched.
 // An array shorter than a step runs on copies, filled up with its own first element, so that the kernel never sees a
-// value that is not data (no false warnings). kUnroll steps make a turn of the loop: four of a light kernel; two of one
-// that has work for many instructions, or one.
+// value that is not data (no false warnings). kUnroll steps make a turn of the loop: four of a light kernel, where the
+// last turn is a whole one even if it leaves nothing for the last step, which costs less than three steps one by one;
+// two of a kernel that has work for many instructions, or one.
 template <size_t kStep, size_t kUnroll = 4, class Kernel, class... T>
 TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
-  if (len == 0) return;
   std::tuple<Kept<T, kStep>...> last;
   const auto each = [&](auto&& use) TZM_LAMBDA { std::apply(use, last); };
-  const bool few = len < kStep;
-  const size_t lastAt = few ? 0 : len - kStep;
-  each([&](auto&... kept) TZM_LAMBDA {
-    kernel((few ? kept.Few(arrays, len) : kept.Whole(arrays + lastAt))...);
-  });
+  if (len < kStep) [[unlikely]] {
+    if (len == 0) return;
+    each([&](auto&... kept) TZM_LAMBDA { kernel(kept.Few(arrays, len)...); });
+    each([&](const auto&... kept) TZM_LAMBDA { (kept.StoreFew(arrays, len), ...); });
+    return;
+  }
+  const size_t lastAt = len - kStep;
+  each([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + lastAt)...); });
 
-  const size_t end = (len - 1) / kStep * kStep, turns = end - end % (kUnroll * kStep);
+  constexpr size_t kTurn = kUnroll * kStep;
+  const size_t end = kLight<kUnroll, T...> ? len : len - 1;
   size_t i = 0;
   if constexpr (kUnroll > 1) {
-    for (; i < turns; i += kUnroll * kStep) Turn<kStep, kUnroll>(kernel, (arrays + i)...);
+    for (; i + kTurn <= end; i += kTurn) Turn<kStep, kUnroll>(kernel, (arrays + i)...);
   }
-  for (; i < end; i += kStep) kernel((arrays + i)...);
+  for (; i < lastAt; i += kStep) kernel((arrays + i)...);
 
-  each([&](const auto&... kept) TZM_LAMBDA {
-    if (few) (kept.StoreFew(arrays, len), ...);
-    else (kept.StoreWhole(arrays + lastAt), ...);
-  });
+  each([&](const auto&... kept) TZM_LAMBDA { (kept.StoreWhole(arrays + lastAt), ...); });
 }
 
 // For an operation whose tail is computed otherwise than its body: body(count, arrays...) does the whole blocks of

@@ -92,7 +92,7 @@ struct ZeroFilled {
   T element[kStep] = {};
 
   TZM_INLINE const T* Copy(const T* from, size_t count) {
-    CopyFew<kStep / 2>(from, element, count);
+    TakeFew<kStep>(from, element, count);
     return element;
   }
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/vector/base.h"          // tags, registers, elements
+#include "frame/vector/few.h"           // moves of few elements
 #include "frame/vector/integer_sums.h"  // exact sums of integers and of their products
 #include "frame/vector/lanes.h"         // the lanes of ordered sums
 #include "frame/vector/minimum.h"       // minimum and maximum with one meaning

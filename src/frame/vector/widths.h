@@ -69,6 +69,31 @@ TZM_INLINE void StoreRounded(V x, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, RoundFor<T>(x)), dn, to);
 }
 
+// kLanes elements from memory, each in two lanes in a row: a real factor for complex elements.
+template <class D>
+TZM_INLINE Vec<D> LoadTwice(D d, const float* from) {
+  const hn::Half<D> half;
+#if HWY_ARCH_X86
+  alignas(64) static constexpr int32_t kTwice[] = {0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7};
+  return hn::TableLookupLanes(hn::ZeroExtendVector(d, hn::LoadU(half, from)), hn::SetTableIndices(d, kTwice));
+#else
+  const auto narrow = hn::ZeroExtendVector(d, hn::LoadU(half, from));
+  return hn::InterleaveLower(d, narrow, narrow);
+#endif
+}
+
+#if HWY_ARCH_X86
+// In each 128-bit block two lanes of `a` and two of `b`, two bits of kLanes naming each.
+template <int kLanes, class V>
+TZM_INLINE V ShufflePairs(V a, V b) {
+#if HWY_TARGET <= HWY_AVX3
+  if constexpr (sizeof(a.raw) == 64) return V{_mm512_shuffle_ps(a.raw, b.raw, kLanes)};
+  else
+#endif
+    return V{_mm256_shuffle_ps(a.raw, b.raw, kLanes)};
+}
+#endif
+
 // The real and the imaginary parts of a register's worth of complex elements, and back. The order of
 // the elements in the registers is the machine's own: enough for element-wise work, and cheaper than
 // the memory order where registers are made of 128-bit blocks.
@@ -80,11 +105,11 @@ TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
     re = hn::InterleaveLower(d, first, second);
     im = hn::InterleaveUpper(d, first, second);
     return;
-  } else if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) == hn::MaxLanes(Full<T>())) {
+  } else if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) >= 8) {
     const hn::RebindToFloat<D> df;
     const auto first = hn::BitCast(df, hn::LoadU(d, from)), second = hn::BitCast(df, hn::LoadU(d, from + hn::Lanes(d)));
-    re = hn::BitCast(d, Vec<decltype(df)>{TZM_X86(shuffle_ps)(first.raw, second.raw, 0x88)});
-    im = hn::BitCast(d, Vec<decltype(df)>{TZM_X86(shuffle_ps)(first.raw, second.raw, 0xdd)});
+    re = hn::BitCast(d, ShufflePairs<0x88>(first, second));
+    im = hn::BitCast(d, ShufflePairs<0xdd>(first, second));
     return;
   }
 #endif
@@ -134,8 +159,14 @@ template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreParts(Vec<D> re, Vec<D> im, D d, T* to) {
 #if HWY_ARCH_X86
   if constexpr (sizeof(T) >= 4) {
-    hn::StoreU(hn::InterleaveLower(d, re, im), d, to);
-    hn::StoreU(hn::InterleaveUpper(d, re, im), d, to + hn::Lanes(d));
+    const auto first = hn::InterleaveLower(d, re, im), second = hn::InterleaveUpper(d, re, im);
+    if constexpr (hn::MaxLanes(d) < hn::MaxLanes(Full<T>())) {  // at once, as it may be read back
+      const hn::Twice<D> both;
+      hn::StoreU(hn::Combine(both, second, first), both, to);
+    } else {
+      hn::StoreU(first, d, to);
+      hn::StoreU(second, d, to + hn::Lanes(d));
+    }
     return;
   }
 #endif
