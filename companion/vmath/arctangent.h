@@ -94,24 +94,33 @@ struct Atan2_64 {
 
 // arctan x = 0, pi/4 or pi/2 and the arctangent of x, (x - 1)/(x + 1) or -1/x, which is below sqrt(2) - 1.
 constexpr double kTanOfPiBy8 = 0.41421356237309503;
-// The arctangent of q, |q| < sqrt(2) - 1.
+// The arctangent of q, |q| < sqrt(2) - 1: to 2^-44.
 TZM_INLINE V SmallArctan(V q) {
   const V q2 = hn::Mul(q, q);
-  return Fma(hn::Mul(q, q2), PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)), q);
+  return hn::Mul(q, PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)));
 }
 constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
 struct Atan32 {
-  TZM_INLINE V operator()(V x) const {
-    const V a = hn::Abs(x), one = C(1);
+  TZM_INLINE F operator()(F x) const {
+    const Halves a = Widen(hn::Abs(x)), y = {OfPositive(a.low), OfPositive(a.high)};
+    const M open = hn::Or(IsOpenWithin<0x200>(y.low), IsOpenWithin<0x200>(y.high));
+    F angle = NarrowPair(S(), y.low, y.high);
+    if (Any(open)) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
+    return hn::CopySign(angle, x);
+  }
+
+ private:
+  static TZM_INLINE V OfPositive(V a) {
+    const V one = C(1);
     const M steep = hn::Gt(a, C(1 / kTanOfPiBy8)), middle = hn::Gt(a, C(kTanOfPiBy8));
     const V n = hn::IfThenElse(steep, C(-1), hn::IfThenElse(middle, hn::Sub(a, one), a));
     const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
     const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
-    return hn::CopySign(Settled(kAtanMiddles, hn::Add(base, SmallArctan(hn::Div(n, d)))), x);
+    return hn::Add(base, SmallArctan(hn::Div(n, d)));
   }
 };
 
-// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-49 in the first step
+// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-45 in the first step
 // (make/arctangent.gappa).
 struct Atan2_32 {
   TZM_INLINE V operator()(V y, V x) const {
@@ -124,7 +133,7 @@ struct Atan2_32 {
     const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
     const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
-    const M usual = hn::AndNot(IsOpenNormal(angle), hn::Gt(angle, C(0x1p-120)));
+    const M usual = hn::AndNot(IsOpenWithin<0x200>(angle), hn::Gt(angle, C(0x1p-120)));
     if (Any(hn::Not(usual))) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
     return hn::CopySign(angle, y);
   }

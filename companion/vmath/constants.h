@@ -6,14 +6,7 @@
 namespace vmath {
 
 // ---- Exponential: x = (k + f)/16 ln 2 ----
-// 2^(i/16), less i in the bits that k is added to
-inline constexpr Table<1> kExpRoots = {{
-    {0x1.0000000000000p+0, 0x1.fb5586cf9890fp-1, 0x1.f72b83c7d517bp-1, 0x1.f387a6e756238p-1, 0x1.f06fe0a31b715p-1,
-     0x1.edea64c123422p-1, 0x1.ebfdad5362a27p-1, 0x1.eab07dd485429p-1, 0x1.ea09e667f3bcdp-1, 0x1.ea11473eb0187p-1,
-     0x1.eace5422aa0dbp-1, 0x1.ec49182a3f090p-1, 0x1.ee89f995ad3adp-1, 0x1.f199bdd85529cp-1, 0x1.f5818dcfba487p-1,
-     0x1.fa4afa2a490dap-1},
-}};
-// the same, and what its rounding lost, relative to it
+// 2^(i/16), less i in the bits that k is added to, and what its rounding lost, relative to it
 inline constexpr Table<2> kExpTable = {{
     {0x1.0000000000000p+0, 0x1.fb5586cf9890fp-1, 0x1.f72b83c7d517bp-1, 0x1.f387a6e756238p-1, 0x1.f06fe0a31b715p-1,
      0x1.edea64c123422p-1, 0x1.ebfdad5362a27p-1, 0x1.eab07dd485429p-1, 0x1.ea09e667f3bcdp-1, 0x1.ea11473eb0187p-1,
@@ -24,8 +17,18 @@ inline constexpr Table<2> kExpTable = {{
      -0x1.b32dcb94da51dp-56, 0x1.db72fc1f0eab4p-55, 0x1.1affc2b91ce27p-56, 0x1.c1a7792cb3387p-55,
      0x1.36eae30af0cb3p-56, 0x1.4a385a63d07a7p-56, -0x1.ff7128fd391f0p-55},
 }};
-// 16/ln 2, in parts
-inline constexpr double kSixteenByLn2[] = {0x1.71547652b82fep+4, 0x1.777d0ffda0d24p-52};
+// 2^(i/16), and what its rounding lost, relative to it
+inline constexpr Table32<2, 16> kExpTable32 = {{
+    {0x1.0000000000000p+0, 0x1.0b55860000000p+0, 0x1.172b840000000p+0, 0x1.2387a60000000p+0, 0x1.306fe00000000p+0,
+     0x1.3dea640000000p+0, 0x1.4bfdae0000000p+0, 0x1.5ab07e0000000p+0, 0x1.6a09e60000000p+0, 0x1.7a11480000000p+0,
+     0x1.8ace540000000p+0, 0x1.9c49180000000p+0, 0x1.ae89fa0000000p+0, 0x1.c199be0000000p+0, 0x1.d5818e0000000p+0,
+     0x1.ea4afa0000000p+0},
+    {0, 0x1.8d96d40000000p-25, -0x1.9c0c200000000p-27, 0x1.9649040000000p-25, 0x1.1250020000000p-25,
+     0x1.370be40000000p-25, -0x1.0a35520000000p-25, -0x1.00d8ac0000000p-27, 0x1.26055e0000000p-26,
+     -0x1.05cb440000000p-25, 0x1.67a1ca0000000p-28, 0x1.a3b5e40000000p-28, -0x1.f9c3040000000p-27,
+     -0x1.6961b40000000p-28, -0x1.a5217c0000000p-28, 0x1.61428c0000000p-28},
+}};
+inline constexpr double kSixteenByLn2 = 0x1.71547652b82fep+4;
 // ln 2/16, in parts
 inline constexpr double kLn2By16[] = {0x1.62e42fefa39efp-5, 0x1.abc9e3b39803fp-60};
 
@@ -67,6 +70,22 @@ inline constexpr double kLog10Of2[] = {0x1.34413509f7800p-2, 0x1.fef311f12b358p-
 // ln 2, in parts
 inline constexpr double kLn2InTwo[] = {0x1.62e42fefa39efp-1, 0x1.abc9e3b39803fp-56};
 inline constexpr double kLog10E = 0x1.bcb7b1526e50ep-2;
+// the same of binary32, in parts
+inline constexpr float kLog10E32[] = {0x1.bcb7b20000000p-2, -0x1.5b235e0000000p-27};
+// ln 2 of binary32, in parts
+inline constexpr float kLn2Of32[] = {0x1.62e4300000000p-1, -0x1.05c6100000000p-29};
+inline constexpr uint32_t kLogStart32 = 0x3f350000;  // the bits of the least x of k = 0
+// its first 16 fraction bits, so that k times it is exact, and the rest
+inline constexpr float kLn2Of32Short[] = {0x1.62e4000000000p-1, 0x1.7f7d1c0000000p-20};
+// 1/c of so few bits that r is exact, ln c to 16 fraction bits, and the rest
+inline constexpr Table32<3, 8> kLogTable32 = {{
+    {0x1.6000000000000p+0, 0x1.4000000000000p+0, 0x1.3000000000000p+0, 0x1.1000000000000p+0, 0x1.0000000000000p+0,
+     0x1.d000000000000p-1, 0x1.a000000000000p-1, 0x1.8000000000000p-1},
+    {-0x1.4618000000000p-2, -0x1.c900000000000p-3, -0x1.5ff0000000000p-3, -0x1.f0a0000000000p-5, 0,
+     0x1.9330000000000p-4, 0x1.a940000000000p-3, 0x1.2698000000000p-2},
+    {-0x1.78438c0000000p-19, 0x1.070cac0000000p-20, -0x1.83853c0000000p-18, -0x1.86008c0000000p-20, 0,
+     0x1.7975660000000p-18, -0x1.2c37520000000p-19, -0x1.deecb20000000p-18},
+}};
 // 1/3, in parts
 inline constexpr double kThird[] = {0x1.5555555555555p-2, 0x1.5555555555555p-56};
 
@@ -76,8 +95,18 @@ inline constexpr double kPi[] = {0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53, -0
 // pi/2, in parts
 inline constexpr double kHalfPi[] = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54, -0x1.f1976b7ed8fbcp-110};
 inline constexpr double kByPi = 0x1.45f306dc9c883p-2;
-inline constexpr double kTwoByPi = 0x1.45f306dc9c883p-1;
-inline constexpr double kSixth = 0x1.5555555555555p-3;
+// r - kCubic r^3 is 1 at pi/2
+inline constexpr double kCubic = 0x1.2d9d2edb9df43p-3;
+// the tangent of k pi/16, from 4 on of less pi/2, and from 12 on of less pi
+inline constexpr Table<2> kTanTable = {{
+    {0, 0x1.975f5e0553158p-3, 0x1.a827999fcef32p-2, 0x1.561b82ab7f990p-1, -0x1.0000000000000p+0,
+     -0x1.561b82ab7f990p-1, -0x1.a827999fcef32p-2, -0x1.975f5e0553158p-3, 0, 0x1.975f5e0553158p-3,
+     0x1.a827999fcef32p-2, 0x1.561b82ab7f990p-1, -0x1.0000000000000p+0, -0x1.561b82ab7f990p-1, -0x1.a827999fcef32p-2,
+     -0x1.975f5e0553158p-3},
+    {0, 0x1.ef5d367441946p-61, 0x1.08b2fb1366ea9p-56, 0x1.7a8c52172b675p-55, 0, -0x1.7a8c52172b675p-55,
+     -0x1.08b2fb1366ea9p-56, -0x1.ef5d367441946p-61, 0, 0x1.ef5d367441946p-61, 0x1.08b2fb1366ea9p-56,
+     0x1.7a8c52172b675p-55, 0, -0x1.7a8c52172b675p-55, -0x1.08b2fb1366ea9p-56, -0x1.ef5d367441946p-61},
+}};
 // 2/pi, 64 bits in each word, behind a word of zeros
 inline constexpr uint64_t kTwoByPiBits[] = {0x0000000000000000, 0xa2f9836e4e441529, 0xfc2757d1f534ddc0,
     0xdb6295993c439041, 0xfe5163abdebbc561, 0xb7246e3a424dd2e0, 0x06492eea09d1921c, 0xfe1deb1cb129a73e,
@@ -101,22 +130,18 @@ inline constexpr Table<3> kAtanTable = {{
 }};
 
 // ---- Polynomials, the coefficient of the least power first ----
-// 2^(x/16) = 1 + x p(x): within 2^-57.0
-inline constexpr double kExp2Poly[] = {0x1.62e42fefa39fdp-5, 0x1.ebfbdff82c59dp-11, 0x1.c6b08d6e8ccbep-17,
-    0x1.3b2ab6fa93ff3p-23, 0x1.5d89bd62d0c6dp-30, 0x1.430a9bf425042p-37};
+// e^x = 1 + x + x^2 p(x): within 2^-25.4
+inline constexpr float kExpPoly32[] = {0x1.0000000000000p-1, 0x1.5556e80000000p-3, 0x1.55569e0000000p-5};
 // e^x = 1 + x + x^2 p(x): within 2^-66.2
 inline constexpr double kExpPoly[] = {0x1.0000000000004p-1, 0x1.555555555555ap-3, 0x1.5555555484f47p-5,
     0x1.11111110720f4p-7, 0x1.6c183da03197ep-10, 0x1.a01badab24ec8p-13};
-// ln(1 + x) = x + x^2 p(x), relative to x: within 2^-50.0
-inline constexpr double kLogPoly32[] = {-0x1.fffffffffffb8p-2, 0x1.55555555a5e88p-2, -0x1.00000000eec7ep-2,
-    0x1.99998a219145bp-3, -0x1.55553c529aa8fp-3, 0x1.24fe537bff685p-3, -0x1.007ba3a05415fp-3};
+// ln(1 + x) = x - x^2/2 + x^3 p(x): within 2^-26.6
+inline constexpr float kLogPoly32[] = {0x1.5555560000000p-2, -0x1.0000000000000p-2, 0x1.9993e00000000p-3,
+    -0x1.5555040000000p-3, 0x1.2a168a0000000p-3, -0x1.0115ce0000000p-3};
 // ln(1 + x) = x + x^2 p(x), relative to x: within 2^-62.3
 inline constexpr double kLogPoly[] = {-0x1.0000000000000p-1, 0x1.55555555554f2p-2, -0x1.ffffffffffe7bp-3,
     0x1.9999999b819b3p-3, -0x1.55555558235dfp-3, 0x1.249231d856988p-3, -0x1.ffffc7ebafbc5p-4, 0x1.c7fce0d01f896p-4,
     -0x1.9a81a394f3b53p-4};
-// log10(1 + x) = x (kLog10E + p(x)), relative to x: within 2^-51.4
-inline constexpr double kLog10Poly32[] = {-0x1.6c173d6a148aep-52, -0x1.bcb7b1526e4b9p-3, 0x1.287a76375391cp-3,
-    -0x1.bcb7b15447b68p-4, 0x1.63c6185fafaeep-4, -0x1.287a5f18b3a43p-4, 0x1.fd0311fa18c48p-5, -0x1.bd93bb166963ap-5};
 // log10(1 + x) = x (kLog10E + p(x)), relative to x: within 2^-63.4
 inline constexpr double kLog10Poly[] = {0x1.979a3cb32be17p-57, -0x1.bcb7b1526e50ep-3, 0x1.287a7636f42e6p-3,
     -0x1.bcb7b1526f32ap-4, 0x1.63c627770d979p-4, -0x1.287a762da5646p-4, 0x1.fc3f7ad71f85ap-5, -0x1.bcb7f193b4a1ep-5,
@@ -125,20 +150,27 @@ inline constexpr double kLog10Poly[] = {0x1.979a3cb32be17p-57, -0x1.bcb7b1526e50
 inline constexpr double kPowLogPoly[] = {-0x1.0000000000000p-2, 0x1.99999999998f2p-3, -0x1.5555555555407p-3,
     0x1.249249262e926p-3, -0x1.00000002688a3p-3, 0x1.c71c4a61ad881p-4, -0x1.9999697b393a2p-4, 0x1.751af0569591ap-4,
     -0x1.561c523cd631bp-4};
-// sin x = x + x^3 p(x^2), |x| < pi/2: within 2^-62.0
-inline constexpr double kSinPoly32[] = {-0x1.5555555555555p-3, 0x1.11111111110cbp-7, -0x1.a01a01a015170p-13,
-    0x1.71de3a52c0ec2p-19, -0x1.ae6454e47918ep-26, 0x1.6123d13e139fep-33, -0x1.ae44a4924c53ap-41,
-    0x1.88516e1ce1035p-49};
-// sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x: within 2^-68.8
-inline constexpr double kSinPoly[] = {-0x1.4bf1d7895158fp-57, 0x1.111111111110bp-7, -0x1.a01a01a018ae2p-13,
-    0x1.71de3a5339626p-19, -0x1.ae64529843b4bp-26, 0x1.612092bcab8f4p-33, -0x1.aaa54defaf408p-41};
-// cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4: within 2^-64.7
-inline constexpr double kCosPoly[] = {0x1.36df643f3a453p-58, 0x1.555555555553cp-5, -0x1.6c16c16c13f8bp-10,
-    0x1.a01a019b77810p-16, -0x1.27e4f75808cbbp-22, 0x1.1ee9874566da3p-29, -0x1.8f81999ca664ap-37};
-// arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x: within 2^-59.5
-inline constexpr double kAtanPoly32[] = {-0x1.555555555553dp-2, 0x1.99999999958b3p-3, -0x1.24924922b0025p-3,
-    0x1.c71c70e743967p-4, -0x1.745cf901d2c89p-4, 0x1.3b111bd176276p-4, -0x1.10ebd7b593f9ep-4, 0x1.df1118be484d5p-5,
-    -0x1.9cdadec52adaep-5, 0x1.37ea37865d44ap-5, -0x1.25970dc072aa2p-6};
+// sin x = x p(x^2), |x| < pi/2: within 2^-44.2
+inline constexpr double kSinPoly32[] = {0x1.ffffffffffe39p-1, -0x1.5555555543b0ep-3, 0x1.11111109ea238p-7,
+    -0x1.a019fd465bcf1p-13, 0x1.71dcf786ef9e6p-19, -0x1.ae0428cdce3c8p-26, 0x1.52e302d6a5113p-33};
+// the first two of kSinPoly's powers
+inline constexpr double kSinFirst[] = {-0x1.3dc133cdbb090p-6, 0x1.11111111110cbp-7};
+// sin x = x - kCubic x^3 + x^3 p(x^2), |x| < pi/2, relative to x: within 2^-62.0
+inline constexpr double kSinPoly[] = {-0x1.a01a01a015170p-13, 0x1.71de3a52c0ec2p-19, -0x1.ae6454e47918ep-26,
+    0x1.6123d13e139fep-33, -0x1.ae44a4924c53ap-41, 0x1.88516e1ce1035p-49};
+// sin x = x p(x^2), |x| < pi/4: within 2^-37.8
+inline constexpr double kTanSinPoly32[] = {0x1.fffffffff674dp-1, -0x1.555555493fa61p-3, 0x1.11110745b0df2p-7,
+    -0x1.a00ee3853fd9cp-13, 0x1.6cb63c86fba27p-19};
+// cos x = p(x^2), |x| < pi/4: within 2^-44.0
+inline constexpr double kTanCosPoly32[] = {0x1.ffffffffffe09p-1, -0x1.ffffffffe359cp-2, 0x1.5555554468569p-5,
+    -0x1.6c16b2ca9f951p-10, 0x1.a00e919607ee5p-16, -0x1.23c4d9d304d6fp-22};
+// tan x = x + x^3 p(x^2), |x| < pi/32, relative to x: within 2^-67.9
+inline constexpr double kTanPoly[] = {0x1.5555555555555p-2, 0x1.111111111154bp-3, 0x1.ba1ba1b7b35f0p-5,
+    0x1.664f4dc3e12a5p-6, 0x1.2268441a7a14ep-7, 0x1.dd8a2c6f07759p-9};
+// arctan x = x p(x^2), |x| < sqrt(2) - 1, relative to x: within 2^-45.2
+inline constexpr double kAtanPoly32[] = {0x1.fffffffffff1fp-1, -0x1.55555554ebebbp-2, 0x1.999999176a189p-3,
+    -0x1.24922a207afcfp-3, 0x1.c71502e2e666dp-4, -0x1.73dc12c152ddfp-4, 0x1.35de833a60a39p-4, -0x1.e1aafb6ef6b3ep-5,
+    0x1.f79e54af9e7c5p-6};
 // arctan x = x + x^3 p(x^2) of the remainder, relative to x: within 2^-58.7
 inline constexpr double kAtanPoly[] = {-0x1.5555555555436p-2, 0x1.999999985415ep-3, -0x1.2492456659550p-3,
     0x1.c712d255641b6p-4, -0x1.6ebd5c8f69746p-4};

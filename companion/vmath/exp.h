@@ -17,7 +17,7 @@ struct Exponential {
 };
 // To 0.03 ulp before the last rounding, for |x| < 1000.
 TZM_INLINE Exponential ExpParts(V x, V rest) {
-  const V shifted = Fma(x, C(kSixteenByLn2[0]), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
+  const V shifted = Fma(x, C(kSixteenByLn2), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
   const V f = hn::Add(Fnma(k, C(kLn2By16[1]), Fnma(k, C(kLn2By16[0]), x)), rest), f2 = hn::Mul(f, f);
   const auto [root, lost] = Lookup<kExpTable>(BitsOf(shifted)).number;
   return {root, hn::Add(f, Fma(f2, PolynomialInTwo(kExpPoly, f, f2), lost)), BitsOf(shifted)};
@@ -56,14 +56,20 @@ struct Exp64 {
   }
 };
 
-// Correctly rounded to binary32, of numbers of that type: f in sixteenths of ln 2, from 16/ln 2 in two parts.
+// Correctly rounded: 2^k root (1 + f + p), |f| <= ln 2/32, k in sixteenths. The first step is good to 2^-33.
 struct Exp32 {
-  TZM_INLINE V operator()(V x) const {
-    x = MinOrSecond(C(90), MaxOrSecond(C(-110), x));  // beyond, results are infinite or zero
-    const V shifted = Fma(x, C(kSixteenByLn2[0]), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
-    const V f = Fma(x, C(kSixteenByLn2[1]), Fms(x, C(kSixteenByLn2[0]), k));
-    const auto [root] = Lookup<kExpRoots>(BitsOf(shifted)).number;
-    return Exponential{root, hn::Mul(f, PolynomialInTwo(kExp2Poly, f, hn::Mul(f, f))), BitsOf(shifted)}.Normal();
+  TZM_INLINE F operator()(F x) const {
+    constexpr float kToSixteenths = kToInteger32 / 16, kError = 0x1p-33f, kNormal = 87;
+    const F shifted = Fma(x, C32(1 / kLn2Of32[0]), C32(kToSixteenths)), k = hn::Sub(shifted, C32(kToSixteenths));
+    const F root = Lookup32<kExpTable32, 0>(BitsOf(shifted)), lost = Lookup32<kExpTable32, 1>(BitsOf(shifted));
+    const F f = Fnma(k, C32(kLn2Of32[0]), x);  // exact
+    const F fRest = Fnma(k, C32(kLn2Of32[1]), lost), both = hn::Add(f, fRest);
+    const F p = Fma(hn::Mul(both, both), Polynomial(kExpPoly32, both), fRest);
+    const F sum = Fma(root, f, root), rest = Fma(root, p, Fma(root, f, hn::Sub(root, sum)));
+    const F y = hn::Add(sum, hn::Add(rest, C32(kError))), least = hn::Add(sum, hn::Sub(rest, C32(kError)));
+    const M32 sure = hn::And(hn::Eq(y, least), hn::Lt(hn::Abs(x), C32(kNormal)));
+    if (Any(hn::Not(sure))) return SecondStep<Exp64>(x);
+    return OfBits(hn::Add(BitsOf(y), hn::ShiftLeft<23>(hn::ShiftRight<4>(BitsOf(shifted)))));
   }
 };
 

@@ -1,6 +1,7 @@
-// Registers of binary64 numbers, in which both types are computed, and small tables in them. The arithmetic is
-// that of IEEE 754 with fused steps, lane by lane: no estimates, no choice for a whole register but whether any
-// lane needs a rare path, whose results are blended in by lane. So the width of a register changes no bit.
+// Registers of binary64 and of binary32 numbers, and small tables in them. The arithmetic is that of IEEE 754 with
+// fused steps, lane by lane: no estimates, no choice for a whole register but whether any lane needs a rare path, whose
+// results are blended in by lane, or, being right in binary32, are those of the others too. So the width of a register
+// changes no bit.
 #pragma once
 
 #include "frame/vector.h"
@@ -18,9 +19,18 @@ constexpr size_t kLanes = hn::MaxLanes(D());
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+using S = Full<float>;
+using Bits32 = hn::RebindToSigned<S>;
+using F = Vec<S>;
+using I32 = Vec<Bits32>;
+using M32 = Mask<S>;
+
 TZM_INLINE V C(double value) { return hn::Set(D(), value); }
+TZM_INLINE F C32(float value) { return hn::Set(S(), value); }
 TZM_INLINE I BitsOf(V v) { return hn::BitCast(Bits(), v); }
 TZM_INLINE V OfBits(I i) { return hn::BitCast(D(), i); }
+TZM_INLINE I32 BitsOf(F v) { return hn::BitCast(Bits32(), v); }
+TZM_INLINE F OfBits(I32 i) { return hn::BitCast(S(), i); }
 TZM_INLINE I SetBits(uint64_t bits) { return hn::Set(Bits(), static_cast<int64_t>(bits)); }
 template <int kCount>
 TZM_INLINE I ShiftRightLogical(I i) {
@@ -28,25 +38,38 @@ TZM_INLINE I ShiftRightLogical(I i) {
   return hn::BitCast(Bits(), hn::ShiftRight<kCount>(hn::BitCast(d, i)));
 }
 TZM_INLINE bool Any(M m) { return HWY_UNLIKELY(!hn::AllFalse(D(), m)); }
+TZM_INLINE bool Any(M32 m) { return HWY_UNLIKELY(!hn::AllFalse(S(), m)); }
 
 // One rounding: a*b + c, a*b - c, c - a*b.
-TZM_INLINE V Fma(V a, V b, V c) { return hn::MulAdd(a, b, c); }
-TZM_INLINE V Fms(V a, V b, V c) { return hn::MulSub(a, b, c); }
-TZM_INLINE V Fnma(V a, V b, V c) { return hn::NegMulAdd(a, b, c); }
+template <class Vector>
+TZM_INLINE Vector Fma(Vector a, Vector b, Vector c) {
+  return hn::MulAdd(a, b, c);
+}
+template <class Vector>
+TZM_INLINE Vector Fms(Vector a, Vector b, Vector c) {
+  return hn::MulSub(a, b, c);
+}
+template <class Vector>
+TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
+  return hn::NegMulAdd(a, b, c);
+}
 
-// Added to a number below 2^51 it leaves the nearest integer in the low bits of the sum.
+// Added to a number below 2^51, in binary32 2^22, it leaves the nearest integer in the low bits of the sum.
 constexpr double kToInteger = 0x1.8p52;
+constexpr float kToInteger32 = 0x1.8p23f;
 
 // x with its sign inverted where the lowest bit of `odd` is set.
 TZM_INLINE V NegateIfOdd(V x, I odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<63>(odd))); }
+TZM_INLINE F NegateIfOdd(F x, I32 odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<31>(odd))); }
 // The sign of `sign` for a zero x as for every other.
 TZM_INLINE V WithSignOf(V x, V sign) { return hn::Or(x, hn::And(sign, C(-0.0))); }
 
 // c[0] + c[1] x + c[2] x^2 ...: by Horner's rule, and in two chains, of the even and of the odd powers.
-template <size_t N>
-TZM_INLINE V Polynomial(const double (&c)[N], V x) {
-  V p = C(c[N - 1]);
-  Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, C(c[N - 2 - i])); });
+template <class T, size_t N, class Vector>
+TZM_INLINE Vector Polynomial(const T (&c)[N], Vector x) {
+  const hn::DFromV<Vector> d;
+  Vector p = hn::Set(d, c[N - 1]);
+  Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, hn::Set(d, c[N - 2 - i])); });
   return p;
 }
 template <size_t N>
@@ -72,6 +95,18 @@ TZM_INLINE Sum FastTwoSum(V a, V b) {
   return {sum, hn::Add(hn::Sub(a, sum), b)};
 }
 
+// ---- Binary32, right in the last bit ----
+//
+// A first step knows the result well enough to round it in nearly every lane; where it does not in some lane, the
+// second takes the whole register: the function of binary64, rounded once.
+
+struct Halves {
+  V low, high;
+};
+TZM_INLINE Halves Widen(F x) {
+  return {hn::PromoteTo(D(), hn::LowerHalf(x)), hn::PromoteTo(D(), hn::UpperHalf(hn::Half<S>(), x))};
+}
+
 // Values that round in binary64 to the middle between two binary32 numbers, from which binary32 would round them to
 // the wrong side, and what they are in binary32: no polynomial helps there. bench/accuracy/verify.cpp finds them.
 struct Middle {
@@ -82,10 +117,60 @@ TZM_INLINE V Settled(const Middle (&list)[N], V y) {
   Unrolled<N>([&](auto i) TZM_LAMBDA { y = hn::IfThenElse(hn::Eq(y, C(list[i].middle)), C(list[i].right), y); });
   return y;
 }
+template <class Function, const auto&... kMiddles>
+inline __attribute__((noinline)) F SecondStep(F x) {
+  const Halves wide = Widen(x);
+  const auto settled = [](V half) TZM_LAMBDA {
+    V y = Function()(half);
+    ((y = Settled(kMiddles, y)), ...);
+    return y;
+  };
+  return NarrowPair(S(), settled(wide.low), settled(wide.high));
+}
 
-// Whether a value is such a middle.
-TZM_INLINE M IsMiddle(V y) {
-  return hn::RebindMask(D(), hn::Eq(hn::ShiftLeft<35>(BitsOf(y)), SetBits(uint64_t{1} << 63)));
+// Whether a normal number of binary32, known in binary64 but for kUnits units, a power of two, might lie on either side
+// of a middle: its last 29 bits tell.
+template <uint64_t kUnits>
+TZM_INLINE M IsOpenWithin(V y) {
+  const I fromMiddle = hn::And(hn::Add(BitsOf(y), SetBits(kUnits - 0x10000000)), SetBits(0x20000000 - 2 * kUnits));
+  return hn::RebindMask(D(), hn::Eq(fromMiddle, hn::Zero(Bits())));
+}
+
+// Eight or sixteen entries of a few binary32 numbers each, in columns that registers permute: for registers of sixteen
+// eight entries stand twice.
+template <size_t kColumns, size_t kEntries>
+struct Table32 {
+  float column[kColumns][kEntries];
+};
+template <const auto& kTable>
+constexpr auto kTwice = [] {
+  constexpr size_t kEntries = std::size(kTable.column[0]);
+  struct {
+    alignas(64) float column[std::size(kTable.column)][16];
+  } twice{};
+  for (size_t c = 0; c < std::size(twice.column); ++c)
+    for (size_t r = 0; r < 16; ++r) twice.column[c][r] = kTable.column[c][r % kEntries];
+  return twice;
+}();
+// A column's entries of which the low bits of the lanes are the numbers.
+template <const auto& kTable, size_t kColumn>
+TZM_INLINE F Lookup32(I32 index) {
+  [[maybe_unused]] constexpr bool kSixteen = std::size(kTable.column[0]) == 16;
+  const float* column = kTwice<kTable>.column[kColumn];
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return F{_mm512_permutexvar_ps(index.raw, _mm512_load_ps(column))};
+#elif HWY_ARCH_X86
+  const __m256 first = _mm256_permutevar8x32_ps(_mm256_load_ps(column), index.raw);
+  if constexpr (!kSixteen) return F{first};
+  const __m256 second = _mm256_permutevar8x32_ps(_mm256_load_ps(column + 8), index.raw);
+  return F{_mm256_blendv_ps(first, second, hn::BitCast(S(), hn::ShiftLeft<28>(index)).raw)};
+#else
+  const I32 row = hn::And(index, hn::Set(Bits32(), kSixteen ? 15 : 7));
+  const uint8x16_t bytes = vreinterpretq_u8_s32(vmlaq_n_s32(vdupq_n_s32(0x03020100), row.raw, 0x04040404));
+  const auto* from = reinterpret_cast<const uint8_t*>(column);
+  if constexpr (kSixteen) return F(vreinterpretq_f32_u8(vqtbl4q_u8(vld1q_u8_x4(from), bytes)));
+  else return F(vreinterpretq_f32_u8(vqtbl2q_u8(vld1q_u8_x2(from), bytes)));
+#endif
 }
 
 // Sixteen entries of a few numbers each. Registers that hold eight numbers hold a column in two and permute it; the

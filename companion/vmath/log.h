@@ -30,7 +30,12 @@ struct Decimal {
   static constexpr auto& kOf2 = kLog10Of2;
 };
 
-TZM_INLINE M IsPositiveNormal(V x) { return hn::And(hn::Ge(x, C(0x1p-1022)), hn::Lt(x, C(kInfinity))); }
+template <class Vector>
+TZM_INLINE auto IsPositiveNormal(Vector x) {
+  const hn::DFromV<Vector> d;
+  using Limits = std::numeric_limits<hn::TFromV<Vector>>;
+  return hn::And(hn::Ge(x, hn::Set(d, Limits::min())), hn::Lt(x, hn::Set(d, Limits::infinity())));
+}
 // The logarithm of what is no positive number, x itself for the rest.
 TZM_INLINE V LogOfOther(V x) {
   const V negative = hn::IfThenElse(hn::Lt(x, hn::Zero(D())), C(kNaN), x);
@@ -73,24 +78,32 @@ struct Log64 {
   }
 };
 
-// Correctly rounded to binary32, of numbers of that type.
+// Correctly rounded: k ln 2 + ln c + r - r^2/2 + r^3 p(r), |r| < 1/16, 1/c of so few bits that r is exact. The first
+// step is good to 2^-27 of r^2 and 2^-36 of the result.
 template <class Base>
 struct Log32 {
-  TZM_INLINE V operator()(V x) const {
-    const LogArgument a = SplitForLog(x);
-    const auto [inverse, log] = Lookup<Base::kTable>(a.index).number;
-    const V r = Fms(a.fraction, inverse, C(1)), r2 = hn::Mul(r, r), exact = Fma(a.k, C(Base::kOf2[0]), log);
-    V y;
-    if constexpr (std::is_same_v<Base, Natural>) {
-      const V rest = Fma(a.k, C(Base::kOf2[1]), hn::Mul(r2, PolynomialInTwo(kLogPoly32, r, r2)));
-      y = hn::Add(exact, hn::Add(r, rest));
-    } else {
-      const V rest = Fma(a.k, C(Base::kOf2[1]), hn::Mul(r, PolynomialInTwo(kLog10Poly32, r, r2)));
-      y = hn::Add(exact, Fma(r, C(kLog10E), rest));
+  TZM_INLINE F operator()(F x) const {
+    const I32 one = BitsOf(C32(1)), shifted = hn::Add(BitsOf(x), hn::Sub(one, hn::Set(Bits32(), kLogStart32)));
+    const I32 exponent = hn::Sub(hn::And(shifted, hn::Set(Bits32(), 0x7f800000)), one);
+    const F k = hn::ConvertTo(S(), hn::ShiftRight<23>(exponent)), fraction = OfBits(hn::Sub(BitsOf(x), exponent));
+    const I32 index = hn::ShiftRight<20>(shifted);
+    const F log = Lookup32<kLogTable32, 1>(index), logRest = Lookup32<kLogTable32, 2>(index);
+    const F r = Fms(fraction, Lookup32<kLogTable32, 0>(index), C32(1)), r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2);
+    const F exact = Fma(k, C32(kLn2Of32Short[0]), log), first = hn::Add(exact, r);
+    const F firstRest = hn::Add(hn::Sub(exact, first), r);
+    F sum = Fnma(r2, C32(0.5f), first), rest = Fnma(r2, C32(0.5f), hn::Sub(first, sum));
+    const F low = Fma(k, C32(kLn2Of32Short[1]), logRest), series = Fnma(r2Rest, C32(0.5f), low);
+    rest = hn::Add(hn::Add(rest, firstRest), Fma(hn::Mul(r2, r), Polynomial(kLogPoly32, r), series));
+    if constexpr (std::is_same_v<Base, Decimal>) {
+      const F product = hn::Mul(sum, C32(kLog10E32[0]));
+      const F productRest = Fma(sum, C32(kLog10E32[1]), Fms(sum, C32(kLog10E32[0]), product));
+      rest = Fma(rest, C32(kLog10E32[0]), productRest);
+      sum = product;
     }
-    // The middles share one rare branch with what has no logarithm.
-    const M other = hn::Or(hn::Not(IsPositiveNormal(x)), IsMiddle(y));
-    if (Any(other)) return hn::IfThenElse(IsPositiveNormal(x), Settled(Base::kMiddles, y), LogOfOther(x));
+    const F error = Fma(r2, C32(0x1p-27f), hn::Mul(hn::Abs(sum), C32(0x1p-36f)));
+    const F y = hn::Add(sum, hn::Add(rest, error));
+    const M32 sure = hn::And(hn::Eq(y, hn::Add(sum, hn::Sub(rest, error))), IsPositiveNormal(x));
+    if (Any(hn::Not(sure))) return SecondStep<Log64<Base>, Base::kMiddles>(x);
     return y;
   }
 };

@@ -92,7 +92,7 @@ struct Pow32 {
     const V power = ExpParts(product.sum, product.rest).Normal();
     const M positive = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(kInfinity)));
     const M normal = hn::And(positive, hn::Lt(hn::Abs(product.sum), C(kNormal)));
-    const M usual = hn::AndNot(IsOpenNormal(power), normal);
+    const M usual = hn::AndNot(IsOpenWithin<0x100>(power), normal);
     if (Any(hn::Not(usual))) return hn::IfThenElse(usual, power, OfAny(x, y));
     return power;
   }

@@ -1,27 +1,27 @@
-// Sine, cosine and tangent. In binary64 x = k pi/2 + r with |r| <= pi/4, r in two parts; in binary32 sine and
-// cosine need x = k pi + r alone.
+// Sine, cosine and tangent. x = k unit + r, the unit being pi for sine and cosine and pi/16 for the tangent, r in two
+// parts.
 #pragma once
 
 #include "constants.h"
 
 namespace vmath {
 
-// The argument less k units of pi/2 or pi, k in the low bits.
+// The argument less k units, k in the low bits.
 struct Reduced {
   V r, rest;
   I k;
 };
 
-// The unit as half-pis, and whether k counts the halves between the whole units: x = (k + 1/2) unit + r.
-template <int kHalfPis, bool kBetween>
+// The unit 2^kPower pi, and whether k counts the halves between the whole units: x = (k + 1/2) unit + r.
+template <int kPower, bool kBetween>
 struct Unit {
-  static constexpr const double (&kParts)[3] = kHalfPis == 1 ? kHalfPi : kPi;
-  static constexpr double kInverse = kHalfPis == 1 ? kTwoByPi : kByPi;
+  static constexpr double kScale = kPower == 0 ? 1 : 0x1p-4;
+  static constexpr double kParts[] = {kPi[0] * kScale, kPi[1] * kScale, kPi[2] * kScale};
+  static constexpr double kInverse = kByPi / kScale;
 
-  // While |x| < kSmall, k being below 2^27, x - k kParts[0] is exact, and with the rest r has 2^-136 of the unit, where
-  // no number comes nearer to a multiple than 2^-62. Without, it is rounded once: enough for numbers of binary32.
+  // While |x| < kSmall, k being below 2^30, r has 2^-130 of the unit, where no number comes nearer to a multiple of
+  // pi/2 than 2^-62.
   static constexpr double kSmall = 0x1p27;
-  template <bool kRest>
   static TZM_INLINE Reduced Reduce(V x) {
     V shifted, k;
     if constexpr (kBetween) {
@@ -31,15 +31,11 @@ struct Unit {
       shifted = Fma(x, C(kInverse), C(kToInteger));
       k = hn::Sub(shifted, C(kToInteger));
     }
-    const V most = Fnma(k, C(kParts[0]), x);
-    V r, rest = hn::Zero(D());
-    if constexpr (kRest) {
-      const V product = hn::Mul(k, C(kParts[1])), productRest = Fma(k, C(kParts[2]), Fms(k, C(kParts[1]), product));
-      r = hn::Sub(most, product);
-      rest = hn::Sub(hn::Sub(hn::Sub(most, r), product), productRest);
-    } else {
-      r = Fnma(k, C(kParts[1]), most);
-    }
+    const V most = Fnma(k, C(kParts[0]), x);  // exact but next to half a unit, where x is small
+    V product = hn::Mul(k, C(kParts[1]));
+    const V productRest = Fma(k, C(kParts[2]), Fms(k, C(kParts[1]), product));
+    if constexpr (kBetween) product = hn::Sub(product, hn::Sub(x, Fma(k, C(kParts[0]), most)));
+    const V r = hn::Sub(most, product), rest = hn::Sub(hn::Sub(hn::Sub(most, r), product), productRest);
     Reduced reduced = {r, rest, BitsOf(shifted)};
     const M huge = hn::Not(hn::Lt(hn::Abs(x), C(kSmall)));
     if (Any(huge)) {
@@ -72,7 +68,7 @@ struct Unit {
       const Wide last = Wide{significand} * word(2), middle = Wide{significand} * word(1) + (last >> 64);
       uint64_t least = static_cast<uint64_t>(last);
       Wide turns = (Wide{significand * word(0)} << 64) + middle;  // x 2/pi modulo 4, its last 64 bits in `least`
-      constexpr int kFraction = 126 + (kHalfPis == 2);
+      constexpr int kFraction = 127 + kPower, kMore = kPower == 0 ? 0 : 3;
       constexpr Wide kHalf = Wide{1} << (kFraction - 1);
       if constexpr (kBetween) turns -= kHalf;
       const auto count = static_cast<int64_t>((turns + kHalf) >> kFraction);
@@ -82,10 +78,14 @@ struct Unit {
         least = -least;
         fraction = ~fraction + (least == 0);
       }
-      // No number comes nearer to a multiple than 2^-62, so the leading bit is in the first half.
+      if constexpr (kMore != 0) {
+        fraction = fraction << kMore | least >> (64 - kMore);
+        least <<= kMore;
+      }
+      // No number comes nearer to a multiple than 2^-61, so the leading bit is in the first half.
       const int zeros = __builtin_clzll(static_cast<uint64_t>(fraction >> 64));
       fraction = fraction << zeros | least >> (64 - zeros);
-      const uint64_t power = static_cast<uint64_t>(1023 + 75 - zeros - kFraction) << 52;  // of the 53rd bit
+      const uint64_t power = static_cast<uint64_t>(1023 + 75 - zeros - kFraction - kMore) << 52;  // of the 53rd bit
       double scale;
       std::memcpy(&scale, &power, sizeof scale);
       if (below != negative) scale = -scale;
@@ -100,111 +100,115 @@ struct Unit {
   }
 };
 
-TZM_INLINE M IsOdd(I k) { return hn::MaskFromVec(OfBits(hn::Neg(hn::And(k, SetBits(1))))); }
-
-// The sine or the cosine of a reduced argument as a number and the rest of it: r - r^3/6 or 1 - r^2/2, and what their
-// roundings lost with all that follows. either(a, b) is a for the cosine and b for the sine: in all lanes, so that the
-// compiler sees constants, or lane by lane.
-template <class Either>
-TZM_INLINE Sum SinOrCos(const Reduced& a, Either either) {
+// The sine of r + rest, |r| <= pi/2: r - kCubic r^3 comes so near that the roundings of what is added hardly count. Of
+// the derivatives by the rest and by what r^2 and r^3 lost two digits are enough.
+TZM_INLINE V Sine(const Reduced& a) {
   const V r = a.r, r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2);
-  const V first = either(C(1), r), second = hn::Mul(r2, first);
-  const V secondRest = Fma(r2Rest, first, Fms(r2, first, second));
-  const V divisor = either(C(0.5), C(kSixth)), slope = either(hn::Neg(r), Fnma(r2, C(0.5), C(1)));
-  const V sum = Fnma(second, divisor, first), lost = Fnma(second, divisor, hn::Sub(first, sum));
-  V series = either(C(kCosPoly[6]), C(kSinPoly[6]));
-  Unrolled<6>([&](auto i) TZM_LAMBDA { series = Fma(series, r2, either(C(kCosPoly[5 - i]), C(kSinPoly[5 - i]))); });
-  return {sum, Fma(second, series, Fnma(secondRest, divisor, Fma(a.rest, slope, lost)))};
+  const V cube = hn::Mul(r2, r), cubeRest = Fma(r2Rest, r, Fms(r2, r, cube));
+  const V sum = Fnma(cube, C(kCubic), r), lost = Fnma(cube, C(kCubic), hn::Sub(r, sum));
+  const V rest = Fnma(cubeRest, C(0.135), Fma(a.rest, Fnma(r2, C(0.416), C(1)), lost));
+  const V series = Fma(hn::Mul(r2, r2), Polynomial(kSinPoly, r2), Fma(r2, C(kSinFirst[1]), C(kSinFirst[0])));
+  return WithSignOf(hn::Add(sum, Fma(cube, series, rest)), r);
 }
-struct CosineOnly {
-  TZM_INLINE V operator()(V cosine, V) const { return cosine; }
-};
-struct SineOnly {
-  TZM_INLINE V operator()(V, V sine) const { return sine; }
-};
 
 // Within 0.57 ulp each.
-using Quarter = Unit<1, false>;
-TZM_INLINE V Zeroed(V y, V x) { return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y); }  // the sign of a zero
 struct Sin64 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce<true>(x);
-    const M odd = IsOdd(a.k);
-    const Sum y = SinOrCos(a, [&](V c, V s) TZM_LAMBDA { return hn::IfThenElse(odd, c, s); });
-    return Zeroed(NegateIfOdd(hn::Add(y.sum, y.rest), ShiftRightLogical<1>(a.k)), x);
+    const Reduced a = Unit<0, false>::Reduce(x);
+    return NegateIfOdd(Sine(a), a.k);
   }
 };
+// cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
 struct Cos64 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce<true>(x);
-    const M odd = IsOdd(a.k);
-    const Sum y = SinOrCos(a, [&](V c, V s) TZM_LAMBDA { return hn::IfThenElse(odd, s, c); });
-    return NegateIfOdd(hn::Add(y.sum, y.rest), hn::Xor(ShiftRightLogical<1>(a.k), a.k));
-  }
-};
-struct SinCos64 {
-  V sine, cosine;
-  TZM_INLINE explicit SinCos64(V x) {
-    const Reduced a = Quarter::Reduce<true>(x);
-    const Sum s = SinOrCos(a, SineOnly()), c = SinOrCos(a, CosineOnly());
-    const M odd = IsOdd(a.k);
-    const V small = hn::Add(s.sum, s.rest), large = hn::Add(c.sum, c.rest);
-    const I half = ShiftRightLogical<1>(a.k);
-    sine = Zeroed(NegateIfOdd(hn::IfThenElse(odd, large, small), half), x);
-    cosine = NegateIfOdd(hn::IfThenElse(odd, small, large), hn::Xor(half, a.k));
+    const Reduced a = Unit<0, true>::Reduce(x);
+    return NegateIfOdd(Sine(a), hn::Not(a.k));
   }
 };
 
-// Within 0.55 ulp: the quotient of both in two parts, refined once.
+// tan(c + r) = (T + t)/(1 - T t), c the nearest multiple of pi/16, T its tangent and t that of r; beyond pi/4 the
+// reciprocal's negative, and T is the tangent of c - pi/2. Within 0.55 ulp: the quotient of two sums of two, refined.
 struct Tan64 {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce<true>(x);
-    const Sum sine = SinOrCos(a, SineOnly()), cosine = SinOrCos(a, CosineOnly());
-    const Sum s = FastTwoSum(sine.sum, sine.rest), c = FastTwoSum(cosine.sum, cosine.rest);
-    const M odd = IsOdd(a.k);
-    const Sum above = {hn::IfThenElse(odd, c.sum, s.sum), hn::IfThenElse(odd, c.rest, s.rest)};
-    const Sum below = {hn::IfThenElse(odd, s.sum, c.sum), hn::IfThenElse(odd, s.rest, c.rest)};
-    const V inverse = hn::Div(C(1), below.sum), quotient = hn::Mul(above.sum, inverse);
-    const V rest = hn::Add(Fnma(quotient, below.sum, above.sum), Fnma(quotient, below.rest, above.rest));
-    return Zeroed(NegateIfOdd(Fma(rest, inverse, quotient), a.k), x);
+    const Reduced a = Unit<-4, false>::Reduce(x);
+    const auto [tangent, tangentRest] = Lookup<kTanTable>(a.k).number;
+    const V r2 = hn::Mul(a.r, a.r);
+    const Sum t = FastTwoSum(a.r, Fma(hn::Mul(r2, a.r), Polynomial(kTanPoly, r2), a.rest));
+    const Sum above = FastTwoSum(tangent, t.sum);
+    const V aboveRest = hn::Add(hn::Add(above.rest, tangentRest), t.rest);
+    const V below = Fnma(tangent, t.sum, C(1)), belowLost = Fnma(tangent, t.sum, hn::Sub(C(1), below));
+    const V belowRest = Fnma(tangentRest, t.sum, Fnma(tangent, t.rest, belowLost));
+    const I quarter = ShiftRightLogical<3>(hn::Add(a.k, SetBits(4)));
+    const M odd = hn::RebindMask(D(), hn::TestBit(quarter, SetBits(1)));
+    const V n = hn::IfThenElse(odd, below, above.sum), nRest = hn::IfThenElse(odd, belowRest, aboveRest);
+    const V d = hn::IfThenElse(odd, above.sum, below), dRest = hn::IfThenElse(odd, aboveRest, belowRest);
+    const V inverse = hn::Div(C(1), d), quotient = hn::Mul(n, inverse);
+    const V rest = hn::Add(Fnma(quotient, d, n), Fnma(quotient, dRest, nRest));
+    const V y = NegateIfOdd(Fma(rest, inverse, quotient), quarter);
+    return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y);
   }
 };
 
-// ---- Correctly rounded to binary32, of numbers of that type ----
+// ---- Correctly rounded to binary32 ----
 
 constexpr Middle kSinMiddles[] = {{0x1.63f4bbp-2, 0x1.63f4bap-2}, {-0x1.63f4bbp-2, -0x1.63f4bap-2}};
 constexpr Middle kCosMiddles[] = {
     {0x1.fe2977p-1, 0x1.fe2976p-1}, {0x1.f0285dp-1, 0x1.f0285ep-1}, {0x1.f3176bp-1, 0x1.f3176ap-1}};
 
-// The sine of r, |r| <= pi/2.
-TZM_INLINE V SineOf(V r) {
-  const V r2 = hn::Mul(r, r);
-  return WithSignOf(Fma(hn::Mul(r, r2), PolynomialInTwo(kSinPoly32, r2, hn::Mul(r2, r2)), r), r);
+// x = k unit + r, or (k + 1/2) unit + r, the unit being kHalfPis pi/2, for |x| < kNear: to 2^-50 of r. Binary32 tells k,
+// so that r may pass half a unit by a thousandth.
+constexpr float kNear = 0x1p12f;
+struct Reduced32 {
+  Halves r;
+  I32 k;
+};
+template <int kHalfPis, bool kBetween>
+TZM_INLINE Reduced32 Reduce32(F x) {
+  constexpr double kUnit[] = {kHalfPi[0] * kHalfPis, kHalfPi[1] * kHalfPis};
+  const F inverse = C32(static_cast<float>(2 * kByPi / kHalfPis)), big = C32(kToInteger32);
+  const F shifted = kBetween ? hn::Add(Fms(x, inverse, C32(0.5f)), big) : Fma(x, inverse, big);
+  const F whole = hn::Sub(shifted, big);
+  const Halves k = Widen(kBetween ? hn::Add(whole, C32(0.5f)) : whole), wide = Widen(x);
+  const auto rest = [&](V half, V count) TZM_LAMBDA {
+    return Fnma(count, C(kUnit[1]), Fnma(count, C(kUnit[0]), half));
+  };
+  return {{rest(wide.low, k.low), rest(wide.high, k.high)}, BitsOf(shifted)};
 }
+// The results of both halves, negative where k is odd; the second step where a lane is far or open.
+template <uint64_t kUnits, class Function, const auto&... kMiddles>
+TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
+  const M open = hn::Or(IsOpenWithin<kUnits>(y.low), IsOpenWithin<kUnits>(y.high));
+  if (Any(open) || Any(hn::Not(hn::Lt(hn::Abs(x), C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
+  return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
+}
+
+// The sine of r, |r| <= pi/2, to 2^-43 of it.
+TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial(kSinPoly32, hn::Mul(r, r))); }
 struct Sin32 {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<2, false>::Reduce<false>(x);
-    return NegateIfOdd(Settled(kSinMiddles, SineOf(a.r)), a.k);
+  TZM_INLINE F operator()(F x) const {
+    const Reduced32 a = Reduce32<2, false>(x);
+    return RoundedOrSecond<0x800, Sin64, kSinMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, a.k);
   }
 };
 // cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
 struct Cos32 {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<2, true>::Reduce<false>(x);
-    const V y = NegateIfOdd(SineOf(a.r), hn::Not(a.k));
-    const M middle = IsMiddle(y);
-    if (Any(middle)) return Settled(kCosMiddles, y);
-    return y;
+  TZM_INLINE F operator()(F x) const {
+    const Reduced32 a = Reduce32<2, true>(x);
+    return RoundedOrSecond<0x800, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
   }
 };
+// The quotient of the sine and the cosine of r, |r| <= pi/4: to 2^-36 of it.
 struct Tan32 {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Quarter::Reduce<false>(x);
-    const V r = a.r, r2 = hn::Mul(r, r);
-    const V s = Fma(hn::Mul(r, r2), hn::Sub(PolynomialInTwo(kSinPoly, r2, hn::Mul(r2, r2)), C(kSixth)), r);
-    const V c = Fma(r2, PolynomialInTwo(kCosPoly, r2, hn::Mul(r2, r2)), Fnma(r2, C(0.5), C(1)));
-    const M odd = IsOdd(a.k);
-    return Zeroed(NegateIfOdd(hn::Div(hn::IfThenElse(odd, c, s), hn::IfThenElse(odd, s, c)), a.k), x);
+  TZM_INLINE F operator()(F x) const {
+    const Reduced32 a = Reduce32<1, false>(x);
+    const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
+    const auto tangent = [](V r, V odd) TZM_LAMBDA {
+      const V r2 = hn::Mul(r, r), s = hn::Mul(r, Polynomial(kTanSinPoly32, r2)), c = Polynomial(kTanCosPoly32, r2);
+      const M swap = hn::RebindMask(D(), hn::TestBit(BitsOf(odd), SetBits(uint64_t{1} << 63)));
+      return hn::Div(hn::IfThenElse(swap, c, s), hn::IfThenElse(swap, s, c));
+    };
+    const Halves y = {tangent(a.r.low, odd.low), tangent(a.r.high, odd.high)};
+    return RoundedOrSecond<0x20000, Tan64>(x, y, a.k);
   }
 };
 

@@ -1,6 +1,5 @@
 // Vector mathematics: kernels of our own over the registers that the compiler was told of, with the same bits on
-// each. Binary32 is computed in binary64 and rounded once. A result depends on nothing but its arguments: not on
-// its position, its neighbours or the address.
+// each. A result depends on nothing but its arguments: not on its position, its neighbours or the address.
 #include <signal_tzm/companion.h>
 
 #include "arctangent.h"
@@ -23,27 +22,21 @@ TZM_INLINE void Map(int32_t n, Function function, T* r, const Source*... a) {
     hn::StoreU(function(hn::LoadU(d, from)...), d, to);
   }, r, a...);
 }
-// The same for a function of binary64, of which binary32's is the result rounded once.
-template <class Function, class... Source>
-TZM_INLINE void Compute(int32_t n, Function function, Orva64f* r, const Source*... a) {
-  Map(n, function, r, a...);
-}
-template <class Function, class... Source>
-TZM_INLINE void Compute(int32_t n, Function function, Orva32f* r, const Source*... a) {
-  if (n < 1) return;
-  const Full<float> d;
-  ForEach<hn::MaxLanes(d), 1>(n, [=](Orva32f* to, const Source*... from) TZM_LAMBDA {
-    const V low = function(LoadWidened(D(), from).low...), high = function(LoadWidened(D(), from).high...);
-    hn::StoreU(NarrowPair(d, low, high), d, to);
-  }, r, a...);
-}
+// A function of binary64 numbers for those of binary32, rounded once.
+template <class Function>
+struct Rounded {
+  TZM_INLINE F operator()(F x, F y) const {
+    const Halves a = Widen(x), b = Widen(y);
+    return NarrowPair(S(), Function()(a.low, b.low), Function()(a.high, b.high));
+  }
+};
 
 }  // namespace
 
 #define ONE_SOURCE(T, name, function) \
-  void name(int32_t n, const T* a, T* r) { Compute(n, function, r, a); }
+  void name(int32_t n, const T* a, T* r) { Map(n, function, r, a); }
 #define TWO_SOURCES(T, name, function) \
-  void name(int32_t n, const T* a, const T* b, T* r) { Compute(n, function, r, a, b); }
+  void name(int32_t n, const T* a, const T* b, T* r) { Map(n, function, r, a, b); }
 
 void vsmul(int32_t n, const Orva32f* a, const Orva32f* b, Orva32f* r) {
   Map<4>(n, [](auto x, auto y) TZM_LAMBDA { return hn::Mul(x, y); }, r, a, b);
@@ -68,9 +61,9 @@ ONE_SOURCE(Orva32f, vstan, Tan32())
 ONE_SOURCE(Orva64f, vdtan, Tan64())
 ONE_SOURCE(Orva32f, vsatan, Atan32())
 ONE_SOURCE(Orva64f, vdatan, Atan64())
-TWO_SOURCES(Orva32f, vsatan2, Atan2_32())
+TWO_SOURCES(Orva32f, vsatan2, Rounded<Atan2_32>())
 TWO_SOURCES(Orva64f, vdatan2, Atan2_64())
-TWO_SOURCES(Orva32f, vspow, Pow32())
+TWO_SOURCES(Orva32f, vspow, Rounded<Pow32>())
 TWO_SOURCES(Orva64f, vdpow, Pow64())
 
 #undef TWO_SOURCES
@@ -80,16 +73,16 @@ void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c) {
   if (n < 1) return;
   const Full<float> d;
   ForEach<hn::MaxLanes(d), 1>(n, [=](const Orva32f* from, Orva32f* sine, Orva32f* cosine) TZM_LAMBDA {
-    const auto x = LoadWidened(D(), from);
-    hn::StoreU(NarrowPair(d, Sin32()(x.low), Sin32()(x.high)), d, sine);
-    hn::StoreU(NarrowPair(d, Cos32()(x.low), Cos32()(x.high)), d, cosine);
+    const F x = hn::LoadU(d, from);
+    hn::StoreU(Sin32()(x), d, sine);
+    hn::StoreU(Cos32()(x), d, cosine);
   }, a, s, c);
 }
 void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c) {
   if (n < 1) return;
   ForEach<kLanes, 1>(n, [=](const Orva64f* from, Orva64f* sine, Orva64f* cosine) TZM_LAMBDA {
-    const SinCos64 both(hn::LoadU(D(), from));
-    hn::StoreU(both.sine, D(), sine);
-    hn::StoreU(both.cosine, D(), cosine);
+    const V x = hn::LoadU(D(), from);
+    hn::StoreU(Sin64()(x), D(), sine);
+    hn::StoreU(Cos64()(x), D(), cosine);
   }, a, s, c);
 }

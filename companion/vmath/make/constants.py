@@ -22,11 +22,28 @@ def value(b):
     return struct.unpack("<d", struct.pack("<Q", b))[0]
 
 
+def value32(b):
+    return struct.unpack("<f", struct.pack("<I", b))[0]
+
+
 def parts(x, count):
     """x as a sum of `count` numbers, each the rest rounded."""
     result = []
     for _ in range(count):
         result.append(float(x))
+        x -= mp.mpf(result[-1])
+    return result
+
+
+def single(x):
+    return float(np.float32(float(x)))
+
+
+def parts32(x, count):
+    """The same of binary32."""
+    result = []
+    for _ in range(count):
+        result.append(single(x))
         x -= mp.mpf(result[-1])
     return result
 
@@ -56,9 +73,10 @@ def array(kind, name, size, values, comment):
     print(line.rstrip(", ") + "};")
 
 
-def table(name, columns, comment):
+def table(name, columns, comment, kind="Table"):
     print(f"// {comment}")
-    print(f"inline constexpr Table<{len(columns)}> {name} = {{{{")
+    size = f"<{len(columns)}, {len(columns[0])}>" if kind == "Table32" else f"<{len(columns)}>"
+    print(f"inline constexpr {kind}{size} {name} = {{{{")
     for column in columns:
         line = "    {"
         for item in (text(v) + ", " for v in column):
@@ -70,48 +88,54 @@ def table(name, columns, comment):
     print("}};")
 
 
-# name: function, first and last power of the polynomial, interval, comment
+# name, type, function, first and last power of the polynomial, interval, comment
 POLYNOMIALS = [
-    ("kExp2Poly", "2^(x/16) - 1", 1, 6, "[-1/2 - 1b-16, 1/2 + 1b-16]", "2^(x/16) = 1 + x p(x)"),
-    ("kExpPoly", "exp(x) - 1 - x", 2, 7, "[-log(2)/32 - 1b-20, log(2)/32 + 1b-20]", "e^x = 1 + x + x^2 p(x)"),
-    ("kLogPoly32", "(log1p(x) - x)/x", 1, 7, "[-1/32.2, 1/32.2]", "ln(1 + x) = x + x^2 p(x), relative to x"),
-    ("kLogPoly", "(log1p(x) - x)/x", 1, 9, "[-1/32.2, 1/32.2]", "ln(1 + x) = x + x^2 p(x), relative to x"),
-    ("kLog10Poly32", "log1p(x)/log(10)/x - {log10e}", 0, 7, "[-1/32.2, 1/32.2]",
+    ("kExpPoly32", "float", "(exp(x) - 1 - x)/x^2", 0, 2, "[-log(2)/32 - 1b-12, log(2)/32 + 1b-12]",
+     "e^x = 1 + x + x^2 p(x)"),
+    ("kExpPoly", "double", "exp(x) - 1 - x", 2, 7, "[-log(2)/32 - 1b-20, log(2)/32 + 1b-20]", "e^x = 1 + x + x^2 p(x)"),
+    ("kLogPoly32", "float", " + ".join(f"(-1)^{k + 1}*x^{k - 3}/{k}" for k in range(3, 24)), 0, 5, "[-1/16, 1/16]",
+     "ln(1 + x) = x - x^2/2 + x^3 p(x)"),
+    ("kLogPoly", "double", "(log1p(x) - x)/x", 1, 9, "[-1/32.2, 1/32.2]", "ln(1 + x) = x + x^2 p(x), relative to x"),
+    ("kLog10Poly", "double", "log1p(x)/log(10)/x - {log10e}", 0, 9, "[-1/32.2, 1/32.2]",
      "log10(1 + x) = x (kLog10E + p(x)), relative to x"),
-    ("kLog10Poly", "log1p(x)/log(10)/x - {log10e}", 0, 9, "[-1/32.2, 1/32.2]",
-     "log10(1 + x) = x (kLog10E + p(x)), relative to x"),
-    ("kPowLogPoly", " + ".join(f"(-1)^{k + 1}*x^{k - 3}/{k}" for k in range(4, 40)), 1, 9, "[-1/32.2, 1/32.2]",
-     "ln(1 + x) = x - x^2/2 + x^3/3 + x^4 p(x), relative to x^3"),
-    ("kSinPoly32", "sin(sqrt(x))/sqrt(x) - 1", 1, 8, "[1b-30, (pi/2)^2*1.00001]", "sin x = x + x^3 p(x^2), |x| < pi/2"),
-    ("kSinPoly", "sin(sqrt(x))/sqrt(x) - 1 + x*{sixth}", 1, 7, "[1b-30, (pi/4)^2*1.00001]",
-     "sin x = x - kSixth x^3 + x^3 p(x^2), |x| < pi/4, relative to x"),
-    ("kCosPoly", "cos(sqrt(x)) - 1 + x/2", 1, 7, "[1b-30, (pi/4)^2*1.00001]",
-     "cos x = 1 - x^2/2 + x^2 p(x^2), |x| < pi/4"),
-    ("kAtanPoly32", "atan(sqrt(x))/sqrt(x) - 1", 1, 11, "[1b-30, (sqrt(2) - 1)^2*1.0001]",
-     "arctan x = x + x^3 p(x^2), |x| < sqrt(2) - 1, relative to x"),
-    ("kAtanPoly", "atan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, {atan_most}^2]",
+    ("kPowLogPoly", "double", " + ".join(f"(-1)^{k + 1}*x^{k - 3}/{k}" for k in range(4, 40)), 1, 9,
+     "[-1/32.2, 1/32.2]", "ln(1 + x) = x - x^2/2 + x^3/3 + x^4 p(x), relative to x^3"),
+    ("kSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 6, "[1b-30, (pi/2)^2*1.001]", "sin x = x p(x^2), |x| < pi/2"),
+    ("kSinPoly", "double", "sin(sqrt(x))/sqrt(x) - 1 + x*{cubic}", 1, 8, "[1b-30, (pi/2)^2*1.00001]",
+     "sin x = x - kCubic x^3 + x^3 p(x^2), |x| < pi/2, relative to x"),
+    ("kTanSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 4, "[1b-30, (pi/4)^2*1.001]",
+     "sin x = x p(x^2), |x| < pi/4"),
+    ("kTanCosPoly32", "double", "cos(sqrt(x))", 0, 5, "[1b-30, (pi/4)^2*1.001]", "cos x = p(x^2), |x| < pi/4"),
+    ("kTanPoly", "double", "tan(sqrt(x))/sqrt(x) - 1", 1, 6, "[1b-30, (pi/32)^2*1.00001]",
+     "tan x = x + x^3 p(x^2), |x| < pi/32, relative to x"),
+    ("kAtanPoly32", "double", "atan(sqrt(x))/sqrt(x)", 0, 8, "[1b-30, (sqrt(2) - 1)^2*1.0001]",
+     "arctan x = x p(x^2), |x| < sqrt(2) - 1, relative to x"),
+    ("kAtanPoly", "double", "atan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, {atan_most}^2]",
      "arctan x = x + x^3 p(x^2) of the remainder, relative to x"),
 ]
 
 
 def polynomials(**constants):
     program = "prec = 400!;\n"
-    for name, function, first, last, interval, _ in POLYNOMIALS:
+    for _, kind, function, first, last, interval, _ in POLYNOMIALS:
         function, interval = function.format(**constants), interval.format(**constants)
         powers = "[|" + ", ".join(map(str, range(first, last + 1))) + "|]"
         program += f"""
 f = {function}; monomials = {powers}; interval = {interval};
-formats = [||]; for i from {first} to {last} do formats = formats :. D;
+formats = [||]; for i from {first} to {last} do formats = formats :. {'D' if kind == 'double' else 'SG'};
 p = fpminimax(f, monomials, formats, interval, absolute);
 display = decimal!; print(round(log2(dirtyinfnorm(p - f, interval)), 12, RN)); display = hexadecimal!;
 for i from {first} to {last} do {{ print(coeff(p, i)); }};
 """
     lines = subprocess.run(["sollya"], input=program + "quit;", capture_output=True, text=True, check=True).stdout
     lines = iter(lines.split())
-    for name, _, first, last, _, comment in POLYNOMIALS:
+    for name, kind, _, first, last, _, comment in POLYNOMIALS:
         bound = float(next(lines))
         coefficients = [float.fromhex(next(lines)) for _ in range(first, last + 1)]
-        array("double", name, "[]", coefficients, f"{comment}: within 2^{bound:.1f}")
+        if name == "kSinPoly":
+            array(kind, "kSinFirst", "[]", coefficients[:2], "the first two of kSinPoly's powers")
+            coefficients = coefficients[2:]
+        array(kind, name, "[]", coefficients, f"{comment}: within 2^{bound:.1f}")
 
 
 def log_table(unit, fraction_bits):
@@ -132,6 +156,21 @@ def log_table(unit, fraction_bits):
         logs.append(float(rounded(exact, fraction_bits)))
         rests.append(float(exact - rounded(exact, fraction_bits)))
     return inverse, logs, rests
+
+
+def log_table32():
+    """Eight intervals of [kLogStart32, 2 kLogStart32): 1/c in sixteenths below 1, in 32nds above, so that the largest
+    remainder, which is below 1/16, is least."""
+    columns = [[], [], []]
+    for i in range(8):
+        low, high = (value32(LOG_START_32 + ((i + end) << 20)) for end in (0, 1))
+        unit = 16 if high <= 1 else 32
+        inverse = 1.0 if low < 1 < high else min(
+            (max(abs(low * n / unit - 1), abs(high * n / unit - 1)), n / unit) for n in range(1, 2 * unit))[1]
+        exact = -mp.log(mp.mpf(inverse))
+        for column, x in zip(columns, (inverse, float(rounded(exact, 16)), single(exact - rounded(exact, 16)))):
+            column.append(x)
+    return columns
 
 
 def atan_table():
@@ -157,8 +196,9 @@ def atan_table():
 
 
 LOG_START = bits(1.0) - round((9 + 2 / 3) * 2**48)
+LOG_START_32 = 0x3f800000 - round((4 + 11 / 16) * 2**20)
 log10e = float(1 / mp.log(10))
-sixth = 1 / 6
+cubic = float((PI / 2 - 1) / (PI / 2) ** 3)
 
 print("// Made by make/constants.py, with Sollya and mpmath.")
 print("#pragma once\n")
@@ -169,9 +209,12 @@ print("// ---- Exponential: x = (k + f)/16 ln 2 ----")
 hi = [float(mp.mpf(2) ** (mp.mpf(i) / 16)) for i in range(16)]
 lo = [float(mp.mpf(2) ** (mp.mpf(i) / 16) / mp.mpf(h) - 1) for i, h in enumerate(hi)]
 roots = [value((bits(h) - (i << 48)) & (2**64 - 1)) for i, h in enumerate(hi)]
-table("kExpRoots", [roots], "2^(i/16), less i in the bits that k is added to")
-table("kExpTable", [roots, lo], "the same, and what its rounding lost, relative to it")
-array("double", "kSixteenByLn2", "[]", parts(16 / LN2, 2), "16/ln 2, in parts")
+table("kExpTable", [roots, lo],
+      "2^(i/16), less i in the bits that k is added to, and what its rounding lost, relative to it")
+roots32 = [parts32(mp.mpf(2) ** (mp.mpf(i) / 16), 2) for i in range(16)]
+table("kExpTable32", [[r[0] for r in roots32], [single(r[1] / r[0]) for r in roots32]],
+      "2^(i/16), and what its rounding lost, relative to it", "Table32")
+constant("kSixteenByLn2", float(16 / LN2))
 array("double", "kLn2By16", "[]", parts(LN2 / 16, 2), "ln 2/16, in parts")
 
 print("\n// ---- Logarithm: x = 2^k c (1 + r) ----")
@@ -186,14 +229,23 @@ for name, exact, fraction_bits in (("kLn2", LN2, 43), ("kLog10Of2", mp.log(2) / 
           f"its first {fraction_bits} fraction bits, so that k times it is exact, and the rest")
 array("double", "kLn2InTwo", "[]", parts(LN2, 2), "ln 2, in parts")
 constant("kLog10E", log10e)
+array("float", "kLog10E32", "[]", parts32(1 / mp.log(10), 2), "the same of binary32, in parts")
+array("float", "kLn2Of32", "[]", parts32(LN2, 2), "ln 2 of binary32, in parts")
+print(f"inline constexpr uint32_t kLogStart32 = 0x{LOG_START_32:x};  // the bits of the least x of k = 0")
+array("float", "kLn2Of32Short", "[]", [float(rounded(LN2, 16)), single(LN2 - rounded(LN2, 16))],
+      "its first 16 fraction bits, so that k times it is exact, and the rest")
+table("kLogTable32", log_table32(), "1/c of so few bits that r is exact, ln c to 16 fraction bits, and the rest",
+      "Table32")
 array("double", "kThird", "[]", parts(mp.mpf(1) / 3, 2), "1/3, in parts")
 
 print("\n// ---- Sine, cosine, tangent: x = k pi/2 + r ----")
 array("double", "kPi", "[]", parts(PI, 3), "pi, in parts")
 array("double", "kHalfPi", "[]", parts(PI / 2, 3), "pi/2, in parts")
 constant("kByPi", 1 / PI)
-constant("kTwoByPi", 2 / PI)
-constant("kSixth", sixth)
+constant("kCubic", cubic, "r - kCubic r^3 is 1 at pi/2")
+tangents = [mp.tan(((k + 4) % 8 - 4) * PI / 16) for k in range(16)]
+table("kTanTable", [list(column) for column in zip(*(parts(t, 2) for t in tangents))],
+      "the tangent of k pi/16, from 4 on of less pi/2, and from 12 on of less pi")
 digits = int(mp.floor(mp.ldexp(2 / PI, 64 * 20)))
 array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2**64 - 1) for i in range(20)],
       "2/pi, 64 bits in each word, behind a word of zeros")
@@ -203,5 +255,5 @@ atan, atan_most = atan_table()
 table("kAtanTable", atan, f"c, arctan c and what its rounding lost; remainders are below {atan_most:.5f}")
 
 print("\n// ---- Polynomials, the coefficient of the least power first ----")
-polynomials(log10e=log10e.hex(), sixth=sixth.hex(), atan_most=atan_most)
+polynomials(log10e=log10e.hex(), cubic=cubic.hex(), atan_most=atan_most)
 print("\n}  // namespace vmath")
