@@ -95,18 +95,13 @@ HWY_NOINLINE void PassPrime(D d, const Prime<T>& prime, const auto& in, const au
     for (size_t k = 0; k < g.steps; ++k) {
       for (size_t b = 0; b < g.groups; ++b) {
         const auto point = [&](size_t j) TZM_LAMBDA {
-          Cx<D> x;
-          Load<1>(d, in, &x, [&](auto) TZM_LAMBDA {
-            return (p + j * g.count) * g.inRow + k * g.inStep + b * g.inGroup;
-          });
+          const Cx<D> x = Load(d, in, (p + j * g.count) * g.inRow + k * g.inStep + b * g.inGroup);
           if (j == 0 || kKind == Twiddles::kNone) return x;
           if (kKind == Twiddles::kLanes) return Product(LoadBlock(d, w + b * g.twiddleGroup + kBlock<D> * (j - 1)), x);
           return Product(Cx<D>{hn::Set(d, w[2 * j - 2]), hn::Set(d, w[2 * j - 1])}, x);
         };
         const auto put = [&](size_t t, const Cx<D>& x) TZM_LAMBDA {
-          Store<1>(d, out, &x, [&](auto) TZM_LAMBDA {
-            return (p * radix + t) * g.outRow + k * g.outStep + b * g.outGroup;
-          });
+          Store(d, x, out, (p * radix + t) * g.outRow + k * g.outStep + b * g.outGroup);
         };
         const Cx<D> first = point(0);
         Cx<D> total = first;

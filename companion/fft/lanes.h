@@ -19,7 +19,7 @@ constexpr size_t kBlock = 2 * kLanes<D>;
 
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> LoadBlock(D d, const T* from) {
-  return {hn::LoadU(d, from), hn::LoadU(d, from + kLanes<D>)};
+  return {InRegister(hn::LoadU(d, from)), InRegister(hn::LoadU(d, from + kLanes<D>))};
 }
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreBlock(D d, const Cx<D>& x, T* to) {
@@ -118,36 +118,63 @@ TZM_INLINE Cx<D> LoadPairs(D d, const T* from) {
   return x;
 }
 
-// x[i] = element at[i] on of the caller's, for i below N; `at` is a function of a constant.
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void LoadUser(D d, const View<const T>& view, Cx<D>* x, auto at) {
-  if (view.form == Form::kPairs) {
-    Unrolled<N>([&](auto i) TZM_LAMBDA { x[i] = LoadPairs(d, view.re + 2 * at(i)); });
-  } else if (view.form == Form::kExchanged) {
-    Unrolled<N>([&](auto i) TZM_LAMBDA {
-      const Cx<D> pair = LoadPairs(d, view.re + 2 * at(i));
-      x[i] = {pair.im, pair.re};
-    });
-  } else if (view.form == Form::kSplit) {
-    Unrolled<N>([&](auto i) TZM_LAMBDA {
-      x[i] = {FromMemory(d, hn::LoadU(d, view.re + at(i))), FromMemory(d, hn::LoadU(d, view.im + at(i)))};
-    });
-  } else {
-    Unrolled<N>([&](auto i) TZM_LAMBDA { x[i] = {FromMemory(d, hn::LoadU(d, view.re + at(i))), hn::Zero(d)}; });
+// A View whose form the compiler knows.
+template <Form kForm, class T>
+struct Array {
+  T *re, *im;
+};
+// f(array) for a view, f(pointer) for the blocks of scratch memory.
+template <class T, class F>
+TZM_INLINE void Open(const View<T>& view, F&& f) {
+  switch (view.form) {
+    case Form::kPairs: return f(Array<Form::kPairs, T>{view.re, view.im});
+    case Form::kExchanged: return f(Array<Form::kExchanged, T>{view.re, view.im});
+    case Form::kSplit: return f(Array<Form::kSplit, T>{view.re, view.im});
+    case Form::kReal:
+      if constexpr (std::is_const_v<T>) f(Array<Form::kReal, T>{view.re, view.im});
   }
 }
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void StoreUser(D d, const View<T>& view, const Cx<D>* x, auto at) {
-  if (view.form == Form::kPairs) {
-    Unrolled<N>([&](auto i) TZM_LAMBDA { StoreParts(x[i].re, x[i].im, d, view.re + 2 * at(i)); });
-  } else if (view.form == Form::kExchanged) {
-    Unrolled<N>([&](auto i) TZM_LAMBDA { StoreParts(x[i].im, x[i].re, d, view.re + 2 * at(i)); });
+template <class T, class F>
+TZM_INLINE void Open(T* blocks, F&& f) {
+  f(blocks);
+}
+
+// f(in, out) for the views of one transform, which have the same form, save that real numbers give pairs.
+template <class T, class F>
+TZM_INLINE void OpenBoth(const View<const T>& in, const View<T>& out, F&& f) {
+  Open(in, [&]<Form kForm>(const Array<kForm, const T>& from) {
+    f(from, Array<kForm == Form::kReal ? Form::kPairs : kForm, T>{out.re, out.im});
+  });
+}
+
+// V numbers from number `at` on of the caller's, or from element `at` on of the scratch memory.
+template <Form kForm, class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> Load(D d, const Array<kForm, const T>& from, size_t at) {
+  if constexpr (kForm == Form::kPairs) return LoadPairs(d, from.re + 2 * at);
+  const auto part = [&](const T* array) TZM_LAMBDA { return FromMemory(d, hn::LoadU(d, array + at)); };
+  if constexpr (kForm == Form::kSplit) return {part(from.re), part(from.im)};
+  if constexpr (kForm == Form::kReal) return {part(from.re), hn::Zero(d)};
+  const Cx<D> pair = LoadPairs(d, from.re + 2 * at);
+  return {pair.im, pair.re};
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> Load(D d, const T* from, size_t at) {
+  return LoadBlock(d, from + at);
+}
+template <Form kForm, class D, class T = hn::TFromD<D>>
+TZM_INLINE void Store(D d, const Cx<D>& x, const Array<kForm, T>& to, size_t at) {
+  if constexpr (kForm == Form::kPairs) {
+    StoreParts(x.re, x.im, d, to.re + 2 * at);
+  } else if constexpr (kForm == Form::kExchanged) {
+    StoreParts(x.im, x.re, d, to.re + 2 * at);
   } else {
-    Unrolled<N>([&](auto i) TZM_LAMBDA {
-      hn::StoreU(ToMemory(d, x[i].re), d, view.re + at(i));
-      hn::StoreU(ToMemory(d, x[i].im), d, view.im + at(i));
-    });
+    hn::StoreU(ToMemory(d, x.re), d, to.re + at);
+    hn::StoreU(ToMemory(d, x.im), d, to.im + at);
   }
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void Store(D d, const Cx<D>& x, T* to, size_t at) {
+  StoreBlock(d, x, to + at);
 }
 
 // Rows become columns in each 128-bit part of V registers, which brings the right parts together where there is one.

@@ -59,6 +59,24 @@ void WithLevels(size_t radix, F&& f) {
   }
 }
 
+// The factors of a pass along rows `row` ... `row` + V - 1 of n1 in the lanes, after `s` results of each: kTwiddles
+// blocks for each of the s. Beyond the last row they are the last one's.
+template <class D, class T = hn::TFromD<D>>
+T* TabulateRows(D, const Roots<T>& roots, const auto& levels, size_t n, size_t n1, size_t s, size_t row, T* to) {
+  for (size_t k = 0; k < s; ++k) {
+    levels.ForEachTwiddle(n1 * s, [&](size_t order, size_t times, size_t plus) {
+      for (size_t lane = 0; lane < kLanes<D>; ++lane) {
+        const size_t own = std::min(row + InOrder<D>(lane), n1 - 1);
+        const Number<T> w = roots(n / order * (times * (own + n1 * k) + plus));
+        to[lane] = w.re;
+        to[kLanes<D> + lane] = w.im;
+      }
+      to += kBlock<D>;
+    });
+  }
+  return to;
+}
+
 template <class T>
 class Matrix final : public Complex<T> {
   using D = Full<T>;
@@ -110,7 +128,8 @@ class Matrix final : public Complex<T> {
   }
 
  private:
-  static constexpr size_t kFused = kLane > 8 ? 16 : 8;  // rows whose pass transposes at once
+  using Fused = PowerOfTwo<kLane == 16 ? 4 : 3>;  // rows whose pass transposes at once
+  static constexpr size_t kFused = Fused::kRadix;
 
   struct Step {
     size_t radix, twiddles;  // where the table begins
@@ -191,18 +210,8 @@ class Matrix final : public Complex<T> {
     for (size_t block = 0; block < blocks_; ++block) {
       s = 1;
       for (const Step& step : rowSteps_) {
-        T* to = table_.get() + step.twiddles + block * tableBlock_;
-        WithLevels(step.radix, [&](auto levels) {
-          for (size_t k = 0; k < s; ++k) levels.ForEachTwiddle(n1_ * s, [&](size_t order, size_t times, size_t plus) {
-            for (size_t lane = 0; lane < kLane; ++lane) {
-              const size_t row = std::min(BlockStart(block) + InOrder<D>(lane), n1_ - 1);
-              const Number<T> w = root(order, times * (row + n1_ * k) + plus);
-              to[lane] = w.re;
-              to[kLane + lane] = w.im;
-            }
-            to += kNumber;
-          });
-        });
+        T* const to = table_.get() + step.twiddles + block * tableBlock_;
+        WithLevels(step.radix, [&](auto levels) { TabulateRows(D(), roots, levels, n_, n1_, s, BlockStart(block), to); });
         s *= step.radix;
       }
     }
@@ -213,12 +222,10 @@ class Matrix final : public Complex<T> {
     T *const re = to, *const im = to + n_ + kLane;
     const D d;
     size_t whole = 0;
-    for (; whole + kLane <= n_; whole += kLane) {
-      Cx<D> x;
-      LoadUser<1>(d, in, &x, [=](auto) { return whole; });
-      hn::StoreU(ToMemory(d, x.re), d, re + whole);
-      hn::StoreU(ToMemory(d, x.im), d, im + whole);
-    }
+    Open(in, [&](const auto& from) {
+      for (; whole + kLane <= n_; whole += kLane)
+        Store(d, Load(d, from, whole), Array<Form::kSplit, T>{re, im}, whole);
+    });
     for (size_t k = whole; k < n_; ++k) {
       const Number<T> x = in.Get(k);
       re[k] = x.re;
@@ -236,7 +243,7 @@ class Matrix final : public Complex<T> {
       const size_t at = k * rows;
       const Cx<D> x = LoadBlock(d, from);
       if (at + kLane <= n_) {
-        StoreUser<1>(d, out, &x, [=](auto) { return at; });
+        Open(out, [&](const auto& to) { Store(d, x, to, at); });
         continue;
       }
       HWY_ALIGN T re[kLane], im[kLane];
@@ -251,8 +258,8 @@ class Matrix final : public Complex<T> {
     const D d;
     const size_t first = group * kStrip, end = std::min(first + kStrip, strips_);
     if (IsFused()) {
-      WithFused([&]<class Levels>(Levels) {
-        PassTransposed<Levels>(d, job.in, job.matrix, n2_, first * kLane, std::min(end * kLane, n2_), part_);
+      Open(job.in, [&](const auto& from) {
+        PassTransposed<Fused>(d, from, job.matrix, n2_, first * kLane, std::min(end * kLane, n2_), part_);
       });
       return;
     }
@@ -341,21 +348,19 @@ class Matrix final : public Complex<T> {
             T* work) const {
     const D d;
     WithLevels(step.radix, [&]<class Levels>(const Levels&) {
-      if constexpr (std::is_same_v<Levels, AnyPrime>) {
-        const auto prime = std::find_if(primes_.begin(), primes_.end(),
-                                        [&](const auto& other) { return other.p() == step.radix; });
-        PassPrime<kKind>(d, *prime, in, out, shape, twiddles, work);
-      } else {
-        constexpr bool kMiddle = kKind == Twiddles::kLanes && std::is_pointer_v<std::remove_cvref_t<decltype(out)>>;
-        Pass<Levels, kKind, !kMiddle>(d, in, out, shape, twiddles);
-      }
+      Open(in, [&](const auto& from) {
+        Open(out, [&](const auto& to) {
+          if constexpr (std::is_same_v<Levels, AnyPrime>) {
+            const auto prime = std::find_if(primes_.begin(), primes_.end(),
+                                            [&](const auto& other) { return other.p() == step.radix; });
+            PassPrime<kKind>(d, *prime, from, to, shape, twiddles, work);
+          } else {
+            constexpr bool kMiddle = kKind == Twiddles::kLanes && std::is_pointer_v<std::remove_cvref_t<decltype(out)>>;
+            Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles);
+          }
+        });
+      });
     });
-  }
-
-  template <class F>
-  static void WithFused(F&& f) {
-    if constexpr (kFused == 16) f(PowerOfTwo<4>());
-    else f(PowerOfTwo<3>());
   }
 
   size_t n_, workers_, n1_, n2_, blocks_, strips_;

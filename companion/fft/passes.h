@@ -17,6 +17,9 @@ template <class D>
 TZM_INLINE Cx<D> QuarterProduct(const Cx<D>& w, const Cx<D>& x) {
   return {hn::MulAdd(w.re, x.im, hn::Mul(w.im, x.re)), hn::NegMulAdd(w.re, x.re, hn::Mul(w.im, x.im))};
 }
+template <size_t kValue>
+using Constant = std::integral_constant<size_t, kValue>;
+
 // a, b <- a + t, a - t, where t is b itself, -i b, or what is given.
 template <class D>
 TZM_INLINE void Combine(Cx<D>& a, Cx<D>& b, const Cx<D>& t) {
@@ -35,62 +38,47 @@ TZM_INLINE void CombineQuarter(Cx<D>& a, Cx<D>& b) {
   a = sum;
 }
 
-// 2^L points as L levels of radix 2. They are read in the order of reversed bits.
+// 2^L points as L levels of radix 2. load(i) gives point i, and store(t, x) takes result t, of constants i and t.
 template <size_t L>
 struct PowerOfTwo {
   static constexpr size_t kRadix = size_t{1} << L;
   static constexpr size_t kTwiddles = kRadix / 2;
 
-  static constexpr size_t From(size_t i) {
-    size_t reversed = 0;
-    for (size_t bit = 0; bit < L; ++bit) reversed |= (i >> bit & 1) << (L - 1 - bit);
-    return reversed;
-  }
-
   // The first levels of the graph.
   template <class D>
-  static TZM_INLINE void First(D d, Cx<D>* x) {
+  static TZM_INLINE void First(D d, auto load, auto store) {
     using T = hn::TFromD<D>;
     constexpr T kCos = static_cast<T>(0.92387953251128675613), kSin = static_cast<T>(0.38268343236508977173);
     constexpr T kHalf = static_cast<T>(0.7071067811865475244);
     const auto w = [=](T re, T im) TZM_LAMBDA { return Cx<D>{hn::Set(d, re), hn::Set(d, -im)}; };
-    Unrolled<kRadix / 2>([&](auto g) TZM_LAMBDA { Combine(x[2 * g], x[2 * g + 1]); });
-    if constexpr (L >= 2) Unrolled<kRadix / 4>([&](auto g) TZM_LAMBDA {
-      Combine(x[4 * g], x[4 * g + 2]);
-      CombineQuarter(x[4 * g + 1], x[4 * g + 3]);
-    });
-    if constexpr (L >= 3) Unrolled<kRadix / 8>([&](auto g) TZM_LAMBDA {
-      auto* const y = x + 8 * g;
-      Combine(y[0], y[4]);
-      Combine(y[1], y[5], Product(w(kHalf, kHalf), y[5]));
-      CombineQuarter(y[2], y[6]);
-      Combine(y[3], y[7], QuarterProduct(w(kHalf, kHalf), y[7]));
-    });
-    if constexpr (L >= 4) Unrolled<kRadix / 16>([&](auto g) TZM_LAMBDA {
-      constexpr T kRe[] = {1, kCos, kHalf, kSin}, kIm[] = {0, kSin, kHalf, kCos};
-      Unrolled<4>([&](auto i) TZM_LAMBDA {
-        auto* const y = x + 16 * g + i;
-        Combine(y[0], y[8], Product(w(kRe[i], kIm[i]), y[8]));
-        Combine(y[4], y[12], QuarterProduct(w(kRe[i], kIm[i]), y[12]));
-      });
-    });
+    const auto combine = [&](auto half, auto i, Cx<D>* x) TZM_LAMBDA {
+      if constexpr (half == 1) {
+        Combine(x[0], x[1]);
+      } else if constexpr (half == 2 || (half == 4 && i == 0)) {
+        Combine(x[0], x[half]);
+        CombineQuarter(x[half / 2], x[half / 2 + half]);
+      } else {
+        constexpr T kRe[] = {1, kCos, kHalf, kSin}, kIm[] = {0, kSin, kHalf, kCos};
+        const Cx<D> turn = w(kRe[i * 8 / half], kIm[i * 8 / half]);
+        Combine(x[i], x[i + half], Product(turn, x[i + half]));
+        Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(turn, x[i + half / 2 + half]));
+      }
+    };
+    Cx<D> x[kRadix];
+    Walk<L, 0>(x, load, combine, store);
   }
 
   // Later levels: `twiddle` is a function of the number, of kTwiddles.
   template <class D>
-  static TZM_INLINE void Next(D, Cx<D>* x, auto twiddle) {
-    Unrolled<L>([&](auto level) TZM_LAMBDA {
-      constexpr size_t kHalf = size_t{1} << level, kQuarter = kHalf > 1 ? kHalf / 2 : 1;
-      Unrolled<kQuarter>([&](auto i) TZM_LAMBDA {
-        const Cx<D> w = twiddle(kHalf / 2 + i);
-        Unrolled<kRadix / 2 / kHalf>([&](auto g) TZM_LAMBDA {
-          auto* const y = x + 2 * kHalf * g + i;
-          Combine(y[0], y[kHalf], Product(w, y[kHalf]));
-          if constexpr (kHalf > 1)
-            Combine(y[kQuarter], y[kQuarter + kHalf], QuarterProduct(w, y[kQuarter + kHalf]));
-        });
-      });
-    });
+  static TZM_INLINE void Next(D, auto load, auto twiddle, auto store) {
+    const auto combine = [&](auto half, auto i, Cx<D>* x) TZM_LAMBDA {
+      const Cx<D> w = twiddle(half / 2 + i);
+      Combine(x[i], x[i + half], Product(w, x[i + half]));
+      if constexpr (half > 1)
+        Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(w, x[i + half / 2 + half]));
+    };
+    Cx<D> x[kRadix];
+    Walk<L, 0>(x, load, combine, store);
   }
 
   // Of sub-transforms of s points the twiddle of element k: its root as (order, power).
@@ -98,6 +86,34 @@ struct PowerOfTwo {
   static void ForEachTwiddle(size_t s, F&& f) {
     for (size_t half = 1; half < kRadix; half *= 2)
       for (size_t i = 0; i < (half > 1 ? half / 2 : 1); ++i) f(2 * half * s, 1, i * s);
+  }
+
+ private:
+  static constexpr size_t Reversed(size_t i) {
+    size_t reversed = 0;
+    for (size_t bit = 0; bit < L; ++bit) reversed |= (i >> bit & 1) << (L - 1 - bit);
+    return reversed;
+  }
+
+  // The first levels over x[0 ... 2^kLevels - 1], which take the points in the order of reversed bits, depth first:
+  // that keeps the fewest numbers alive.
+  template <size_t kLevels, size_t kAt>
+  static TZM_INLINE void Walk(auto* x, const auto& load, const auto& combine, const auto& store) {
+    if constexpr (kLevels == 0) {
+      x[0] = load(Constant<Reversed(kAt)>());
+      if constexpr (L == 0) store(Constant<0>(), x[0]);
+    } else {
+      constexpr size_t kHalf = size_t{1} << (kLevels - 1);
+      Walk<kLevels - 1, kAt>(x, load, combine, store);
+      Walk<kLevels - 1, kAt + kHalf>(x + kHalf, load, combine, store);
+      Unrolled<(kHalf + 1) / 2>([&](auto i) TZM_LAMBDA {
+        combine(Constant<kHalf>(), i, x);
+        if constexpr (kLevels == L) Unrolled<std::min<size_t>(4, kRadix)>([&](auto k) TZM_LAMBDA {
+          constexpr size_t kPlace = i + k * (kRadix > 2 ? kHalf / 2 : 1);
+          store(Constant<kPlace>(), x[kPlace]);
+        });
+      });
+    }
   }
 };
 
@@ -135,20 +151,21 @@ template <size_t R>
 struct Odd {
   static constexpr size_t kRadix = R;
   static constexpr size_t kTwiddles = R - 1;
-  static constexpr size_t From(size_t i) { return i; }
 
   template <class D>
-  static TZM_INLINE void First(D d, Cx<D>* x) {
+  static TZM_INLINE void First(D d, auto load, auto store) {
     using T = hn::TFromD<D>;
     constexpr size_t kPairs = R / 2;
     Cx<D> sum[kPairs], difference[kPairs];
-    const Cx<D> first = x[0];
+    const Cx<D> first = load(Constant<0>());
+    Cx<D> total = first;
     Unrolled<kPairs>([&](auto i) TZM_LAMBDA {
-      sum[i] = x[i + 1];
-      difference[i] = x[R - 1 - i];
+      sum[i] = load(Constant<i + 1>());
+      difference[i] = load(Constant<R - 1 - i>());
       Combine(sum[i], difference[i]);
-      x[0] = {hn::Add(x[0].re, sum[i].re), hn::Add(x[0].im, sum[i].im)};
+      total = {hn::Add(total.re, sum[i].re), hn::Add(total.im, sum[i].im)};
     });
+    store(Constant<0>(), total);
     Unrolled<kPairs>([&](auto k) TZM_LAMBDA {
       Cx<D> even = first, odd;
       Unrolled<kPairs>([&](auto i) TZM_LAMBDA {
@@ -159,15 +176,18 @@ struct Odd {
         if constexpr (i == 0) odd = {hn::Mul(s, difference[i].re), hn::Mul(s, difference[i].im)};
         else odd = {hn::MulAdd(s, difference[i].re, odd.re), hn::MulAdd(s, difference[i].im, odd.im)};
       });
-      x[k + 1] = even;
-      x[R - 1 - k] = odd;
-      CombineQuarter(x[k + 1], x[R - 1 - k]);
+      CombineQuarter(even, odd);
+      store(Constant<k + 1>(), even);
+      store(Constant<R - 1 - k>(), odd);
     });
   }
   template <class D>
-  static TZM_INLINE void Next(D d, Cx<D>* x, auto twiddle) {
-    Unrolled<R - 1>([&](auto j) TZM_LAMBDA { x[j + 1] = Product(twiddle(j), x[j + 1]); });
-    First(d, x);
+  static TZM_INLINE void Next(D d, auto load, auto twiddle, auto store) {
+    const auto turned = [&](auto j) TZM_LAMBDA {
+      if constexpr (j == 0) return load(j);
+      else return Product(twiddle(j - 1), load(j));
+    };
+    First(d, turned, store);
   }
 
   template <class F>
@@ -188,23 +208,6 @@ struct Geometry {
 
 enum class Twiddles { kNone, kShared, kLanes };  // none; one number for all lanes; a number for each
 
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void Load(D d, const T* from, Cx<D>* x, auto at) {
-  Unrolled<N>([&](auto i) TZM_LAMBDA { x[i] = LoadBlock(d, from + at(i)); });
-}
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void Load(D d, const View<const T>& from, Cx<D>* x, auto at) {
-  LoadUser<N>(d, from, x, at);
-}
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void Store(D d, T* to, const Cx<D>* x, auto at) {
-  Unrolled<N>([&](auto i) TZM_LAMBDA { StoreBlock(d, x[i], to + at(i)); });
-}
-template <size_t N, class D, class T = hn::TFromD<D>>
-TZM_INLINE void Store(D d, const View<T>& to, const Cx<D>* x, auto at) {
-  StoreUser<N>(d, to, x, at);
-}
-
 // One pass of the levels that `Levels` stands for. Middle passes along rows have one group.
 template <class Levels, Twiddles kKind, bool kGrouped, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geometry, const T* twiddles) {
@@ -220,14 +223,13 @@ TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geome
       for (size_t b = 0; b < (kGrouped ? g.groups : 1); ++b) {
         const size_t fromGroup = from + b * g.inGroup, toGroup = to + b * g.outGroup;
         const T* const v = w + b * g.twiddleGroup;
-        Cx<D> x[kRadix];
-        Load<kRadix>(d, source, x, [&](auto i) TZM_LAMBDA { return fromGroup + Levels::From(i) * inPoint; });
-        if constexpr (kKind == Twiddles::kNone) Levels::First(d, x);
-        else if constexpr (kKind == Twiddles::kShared) Levels::Next(d, x, [&](size_t q) TZM_LAMBDA {
+        const auto load = [&](auto i) TZM_LAMBDA { return Load(d, source, fromGroup + i * inPoint); };
+        const auto store = [&](auto t, const Cx<D>& x) TZM_LAMBDA { Store(d, x, target, toGroup + t * g.outRow); };
+        if constexpr (kKind == Twiddles::kNone) Levels::First(d, load, store);
+        else if constexpr (kKind == Twiddles::kShared) Levels::Next(d, load, [&](size_t q) TZM_LAMBDA {
           return Cx<D>{hn::Set(d, w[2 * q]), hn::Set(d, w[2 * q + 1])};
-        });
-        else Levels::Next(d, x, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, v + kBlock<D> * q); });
-        Store<kRadix>(d, target, x, [&](auto t) TZM_LAMBDA { return toGroup + t * g.outRow; });
+        }, store);
+        else Levels::Next(d, load, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, v + kBlock<D> * q); }, store);
       }
       if constexpr (kKind == Twiddles::kShared) w += 2 * Levels::kTwiddles;
       else if constexpr (kKind == Twiddles::kLanes) w += kBlock<D> * Levels::kTwiddles;
@@ -238,15 +240,14 @@ TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geome
 // The first pass over columns first ... first + V - 1 of a matrix of kRadix rows, transposed: number k of column j
 // goes to lane k of the block at out + j kBlock, of V numbers at `part` from the one before.
 template <class Levels, class D, class T = hn::TFromD<D>>
-TZM_INLINE void PassTransposed(D d, const View<const T>& in, T* out, size_t columns, size_t first, size_t end,
-                                 size_t part) {
+TZM_INLINE void PassTransposed(D d, const auto& in, T* out, size_t columns, size_t first, size_t end, size_t part) {
   constexpr size_t kRadix = Levels::kRadix, kLane = kLanes<D>;
-  const View<const T> source = in;
+  const auto source = in;
   for (size_t j = first; j < end; j += kLane) {
     const size_t at = std::min(j, columns - kLane);  // the last columns once more
     Cx<D> x[kRadix];
-    LoadUser<kRadix>(d, source, x, [&](auto i) TZM_LAMBDA { return at + Levels::From(i) * columns; });
-    Levels::First(d, x);
+    Levels::First(d, [&](auto i) TZM_LAMBDA { return Load(d, source, at + i * columns); },
+                  [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; });
     Unrolled<kRadix / kLane>([&](auto g) TZM_LAMBDA {
       Vec<D> y[kLane];
       Unrolled<kLane>([&](auto t) TZM_LAMBDA { y[t] = x[g * kLane + InOrder<D>(t)].re; });

@@ -67,12 +67,13 @@ class Chirp final : public Complex<T> {
     const D d;
     const T *const re = chirp_.get(), *const im = re + n_;
     size_t k = 0;
-    for (; k + kLanes<D> <= n_; k += kLanes<D>) {
-      Cx<D> x;
-      LoadUser<1>(d, from, &x, [=](auto) { return k; });
-      x = Product(Cx<D>{FromMemory(d, hn::LoadU(d, re + k)), FromMemory(d, hn::LoadU(d, im + k))}, x);
-      StoreUser<1>(d, to, &x, [=](auto) { return k; });
-    }
+    const Array<Form::kSplit, const T> chirp = {re, im};
+    Open(from, [&](const auto& source) {
+      Open(to, [&](const auto& target) {
+        for (; k + kLanes<D> <= n_; k += kLanes<D>)
+          Store(d, Product(Load(d, chirp, k), Load(d, source, k)), target, k);
+      });
+    });
     for (; k < n_; ++k) {
       const Number<T> x = from.Get(k);
       to.Put(k, {Fma(-im[k], x.im, re[k] * x.re), Fma(im[k], x.re, re[k] * x.im)});

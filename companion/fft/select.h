@@ -30,6 +30,11 @@ std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
     case 32: return Result(new Small<T, kLane(4), 3, 2>);
     case 64: return Result(new Small<T, kLane(8), 3, 3>);
     case 128: return Result(new Small<T, kLane(8), 3, 4>);
+    case 256: return Result(new Fixed<T, 4, 4>);
+    case 512: return Result(new Fixed<T, 4, 2, 3>);
+    case 1024: return Result(new Fixed<T, 4, 3, 3>);
+    case 2048: return Result(new Fixed<T, 4, 3, 2, 2>);
+    case 4096: return Result(new Fixed<T, 4, 3, 3, 2>);
   }
   const size_t largest = Factors(n).back();
   if (largest == n && n <= kLargestFactor) return Result(new Lone<T>(n));

@@ -18,26 +18,23 @@ class Small final : public Complex<T> {
   Small() {
     const Roots<T> roots(Rows::kRadix * Columns::kRadix);
     T* to = table_;
-    for (size_t first = 0; first < Rows::kRadix; first += kLanes) {
-      Columns::ForEachTwiddle(Rows::kRadix, [&](size_t order, size_t times, size_t plus) {
-        for (size_t lane = 0; lane < kLanes; ++lane) {
-          const auto w = roots(Rows::kRadix * Columns::kRadix / order * (times * (first + InOrder<D>(lane)) + plus));
-          to[lane] = w.re;
-          to[kLanes + lane] = w.im;
-        }
-        to += kNumber;
-      });
-    }
+    for (size_t row = 0; row < Rows::kRadix; row += kLanes)
+      to = TabulateRows(D(), roots, Columns(), Rows::kRadix * Columns::kRadix, Rows::kRadix, 1, row, to);
   }
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
+    OpenBoth(in, out, [&](const auto& from, const auto& to) { Run(from, to); });
+  }
+
+ private:
+  void Run(const auto& from, const auto& to) const {
     const D d;
     constexpr size_t kRowCount = Rows::kRadix, kColumnCount = Columns::kRadix;
     Cx<D> matrix[kRowCount / kLanes][kColumnCount];
     Unrolled<kColumnCount / kLanes>([&](auto strip) TZM_LAMBDA {
       Cx<D> x[kRowCount];
-      LoadUser<kRowCount>(d, in, x, [=](auto i) TZM_LAMBDA { return strip * kLanes + Rows::From(i) * kColumnCount; });
-      Rows::First(d, x);
+      Rows::First(d, [&](auto i) TZM_LAMBDA { return Load(d, from, strip * kLanes + i * kColumnCount); },
+                  [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; });
       Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
         Vec<D> re[kLanes], im[kLanes];
         Unrolled<kLanes>([&](auto t) TZM_LAMBDA {
@@ -50,16 +47,78 @@ class Small final : public Complex<T> {
       });
     });
     Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
-      Cx<D> x[kColumnCount];
-      Unrolled<kColumnCount>([&](auto i) TZM_LAMBDA { x[i] = matrix[block][Columns::From(i)]; });
-      Columns::Next(d, x, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, table_ + block * kTable + q * kNumber); });
-      StoreUser<kColumnCount>(d, out, x, [=](auto t) TZM_LAMBDA { return block * kLanes + t * kRowCount; });
+      Columns::Next(d, [&](auto i) TZM_LAMBDA { return matrix[block][i]; },
+                    [&](size_t q) TZM_LAMBDA { return LoadBlock(d, table_ + block * kTable + q * kNumber); },
+                    [&](auto t, const Cx<D>& x) TZM_LAMBDA { Store(d, x, to, block * kLanes + t * kRowCount); });
     });
   }
 
- private:
   alignas(kLine) T table_[Rows::kRadix / kLanes * kTable];
 };
+
+// The schedule of Matrix in passes whose shape the compiler knows: the first takes so many levels along the columns,
+// the others so many each along the rows.
+template <class T, size_t kFirst, size_t... kLater>
+class Fixed final : public Complex<T> {
+  using D = Full<T>;
+  static constexpr size_t kNumber = kBlock<D>, kRows = size_t{1} << kFirst, kColumns = size_t{1} << (kLater + ...);
+  static constexpr size_t kPart = kColumns * kNumber;  // a block of rows
+
+ public:
+  Fixed() {
+    this->scratch_ = (kRows / kLanes<D> + 1) * kPart;
+    size_t count = 0, s = 1;
+    ((count += kNumber * PowerOfTwo<kLater>::kTwiddles * s, s <<= kLater), ...);
+    table_ = Table<T>(kRows / kLanes<D> * count);
+    const Roots<T> roots(kRows * kColumns);
+    T* to = table_.get();
+    for (size_t row = 0; row < kRows; row += kLanes<D>) {
+      s = 1;
+      ((to = TabulateRows(D(), roots, PowerOfTwo<kLater>(), kRows * kColumns, kRows, s, row, to), s <<= kLater), ...);
+    }
+  }
+
+  void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
+    Open(in, [&](const auto& from) TZM_LAMBDA {
+      PassTransposed<PowerOfTwo<kFirst>>(D(), from, scratch + kPart, kColumns, 0, kColumns, kPart);
+    });
+    const T* table = table_.get();
+    for (size_t row = 0; row < kRows; row += kLanes<D>)
+      table = Row<1, kLater...>(scratch + (row / kLanes<D> + 1) * kPart, scratch, out.From(row), table);
+  }
+
+ private:
+  // The passes along a block of rows that follow on s results of each column; returns the end of their table.
+  template <size_t s, size_t kLevels, size_t... kOthers>
+  static TZM_INLINE const T* Row(T* from, T* other, const View<T>& out, const T* table) {
+    using Levels = PowerOfTwo<kLevels>;
+    constexpr size_t kCount = kColumns / s / Levels::kRadix, kRow = s * kNumber;
+    const auto pass = [=](const auto& to, size_t outRow, size_t outStep) TZM_LAMBDA {
+      Pass<Levels, Twiddles::kLanes, false>(D(), static_cast<const T*>(from), to,
+                                            {kCount, s, 1, kRow, kNumber, 0, outRow, outStep, 0, 0}, table);
+    };
+    const T* const end = table + kNumber * Levels::kTwiddles * s;
+    if constexpr (sizeof...(kOthers) == 0) {
+      Open(out, [&](const auto& to) TZM_LAMBDA { pass(to, kRows * s, kRows); });
+      return end;
+    } else {
+      pass(other, kRow, kNumber);
+      return Row<s * Levels::kRadix, kOthers...>(other, from, out, end);
+    }
+  }
+
+  Table<T> table_;
+};
+
+// A number in registers of one lane, and back.
+template <class D, class T>
+TZM_INLINE Cx<D> Only(D d, Number<T> x) {
+  return {hn::Set(d, x.re), hn::Set(d, x.im)};
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Number<T> Only(const Cx<D>& x) {
+  return {hn::GetLane(x.re), hn::GetLane(x.im)};
+}
 
 // As many points as one pass has, one in a lane.
 template <class T, class Levels>
@@ -69,12 +128,9 @@ class Tiny final : public Complex<T> {
     using D = hn::CappedTag<T, 1>;
     const D d;
     Cx<D> x[Levels::kRadix];
-    Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA {
-      const Number<T> number = in.Get(Levels::From(i));
-      x[i] = {hn::Set(d, number.re), hn::Set(d, number.im)};
-    });
-    Levels::First(d, x);
-    Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA { out.Put(i, {hn::GetLane(x[i].re), hn::GetLane(x[i].im)}); });
+    Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA { x[i] = Only(d, in.Get(i)); });
+    Levels::First(d, [&](auto i) TZM_LAMBDA { return x[i]; },
+                  [&](auto t, const Cx<D>& result) TZM_LAMBDA { out.Put(t, Only(result)); });
   }
 };
 
@@ -96,21 +152,12 @@ class Coprime final : public Complex<T> {
     const D d;
     Cx<D> x[A][B];
     Unrolled<B>([&](auto j) TZM_LAMBDA {
-      Cx<D> column[A];
-      Unrolled<A>([&](auto i) TZM_LAMBDA {
-        const Number<T> number = in.Get((B * ByA::From(i) + A * j) % (A * B));
-        column[i] = {hn::Set(d, number.re), hn::Set(d, number.im)};
-      });
-      ByA::First(d, column);
-      Unrolled<A>([&](auto i) TZM_LAMBDA { x[i][j] = column[i]; });
+      ByA::First(d, [&](auto i) TZM_LAMBDA { return Only(d, in.Get((B * i + A * j) % (A * B))); },
+                 [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t][j] = result; });
     });
     Unrolled<A>([&](auto i) TZM_LAMBDA {
-      Cx<D> row[B];
-      Unrolled<B>([&](auto j) TZM_LAMBDA { row[j] = x[i][ByB::From(j)]; });
-      ByB::First(d, row);
-      Unrolled<B>([&](auto j) TZM_LAMBDA {
-        out.Put(Remaining(i, j), {hn::GetLane(row[j].re), hn::GetLane(row[j].im)});
-      });
+      ByB::First(d, [&](auto j) TZM_LAMBDA { return x[i][j]; },
+                 [&](auto t, const Cx<D>& result) TZM_LAMBDA { out.Put(Remaining(i, t), Only(result)); });
     });
   }
 };
