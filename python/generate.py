@@ -338,8 +338,11 @@ def stub(family, rows, positional, keywords, outputs):
         return f"{name}: {known}" + (f" = {default}" if default else "")
     reduces = any(a.role == "result" for a in rows[0].arguments)
     one = "Any" if reduces else "NDArray[Any]"
-    returns = one if len(outputs) == 1 else f"tuple[{', '.join([one] * len(outputs))}]"
-    return f"def {family}({', '.join(map(typed, positional + ['*'] + keywords))}) -> {returns}: ...\n"
+    several = ""
+    if len(outputs) > 1:
+        fields = "".join(f"    {name}: {one}\n" for name in outputs)
+        several, one = f"class _{family}_result(NamedTuple):\n{fields}\n", f"_{family}_result"
+    return several + f"def {family}({', '.join(map(typed, positional + ['*'] + keywords))}) -> {one}: ...\n"
 
 
 def state_table(others):
@@ -384,7 +387,7 @@ def main(source, out):
     (out / "_families.py").write_text(
         f'"""{made}"""\nfrom ._call import FAMILIES as _F, call as _call\n\n__all__ = [{names}]\n' + families)
     (out / "_families.pyi").write_text(
-        f'"""{made}"""\nfrom typing import Any, Sequence, SupportsComplex, SupportsFloat, SupportsIndex\n\n'
+        f'"""{made}"""\nfrom typing import Any, NamedTuple, Sequence, SupportsComplex, SupportsFloat, SupportsIndex\n\n'
         "from numpy.typing import ArrayLike, DTypeLike, NDArray\n\n"
         "Value = SupportsIndex | SupportsFloat | SupportsComplex | tuple[int, int]\n"
         "Out = NDArray[Any] | Sequence[NDArray[Any]] | None\n"

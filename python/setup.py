@@ -42,7 +42,7 @@ class Build(build_py):
         run = lambda *command: subprocess.run(list(map(str, command)), check=True)
         # The old kind of run path holds for the libraries of the libraries, too.
         run("cmake", "-S", HERE.parent, "-B", work, "-DCMAKE_BUILD_TYPE=Release", "-DTZM_PYTHON=ON", "-DTZM_TESTS=OFF",
-            "-DTZM_TOOL=OFF", "-DCMAKE_C_FLAGS_RELEASE=-O2", "-DCMAKE_CXX_FLAGS_RELEASE=-O2",
+            "-DTZM_TOOL=OFF", "-DCMAKE_C_FLAGS_RELEASE=-O2 -g1", "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -g1",
             "-DCMAKE_SHARED_LINKER_FLAGS=-s", "-DCMAKE_MODULE_LINKER_FLAGS=-s -Wl,--disable-new-dtags",
             f"-DTZM_PYTHON_PROGRAM={sys.executable}")
         run("cmake", "--build", work, "--target", "tzm_all", "--parallel", os.cpu_count())

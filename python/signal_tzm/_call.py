@@ -12,7 +12,7 @@ import numbers
 import operator
 import sys
 import warnings
-from typing import Callable, Iterator
+from typing import Any, Callable, Iterator
 
 import numpy as np
 
@@ -23,7 +23,7 @@ complex_int16 = np.dtype([("re", "<i2"), ("im", "<i2")])
 complex_int32 = np.dtype([("re", "<i4"), ("im", "<i4")])
 complex_int64 = np.dtype([("re", "<i8"), ("im", "<i8")])
 decimal128 = np.dtype([("lo", "<u8"), ("hi", "<u8")])
-DTYPES = {"8u": np.dtype("u1"), "16u": np.dtype("u2"), "32u": np.dtype("u4"), "64u": np.dtype("u8"),
+DTYPES: dict[str, np.dtype[Any]] = {"8u": np.dtype("u1"), "16u": np.dtype("u2"), "32u": np.dtype("u4"), "64u": np.dtype("u8"),
           "16s": np.dtype("i2"), "32s": np.dtype("i4"), "64s": np.dtype("i8"),
           "16f": np.dtype("f2"), "32f": np.dtype("f4"), "64f": np.dtype("f8"),
           "32fc": np.dtype("c8"), "64fc": np.dtype("c16"),
@@ -33,7 +33,7 @@ _POINTERS = {name: ffi.typeof({"32u": "uint32_t", "64u": "uint64_t"}.get(name, "
              for name in DTYPES}
 
 
-def dtype_name(dtype):
+def dtype_name(dtype: np.dtype[Any]) -> str:
     """What messages call a dtype."""
     return {complex_int16: "complex_int16", complex_int32: "complex_int32", complex_int64: "complex_int64",
             decimal128: "decimal128"}.get(dtype, str(dtype))
@@ -44,12 +44,12 @@ def dtype_name(dtype):
 class Error(Exception):
     """An operation was refused. `status` is its number, `name` the number's name."""
 
-    def __init__(self, message, status=0, name=""):
+    def __init__(self, message: str, status: int = 0, name: str = "") -> None:
         super().__init__(message, status, name)
         self.status, self.name = status, name
 
-    def __str__(self):
-        return self.args[0]
+    def __str__(self) -> str:
+        return str(self.args[0])
 
 
 class ArgumentError(Error, ValueError):
@@ -110,7 +110,7 @@ def errstate(all: str | None = None, *, call: Callable[[int, str, str], object] 
         _errstate.reset(token)
 
 
-def check(status, operation, no_memory=9):
+def check(status: int, operation: str, no_memory: int = 9) -> None:
     """Raises or warns as a status says; `no_memory` is what the operation answers when memory is refused."""
     if status == 0:
         return
@@ -169,7 +169,7 @@ def _whole(number):
     return int(number) if isinstance(number, float) and number.is_integer() else operator.index(number)
 
 
-def constant(kind, value):
+def constant(kind: str, value: Any) -> Any:
     """A pointer to a value of a sample type. A float never becomes an integer here, and no integer wraps."""
     return _integer(kind, value) if type(value) is int else _constant(kind, value)
 

@@ -9,7 +9,7 @@ import math
 import re
 import threading
 import weakref
-from typing import Any, Iterable, Iterator
+from typing import Any, Callable, Iterable, Iterator, TypeVar
 
 import numpy as np
 from numpy.typing import ArrayLike, DTypeLike, NDArray
@@ -22,12 +22,16 @@ Array = NDArray[Any]
 COVERED: set[str] = set()  # the prefixes of the operations that stand here
 
 
-def _about(*prefixes: str) -> Any:
+Thing = TypeVar("Thing")
+Self = TypeVar("Self", bound="State")
+
+
+def _about(*prefixes: str) -> Callable[[Thing], Thing]:
     """Adds what the headers say of these operations to a docstring."""
-    def add(thing: Any) -> Any:
+    def add(thing: Thing) -> Thing:
         COVERED.update(prefixes)
         notes = dict.fromkeys(_table.DOCS[prefix] for prefix in prefixes if prefix in _table.DOCS)
-        thing.__doc__ = "\n\n".join([thing.__doc__, *notes])
+        thing.__doc__ = "\n\n".join([thing.__doc__ or "", *notes])
         return thing
     return add
 
@@ -148,14 +152,17 @@ class State:
     """What all states share."""
 
     _shared = False  # whether any number of calls may use it at once
+    _arguments: tuple[tuple[Any, ...], dict[str, Any]]
+    _pointers: dict[str, Any]
+    _releases: list[Any]
+    _lock: Any
 
-    def __new__(cls, *arguments: Any, **options: Any) -> Any:
+    def __new__(cls: type[Self], *arguments: Any, **options: Any) -> Self:
         self = super().__new__(cls)
         self._arguments = arguments, options
-        self._pointers: dict[str, Any] = {}
-        self._releases: list[Any] = []
+        self._pointers, self._releases = {}, []
         self._closed = False
-        self._lock: Any = contextlib.nullcontext() if cls._shared else threading.Lock()
+        self._lock = contextlib.nullcontext() if cls._shared else threading.Lock()
         return self
 
     def _init(self, key: str, init: str, release: str, *values: Any) -> Any:
@@ -182,7 +189,7 @@ class State:
             for release in self._releases:
                 release()
 
-    def __enter__(self) -> Any:
+    def __enter__(self: Self) -> Self:
         return self
 
     def __exit__(self, *_: Any) -> None:
@@ -471,20 +478,23 @@ class Resampler(State):
         dst = np.empty(lead + (n * self.out_rate // self.in_rate + 1,), self.dtype)
         count, now = np.empty(lead + (1,), np.int32), np.full(lead + (1,), time, np.int64)
         _do(name, x, n, dst, norm, now, count, self._state(), rows=math.prod(lead))
-        return dst[..., :count.flat[0]], int(now.flat[0])
+        return dst[..., :int(count.flat[0])], int(now.flat[0])
 
     def stream(self, blocks: Iterable[ArrayLike], *, norm: float = 1) -> Iterator[Array]:
         """Resamples a signal that comes in blocks, along the last axis: the same bits wherever it was cut."""
-        held, time = None, (self.reach - 1) * self.out_rate
+        held: Array | None = None
+        time = (self.reach - 1) * self.out_rate
         for block in itertools.chain(blocks, [None]):
-            if block is None and held is None:
+            if block is not None:
+                more = np.asarray(block)
+            elif held is not None:
+                more = np.zeros(held.shape[:-1] + (self.reach,), self.dtype)
+            else:
                 raise ValueError("Resampler: no samples")
-            block = np.zeros(held.shape[:-1] + (self.reach,), self.dtype) if block is None else np.asarray(block)
-            if block.dtype != self.dtype:
-                raise TypeError(f"Resampler: samples must be {self.dtype}, not {block.dtype}")
-            if held is None:
-                held = np.zeros(block.shape[:-1] + (self.reach - 1,), self.dtype)
-            held = np.concatenate([held, block], axis=-1)
+            if more.dtype != self.dtype:
+                raise TypeError(f"Resampler: samples must be {self.dtype}, not {more.dtype}")
+            before = np.zeros(more.shape[:-1] + (self.reach - 1,), self.dtype) if held is None else held
+            held = np.concatenate([before, more], axis=-1)
             n = held.shape[-1] - self.reach - time // self.out_rate
             if n <= 0:
                 continue
@@ -523,7 +533,7 @@ class VariableResampler(State):
                                                                                                          float(reach))
         _do(_name("ResamplePolyphase", "", self._kind), src, n, dst, factor, norm, time, count, self._state(),
             rows=math.prod(lead))
-        return _given(dst[..., :count.flat[0]], axis)
+        return _given(dst[..., :int(count.flat[0])], axis)
 
 
 # ---- Transforms ----
