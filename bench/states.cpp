@@ -8,6 +8,8 @@
 #include <cmath>
 #include <memory>
 
+#include "transform_call.h"
+
 namespace tzm_bench {
 
 namespace {
@@ -149,38 +151,17 @@ Make TimeProduct(OrvaStatus (*run)(const T*, const T*, T*, int32_t, int32_t, int
 
 // ---- Transforms ----
 
-using Spec = OrvaTransformSpec;
-
-Spec* MakeSpec(OrvaStatus (*init)(int32_t, int32_t, int32_t, Spec**), int32_t size) {
-  Spec* spec = nullptr;
-  init(size, 1, 4, &spec);
-  return spec;
-}
-Spec* MakeSpec(OrvaStatus (*init)(int32_t, int32_t, Spec**), int32_t size) {
-  Spec* spec = nullptr;
-  init(size, 4, &spec);
-  return spec;
-}
-
-template <class Src, class T>
-OrvaStatus Run(OrvaStatus (*run)(Src*, T*, const Spec*), T* src, T* dst, size_t, const Spec* spec) {
-  return run(src, dst, spec);
-}
-// Split arrays: two halves of each.
-template <class T>
-OrvaStatus Run(OrvaStatus (*run)(const T*, const T*, T*, T*, const Spec*), T* src, T* dst, size_t n, const Spec* spec) {
-  return run(src, src + n, dst, dst + n, spec);
-}
-
 // Times a transform of `len` points; `parts` samples of T in, and as many out, for each.
 template <class T>
 Make TimeSpec(bool order, int parts, auto init, auto run, OrvaStatus (*release)(Spec*)) {
   return [=](int32_t len) {
     const int32_t size = order ? std::countr_zero(static_cast<uint32_t>(len)) : len;
-    const std::shared_ptr<Spec> spec(MakeSpec(init, size), release);
+    Spec* made = nullptr;
+    InitSpec(init, size, 1, 4, &made);
+    const std::shared_ptr<Spec> spec(made, release);
     const size_t n = static_cast<size_t>(len);
     const auto src = SharedArray<T>(2 * int64_t{len} + 2), dst = SharedArray<T>(2 * int64_t{len} + 2);
-    return Timed{[=] { return Run(run, src->data(), dst->data(), n, spec.get()); },
+    return Timed{[=] { return RunSpec(run, src->data(), dst->data(), n, spec.get()); },
                  2 * parts * static_cast<int64_t>(sizeof(T) * n)};
   };
 }

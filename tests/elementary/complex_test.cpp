@@ -1,5 +1,5 @@
-// Complex logarithm, sine and cosine, powers by accuracy class, scaled exponentials and logarithms: against
-// the system's functions in long double, and C's values at zeros, infinities and NaN.
+// Complex logarithm, sine and cosine, powers by accuracy class: against the system's functions in long double, and C's
+// values at zeros, infinities and NaN.
 #include <gtest/gtest.h>
 #include <signal_tzm/elementary.h>
 
@@ -110,36 +110,6 @@ TEST(Powx, GoodBitsSpecialValuesAndTheLastOffender) {
   CheckPowx(ORVAS_Powx_64f_A26, 0x1p12);  // 53 - 12 good bits
   CheckPowx(ORVAS_Powx_64f_A50, 1);
   CheckPowx(ORVAS_Powx_64f_A53, 1);
-}
-
-template <class T>
-void CheckScaled(auto exp, auto log) {
-  using Limits = std::numeric_limits<T>;
-  std::vector<T> src = {700, 709, 710, 32767, Limits::max(), Limits::min()};
-  for (int x = 40; x >= -20; --x) src.push_back(static_cast<T>(x));
-  const auto len = static_cast<int32_t>(src.size());
-  std::vector<T> dst(src.size());
-  for (int exponent : {0, -3, -10, -20, 5, 60, 1000}) {
-    const double scale = std::ldexp(1.5, exponent - (exponent < 0));  // its mantissa is dropped toward 0
-    const auto expected = [&](long double value) {
-      const long double scaled = std::nearbyint(std::ldexp(value, -exponent));
-      return static_cast<T>(std::clamp<long double>(scaled, Limits::min(), Limits::max()));
-    };
-    ASSERT_EQ(exp(src.data(), dst.data(), len, scale), ORVA_STS_NO_ERR);
-    for (int32_t i = 0; i < len; ++i)  // beyond binary64 infinite, whatever the scale
-      ASSERT_EQ(dst[i], expected(src[i] > 709 ? HUGE_VALL : std::exp(static_cast<long double>(src[i])))) << src[i];
-    ASSERT_EQ(log(src.data(), dst.data(), len, scale), ORVA_STS_LN_NEG_WARN);  // the last one
-    for (int32_t i = 0; i < len; ++i)
-      ASSERT_EQ(dst[i], src[i] < 0 ? T(0) : expected(std::log(static_cast<long double>(src[i])))) << src[i];
-  }
-  EXPECT_EQ(log(src.data(), dst.data(), len - 20, 1), ORVA_STS_LN_ZERO_WARN);
-  src.resize(600, 2);  // the last offender blocks before the end
-  dst.resize(600);
-  EXPECT_EQ(log(src.data(), dst.data(), 600, 1), ORVA_STS_LN_NEG_WARN);
-}
-TEST(ScaledExpLog, RoundedOnceFromTheScaledValue) {
-  CheckScaled<Orva16s>(ORVAS_Exp_16s_S, ORVAS_Ln_16s_S);
-  CheckScaled<Orva32s>(ORVAS_Exp_32s_S, ORVAS_Ln_32s_S);
 }
 
 }  // namespace

@@ -95,7 +95,6 @@ TEST(FIRGen, TapsFollowTheFormulasAndNormalisedHaveUnitGain) {
 
 TEST(FIRGen, StatusesInTheirOrder) {
   FIRGenState* buffer = nullptr;
-  EXPECT_EQ(ORVAS_FIRGenInit_64f(4, nullptr), ORVA_STS_NULL_PTR_ERR);
   EXPECT_EQ(ORVAS_FIRGenInit_64f(4, &buffer), ORVA_STS_SIZE_ERR);
   for (int32_t size : {INT32_MAX, 89478485}) EXPECT_EQ(ORVAS_FIRGenInit_64f(size, &buffer), ORVA_STS_OVERFLOW_ERR);
   FailRequest(1);
@@ -110,8 +109,6 @@ TEST(FIRGen, StatusesInTheirOrder) {
     const auto status = [&](double low, double high, int32_t size = 8, int32_t window = 9) {
       return Design(shape, low, high, taps.data(), size, window, 0, buffer);
     };
-    EXPECT_EQ(Design(shape, 0, 0, nullptr, 4, 9, 0, buffer), ORVA_STS_NULL_PTR_ERR);
-    EXPECT_EQ(Design(shape, 0, 0, taps.data(), 4, 9, 0, nullptr), ORVA_STS_NULL_PTR_ERR);
     EXPECT_EQ(status(0.1, 0.2, 4), ORVA_STS_SIZE_ERR);
     for (double bad : {0.0, -0.1, 0.5, double{NAN}}) EXPECT_EQ(status(bad, 0.3), ORVA_STS_SIZE_ERR) << bad;
     const bool band = shape == kBandpass || shape == kBandstop;  // only these look at an upper frequency
@@ -125,7 +122,6 @@ TEST(FIRGen, StatusesInTheirOrder) {
     EXPECT_EQ(other, unscaled);
   }
   EXPECT_EQ(ORVAS_FIRGenRelease(buffer), 0);
-  EXPECT_EQ(ORVAS_FIRGenRelease(nullptr), 0);
 }
 
 }  // namespace

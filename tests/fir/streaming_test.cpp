@@ -10,7 +10,6 @@
 #include <complex>
 #include <cstring>
 
-#include "support/arguments.h"
 #include "support/compare.h"
 #include "support/faults.h"
 #include "support/guarded.h"
@@ -288,26 +287,12 @@ OrvaStatus Refused(const F& filter, P... parameters) {
   return status;
 }
 
-// Init of so many taps takes so many requests; null pointers and lengths of all calls.
-template <class F, class... P>
-void CheckCalls(const F& filter, int requests, int32_t taps_len, P... parameters) {
+// Init takes so many requests.
+template <class F>
+void ExpectRequests(const F& filter, int requests, int32_t taps_len, auto... parameters) {
   const std::vector<typename F::Tap> taps(taps_len);
-  typename F::State* state = nullptr;
-  CheckNulls(filter.init, taps.data(), 0, (parameters * 0 - 1)..., &state);
-  EXPECT_EQ(ForEachFault([&] {
-              typename F::State* made = nullptr;
-              const OrvaStatus status = filter.init(taps.data(), taps_len, parameters..., &made);
-              EXPECT_EQ(made == nullptr, status != 0);
-              filter.release(made);
-              return status;
-            }), requests) << filter.name << " " << taps_len;
-  ASSERT_EQ(filter.init(taps.data(), taps_len, parameters..., &state), 0);
-  std::vector<typename F::Sample> src(20), dst(30);
-  CheckNulls(filter.run, src.data(), dst.data(), 10, state, nullptr, nullptr);
-  EXPECT_EQ(filter.run(nullptr, dst.data(), 0, nullptr, nullptr, nullptr), ORVA_STS_NULL_PTR_ERR);
-  EXPECT_EQ(filter.run(src.data(), dst.data(), 0, nullptr, nullptr, nullptr), ORVA_STS_SIZE_ERR);
-  EXPECT_EQ(filter.release(state), 0);
-  EXPECT_EQ(filter.release(nullptr), 0);
+  const auto init = [&](auto** state) { return filter.init(taps.data(), taps_len, parameters..., state); };
+  EXPECT_EQ(ForEachFaultOfInit(init, filter.release), requests) << filter.name << " " << taps_len;
 }
 
 TEST(FIRSR, StatusesInTheirOrderAndTheRoute) {
@@ -329,11 +314,11 @@ TEST(FIRSR, StatusesInTheirOrderAndTheRoute) {
           << filter.name << " " << taps_len << " " << max_len << " " << algorithm;
     // Two blocks, and two plans for transforms.
     const int32_t limit = std::is_floating_point_v<Wide<typename F::Sample>> ? 95 : 31;
-    CheckCalls(filter, 2, limit, 5120, 0);
-    CheckCalls(filter, 2, limit + 1, 5119, 0);
-    CheckCalls(filter, 4, limit + 1, 5120, 0);
-    CheckCalls(filter, 2, limit + 1, 5120, 1);
-    CheckCalls(filter, 4, 1, 10, 2);
+    ExpectRequests(filter, 2, limit, 5120, 0);
+    ExpectRequests(filter, 2, limit + 1, 5119, 0);
+    ExpectRequests(filter, 4, limit + 1, 5120, 0);
+    ExpectRequests(filter, 2, limit + 1, 5120, 1);
+    ExpectRequests(filter, 4, 1, 10, 2);
   });
 }
 
@@ -353,7 +338,7 @@ TEST(FIRMR, StatusesInTheirOrder) {
     for (const auto& [r, status] : cases)
       EXPECT_EQ(Refused(filter, r.taps, r.up, r.up_phase, r.down, r.down_phase), status)
           << filter.name << " " << r.taps << " " << r.up << " " << r.down;
-    CheckCalls(filter, 2, 5, 3, 2, 2, 1);
+    ExpectRequests(filter, 2, 5, 3, 2, 2, 1);
     const typename F::Tap tap = {};
     typename F::Sample sample = {};
     FIRMRState* state = nullptr;

@@ -193,7 +193,7 @@ TEST_P(Frame, Values) {
     if (scaled) exponents.push_back(exponent);
   int32_t room = 0;
   std::optional<Caller> holder;  // of so much room
-  for (const Cases& some : member.cases)
+  for (const auto& some : member.cases)
     some([&](const Case& inputs) {
       if (inputs.len > room) holder.emplace(member, room = std::max(inputs.len, 1000));
       Caller& with = *holder;

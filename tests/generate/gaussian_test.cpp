@@ -5,7 +5,6 @@
 
 #include <cmath>
 
-#include "support/arguments.h"
 #include "support/compare.h"
 #include "support/faults.h"
 #include "support/guarded.h"
@@ -79,21 +78,12 @@ void Check(OrvaStatus (*init)(OrvaRandGaussState**, T, T, uint32_t),
       }
     }
   }
-  CheckNulls(init, &state, T(1), T(1), 5u);
-  EXPECT_EQ(ForEachFault([&] {
-    OrvaRandGaussState* made = nullptr;
-    const OrvaStatus status = init(&made, 1, 1, 5);
-    EXPECT_EQ(made == nullptr, status != ORVA_STS_NO_ERR);
-    release(made);  // nothing is a success
-    return status;
-  }), 1);
+  EXPECT_EQ(ForEachFaultOfInit([=](auto** made) { return init(made, 1, 1, 5); }, release), 1);
   ASSERT_EQ(init(&state, 1, 1, 5), ORVA_STS_NO_ERR);
   T x = 99;
-  CheckNulls(generate, &x, 0, state);
   EXPECT_EQ(generate(&x, 0, state), ORVA_STS_SIZE_ERR);
   EXPECT_EQ(x, 99);
   EXPECT_EQ(release(state), ORVA_STS_NO_ERR);
-  EXPECT_EQ(release(nullptr), ORVA_STS_NO_ERR);
 }
 
 #define GENERATOR(type) ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type, ORVAS_RandGaussRelease_##type

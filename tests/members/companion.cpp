@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "members.h"
-#include "support/random.h"
+#include "support/exact.h"
 
 namespace tzm_test {
 
@@ -40,6 +40,13 @@ constexpr Cases kAlone = [](auto run) {
     }
 };
 
+const Cases kTies = [](auto run) {
+  std::vector<Orva64f> src = {std::nextafter(0.5, 0), std::nextafter(0.5, 1), 1.25, 32767.5, -32768.5, 2147483648.0,
+                              -1e10, 1e300, -0x1.8p1023, 0x1p1023, INFINITY, -INFINITY, NAN};
+  for (double x = -8.5; x < 9; x += 0.5) src.push_back(x);
+  for (double mode : {0, 1}) run(Case(src).With({mode}));
+};
+
 const Rows rows("companion", {
     MEMBERS(ORVAS_Copy_16s, ORVAS_Copy_16sc, ORVAS_Copy_32f, ORVAS_Copy_32fc, ORVAS_Copy_64f, ORVAS_Copy_64fc,
             ORVAS_Move_16s, ORVAS_Move_32f, ORVAS_Convert_16s32f, ORVAS_Convert_32f64f, ORVAS_Convert_64f32f).Is(same),
@@ -56,7 +63,10 @@ const Rows rows("companion", {
         .Is([](auto z, At) { return std::pair(z.re, z.im); }),
     MEMBERS(ORVAS_RealToCplx_32f).Is([](float re, float im, At) { return Orva32fc{re, im}; }),
     MEMBERS(ORVAS_RealToCplx_64f).Is([](double re, double im, At) { return Orva64fc{re, im}; }),
-    MEMBERS(ORVAS_Convert_64f16s_S).Constants({{0}, {1}}).BadConstants({2}, ORVA_STS_ROUND_MODE_ERR),
+    MEMBERS(ORVAS_Convert_64f16s_S).Is([](double x, uint32_t mode, At at) {
+      const double scaled = x * at.Factor();
+      return RoundSaturate<Orva16s>(mode == 1 ? scaled : std::trunc(scaled));
+    }).On(kTies).Constants({{0}, {1}}).BadConstants({2}, ORVA_STS_ROUND_MODE_ERR),
     MEMBERS(ORVAS_Max_64f).Gives(largest<1, false>).On(kAlone<double, 1>),
     MEMBERS(ORVAS_Min_64f).Gives(largest<-1, false>).On(kAlone<double, -1>),
     MEMBERS(ORVAS_MaxAbs_32f).Gives(largest<1, true>).On(kAlone<float, 1>),

@@ -10,8 +10,8 @@ namespace {
 constexpr int32_t kDirect = 1, kFft = 2;
 
 // Both routes of every length pair: short, long and uneven sequences.
-template <class T>
-void ConvolutionDigest(auto init, auto run, auto release, Digest& digest) {
+template <class T, class... P>
+void Convolution(Digest& digest, OrvaStatus (*run)(const T*, P...), auto init, auto release) {
   for (int32_t route : {kDirect, kFft})
     for (Variety variety : {Variety::kModerate, Variety::kSpecial})
       for (int32_t len1 : {1, 10, 50, 150, 700})
@@ -19,15 +19,15 @@ void ConvolutionDigest(auto init, auto run, auto release, Digest& digest) {
           const auto src1 = RandomArray<T>(len1, 1, variety), src2 = RandomArray<T>(len2, 2, variety);
           std::vector<T> dst(len1 + len2 - 1);
           ConvState* state = nullptr;
-          digest.AddStatus(init(len1, len2, route, &state));
-          digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), state));
+          digest.Call(init, len1, len2, route, &state);
+          digest.Call(run, src1.data(), len1, src2.data(), len2, dst.data(), state);
           digest.Add(dst.data(), dst.size());
           release(state);
         }
 }
 
-template <class T>
-void AutocorrelationDigest(auto init, auto run, auto release, Digest& digest) {
+template <class T, class... P>
+void Autocorrelation(Digest& digest, OrvaStatus (*run)(const T*, P...), auto init, auto release) {
   for (int32_t route : {kDirect, kFft})
     for (Variety variety : {Variety::kModerate, Variety::kSpecial})
       for (int32_t len : {1, 5, 40, 77, 500})
@@ -35,15 +35,15 @@ void AutocorrelationDigest(auto init, auto run, auto release, Digest& digest) {
           const auto src = RandomArray<T>(len, 1, variety);
           std::vector<T> dst(dstLen);
           CorrState* state = nullptr;
-          digest.AddStatus(init(len, dstLen, route, &state));
-          digest.AddStatus(run(src.data(), len, dst.data(), dstLen, dstLen % 3, state));
+          digest.Call(init, len, dstLen, route, &state);
+          digest.Call(run, src.data(), len, dst.data(), dstLen, dstLen % 3, state);
           digest.Add(dst.data(), dst.size());
           release(state);
         }
 }
 
-template <class T>
-void CrossCorrelationDigest(auto init, auto run, auto release, Digest& digest) {
+template <class T, class... P>
+void CrossCorrelation(Digest& digest, OrvaStatus (*run)(const T*, P...), auto init, auto release) {
   for (int32_t route : {kDirect, kFft})
     for (Variety variety : {Variety::kModerate, Variety::kSpecial})
       for (int32_t len1 : {1, 6, 41, 300})
@@ -53,57 +53,39 @@ void CrossCorrelationDigest(auto init, auto run, auto release, Digest& digest) {
             std::vector<T> dst(len1 + len2);
             const int32_t dstLen = len1 + len2;
             CorrState* state = nullptr;
-            digest.AddStatus(init(len1, len2, dstLen, low, route, &state));
-            digest.AddStatus(run(src1.data(), len1, src2.data(), len2, dst.data(), dstLen, low, len2 % 3, state));
+            digest.Call(init, len1, len2, dstLen, low, route, &state);
+            digest.Call(run, src1.data(), len1, src2.data(), len2, dst.data(), dstLen, low, len2 % 3, state);
             digest.Add(dst.data(), dst.size());
             release(state);
           }
 }
 
-void BiasedDigest(Digest& digest) {
+void Biased(Digest& digest, auto run) {
   for (int32_t bias : {0, 5, -20})
     for (int32_t len2 : {1, 20, 100}) {
       const auto src1 = RandomArray<Orva32f>(90, 1), around = RandomArray<Orva32f>(len2 + 60, 2);
       std::vector<Orva32f> dst(150);
-      digest.AddStatus(ORVAS_ConvBiased_32f(src1.data(), 90, around.data() + 30, len2, dst.data(), 150, bias));
+      digest.Call(run, src1.data(), 90, around.data() + 30, len2, dst.data(), 150, bias);
       digest.Add(dst.data(), dst.size());
     }
 }
 
-#define CONVOLUTION(type)                                                                                     \
-  Member({"ORVAS_Convolve_" #type, "ORVAS_ConvInit_" #type, "ORVAS_ConvRelease_" #type}, [](Digest& digest) { \
-    ConvolutionDigest<Orva##type>(ORVAS_ConvInit_##type, ORVAS_Convolve_##type, ORVAS_ConvRelease_##type, digest); \
-  })
-#define AUTOCORRELATION(type)                                                                                 \
-  Member({"ORVAS_AutoCorrNorm_" #type, "ORVAS_AutoCorrInit_" #type, "ORVAS_CorrRelease_" #type},              \
-         [](Digest& digest) {                                                                                 \
-    AutocorrelationDigest<Orva##type>(ORVAS_AutoCorrInit_##type, ORVAS_AutoCorrNorm_##type,                   \
-                                      ORVAS_CorrRelease_##type, digest);                                      \
-  })
-#define CROSS_CORRELATION(type)                                                                               \
-  Member({"ORVAS_CrossCorrNorm_" #type, "ORVAS_CrossCorrInit_" #type}, [](Digest& digest) {                   \
-    CrossCorrelationDigest<Orva##type>(ORVAS_CrossCorrInit_##type, ORVAS_CrossCorrNorm_##type,                \
-                                       ORVAS_CorrRelease_##type, digest);                                     \
-  })
+#define CORRELATIONS(type)                                                                                      \
+  SCENARIO(Autocorrelation, ORVAS_AutoCorrNorm_##type, ORVAS_AutoCorrInit_##type, ORVAS_CorrRelease_##type),    \
+      SCENARIO(CrossCorrelation, ORVAS_CrossCorrNorm_##type, ORVAS_CrossCorrInit_##type, ORVAS_CorrRelease_##type)
 
 const Rows rows("correlate", {
-    CONVOLUTION(32f),
-    CONVOLUTION(64f),
-    Member({"ORVAS_ConvBiased_32f"}, BiasedDigest),
-    AUTOCORRELATION(32f),
-    AUTOCORRELATION(64f),
-    AUTOCORRELATION(32fc),
-    AUTOCORRELATION(64fc),
-    CROSS_CORRELATION(32f),
-    CROSS_CORRELATION(64f),
-    CROSS_CORRELATION(32fc),
-    CROSS_CORRELATION(64fc),
+    SCENARIO(Convolution, ORVAS_Convolve_32f, ORVAS_ConvInit_32f, ORVAS_ConvRelease_32f),
+    SCENARIO(Convolution, ORVAS_Convolve_64f, ORVAS_ConvInit_64f, ORVAS_ConvRelease_64f),
+    SCENARIO(Biased, ORVAS_ConvBiased_32f),
+    CORRELATIONS(32f),
+    CORRELATIONS(64f),
+    CORRELATIONS(32fc),
+    CORRELATIONS(64fc),
     // The order of summation is the CBLAS's own: no digest.
-    Member({"ORVAS_MMul_32f"}), Member({"ORVAS_MMul_64f"}), Member({"ORVAS_MMul_32fc"}), Member({"ORVAS_MMul_64fc"}),
+    Member("ORVAS_MMul_32f"), Member("ORVAS_MMul_64f"), Member("ORVAS_MMul_32fc"), Member("ORVAS_MMul_64fc"),
 });
-#undef CONVOLUTION
-#undef AUTOCORRELATION
-#undef CROSS_CORRELATION
+#undef CORRELATIONS
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-// Magnitude, power spectrum, phase and polar forms in their own sums, roots, angles and roundings; what the others
-// compute stands in tests/elementary.
+// Real functions: the companion's, and the statuses of the contract's scans. Magnitude, power spectrum, phase and polar
+// forms in their own sums, roots, angles and roundings. Complex functions and powers stand in tests/elementary.
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
 
@@ -12,6 +12,137 @@
 namespace tzm_test {
 
 namespace {
+
+// ---- Real functions ----
+
+constexpr OrvaStatus kDomain = ORVA_STS_DOMAIN_ERR;
+
+// The companion's function of every element, whatever the scan says.
+template <class Function, class Scan>
+struct Scanned {
+  Function* function;
+  Scan scan;
+  template <class T>
+  auto operator()(const std::vector<T>& x, const At& at) const {
+    std::vector<T> y(x.size());
+    scan(x, at);
+    function(at.len, x.data(), y.data());
+    return y;
+  }
+  template <class T>
+  auto operator()(const std::vector<T>& a, const std::vector<T>& b, const At& at) const {
+    std::vector<T> y(a.size());
+    scan(a, b, at);
+    function(at.len, a.data(), b.data(), y.data());
+    return y;
+  }
+};
+const auto noScan = [](const auto&...) {};
+
+// Looks at the first block of 128 bits, for the first condition before the second, and at what follows the last whole
+// block, where the last offender decides; the block prevails.
+auto Ends(auto first, OrvaStatus first_status, auto second, OrvaStatus second_status) {
+  return [=]<class T>(const std::vector<T>& x, const At& at) {
+    const int block = 16 / sizeof(T), whole = at.len / block * block;
+    for (int i = whole; i < at.len; ++i)
+      at.Note(first_status, first(x[i], true)), at.Note(second_status, second(x[i], true));
+    for (int i = 0; whole > 0 && i < block; ++i) at.Note(second_status, second(x[i], false));
+    for (int i = 0; whole > 0 && i < block; ++i) at.Note(first_status, first(x[i], false));
+  };
+}
+// The last numbers without a status; in binary32 they differ between block and tail.
+constexpr uint32_t kLast32[] = {0x42b17217, 0x42b17216, 0xc2aeac4f, 0xc2aeac4e};
+constexpr uint64_t kLast64[] = {0x40862e42fd75e204, 0xc086232bd9018e75};
+const auto exponential = Ends([](auto x, bool tail) {
+  if constexpr (sizeof x == 4) return x > std::bit_cast<float>(kLast32[tail]);
+  else return x > std::bit_cast<double>(kLast64[0]);
+}, ORVA_STS_OVERFLOW_ERR, [](auto x, bool tail) {
+  if constexpr (sizeof x == 4) return x < std::bit_cast<float>(kLast32[2 + tail]);
+  else return x < std::bit_cast<double>(kLast64[1]);
+}, ORVA_STS_UNDERFLOW_ERR);
+const auto logarithm = Ends([](auto x, bool) { return x == 0; }, ORVA_STS_SINGULARITY_ERR,
+                            [](auto x, bool) { return x < 0; }, kDomain);
+
+// Infinity counts in the tail; in the body two finite numbers do, of which one in the first part of a step only.
+template <class T>
+constexpr T kInFirstPart = sizeof(T) == 4 ? 0x1.fep+30 : 0x1.ffcp+62;
+template <class T>
+constexpr T kEverywhere = sizeof(T) == 4 ? 0x1.ffp+31 : 0x1.ffep+63;
+const auto tangent = []<class T>(const std::vector<T>& x, const At& at) {
+  const int step = sizeof(T) == 4 ? 16 : 4, part = sizeof(T) == 4 ? 8 : 4;
+  for (int i = 0; i < at.len; ++i) {
+    const bool body = i < at.len / step * step, first = x[i] == kInFirstPart<T> && i % step < part;
+    at.Note(kDomain, body ? x[i] == kEverywhere<T> || first : std::isinf(x[i]));
+  }
+};
+// The last block and the tail, in opposite senses.
+const auto power = []<class T>(const std::vector<T>& x, const std::vector<T>& y, const At& at) {
+  const int block = 16 / sizeof(T), whole = at.len / block * block;
+  for (int i = std::max(whole - block, 0); i < at.len; ++i) {
+    const bool integer = std::isfinite(y[i]) && y[i] == std::trunc(y[i]);
+    at.Note(kDomain, (x[i] == 0 && y[i] < 0) || (x[i] < 0 && integer == (i < whole)));
+  }
+};
+
+// Ones, among them any two of the sharp numbers anywhere.
+template <class T>
+void Sharp(const std::vector<T>& sharp, const RunCase& run) {
+  for (int len : {1, 2, 3, 4, 5, 9, 13, 35})
+    for (int at = 0; at < len; ++at)
+      for (T x : sharp)
+        for (T y : sharp) {
+          std::vector<T> src(len, T(1));
+          src[at] = x;
+          if (at + 1 < len) src[at % 2 == 0 ? at + 1 : len - 1] = y;
+          run(Case(src));
+        }
+}
+const auto kExponents = []<class T>(T, auto run) {
+  std::vector<T> sharp = {T(NAN), T(HUGE_VAL), T(-HUGE_VAL)};
+  if constexpr (sizeof(T) == 4)
+    for (uint32_t last : kLast32) sharp.insert(sharp.end(), {std::bit_cast<T>(last), std::bit_cast<T>(last + 1)});
+  else
+    for (uint64_t last : kLast64) sharp.insert(sharp.end(), {std::bit_cast<T>(last), std::bit_cast<T>(last + 1)});
+  Sharp(sharp, run);
+};
+const auto kSigns = []<class T>(T, auto run) { Sharp<T>({0, T(-0.0), -1, T(NAN)}, run); };
+const auto kInfinities = []<class T>(T, auto run) {
+  Sharp<T>({T(HUGE_VAL), T(-HUGE_VAL), T(NAN), 0, kInFirstPart<T>, kEverywhere<T>}, run);
+};
+const auto kPowers = []<class T>(T, auto run) {
+  for (size_t len : {1, 2, 4, 7, 13})
+    for (size_t at = 0; at < len; ++at)
+      for (T x : {T(-2), T(0), T(-0.0), T(NAN)})
+        for (double y : {2.0, -3.0, 0.0, -0.0, 1e30, 0.5, -2.5, HUGE_VAL, -HUGE_VAL, double(NAN), -1.0}) {
+          std::vector<T> base(len, T(1)), exponent = base;
+          base[at] = x, exponent[at] = static_cast<T>(y);
+          run(Case(base, exponent));
+        }
+};
+
+// Rounded once from the scaled value; beyond binary64 infinite, whatever the scale.
+template <class T>
+T ScaledOnce(long double value, At at) {
+  using Limits = std::numeric_limits<T>;
+  return static_cast<T>(std::clamp<long double>(std::nearbyint(std::ldexp(value, -at.exponent)), Limits::min(),
+                                                Limits::max()));
+}
+const auto scaledExponential = []<class T>(T x, At at) {
+  return ScaledOnce<T>(x > 709 ? HUGE_VALL : std::exp(static_cast<long double>(x)), at);
+};
+const auto scaledLogarithm = []<class T>(T x, At at) {
+  at.Note(ORVA_STS_LN_ZERO_WARN, x == 0);
+  return at.Note(ORVA_STS_LN_NEG_WARN, x < 0) ? T(0) : ScaledOnce<T>(std::log(static_cast<long double>(x)), at);
+};
+const auto kAllSizes = []<class T>(T, auto run) {
+  std::vector<T> src = {700, 709, 710, 32767, std::numeric_limits<T>::max(), std::numeric_limits<T>::min(), 0};
+  for (int x = 40; x >= -20; --x) src.push_back(static_cast<T>(x));
+  run(Case(src));
+  src.resize(600, 2);  // the last offender blocks before the end
+  run(Case(src));
+};
+
+// ---- Magnitudes and angles ----
 
 // value(re, im, At) for parts in two arrays, or in one.
 template <class F>
@@ -106,6 +237,24 @@ constexpr auto cartesian = [](auto mag, decltype(mag) phase, At) {
 };
 
 const Rows rows("elementary", {
+    MEMBERS(ORVAS_Exp_32f).Gives(Scanned(vsexp, exponential)).On(kExponents),
+    MEMBERS(ORVAS_Exp_64f).Gives(Scanned(vdexp, exponential)).On(kExponents),
+    MEMBERS(ORVAS_Ln_32f).Gives(Scanned(vsln, logarithm)).On(kSigns),
+    MEMBERS(ORVAS_Ln_64f).Gives(Scanned(vdln, logarithm)).On(kSigns),
+    MEMBERS(ORVAS_Log10_32f).Gives(Scanned(vslog10, logarithm)).On(kSigns),
+    MEMBERS(ORVAS_Log10_64f).Gives(Scanned(vdlog10, logarithm)).On(kSigns),
+    MEMBERS(ORVAS_Tan_32f).Gives(Scanned(vstan, tangent)).On(kInfinities),
+    MEMBERS(ORVAS_Tan_64f).Gives(Scanned(vdtan, tangent)).On(kInfinities),
+    MEMBERS(ORVAS_Pow_32f).Gives(Scanned(vspow, power)).On(kPowers),
+    MEMBERS(ORVAS_Pow_64f).Gives(Scanned(vdpow, power)).On(kPowers),
+    MEMBERS(ORVAS_Sin_32f).Gives(Scanned(vssin, noScan)), MEMBERS(ORVAS_Sin_64f).Gives(Scanned(vdsin, noScan)),
+    MEMBERS(ORVAS_Cos_32f).Gives(Scanned(vscos, noScan)), MEMBERS(ORVAS_Cos_64f).Gives(Scanned(vdcos, noScan)),
+    MEMBERS(ORVAS_Arctan_32f).Gives(Scanned(vsatan, noScan)),
+    MEMBERS(ORVAS_Arctan_64f).Gives(Scanned(vdatan, noScan)),
+    MEMBERS(ORVAS_Arctan2_32f).Gives(Scanned(vsatan2, noScan)),
+    MEMBERS(ORVAS_Arctan2_64f).Gives(Scanned(vdatan2, noScan)),
+    MEMBERS(ORVAS_Exp_16s_S, ORVAS_Exp_32s_S).Is(scaledExponential).On(kAllSizes),
+    MEMBERS(ORVAS_Ln_16s_S, ORVAS_Ln_32s_S).Is(scaledLogarithm).On(kAllSizes),
     // Looks at its length first, and hears of a failed allocation from the copy.
     MEMBERS(ORVAS_Exp_32f_I, ORVAS_Exp_64f_I).LengthFirst().Allocates(ORVA_STS_NULL_PTR_ERR),
     MEMBERS(ORVAS_Powx_32f_A11, ORVAS_Powx_32f_A21, ORVAS_Powx_32f_A24, ORVAS_Powx_64f_A26, ORVAS_Powx_64f_A50,

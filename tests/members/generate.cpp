@@ -178,6 +178,8 @@ constexpr auto windowed = []<class Sample>(const std::vector<Sample>& src, auto.
   if constexpr (sizeof...(rest) == 2) alpha = std::get<0>(given);
   const int len = static_cast<int>(src.size());
   const auto window = Window<Sample, std::conditional_t<kDouble<Sample>, double, float>>(kShape, len, alpha);
+  if constexpr (kShape == kKaiser)
+    std::get<1>(given).Note(ORVA_STS_KAISER_ALPHA_ERR, std::fabs(alpha) * (len - 1) > (kDouble<Sample> ? 616 : 76));
   std::vector<Sample> dst = src;
   const auto part = [&](auto& x, size_t i) {
     x = kShape == kHamming && i == 0 ? HammingEnd(x, kComplex) : Product(x, window[i]);
@@ -188,6 +190,12 @@ constexpr auto windowed = []<class Sample>(const std::vector<Sample>& src, auto.
       else part(*x, i);
     }
   return dst;
+};
+
+const auto kLargestAlpha = []<class T>(T, auto run) {
+  const double above = std::nextafter(-76.0f, -77.0f);
+  for (double alpha : {76.0, above, 616.0, std::nextafter(-616.0, -617.0), double{NAN}})
+    run(Case(RandomArray<T>(2, 1)).With({alpha}));
 };
 
 // ---- Tones ----
@@ -225,6 +233,7 @@ constexpr auto tone = [](auto magn, auto frequency, auto phase, At at) {
   using Part = std::conditional_t<std::is_integral_v<Magnitude>, Orva16s, decltype(phase)>;
   constexpr bool kComplex = SampleOf<Sample>().parts == 2;
   std::vector<Sample> dst(static_cast<size_t>(at.len));
+  if (at.Note(ORVA_STS_RANGE_ERR, phase < 0 || phase >= static_cast<decltype(phase)>(kTwoPi))) return dst;
   for (int quarter = 0; quarter < (kComplex ? 2 : 1); ++quarter) {
     const auto values = Sinusoid(at.len, std::is_integral_v<Magnitude> ? 4 : 2, frequency * kTwoPi, phase, quarter);
     for (size_t n = 0; n < dst.size(); ++n) {
@@ -237,8 +246,9 @@ constexpr auto tone = [](auto magn, auto frequency, auto phase, At at) {
 };
 template <class Real, bool kComplex, auto... magnitudes>
 constexpr Cases kTones = [](auto run) {
+  constexpr Real kTurn = static_cast<Real>(kTwoPi);
   for (int len = 1; len < 140; len += len < 20 ? 1 : 13)
-    for (Real phase : {Real(0), Real(1.25), Real(6.2831850), Real(NAN)})
+    for (Real phase : {Real(0), Real(1.25), std::nextafter(kTurn, Real(0)), kTurn, Real(-1e-9), Real(NAN)})
       for (double frequency : {0.0, 0.017, 0.4999, kComplex ? 0.97 : 0.3, double(NAN)})
         for (double magn : {double(magnitudes)...})
           run(Case(std::vector<Real>{phase}).With({magn, frequency}).Length(len));
@@ -269,23 +279,19 @@ constexpr Cases kChirps = [](auto run) {
 // ---- Noise ----
 
 template <class T, class State>
-void DigestNoise(Digest& digest, OrvaStatus (*init)(State**, T, T, uint32_t),
-                 OrvaStatus (*generate)(T*, int32_t, const State*), OrvaStatus (*release)(State*)) {
+void Noise(Digest& digest, OrvaStatus (*generate)(T*, int32_t, const State*), auto init, auto release) {
   for (int32_t len : {1, 4, 7, 8, 9, 500}) {
     State* state = nullptr;
-    init(&state, 100, 80, static_cast<uint32_t>(len));
+    digest.make([&] { return init(&state, 100, 80, static_cast<uint32_t>(len)); });
     std::vector<T> dst(static_cast<size_t>(len));
-    digest.AddStatus(generate(dst.data(), len, state));
+    digest.Call(generate, dst.data(), len, state);
     digest.Add(dst.data(), dst.size());
     release(state);
   }
 }
 
-#define NOISE(type)                                                                                            \
-  Member({"ORVAS_RandGauss_" #type, "ORVAS_RandGaussInit_" #type, "ORVAS_RandGaussRelease_" #type},            \
-         [](Digest& digest) {                                                                                  \
-    DigestNoise(digest, ORVAS_RandGaussInit_##type, ORVAS_RandGauss_##type, ORVAS_RandGaussRelease_##type);    \
-  })
+#define NOISE(type) \
+  SCENARIO(Noise, ORVAS_RandGauss_##type, ORVAS_RandGaussInit_##type, ORVAS_RandGaussRelease_##type)
 
 // Magnitude and frequency, which real tones take below 0.5 and complex ones below 1.
 #define TONE(type, bound, ...)                                                          \
@@ -309,16 +315,13 @@ const Rows rows("generate", {
     WINDOW(Blackman, kBlackman, 3).Constants({{-0.16}, {0.3}, {-20}}),
     WINDOW(BlackmanStd, kBlackman, 3),
     WINDOW(BlackmanOpt, kBlackmanOpt, 4),
-    MEMBERS(PART(Kaiser, 16s), PART(Kaiser, 32f)).Gives(windowed<kKaiser>).Constants({{1e-6}, {0.01}, {-0.05}})
-        .BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
-    MEMBERS(PART(Kaiser, 64f)).Gives(windowed<kKaiser>).Constants({{1e-6}, {0.01}, {-0.05}})
-        .BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBERS(PART(Kaiser, 16s), PART(Kaiser, 32f)).Gives(windowed<kKaiser>).On(kLargestAlpha)
+        .Constants({{1e-6}, {0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
+    MEMBERS(PART(Kaiser, 64f)).Gives(windowed<kKaiser>).On(kLargestAlpha)
+        .Constants({{1e-6}, {0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
     TONE(16s, 0.5, float, false, 32767), TONE(32f, 0.5, float, false, 1.75f), TONE(64f, 0.5, double, false, 1e3),
     TONE(16sc, 1, float, true, 1001), TONE(32fc, 1, float, true, 1e-3f), TONE(64fc, 1, double, true, 0.1, NAN),
-    NOISE(8u),
-    NOISE(16s),
-    NOISE(32f),
-    NOISE(64f),
+    NOISE(8u), NOISE(16s), NOISE(32f), NOISE(64f),
     JAEHNE(ORVAS_VectorJaehne_8u).On(kChirps<0, 255>), JAEHNE(ORVAS_VectorJaehne_16u).On(kChirps<0, 65535>),
     JAEHNE(ORVAS_VectorJaehne_16s).On(kChirps<32767>).BadConstants({-1}, ORVA_STS_RANGE_ERR),
     JAEHNE(ORVAS_VectorJaehne_32s).On(kChirps<2147483647>).BadConstants({-1}, ORVA_STS_RANGE_ERR),

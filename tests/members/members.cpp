@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <optional>
 #include <set>
+#include <sstream>
 
 namespace tzm_test {
 
@@ -74,6 +75,13 @@ void Member::Describe(const Role* roles, const Sample* samples, size_t n) {
     if (argument.role == Role::kDst && !Twin().empty()) argument.role = Role::kSrcDst;
     arguments.push_back(argument);
   }
+}
+
+std::vector<std::string> Names(const std::string& list) {
+  std::vector<std::string> names;
+  std::istringstream stream(list);
+  for (std::string name; std::getline(stream >> std::ws, name, ',');) names.push_back(name);
+  return names;
 }
 
 bool Member::Has(Role role) const {

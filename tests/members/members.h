@@ -8,7 +8,6 @@
 #include <array>
 #include <functional>
 #include <initializer_list>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -51,7 +50,11 @@ struct Case {
   int32_t len = 0;
   bool no_mask = false;
 };
-using Cases = void (*)(const std::function<void(const Case&)>& run);
+using RunCase = std::function<void(const Case&)>;
+using Cases = void (*)(const RunCase& run);
+
+// The names in a list with commas.
+std::vector<std::string> Names(const std::string& list);
 
 class Member {
  public:
@@ -69,10 +72,10 @@ class Member {
   }
 
   // A row for operations that work together on a state object, or whose arrays differ in length: `run` calls them
-  // over fixed inputs and hands statuses and outputs to the digest; without it there is no digest. The first name is
-  // the one the row goes by.
-  Member(std::initializer_list<const char*> names, void (*run)(Digest&) = nullptr)
-      : name(*names.begin()), covers(names.begin(), names.end()), scenario(run), exact(run != nullptr) {}
+  // over fixed inputs and hands statuses and outputs to the digest; without it there is no digest. The first of the
+  // names is the one the row goes by.
+  explicit Member(const char* names, void (*run)(Digest&) = nullptr)
+      : name(Names(names)[0]), covers(Names(names)), scenario(run), exact(run != nullptr) {}
 
   bool IsScenario() const { return invoke == nullptr; }
   bool Has(Role role) const;
@@ -95,7 +98,7 @@ class Member {
     OrvaStatus status;
   };
   Oracle oracle;
-  std::vector<Cases> cases;
+  std::vector<std::function<void(const RunCase&)>> cases;
   std::vector<std::vector<double>> constants;
   std::vector<BadSet> bad_constants;
   double start = -77;
@@ -120,13 +123,7 @@ class Members : public MemberList {
  public:
   // Of several functions, their names in a list with commas.
   explicit Members(const char* names, F*... functions) : MemberList(std::vector<Member>()) {
-    std::istringstream list(names);
-    const auto next = [&] {
-      std::string name;
-      std::getline(list >> std::ws, name, ',');
-      return name;
-    };
-    (rows.push_back(Member(next(), functions)), ...);
+    (rows.push_back(Member(Names(names)[rows.size()], functions)), ...);
   }
 
   // What each element is: oracle(elements and constants in the order of the call..., At).
@@ -141,8 +138,15 @@ class Members : public MemberList {
     ((rows[i++].oracle = OracleOf<F>::ForArrays(oracle)), ...);
     return *this;
   }
-  // Inputs beside those of the frame test.
-  Members& On(Cases some) { return Each([=](Member& row) { row.cases.push_back(some); }); }
+  // Inputs beside those of the frame test: some(run), or some(T(), run) with the elements' type.
+  Members& On(auto some) {
+    size_t i = 0;
+    (rows[i++].cases.push_back([=](const RunCase& run) {
+      if constexpr (requires { some(run); }) some(run);
+      else some(typename OracleOf<F>::Element(), run);
+    }), ...);
+    return *this;
+  }
   // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
   Members& Constants(std::initializer_list<std::initializer_list<double>> sets) {
     return Each([=](Member& row) { row.constants.assign(sets.begin(), sets.end()); });
@@ -182,6 +186,10 @@ class Members : public MemberList {
 
 #define MEMBERS(...) MEMBERS_NAMED(__VA_ARGS__)
 #define MEMBERS_NAMED(...) tzm_test::Members(#__VA_ARGS__, __VA_ARGS__)
+// A row of operations that work together, by run(digest, operations...).
+#define SCENARIO(run, ...) SCENARIO_NAMED(run, __VA_ARGS__)
+#define SCENARIO_NAMED(run, ...) \
+  tzm_test::Member(#__VA_ARGS__, [](tzm_test::Digest& digest) { run(digest, __VA_ARGS__); })
 
 // A file of rows: `static const Rows rows("arith", {MEMBERS(...), ...});`. Operations on arrays of one length that have
 // nothing to tell need none: they are found in the headers; an in-place twin takes the options of its other form.

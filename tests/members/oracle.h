@@ -117,6 +117,8 @@ struct OracleOf<OrvaStatus(A...)> {
       if (kRoles[k] == role && nth-- == 0) return k;
     return kRoles.size();
   }
+  static constexpr bool kNoSource = Nth(Role::kSource, 0) == kRoles.size();
+  using Element = ElementOf<Type<Nth(kNoSource ? Role::kDst : Role::kSource, 0)>>;  // of the first array
   static constexpr size_t kLengthAt = Nth(Role::kLength, 0), kScaleAt = Nth(Role::kScale, 0),
                           kSecondAt = Nth(Role::kScale, 1);
 

@@ -206,6 +206,98 @@ constexpr auto second = [](auto oracle) {
   return [=](const auto&... arguments) { return oracle(arguments...).second; };
 };
 
+// ---- Sums of logarithms ----
+
+constexpr double kLn2 = 0x1.62e42fefa39efp-1;
+
+// ln(1 + i/256) rounded to binary64; NaN if the long double is not farther from a tie than its own error.
+double TableLn(int i) {
+  const long double exact = std::log(1 + i / 256.0L);
+  const double rounded = static_cast<double>(exact);
+  const long double half = (std::nextafter(rounded, 1.0) - static_cast<long double>(rounded)) / 2;
+  const long double error = exact * 4 * std::numeric_limits<long double>::epsilon();
+  return i == 0 || (error < half / 8 && half - std::fabs(exact - rounded) > error) ? rounded : NAN;
+}
+
+// The fields of a positive sample: a subnormal is read as if it had a leading one, a NaN as 1.5 beyond the largest.
+struct Reduced {
+  double head;      // with the exponent as 32 bits without a sign
+  double recip;
+  double remainder; // of the fraction, from 0 to 2^-8
+  double offset;
+  template <class T>
+  explicit Reduced(T x) {
+    static const auto table = [] {
+      std::array<double, 255> rows;
+      for (int row = 0; row < 255; ++row) rows[row] = TableLn(row);
+      return rows;
+    }();
+    using Limits = std::numeric_limits<T>;
+    int exponent = Limits::max_exponent + 1;
+    double fraction = std::isnan(x) ? 0.5 : 0;
+    if (std::isnormal(x)) fraction = 2 * std::frexp(x, &exponent) - 1;
+    else if (std::isfinite(x)) exponent = Limits::min_exponent - 1, fraction = std::ldexp(x, 1 - Limits::min_exponent);
+    const int i = static_cast<int>(fraction * 256);
+    const double wrapped = exponent - 1 < 0 ? exponent - 1 + 0x1p32 : exponent - 1;
+    head = std::fma(wrapped, kLn2, i == 255 ? kLn2 : table[i]);
+    recip = i == 255 ? 0.5 : 1 / (1 + i / 256.0);
+    remainder = fraction - i / 256.0;
+    offset = i == 255 ? -0x1p-9 : 0;
+  }
+};
+
+// The remainder is rounded after the product and after the offset, or once after both.
+template <bool kOnce>
+constexpr auto ln32 = [](float x) {
+  const Reduced part(x);
+  const float scaled = static_cast<float>(part.remainder * part.recip);
+  const float t = kOnce ? static_cast<float>(std::fma(part.remainder, part.recip, part.offset))
+                        : scaled + static_cast<float>(part.offset);
+  return static_cast<float>(part.head + t * std::fma(t, std::fma(t, 0.33333334f, -0.5f), 1.0f));
+};
+const auto ln64 = [](double x) {
+  const Reduced part(x);
+  const double remainder = static_cast<float>(1 + part.remainder) - 1.0f;
+  const double t = std::fma(remainder, part.recip, part.offset), u = t * t;
+  const double p = std::fma(u, std::fma(u, std::fma(u, 0.14285714285714288, 0.2), 0.3333333333333333), 1.0);
+  const double q = std::fma(u, std::fma(u, std::fma(u, -0.125, -0.16666666666666666), -0.25), -0.5);
+  return part.head + std::fma(t, p, u * q);
+};
+const auto lnHead = [](float x) { return Reduced(double{x}).head; };
+
+// NaN where a logarithm above 1 errs by more than `error`.
+template <class Ln>
+auto Logarithms(Ln ln, double error) {
+  return [=]<class T>(const std::vector<T>& src, At at) {
+    decltype(ln(T())) sum = 0;
+    for (T x : src) {
+      at.Note(ORVA_STS_LN_ZERO_WARN, x == 0), at.Note(ORVA_STS_LN_NEG_WARN, x < 0);
+      sum += x == 0 ? -INFINITY : x < 0 ? NAN : ln(x);
+      if (x >= 1 && x < 256 && !(std::fabs(ln(x) - std::log(static_cast<long double>(x))) <= error)) sum = NAN;
+    }
+    return sum;
+  };
+}
+// Positive samples of every size, singly each row of the table and what is read in an odd way.
+const auto kLogarithms = []<class T>(T, auto run) {
+  using Limits = std::numeric_limits<T>;
+  Random random(1);
+  std::vector<T> src;
+  for (int round = 0; round < 800; ++round) {
+    src.resize(1 + round / 20);
+    for (T& x : src) {
+      const int exponent = static_cast<int>(round % 2 == 0 ? random.Below(4) : random.Below(250) - 125);
+      if constexpr (std::is_integral_v<T>) x = static_cast<T>(1 + random.Below(32767));
+      else x = static_cast<T>(std::ldexp(1 + random.Unit(), exponent));
+    }
+    run(Case(src));
+  }
+  src = {Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN(), -Limits::quiet_NaN(), Limits::min() / 2, T(0.5)};
+  for (int row = 0; row < 256; ++row) src.push_back(static_cast<T>(1 + row / 256.0));
+  for (T x : src) run(Case(std::vector{x}));
+  for (const auto& last : std::vector<std::vector<T>>{{0, 1, -1}, {-1, 0, 3}, {2, T(-0.0), 0}}) run(Case(last));
+};
+
 // ---- Norms ----
 
 // A norm of one array, or of the differences of two.
@@ -492,7 +584,10 @@ const Rows rows("reduce", {
     MEMBERS(ORVAS_StdDev_64f).Gives(second(meanDeviation)).MinLength(2).LengthFirst(2),
     MEMBERS(ORVAS_MeanStdDev_32f).Gives(meanDeviation).Constants({{0}, {1}, {-1}}).MinLength(2).LengthFirst(3),
     MEMBERS(ORVAS_MeanStdDev_64f).Gives(meanDeviation).MinLength(2).LengthFirst(3),
-    MEMBERS(ORVAS_SumLn_32f64f).Allocates(ORVA_STS_NULL_PTR_ERR),
+    MEMBERS(ORVAS_SumLn_32f).Gives(Logarithms(ln32<false>, 0x1p-22)).On(kLogarithms),
+    MEMBERS(ORVAS_SumLn_64f).Gives(Logarithms(ln64, 0x1p-24)).On(kLogarithms),
+    MEMBERS(ORVAS_SumLn_16s32f).Gives(Logarithms(ln32<true>, 0x1p-22)).On(kLogarithms),
+    MEMBERS(ORVAS_SumLn_32f64f).Gives(Logarithms(lnHead, 0x1p-8)).On(kLogarithms).Allocates(ORVA_STS_NULL_PTR_ERR),
 
     MEMBERS(ORVAS_Norm_Inf_32f, ORVAS_Norm_Inf_64f).Gives(largestOfAll),
     MEMBERS(ORVAS_NormDiff_Inf_32f).Gives(Of<Orva32f>(largest<4>)).On(kOneNan<Orva32f>),

@@ -4,15 +4,15 @@
 
 namespace tzm_test {
 
-static const Rows rows("frame", {
-    Member({"ORVAS_GetFFTNumberThreads", "ORVAS_SetFFTNumberThreads"}, [](Digest& digest) {
-      for (int32_t count : {3, 0, -1, 1, 8}) {
-        digest.AddStatus(ORVAS_SetFFTNumberThreads(count));
-        int32_t threads = 0;
-        digest.AddStatus(ORVAS_GetFFTNumberThreads(&threads));
-        digest.Add(&threads, 1);
-      }
-    }),
-});
+static void Count(Digest& digest, auto get, auto set) {
+  for (int32_t count : {3, 0, -1, 1, 8}) {
+    int32_t threads = 0;
+    digest.Call(set, count);
+    digest.Call(get, &threads);
+    digest.Add(&threads, 1);
+  }
+}
+
+static const Rows rows("frame", {SCENARIO(Count, ORVAS_GetFFTNumberThreads, ORVAS_SetFFTNumberThreads)});
 
 }  // namespace tzm_test

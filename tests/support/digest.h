@@ -1,7 +1,10 @@
 // A 64-bit digest of outputs (FNV-1a), in which all NaNs of a type are the same.
 #pragma once
 
+#include <signal_tzm/status.h>
+
 #include <cstdint>
+#include <functional>
 
 #include "sample.h"
 
@@ -15,6 +18,9 @@ class Digest {
     Add(SampleOf<T>(), data, n);
   }
   void AddStatus(int32_t status) { Add(&status, 1); }
+  // Makes a call and adds its status; a test that runs a scenario may make it in its own way.
+  void Call(auto f, auto... arguments) { AddStatus(make([&] { return f(arguments...); })); }
+  std::function<OrvaStatus(const std::function<OrvaStatus()>&)> make = [](const auto& call) { return call(); };
   uint64_t Value() const { return value_; }
 
  private:

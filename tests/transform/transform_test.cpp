@@ -14,7 +14,6 @@
 #include <thread>
 #include <utility>
 
-#include "support/arguments.h"
 #include "support/compare.h"
 #include "support/faults.h"
 #include "support/guarded.h"
@@ -271,28 +270,15 @@ TYPED_TEST(Specs, Statuses) {
     return F::kByOrder ? ORVA_STS_FFT_ORDER_ERR : length < 1 ? ORVA_STS_SIZE_ERR : ORVA_STS_MEM_ALLOC_ERR;
   };
   for (Kind kind : kKinds) {
-    EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, Init<F>(kind, -1, 1, 9, nullptr));
     for (int32_t length : {-1, INT32_MIN, 134217729}) EXPECT_EQ(bad(length), Init<F>(kind, length, 1, 9, &spec));
     EXPECT_EQ(F::kByOrder ? ORVA_STS_FFT_ORDER_ERR : ORVA_STS_FFT_FLAG_ERR, Init<F>(kind, 28, 1, 9, &spec));
     for (int32_t flag : {0, 5, -1}) EXPECT_EQ(ORVA_STS_FFT_FLAG_ERR, Init<F>(kind, 8, 1, flag, &spec));
-    EXPECT_EQ(2, ForEachFault([&] {
-      EXPECT_EQ(untouched, spec);
-      const OrvaStatus status = Init<F>(kind, 5, 1, 1, &spec);
-      EXPECT_EQ(status == ORVA_STS_NO_ERR, spec != untouched);
-      if (spec != untouched) F::kReleases[kind](std::exchange(spec, untouched));
-      return status;
-    }));
-    EXPECT_EQ(ORVA_STS_NO_ERR, F::kReleases[kind](nullptr));
+    EXPECT_EQ(untouched, spec);
+    EXPECT_EQ(2, ForEachFaultOfInit([=](auto** made) { return Init<F>(kind, 5, 1, 1, made); }, F::kReleases[kind]));
   }
 
-  typename F::C bins[2][8] = {};
   typename F::Real reals[4][18] = {};
   ASSERT_EQ(ORVA_STS_NO_ERR, Init<F>(kComplex, 3, 1, 1, &spec));
-  CheckNulls(F::kComplexRun, bins[0], bins[1], spec);
-  CheckNulls(F::kInPlaceRun, bins[0], spec);
-  CheckNulls(F::kSplitRun, reals[0], reals[1], reals[2], reals[3], spec);
-  CheckNulls(F::kForwardRun, reals[0], reals[1], spec);
-  CheckNulls(F::kBackRun, reals[0], reals[1], spec);
   struct Fields {  // with which a spec begins
     void* plan;
     int32_t len;
@@ -355,7 +341,6 @@ TEST(Spectra, ThreadCount) {
   for (const char* text : {"", "0", "-3", "abc", "4294967296"}) EXPECT_EQ(8, got(text));
   EXPECT_EQ(5, got(" 5x"));
   EXPECT_EQ(1, got("4294967297"));
-  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_GetFFTNumberThreads(nullptr));
   EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_SetFFTNumberThreads(4));
   for (int32_t bad : {0, -1}) EXPECT_EQ(ORVA_STS_BAD_ARG_ERR, ORVAS_SetFFTNumberThreads(bad));
   EXPECT_STREQ("4", getenv(variable));
@@ -372,20 +357,7 @@ TEST(Specs, AnFftOfOneSampleDividesThreeReals) {
   ORVAS_FFTRToCRelease_32f(spec);
 }
 
-// ---- Shift, chirp-Z, Goertzel, Hilbert ----
-
-TEST(Spectra, Shift) {
-  const auto check = []<class T>(OrvaStatus (*shift)(const T*, T*, int32_t)) {
-    for (size_t n = 1; n < 70; ++n) {
-      const auto src = RandomArray<T>(n, n, Variety::kWide);
-      std::vector<T> expected(src), dst(n);
-      std::rotate(expected.begin(), expected.begin() + static_cast<ptrdiff_t>((n + 1) / 2), expected.end());
-      EXPECT_EQ(ORVA_STS_NO_ERR, shift(src.data(), dst.data(), static_cast<int32_t>(n)));
-      EXPECT_TRUE(SameBits("FFTShift", expected.data(), dst.data(), n));
-    }
-  };
-  check(ORVAS_FFTShift_32f), check(ORVAS_FFTShift_64f), check(ORVAS_FFTShift_32fc), check(ORVAS_FFTShift_64fc);
-}
+// ---- Chirp-Z, Hilbert ----
 
 TEST(Spectra, ChirpZ) {
   const auto powers = [](Wide z, size_t count) {
@@ -409,7 +381,6 @@ TEST(Spectra, ChirpZ) {
     }
     const S src[4] = {};
     C dst[4] = {{77, 0}};
-    CheckNulls(chirp, src, 4, dst, 4, w, a);
     const int32_t most = INT32_MAX, limit = sizeof(Real) == 4 ? 0x8000000 : 0x4000000;  // of the transform
     for (auto [srcLen, dstLen] : {std::pair{0, most}, {most, 0}})
       EXPECT_EQ(ORVA_STS_SIZE_ERR, chirp(src, srcLen, dst, dstLen, w, a));
@@ -428,59 +399,6 @@ TEST(Spectra, ChirpZ) {
   check(ORVAS_CZT_32f), check(ORVAS_CZT_64f), check(ORVAS_CZT_32fc), check(ORVAS_CZT_64fc);
 }
 
-// The told order, one lane at a time.
-template <class C, class S>
-C PlainGoertzel(const std::vector<S>& src, double frequency) {
-  using Real = decltype(C::re);
-  constexpr size_t kLanes = 16 / sizeof(Real);
-  const double theta = 6.283185307179586 * frequency, s = std::sin(theta), c = std::cos(theta);
-  const double c2 = std::fma(2 * c, c, -1.0), s2 = 2 * s * c, c3 = std::fma(4 * c, c, -3.0) * c,
-               s3 = std::fma(-4 * s, s, 3.0) * s, c4 = std::fma(2 * c2, c2, -1.0), s4 = 2 * s2 * c2;
-  const Real laneCos[] = {1, Real(c), Real(c2), Real(c3)}, laneSin[] = {0, Real(s), Real(s2), Real(s3)};
-  const Real stepCos = Real(kLanes == 4 ? c4 : c2), stepSin = Real(kLanes == 4 ? s4 : s2);
-  const auto at = [&](size_t i) -> C {
-    if constexpr (std::is_same_v<S, C>) return i < src.size() ? src[i] : C{0, 0};
-    else return {i < src.size() ? src[i] : 0, 0};
-  };
-  C lanes[4];
-  for (size_t lane = 0; lane < kLanes; ++lane) {
-    size_t i = src.size() / kLanes * kLanes + lane;
-    C z = at(i);
-    while (i >= kLanes) {
-      const C x = at(i -= kLanes);
-      z = {std::fma(z.im, stepSin, std::fma(z.re, stepCos, x.re)),
-           std::fma(-z.re, stepSin, std::is_same_v<S, C> ? std::fma(z.im, stepCos, x.im) : z.im * stepCos)};
-    }
-    lanes[lane] = {std::fma(z.im, laneSin[lane], z.re * laneCos[lane]),
-                   std::fma(-z.re, laneSin[lane], z.im * laneCos[lane])};
-  }
-  const auto sum = [](C a, C b) { return C{a.re + b.re, a.im + b.im}; };
-  return kLanes == 2 ? sum(lanes[0], lanes[1]) : sum(sum(lanes[0], lanes[1]), sum(lanes[2], lanes[3]));
-}
-
-TEST(Spectra, Goertzel) {
-  const auto check = []<class S, class C, class Real>(OrvaStatus (*goertzel)(const S*, int32_t, C*, Real)) {
-    C bin;
-    for (size_t n = 1; n < 40; ++n) {
-      const auto src = RandomArray<S>(n, n);
-      for (Real frequency : {Real(0), Real(0.123), Real(0.25), Real(0.9)}) {
-        EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(src.data(), static_cast<int32_t>(n), &bin, frequency));
-        const C expected = PlainGoertzel<C>(src, frequency);
-        EXPECT_TRUE(SameBits("Goertz", &expected, &bin, 1)) << n;
-        Wide sum = 0;
-        for (size_t i = 0; i < n; ++i) sum += Widen(src)[i] * Turn(-static_cast<long double>(frequency) * i);
-        EXPECT_LE(std::abs(sum - Wide(bin.re, bin.im)), 60 * std::numeric_limits<Real>::epsilon() * n);
-      }
-    }
-    S one[1] = {};
-    reinterpret_cast<Real*>(one)[0] = 3;
-    EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(one, 1, &bin, Real(-0.0)));
-    EXPECT_EQ(3, bin.re);
-    EXPECT_EQ(ORVA_STS_NO_ERR, goertzel(one, 1, &bin, std::numeric_limits<Real>::quiet_NaN()));
-  };
-  check(ORVAS_Goertz_32f), check(ORVAS_Goertz_64f), check(ORVAS_Goertz_32fc), check(ORVAS_Goertz_64fc);
-}
-
 TEST(Spectra, Hilbert) {
   OrvaHilbertSpec *const untouched = reinterpret_cast<OrvaHilbertSpec*>(1), *spec = untouched;
   for (int32_t len : {1, 2, 3, 4, 5, 16, 31, 64}) {
@@ -494,19 +412,13 @@ TEST(Spectra, Hilbert) {
     ExpectNear<Orva32f>(Definition(bins, 1), dst, 4);
     EXPECT_EQ(ORVA_STS_LEN_MISMATCH_ERR, ORVAS_Hilbert_32f32fc(src.data(), dst.data(), len + 1, spec));
     EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_Hilbert_32f32fc(src.data(), dst.data(), 0, spec));
-    CheckNulls(ORVAS_Hilbert_32f32fc, src.data(), dst.data(), len, std::as_const(spec));
     EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(std::exchange(spec, untouched)));
   }
-  EXPECT_EQ(ORVA_STS_NO_ERR, ORVAS_HilbertRelease_32f32fc(nullptr));
-  EXPECT_EQ(ORVA_STS_NULL_PTR_ERR, ORVAS_HilbertInit_32f32fc(0, nullptr));
   EXPECT_EQ(ORVA_STS_SIZE_ERR, ORVAS_HilbertInit_32f32fc(0, &spec));
   for (int32_t len : {0x8000001, INT32_MAX}) EXPECT_EQ(ORVA_STS_MEM_ALLOC_ERR, ORVAS_HilbertInit_32f32fc(len, &spec));
-  EXPECT_EQ(3, ForEachFault([&] {
-    EXPECT_EQ(untouched, spec);
-    const OrvaStatus status = ORVAS_HilbertInit_32f32fc(12, &spec);
-    if (status == ORVA_STS_NO_ERR) ORVAS_HilbertRelease_32f32fc(std::exchange(spec, untouched));
-    return status;
-  }));
+  EXPECT_EQ(untouched, spec);
+  const auto init = [](auto** made) { return ORVAS_HilbertInit_32f32fc(12, made); };
+  EXPECT_EQ(3, ForEachFaultOfInit(init, ORVAS_HilbertRelease_32f32fc));
 }
 
 // ---- Welch ----
@@ -549,7 +461,6 @@ TEST(Spectra, Welch) {
     }
     const Real zeros[8] = {};
     Real dst[20] = {77};
-    CheckNulls(welch, src.data(), nullptr, dst, 20, 0, 8, 0.5);
     struct { int32_t srcLen, nfft, winLen; double overlap; } refused[] = {
         {0, 0, 8, 0.5}, {20, 0, 0, 0.5}, {20, 0, 1, 0.5}, {7, 0, 8, 0.5}, {20, 9, 8, 0.5}, {0x40000000, 0, 8, 0.5},
         {0x3fffffff, 0, sizeof(Real) == 4 ? 0x10000000 : 0x8000000, 0.5}, {20, 0, 8, 0}, {20, 0, 8, -1},
