@@ -206,16 +206,6 @@ TEST_P(Frame, Values) {
     });
 }
 
-TEST_P(Frame, EveryConstantAndScale) {
-  const size_t scales = member.Has(Role::kScale) ? std::size(kScales) : 1;
-  for (size_t constants = 0; constants < member.ConstantSets(); ++constants)
-    for (size_t scale = 0; scale < scales; ++scale) {
-      const OrvaStatus status = caller.Run({.len = usual.len, .constants = constants, .scale = scale});
-      EXPECT_TRUE(IsSuccess(status)) << member.name << " constants " << constants << " scale " << kScales[scale]
-                                     << " returns " << status;
-    }
-}
-
 TEST_P(Frame, InPlace) {
   if (!member.in_place) return;
   const Argument* dst = nullptr;

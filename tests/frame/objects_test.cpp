@@ -7,6 +7,7 @@
 
 #include <fnmatch.h>
 
+#include <algorithm>
 #include <set>
 #include <tuple>
 
@@ -31,41 +32,50 @@ constexpr Exception kExceptions[] = {
     {"ORVAS_FIRSparseInit*", 3, true}, {"ORVAS_FIRSparseInit*", 4, false}, {"ORVAS_FIRSparseSetDlyLine*", 1, true},
     {"ORVAS_*FixedGetFilter*", 1, true}, {"ORVAS_Pwelch*", 1, true}};
 
-// With the pointer at position i null, all others a place of zeros, and all numbers `number`.
-template <size_t i, class... A>
-void CheckNull(const char* name, OrvaStatus (*function)(A...), int number) {
-  using P = std::tuple_element_t<i, std::tuple<A...>>;
-  if constexpr (std::is_pointer_v<P>) {
-    OrvaStatus expected = ORVA_STS_NULL_PTR_ERR;
-    for (const Exception& exception : kExceptions) {
-      if (exception.position != i || fnmatch(exception.names, name, 0) != 0) continue;
-      if (exception.optional) return;
-      if (number == 0) expected = ORVA_STS_SIZE_ERR;
+// An operation without its types: which arguments are pointers, and a call with pointers to zeros but for one, and with
+// all numbers the same.
+struct Operation {
+  const char* name;
+  std::vector<bool> pointers;
+  OrvaStatus (*call)(void (*function)(), size_t null, int number);
+  void (*function)();
+};
+alignas(64) char zeros[4096];
+
+void CheckPointers(const Operation& operation, bool release) {
+  for (int number : {0, 1})
+    for (size_t i = 0; i < operation.pointers.size(); ++i) {
+      if (!operation.pointers[i]) continue;
+      OrvaStatus expected = release ? ORVA_STS_NO_ERR : ORVA_STS_NULL_PTR_ERR;
+      bool optional = false;
+      for (const Exception& exception : kExceptions) {
+        if (exception.position != i || fnmatch(exception.names, operation.name, 0) != 0) continue;
+        optional = exception.optional;
+        if (number == 0) expected = ORVA_STS_SIZE_ERR;
+      }
+      if (optional) continue;
+      SCOPED_TRACE(testing::Message() << operation.name << " argument " << i << " null, numbers " << number);
+      EXPECT_EQ(operation.call(operation.function, i, number), expected);
+      EXPECT_TRUE(std::all_of(std::begin(zeros), std::end(zeros), [](char byte) { return byte == 0; }));
     }
-    alignas(64) static char zeros[4096];
+}
+
+template <class... A>
+void CheckPointers(const char* name, OrvaStatus (*f)(A...)) {
+  const auto call = [](void (*function)(), size_t null, int number) {
+    size_t i = 0;
     const auto argument = [&]<class T>(std::type_identity<T>) {
-      if constexpr (std::is_pointer_v<T>) return reinterpret_cast<T>(zeros);
+      const bool none = i++ == null;
+      if constexpr (std::is_pointer_v<T>) return none ? nullptr : reinterpret_cast<T>(zeros);
       else if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(number);
       else return T{};
     };
-    std::tuple<A...> arguments{argument(std::type_identity<A>())...};
-    std::get<i>(arguments) = nullptr;
-    EXPECT_EQ(std::apply(function, arguments), expected) << name << " argument " << i << " null, numbers " << number;
-    for (char byte : zeros) ASSERT_EQ(byte, 0) << name << " wrote";
-  }
+    const std::tuple<A...> arguments{argument(std::type_identity<A>())...};
+    return std::apply(reinterpret_cast<OrvaStatus (*)(A...)>(function), arguments);
+  };
+  constexpr bool kRelease = sizeof...(A) == 1 && (kObject<A> && ...);
+  CheckPointers(Operation{name, {std::is_pointer_v<A>...}, call, reinterpret_cast<void (*)()>(f)}, kRelease);
 }
-template <class... A>
-void CheckPointers(const char* name, OrvaStatus (*function)(A...)) {
-  SCOPED_TRACE(name);
-  if constexpr (sizeof...(A) == 1 && (kObject<A> && ...)) {
-    EXPECT_EQ(function(static_cast<A>(nullptr)...), ORVA_STS_NO_ERR);
-  } else {
-    [&]<size_t... i>(std::index_sequence<i...>) {
-      for (int number : {0, 1}) (CheckNull<i>(name, function, number), ...);
-    }(std::index_sequence_for<A...>());
-  }
-}
-
 TEST(Objects, NullPointersComeFirstAndReleaseOfNoneIsDone) {
   std::set<std::string> rows;
   for (const Member* row : AllMembers())

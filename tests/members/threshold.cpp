@@ -11,8 +11,8 @@ namespace {
 constexpr OrvaStatus kNegative = ORVA_STS_THRESH_NEG_ERR, kOrder = ORVA_STS_THRESH_ORDER_ERR;
 
 // A body and a tail of all kinds of samples by sharp levels, beside which other constants stand.
-template <class T, auto... more>
-constexpr Cases kByLevels = [](auto run) {
+template <auto... more>
+constexpr auto kLevels = []<class T>(T, auto run) {
   using Limits = std::numeric_limits<T>;
   std::vector<double> levels = {0.5, 0, -0.0, -3, Limits::quiet_NaN(), Limits::infinity()};
   if (std::is_integral_v<T>) levels = {0, 1, 5, -7, double(Limits::max()), double(Limits::min())};
@@ -80,8 +80,7 @@ const auto inverse = [](auto x, decltype(x) level, At at) -> decltype(x) {
   if (x != x) return at.InBody(16 / sizeof x) ? -(1 / level) : x;
   return std::fabs(x) / x / level;
 };
-template <class T>
-constexpr Cases kZeros = [](auto run) {
+const auto kZeros = []<class T>(T, auto run) {
   for (size_t n = 1; n < 20; ++n)
     for (size_t zero = 0; zero <= n; ++zero) {
       std::vector<T> src(n, T(2));
@@ -178,8 +177,8 @@ constexpr Cases kComplexLevels = [](auto run) {
   }
 };
 
-#define BY(name, T, rule, ...) \
-  MEMBERS(ORVAS_Threshold_##name##_##T).Is(rule).On(kByLevels<Orva##T __VA_OPT__(,) __VA_ARGS__>)
+#define INTEGERS(name) MEMBERS(ORVAS_Threshold_##name##_16s, ORVAS_Threshold_##name##_32s)
+#define FLOATS(name) MEMBERS(ORVAS_Threshold_##name##_32f, ORVAS_Threshold_##name##_64f)
 
 const Rows rows("threshold", {
     MEMBERS(ORVAS_Threshold_16s).Is(byRelation).Constants({{3, 0}, {3, 4}})
@@ -189,47 +188,46 @@ const Rows rows("threshold", {
     MEMBERS(ORVAS_Threshold_32fc).Is([](Orva32fc x, float level, int32_t relation, At at) {
       return relation == 0 ? limited<true>(x, level, at) : limited<false>(x, level, at);
     }).Constants({{0.5, 0}, {2, 4}}).BadConstants({0.5, -1}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
-    BY(LT, 16s, notBelow).Constants({{3}, {-100}}), BY(LT, 32s, notBelow).Constants({{3}, {-100}}),
-    BY(GT, 16s, notAbove).Constants({{3}, {-100}}), BY(GT, 32s, notAbove).Constants({{3}, {-100}}),
-    BY(LT, 32f, notBelow).Constants({{0.5}, {0}, {NAN}}), BY(LT, 64f, notBelow).Constants({{0.5}, {0}, {NAN}}),
-    BY(GT, 32f, notAbove).Constants({{0.5}, {0}, {NAN}}), BY(GT, 64f, notAbove).Constants({{0.5}, {0}, {NAN}}),
+    INTEGERS(LT).Is(notBelow).On(kLevels<>).Constants({{3}, {-100}}),
+    INTEGERS(GT).Is(notAbove).On(kLevels<>).Constants({{3}, {-100}}),
+    FLOATS(LT).Is(notBelow).On(kLevels<>).Constants({{0.5}, {0}, {NAN}}),
+    FLOATS(GT).Is(notAbove).On(kLevels<>).Constants({{0.5}, {0}, {NAN}}),
     MEMBERS(ORVAS_Threshold_LT_32fc).Is(limited<true>).On(kComplexLevels<>)
         .Constants({{0.5}, {2}, {0}}).BadConstants({-1}, kNegative),
     MEMBERS(ORVAS_Threshold_GT_32fc).Is(limited<false>).On(kComplexLevels<>)
         .Constants({{0.5}, {2}, {0}}).BadConstants({-1}, kNegative),
-    BY(LTVal, 16s, lessReplaced, 77).Constants({{3, 77}}), BY(GTVal, 16s, greaterReplaced, 77).Constants({{3, 77}}),
-    BY(LTVal, 32f, lessReplaced, 77).Constants({{0.5, 77}, {NAN, 77}}),
-    BY(LTVal, 64f, lessReplaced, 77).Constants({{0.5, 77}, {NAN, 77}}),
-    BY(GTVal, 32f, greaterReplaced, 77).Constants({{0.5, 77}, {NAN, 77}}),
-    BY(GTVal, 64f, greaterReplaced, 77).Constants({{0.5, 77}, {NAN, 77}}),
+    MEMBERS(ORVAS_Threshold_LTVal_16s).Is(lessReplaced).On(kLevels<77>).Constants({{3, 77}}),
+    MEMBERS(ORVAS_Threshold_GTVal_16s).Is(greaterReplaced).On(kLevels<77>).Constants({{3, 77}}),
+    FLOATS(LTVal).Is(lessReplaced).On(kLevels<77>).Constants({{0.5, 77}, {NAN, 77}}),
+    FLOATS(GTVal).Is(greaterReplaced).On(kLevels<77>).Constants({{0.5, 77}, {NAN, 77}}),
     MEMBERS(ORVAS_Threshold_LTVal_32fc).Is([](Orva32fc x, float level, Orva32fc value, At at) {
       return at.Note(kNegative, level < 0) || !(level * level > Square(x)) ? x : value;
     }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({-1, 7, 8}, kNegative),
     MEMBERS(ORVAS_Threshold_GTVal_32fc).Is([](Orva32fc x, float level, Orva32fc value, At at) {
       return at.Note(kNegative, level < 0) || !(Square(x) > level * level) ? x : value;
     }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({-1, 7, 8}, kNegative),
-    MEMBERS(ORVAS_Threshold_LTValGTVal_16s, ORVAS_Threshold_LTValGTVal_32s).Is(bothReplaced)
-        .Constants({{-3, 7, 30, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
-    MEMBERS(ORVAS_Threshold_LTValGTVal_32f, ORVAS_Threshold_LTValGTVal_64f).Is(bothReplaced)
-        .Constants({{-0.5, 7, 0.5, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
-    BY(LTAbs, 16s, sizeNotBelow).Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
-    BY(GTAbs, 16s, sizeNotAbove).Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
-    BY(LTAbs, 32s, sizeNotBelow).Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
-    BY(GTAbs, 32s, sizeNotAbove).Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
-    BY(LTAbs, 32f, sizeNotBelow).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
-    BY(GTAbs, 32f, sizeNotAbove).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
-    BY(LTAbs, 64f, sizeNotBelow).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
-    BY(GTAbs, 64f, sizeNotAbove).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
-    BY(LTAbsVal, 16s, smallReplaced, 77).Constants({{30, 77}, {-5, 77}, {-32768, 77}}),
-    BY(LTAbsVal, 32s, smallReplaced, 77).Constants({{300, 77}, {-5, 77}}),
-    BY(LTAbsVal, 32f, smallReplaced, 77).Constants({{0.5, 77}, {-5, 77}}),
-    BY(LTAbsVal, 64f, smallReplaced, 77).Constants({{0.5, 77}, {-5, 77}}),
-    BY(LTInv, 32f, inverse).On(kZeros<float>).Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
-    BY(LTInv, 64f, inverse).On(kZeros<double>).Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
+    INTEGERS(LTValGTVal).Is(bothReplaced).Constants({{-3, 7, 30, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
+    FLOATS(LTValGTVal).Is(bothReplaced).Constants({{-0.5, 7, 0.5, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
+    MEMBERS(ORVAS_Threshold_LTAbs_16s).Is(sizeNotBelow).On(kLevels<>)
+        .Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
+    MEMBERS(ORVAS_Threshold_GTAbs_16s).Is(sizeNotAbove).On(kLevels<>)
+        .Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
+    MEMBERS(ORVAS_Threshold_LTAbs_32s).Is(sizeNotBelow).On(kLevels<>)
+        .Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
+    MEMBERS(ORVAS_Threshold_GTAbs_32s).Is(sizeNotAbove).On(kLevels<>)
+        .Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
+    FLOATS(LTAbs).Is(sizeNotBelow).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
+    FLOATS(GTAbs).Is(sizeNotAbove).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
+    MEMBERS(ORVAS_Threshold_LTAbsVal_16s).Is(smallReplaced).On(kLevels<77>)
+        .Constants({{30, 77}, {-5, 77}, {-32768, 77}}),
+    MEMBERS(ORVAS_Threshold_LTAbsVal_32s).Is(smallReplaced).On(kLevels<77>).Constants({{300, 77}, {-5, 77}}),
+    FLOATS(LTAbsVal).Is(smallReplaced).On(kLevels<77>).Constants({{0.5, 77}, {-5, 77}}),
+    FLOATS(LTInv).Is(inverse).On(kLevels<>).On(kZeros).Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
     MEMBERS(ORVAS_Threshold_LTInv_32fc).Gives(complexInverse).On(kComplexZeros).On(kComplexLevels<>)
         .Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
 });
-#undef BY
+#undef INTEGERS
+#undef FLOATS
 
 }  // namespace
 
