@@ -29,10 +29,10 @@ clang++ "${flags[@]}" tests/assault/fuzz_format.cpp src/format/format.cpp -o "$b
 # shellcheck disable=SC2046
 clang++ "${flags[@]}" tests/assault/fuzz_reader.cpp tool/{audio_reader,audio_writer,new_file,options,text}.cpp \
   $(pkg-config --cflags --libs sndfile) -o "$build/reader"
-"$build/format" -runs="$formats" -max_len=128 -verbosity=0 -print_final_stats=1 "$build/formats"
+"$build/format" -runs="$formats" -max_len=128 -verbosity=0 -print_final_stats=1 -artifact_prefix="$build/" "$build/formats"
 # Small stacks, whose shadow is cleared for every thread, and little memory kept aside: ten times as fast. The sound
 # library's own decoders leak what they took for a file that they refuse.
 ulimit -s 256
 ASAN_OPTIONS=detect_leaks=0:quarantine_size_mb=1:thread_local_quarantine_size_kb=64:detect_stack_use_after_return=0 \
-  "$build/reader" -runs="$sounds" -max_len=2048 -verbosity=0 -print_final_stats=1 -close_fd_mask=3 \
+  "$build/reader" -runs="$sounds" -max_len=2048 -verbosity=0 -print_final_stats=1 -artifact_prefix="$build/" -close_fd_mask=3 \
   "$build/sounds"
