@@ -30,7 +30,5 @@ foreach(level IN LISTS TZM_HWCAPS)
       LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/hwcaps/glibc-hwcaps/${level})
     list(APPEND copies ${library}_${level})
   endforeach()
-  install(TARGETS ${copies} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/${level}
-    COMPONENT runtime NAMELINK_SKIP)
   list(APPEND tzm_wider_libraries ${copies})
 endforeach()

@@ -5,9 +5,26 @@ include(CMakePackageConfigHelpers)
 set(tzm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/signal_tzm)
 set(CMAKE_INSTALL_SO_NO_EXE TRUE)  # as Debian has it; CMake does so by itself only where it does not cross-compile
 
+# tzm_must_be_built(COMPONENT FILE...): its installation begins with a look whether all of it is there.
+function(tzm_must_be_built component)
+  install(CODE "foreach(file IN ITEMS ${ARGN})
+    if(NOT EXISTS \"\${file}\")
+      message(FATAL_ERROR \"Not all of signal_tzm is built yet. First run: cmake --build ${PROJECT_BINARY_DIR} --target tzm_all\")
+    endif()
+  endforeach()" COMPONENT ${component})
+endfunction()
+list(TRANSFORM tzm_libraries REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE files)
+list(TRANSFORM tzm_wider_libraries REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE wider_files)
+tzm_must_be_built(runtime ${files} ${wider_files})
+
 install(TARGETS ${tzm_libraries} EXPORT signal_tzmTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+foreach(level IN LISTS TZM_HWCAPS)
+  list(TRANSFORM tzm_libraries APPEND _${level} OUTPUT_VARIABLE copies)
+  install(TARGETS ${copies} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/${level}
+    COMPONENT runtime NAMELINK_SKIP)
+endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT signal_tzmTargets NAMESPACE signal_tzm:: DESTINATION ${tzm_package_dir} COMPONENT development)
 
@@ -34,8 +51,9 @@ if(TARGET tzm)
   list(REMOVE_DUPLICATES run_path)
   list(TRANSFORM run_path PREPEND $ORIGIN/)
   set_target_properties(tzm PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${run_path}")
-  install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
   set(completion ${PROJECT_BINARY_DIR}/tool/completion)
+  tzm_must_be_built(tool $<TARGET_FILE:tzm> ${completion}/tzm)
+  install(TARGETS tzm DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
   install(FILES ${completion}/tzm DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
   install(FILES ${completion}/_tzm DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
 endif()
