@@ -54,7 +54,8 @@ void PrintCompletion(const char* shell) {
   std::printf("%s made by `tzm --completion %s`\n", zsh ? "#compdef tzm\n#" : "# bash completion of tzm,", shell);
   if (zsh) {
     std::printf("_tzm() {\n  local -a commands=(%s)\n"
-                "  if (( CURRENT == 2 )); then _describe command commands; return; fi\n"
+                "  if (( CURRENT == 2 )); then\n    if [[ $PREFIX == -* ]]; then compadd -- --help --version\n"
+                "    else _describe command commands; fi\n    return\n  fi\n"
                 "  shift words; (( CURRENT-- ))\n  case $words[1] in\n", described.c_str());
   } else {
     std::printf("_tzm() {\n  local words='' options=''\n  case ${COMP_WORDS[1]} in\n");
