@@ -14,7 +14,7 @@ namespace {
 // 8- and 16-bit integers: exact products in lanes of twice the width, scaled exactly.
 template <class A, class B, class Dst>
 void ScaledProducts(const A* src1, const B* src2, Dst* dst, int32_t len, int exponent) {
-  using Wide = decltype(WideProducts(Vec<Full<A>>(), Vec<Full<B>>()))::D;
+  using Wide = typename decltype(WideProducts(Vec<Full<A>>(), Vec<Full<B>>()))::D;
   WithShift(Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     const Full<Dst> d;
     ForEach<hn::MaxLanes(d)>(len, [=](const A* a, const B* b, Dst* to) TZM_LAMBDA {

@@ -41,7 +41,7 @@ template <class T>
 void ScaledProducts(const T* src, T value, T* dst, int32_t len, int exponent) {
   const Full<T> d;
   const auto factor = hn::Set(d, value);
-  using Wide = decltype(WideProducts(factor, factor))::D;
+  using Wide = typename decltype(WideProducts(factor, factor))::D;
   WithShift(Wide(), exponent, [=](auto shift) TZM_LAMBDA {
     ForEach<hn::MaxLanes(d)>(len, [=](const T* a, T* to) TZM_LAMBDA {
       hn::StoreU(WideProducts(hn::LoadU(d, a), factor).Each(shift).Narrow(d), d, to);
