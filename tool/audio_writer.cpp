@@ -243,14 +243,12 @@ template <class T>
 std::vector<int32_t> AudioWriter::Quantise(const std::vector<T>& src, uint64_t channel) {
   const double scale = std::ldexp(1.0, bits_ - 1), place = std::ldexp(1.0, 32 - bits_);
   std::vector<int32_t> dst(src.size());
+  for (const T value : src) saturated_ += std::abs(value) > 1;
   const auto quantise = [&](const auto& noise) {
-    int32_t saturated = 0;
     for (size_t i = 0; i < src.size(); ++i) {
-      const double value = double(src[i]) * scale, near = Bounded(value, -2 * scale, 2 * scale);
+      const double near = Bounded(double(src[i]) * scale, -2 * scale, 2 * scale);
       dst[i] = int32_t(Bounded(Rounded(near + noise(i)), -scale, scale - 1) * place);
-      saturated += value > scale || value < -scale;
     }
-    saturated_ += saturated;
   };
   if (dither_) {
     quantise([&](size_t i) { return Dither(channel, uint64_t(written_) + i); });

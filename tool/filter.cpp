@@ -54,7 +54,9 @@ double KaiserBeta(double attenuation) {
   return attenuation > 21 ? 0.5842 * std::pow(attenuation - 21, 0.4) + 0.07886 * (attenuation - 21) : 0;
 }
 
-// The ideal response in the window, scaled to a gain of 1 in the middle of its pass band (of the lower one).
+// The ideal response in the window, scaled to a gain of 1 in the middle of its pass band (of the lower one). The
+// library's own designs (ORVAS_FIRGen...) have four of these windows; so that all are designed in one way, it gives the
+// windows here.
 std::vector<float> MakeTaps(const Settings& s, int32_t rate) {
   const double low = s.cutoff / rate, high = s.upper / rate, half = s.taps / 2;
   const bool band = s.kind == kBandpass || s.kind == kBandstop, inverted = s.kind == kHighpass || s.kind == kBandstop;
