@@ -225,19 +225,23 @@ class _Filter(State):
             raise ValueError(f"{type(self).__name__}: taps must be one row, not of shape {self.taps.shape}")
         self._values, self._line_length, self._piece = values, line, piece
         self._line: Array | None = None
-        self._open(_type(self.taps))
+        self._runs: dict[Any, tuple[str, str]] = {}  # for samples of a type: the key of the state, the operation
+        self._open(self.taps.dtype)
 
-    def _open(self, kind: str) -> tuple[Any, str]:
-        pair = (_type(self.taps), kind)
-        if pair not in _FILTERS:
-            there = ", ".join(f"{DTYPES[t]} with {dtype_name(DTYPES[x])}" for t, x in _FILTERS)
-            raise TypeError(f"{type(self).__name__}: no taps of {self.taps.dtype} with samples of "
-                            f"{dtype_name(DTYPES[kind]) if kind in DTYPES else kind}, but {there}")
-        init, run = _FILTERS[pair]
-        if init not in self._pointers:
-            self._init(init, _name(self._prefix, "Init", init), _name(self._prefix, "Release", init), self.taps,
-                       self.taps.size, *self._values)
-        return self._state(init), _name(self._prefix, "", run)
+    def _open(self, dtype: Any) -> tuple[Any, str]:
+        if dtype not in self._runs:
+            pair = TYPES.get(self.taps.dtype, ""), TYPES.get(dtype, "")
+            if pair not in _FILTERS:
+                there = ", ".join(f"{DTYPES[t]} with {dtype_name(DTYPES[x])}" for t, x in _FILTERS)
+                raise TypeError(f"{type(self).__name__}: no taps of {dtype_name(self.taps.dtype)} with samples of "
+                                f"{dtype_name(dtype)}, but {there}")
+            init, run = _FILTERS[pair]
+            if init not in self._pointers:
+                self._init(init, _name(self._prefix, "Init", init), _name(self._prefix, "Release", init), self.taps,
+                           self.taps.size, *self._values)
+            self._runs[dtype] = init, _name(self._prefix, "", run)
+        key, name = self._runs[dtype]
+        return self._state(key), name
 
     def reset(self, before: ArrayLike | None = None) -> None:
         """Begins anew; `before` are the samples before the first one, oldest first, else zeros."""
@@ -251,7 +255,7 @@ class _Filter(State):
         """Filters `x`, each row of a stack with a delay line of its own, and remembers its end for the next call."""
         with self._lock:
             src = _along(x, axis)
-            state, name = self._open(_type(src))
+            state, name = self._open(src.dtype)
             n, lead = src.shape[-1], src.shape[:-1]
             if n == 0 or n % self._down:
                 raise ValueError(f"{n} samples are no positive multiple of {self._down}")
