@@ -185,8 +185,8 @@ static int32_t tzm_run(int32_t number, int64_t n, int64_t rows, uint32_t shared,
   return result;
 }
 
-/* Runs one of the other operations, those on states, on `rows` rows. p[i] is its argument i where that is a pointer, else
- * where its value is; for each further row it lies steps[i] bytes on. */
+/* Runs one of the other operations, those on states, on `rows` rows. p[i] is its argument i where that is a pointer,
+ * else where its value is; for each further row it lies steps[i] bytes on. */
 static int32_t tzm_rows(int32_t number, int64_t rows, void* const* p, const int64_t* steps) {
   const int count = tzm_others[number].count;
   char* at[16];
@@ -381,8 +381,9 @@ def main(source, out):
               for number, operation in enumerate(others)}
     version = re.search(r"project\(\w+ VERSION ([\d.]+)", (source / "CMakeLists.txt").read_text())[1]
     (out / "_table.py").write_text(
-        f'"""{made}"""\nVERSION = {version!r}\nSTATUSES = {statuses(source)!r}\nFAMILIES = {table!r}\nSTATES = {states!r}\n'
-        f"OTHERS = {values!r}\nDOCS = {docs!r}\nOPERATIONS = [\n" + "".join(f"    {row!r},\n" for row in compact) + "]\n")
+        f'"""{made}"""\nVERSION = {version!r}\nSTATUSES = {statuses(source)!r}\nFAMILIES = {table!r}\n'
+        f"STATES = {states!r}\nOTHERS = {values!r}\nDOCS = {docs!r}\n"
+        "OPERATIONS = [\n" + "".join(f"    {row!r},\n" for row in compact) + "]\n")
     names = ", ".join(repr(name) for name in table)
     (out / "_families.py").write_text(
         f'"""{made}"""\nfrom ._call import FAMILIES as _F, call as _call\n\n__all__ = [{names}]\n' + families)

@@ -1,5 +1,5 @@
-"""spectrogram.py RECORDING: the power at every time and frequency. A line is a frame of 20 ms, its first number the time
-of its middle in seconds, the others the power in steps of 50 Hz."""
+"""spectrogram.py RECORDING: the power at every time and frequency. A line is a frame of 20 ms, its first number the
+time of its middle in seconds, the others the power in steps of 50 Hz."""
 import numpy as np
 import signal_tzm as tz
 from support import read, write

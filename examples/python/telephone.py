@@ -1,5 +1,5 @@
-"""telephone.py RECORDING: what a telephone lets through, 300 to 3400 Hz, of 16-bit samples in blocks, as they come from a
-microphone."""
+"""telephone.py RECORDING: what a telephone lets through, 300 to 3400 Hz, of 16-bit samples in blocks, as they come from
+a microphone."""
 import sys
 
 import numpy as np

@@ -23,11 +23,12 @@ complex_int16 = np.dtype([("re", "<i2"), ("im", "<i2")])
 complex_int32 = np.dtype([("re", "<i4"), ("im", "<i4")])
 complex_int64 = np.dtype([("re", "<i8"), ("im", "<i8")])
 decimal128 = np.dtype([("lo", "<u8"), ("hi", "<u8")])
-DTYPES: dict[str, np.dtype[Any]] = {"8u": np.dtype("u1"), "16u": np.dtype("u2"), "32u": np.dtype("u4"), "64u": np.dtype("u8"),
-          "16s": np.dtype("i2"), "32s": np.dtype("i4"), "64s": np.dtype("i8"),
-          "16f": np.dtype("f2"), "32f": np.dtype("f4"), "64f": np.dtype("f8"),
-          "32fc": np.dtype("c8"), "64fc": np.dtype("c16"),
-          "16sc": complex_int16, "32sc": complex_int32, "64sc": complex_int64, "Decimal128": decimal128}
+DTYPES: dict[str, np.dtype[Any]] = {
+    "8u": np.dtype("u1"), "16u": np.dtype("u2"), "32u": np.dtype("u4"), "64u": np.dtype("u8"),
+    "16s": np.dtype("i2"), "32s": np.dtype("i4"), "64s": np.dtype("i8"),
+    "16f": np.dtype("f2"), "32f": np.dtype("f4"), "64f": np.dtype("f8"),
+    "32fc": np.dtype("c8"), "64fc": np.dtype("c16"),
+    "16sc": complex_int16, "32sc": complex_int32, "64sc": complex_int64, "Decimal128": decimal128}
 TYPES = {dtype: name for name, dtype in DTYPES.items()}
 _POINTERS = {name: ffi.typeof({"32u": "uint32_t", "64u": "uint64_t"}.get(name, "Orva" + name) + " *")
              for name in DTYPES}
@@ -301,8 +302,8 @@ def _rows(f, arrays, axis):
     """Each array with its axis last, contiguous; the shape of the stack, the length of a row."""
     if axis is None:
         if any(a.shape != arrays[0].shape for a in arrays):
-            raise ValueError(f"{f.name}: shapes {', '.join(str(a.shape) for a in arrays)} differ; with axis= a row may go "
-                             "with all rows of a stack")
+            shapes = ", ".join(str(a.shape) for a in arrays)
+            raise ValueError(f"{f.name}: shapes {shapes} differ; with axis= a row may go with all rows of a stack")
         return [np.ascontiguousarray(a) for a in arrays], (), arrays[0].size
     arrays = [np.ascontiguousarray(np.moveaxis(a, operator.index(axis), -1)) for a in arrays]
     stack = max((a.shape[:-1] for a in arrays), key=len)

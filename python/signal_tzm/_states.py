@@ -74,8 +74,8 @@ def _step(value: Any) -> int:
 
 
 def _do(name: str, *values: Any, rows: int = 1) -> None:
-    """Runs an operation on contiguous arrays, one row after the other. Arrays of more than one dimension go on by a row,
-    all rows share the rest; (array, n) is from its element n on."""
+    """Runs an operation on contiguous arrays, one row after the other. Arrays of more than one dimension go on by a
+    row, all rows share the rest; (array, n) is from its element n on."""
     number, kinds = _table.OTHERS[name]
     try:
         pointers = [*map(_pointer, values, kinds)]

@@ -17,4 +17,5 @@ if [ ! -e "$root/complete" ]; then
   touch "$root/complete"
 fi
 export PYTHONHOME=/usr PYTHONPATH=$root/usr/lib/python3/dist-packages:${PYTHONPATH:-} PYTHONDONTWRITEBYTECODE=1
-exec "${emulator[@]}" -E LD_LIBRARY_PATH="/usr/lib/aarch64-linux-gnu:$root/usr/lib/aarch64-linux-gnu" "$root/usr/bin/python3.11" "$@"
+exec "${emulator[@]}" -E LD_LIBRARY_PATH="/usr/lib/aarch64-linux-gnu:$root/usr/lib/aarch64-linux-gnu" \
+  "$root/usr/bin/python3.11" "$@"
