@@ -1,3 +1,4 @@
+// Convolutions: chains to the bit on the direct route, the FFT route within its error, windows, routes and statuses.
 #include <signal_tzm/correlate.h>
 
 #include <cmath>

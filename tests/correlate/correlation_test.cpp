@@ -1,3 +1,5 @@
+// Auto- and cross-correlation: sums to the bit on the direct route, the FFT route within its error, normalisations,
+// lags without a product, states for other arguments, routes and statuses.
 #include <signal_tzm/correlate.h>
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// Matrix products on small integers, and their statuses.
 #include <signal_tzm/correlate.h>
 
 #include <complex>

@@ -1,6 +1,6 @@
-// What is owed by operations that no row can call by itself, those on state objects among them: every pointer of every
-// declared operation is looked at first, nothing is released without harm, and a scenario in which every request for
-// memory is refused once goes on as if none had been.
+// What is owed by the operations that no row calls by itself, those on state objects among them: pointers are looked at
+// before all else, Release of nothing succeeds, and a scenario in which each request for memory is refused once goes on
+// as if none had been.
 #include <gtest/gtest.h>
 #include <signal_tzm.h>
 #include <signal_tzm/companion.h>

@@ -1,3 +1,4 @@
+// Convolutions, correlations, matrix products: what the digest runs.
 #include <signal_tzm/correlate.h>
 
 #include "members.h"

@@ -1,3 +1,4 @@
+// Filters and their design: what the digest runs.
 #include <signal_tzm/fir.h>
 
 #include <array>

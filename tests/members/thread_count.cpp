@@ -1,3 +1,4 @@
+// The count of threads for transforms, set and asked for.
 #include <signal_tzm/transform.h>
 
 #include "members.h"

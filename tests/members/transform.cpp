@@ -1,3 +1,4 @@
+// Transforms and what is built on them: what the digest runs; shifts and Goertzel bins by their oracles.
 #include <signal_tzm/transform.h>
 
 #include <algorithm>
