@@ -16,6 +16,11 @@ def cases(tzm):
         out = np.empty_like(a)
         yield f"a call: multiply, out=, {n}", 1, {"tzm": lambda: tz.mul(a, b, out=out),
                                                   "numpy": lambda: np.multiply(a, b, out=out)}
+    short, spec = (a[:64] + 1j * b[:64]).astype(np.complex64), tz.FFT(64)
+    rows = np.tile(short, (1000, 1))
+    yield "a call: multiply by a number, 1024", 1, {"tzm": lambda: tz.mul(a, 2.0), "numpy": lambda: np.multiply(a, 2.0)}
+    yield "a call: FFT of complex64, 64", 1, {"tzm": lambda: spec(short), "numpy": lambda: np.fft.fft(short)}
+    yield "FFT of 1000 rows of 64", rows.size, {"tzm": lambda: tz.fft(rows), "numpy": lambda: np.fft.fft(rows)}
 
     n = 1 << 16
     x, y = random.normal(size=(2, n)).astype(np.float32)
