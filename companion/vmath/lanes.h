@@ -98,7 +98,8 @@ TZM_INLINE Sum FastTwoSum(V a, V b) {
 // ---- Binary32, right in the last bit ----
 //
 // A first step knows the result well enough to round it in nearly every lane; where it does not in some lane, the
-// second takes the whole register: the function of binary64, rounded once.
+// second takes the whole register: the function of binary64, rounded once. That the first step is as good as it says is
+// what ./run verify shows, at every number.
 
 struct Halves {
   V low, high;

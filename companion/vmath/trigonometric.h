@@ -155,8 +155,8 @@ constexpr Middle kSinMiddles[] = {{0x1.63f4bbp-2, 0x1.63f4bap-2}, {-0x1.63f4bbp-
 constexpr Middle kCosMiddles[] = {
     {0x1.fe2977p-1, 0x1.fe2976p-1}, {0x1.f0285dp-1, 0x1.f0285ep-1}, {0x1.f3176bp-1, 0x1.f3176ap-1}};
 
-// x = k unit + r, or (k + 1/2) unit + r, the unit being kHalfPis pi/2, for |x| < kNear: to 2^-50 of r. Binary32 tells k,
-// so that r may pass half a unit by a thousandth.
+// x = k unit + r, or (k + 1/2) unit + r, the unit being kHalfPis pi/2, for |x| < kNear: to 2^-50 of r. Binary32 tells
+// k, so that r may pass half a unit by a thousandth.
 constexpr float kNear = 0x1p12f;
 struct Reduced32 {
   Halves r;

@@ -26,24 +26,15 @@ def value32(b):
     return struct.unpack("<f", struct.pack("<I", b))[0]
 
 
-def parts(x, count):
-    """x as a sum of `count` numbers, each the rest rounded."""
-    result = []
-    for _ in range(count):
-        result.append(float(x))
-        x -= mp.mpf(result[-1])
-    return result
-
-
 def single(x):
     return float(np.float32(float(x)))
 
 
-def parts32(x, count):
-    """The same of binary32."""
+def parts(x, count, number=float):
+    """x as a sum of `count` numbers, each the rest rounded."""
     result = []
     for _ in range(count):
-        result.append(single(x))
+        result.append(number(x))
         x -= mp.mpf(result[-1])
     return result
 
@@ -211,7 +202,7 @@ lo = [float(mp.mpf(2) ** (mp.mpf(i) / 16) / mp.mpf(h) - 1) for i, h in enumerate
 roots = [value((bits(h) - (i << 48)) & (2**64 - 1)) for i, h in enumerate(hi)]
 table("kExpTable", [roots, lo],
       "2^(i/16), less i in the bits that k is added to, and what its rounding lost, relative to it")
-roots32 = [parts32(mp.mpf(2) ** (mp.mpf(i) / 16), 2) for i in range(16)]
+roots32 = [parts(mp.mpf(2) ** (mp.mpf(i) / 16), 2, single) for i in range(16)]
 table("kExpTable32", [[r[0] for r in roots32], [single(r[1] / r[0]) for r in roots32]],
       "2^(i/16), and what its rounding lost, relative to it", "Table32")
 constant("kSixteenByLn2", float(16 / LN2))
@@ -229,8 +220,8 @@ for name, exact, fraction_bits in (("kLn2", LN2, 43), ("kLog10Of2", mp.log(2) / 
           f"its first {fraction_bits} fraction bits, so that k times it is exact, and the rest")
 array("double", "kLn2InTwo", "[]", parts(LN2, 2), "ln 2, in parts")
 constant("kLog10E", log10e)
-array("float", "kLog10E32", "[]", parts32(1 / mp.log(10), 2), "the same of binary32, in parts")
-array("float", "kLn2Of32", "[]", parts32(LN2, 2), "ln 2 of binary32, in parts")
+array("float", "kLog10E32", "[]", parts(1 / mp.log(10), 2, single), "the same of binary32, in parts")
+array("float", "kLn2Of32", "[]", parts(LN2, 2, single), "ln 2 of binary32, in parts")
 print(f"inline constexpr uint32_t kLogStart32 = 0x{LOG_START_32:x};  // the bits of the least x of k = 0")
 array("float", "kLn2Of32Short", "[]", [float(rounded(LN2, 16)), single(LN2 - rounded(LN2, 16))],
       "its first 16 fraction bits, so that k times it is exact, and the rest")
