@@ -111,7 +111,7 @@ TZM_INLINE V Sine(const Reduced& a) {
   return WithSignOf(hn::Add(sum, Fma(cube, series, rest)), r);
 }
 
-// Within 0.57 ulp each.
+// Within 0.595 ulp each, which is the cosine's near 0.5.
 struct Sin64 {
   TZM_INLINE V operator()(V x) const {
     const Reduced a = Unit<0, false>::Reduce(x);
@@ -127,7 +127,7 @@ struct Cos64 {
 };
 
 // tan(c + r) = (T + t)/(1 - T t), c the nearest multiple of pi/16, T its tangent and t that of r; beyond pi/4 the
-// reciprocal's negative, and T is the tangent of c - pi/2. Within 0.55 ulp: the quotient of two sums of two, refined.
+// reciprocal's negative, and T is the tangent of c - pi/2. Within 0.51 ulp: the quotient of two sums of two, refined.
 struct Tan64 {
   TZM_INLINE V operator()(V x) const {
     const Reduced a = Unit<-4, false>::Reduce(x);
