@@ -183,10 +183,6 @@ std::vector<StateCall> StateCalls() {
       On<Orva32f>("ORVAS_ConvBiased_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
         return ORVAS_ConvBiased_32f(s, n - 4, taps, 5, d, n, 0);
       }),
-      On<Orva32f>("ORVAS_FIRSR_32f", (1 << 29) - 1024, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_FIRSRRelease_32f, [=](auto** f) { return ORVAS_FIRSRInit_32f(taps, 5, n, kDirect, f); },
-                    [=](auto* f) { return ORVAS_FIRSR_32f(s, d, n, f, nullptr, nullptr); });
-      }),
       On<Orva32f>("ORVAS_FIRMR_32f", kHalf - 2, 1, 2, [](auto* s, auto* d, int32_t n) {
         return With(ORVAS_FIRMRRelease_32f, [=](auto** f) { return ORVAS_FIRMRInit_32f(taps, 5, 2, 0, 1, 0, f); },
                     [=](auto* f) { return ORVAS_FIRMR_32f(s, d, n, f, nullptr, nullptr); });
