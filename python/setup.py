@@ -49,7 +49,8 @@ class Build(build_py):
         package = pathlib.Path(self.build_lib) / "signal_tzm"
         shutil.rmtree(package, ignore_errors=True)
         shutil.copytree(work / "python" / "signal_tzm", package, ignore=shutil.ignore_patterns("__pycache__"))
-        compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)", (work / "CMakeCache.txt").read_text(), re.M)[1]
+        about, = work.glob("CMakeFiles/*/CMakeCXXCompiler.cmake")
+        compiler = re.search(r'set\(CMAKE_CXX_COMPILER "(.*?)"', about.read_text())[1]
         (package / "lib").mkdir()
         for name, place in linked(package / "_raw.abi3.so", work / "lib", compiler).items():
             shutil.copy(place, package / "lib" / name)
