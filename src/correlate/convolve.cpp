@@ -180,7 +180,8 @@ void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
   const auto ones = [&](int64_t k, int64_t last) {
     for (; k < last; ++k) StoreElement(pair.Chain(k), at(k));
   };
-  // Those of k to `last` that fill no tile are made with others anew.
+  // Tiles of two sizes over outputs k to `last`; those that fill none are made with others anew. Not by a driver: a
+  // tile is no element-wise step but a work plan, which asks where its outputs lie, and changes no bit.
   const auto tiles = [&](int64_t k, int64_t last, auto fits, auto tile) {
     if (last - k < kB) return ones(k, last);
     for (; last - k >= kWide && fits(k); k += kWide) tile(std::integral_constant<size_t, kWide>(), k);
