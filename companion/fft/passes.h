@@ -20,6 +20,19 @@ TZM_INLINE Cx<D> QuarterProduct(const Cx<D>& w, const Cx<D>& x) {
 template <size_t kValue>
 using Constant = std::integral_constant<size_t, kValue>;
 
+template <class D>
+TZM_INLINE Cx<D> Sum(const Cx<D>& a, const Cx<D>& b) {
+  return {hn::Add(a.re, b.re), hn::Add(a.im, b.im)};
+}
+// c x and c x + b for the same real number c in all lanes.
+template <class D>
+TZM_INLINE Cx<D> Scaled(Vec<D> c, const Cx<D>& x) {
+  return {hn::Mul(c, x.re), hn::Mul(c, x.im)};
+}
+template <class D>
+TZM_INLINE Cx<D> Scaled(Vec<D> c, const Cx<D>& x, const Cx<D>& b) {
+  return {hn::MulAdd(c, x.re, b.re), hn::MulAdd(c, x.im, b.im)};
+}
 // a, b <- a + t, a - t, where t is b itself, -i b, or what is given.
 template <class D>
 TZM_INLINE void Combine(Cx<D>& a, Cx<D>& b, const Cx<D>& t) {
@@ -38,6 +51,18 @@ TZM_INLINE void CombineQuarter(Cx<D>& a, Cx<D>& b) {
   a = sum;
 }
 
+// The same with -i c b, rounded once.
+template <class D>
+TZM_INLINE void CombineQuarter(Cx<D>& a, Cx<D>& b, Vec<D> c) {
+  const Cx<D> sum = {hn::MulAdd(c, b.im, a.re), hn::NegMulAdd(c, b.re, a.im)};
+  b = {hn::NegMulAdd(c, b.im, a.re), hn::MulAdd(c, b.re, a.im)};
+  a = sum;
+}
+
+// What load(i) of a pass gives: Cx, or in a first pass of few points any other kind of complex number.
+template <class Load>
+using Loaded = std::remove_cvref_t<decltype(std::declval<Load>()(Constant<0>()))>;
+
 // 2^L points as L levels of radix 2. load(i) gives point i, and store(t, x) takes result t, of constants i and t.
 template <size_t L>
 struct PowerOfTwo {
@@ -51,7 +76,7 @@ struct PowerOfTwo {
     constexpr T kCos = static_cast<T>(0.92387953251128675613), kSin = static_cast<T>(0.38268343236508977173);
     constexpr T kHalf = static_cast<T>(0.7071067811865475244);
     const auto w = [=](T re, T im) TZM_LAMBDA { return Cx<D>{hn::Set(d, re), hn::Set(d, -im)}; };
-    const auto combine = [&](auto half, auto i, Cx<D>* x) TZM_LAMBDA {
+    const auto combine = [&](auto half, auto i, auto* x) TZM_LAMBDA {
       if constexpr (half == 1) {
         Combine(x[0], x[1]);
       } else if constexpr (half == 2 || (half == 4 && i == 0)) {
@@ -64,7 +89,7 @@ struct PowerOfTwo {
         Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(turn, x[i + half / 2 + half]));
       }
     };
-    Cx<D> x[kRadix];
+    Loaded<decltype(load)> x[kRadix];
     Walk<L, 0>(x, load, combine, store);
   }
 
@@ -155,28 +180,30 @@ struct Odd {
   template <class D>
   static TZM_INLINE void First(D d, auto load, auto store) {
     using T = hn::TFromD<D>;
+    using N = Loaded<decltype(load)>;
     constexpr size_t kPairs = R / 2;
-    Cx<D> sum[kPairs], difference[kPairs];
-    const Cx<D> first = load(Constant<0>());
-    Cx<D> total = first;
+    N sum[kPairs], difference[kPairs];
+    const N first = load(Constant<0>());
+    N total = first;
     Unrolled<kPairs>([&](auto i) TZM_LAMBDA {
       sum[i] = load(Constant<i + 1>());
       difference[i] = load(Constant<R - 1 - i>());
       Combine(sum[i], difference[i]);
-      total = {hn::Add(total.re, sum[i].re), hn::Add(total.im, sum[i].im)};
+      total = Sum(total, sum[i]);
     });
     store(Constant<0>(), total);
     Unrolled<kPairs>([&](auto k) TZM_LAMBDA {
-      Cx<D> even = first, odd;
+      N even = first, odd;
       Unrolled<kPairs>([&](auto i) TZM_LAMBDA {
         constexpr size_t kAt = (k + 1) * (i + 1) % R;
         constexpr const T* kPart = Circle<T, R>::kParts[kAt > kPairs ? R - kAt : kAt];
         const auto c = hn::Set(d, kPart[0]), s = hn::Set(d, kAt > kPairs ? -kPart[1] : kPart[1]);
-        even = {hn::MulAdd(c, sum[i].re, even.re), hn::MulAdd(c, sum[i].im, even.im)};
-        if constexpr (i == 0) odd = {hn::Mul(s, difference[i].re), hn::Mul(s, difference[i].im)};
-        else odd = {hn::MulAdd(s, difference[i].re, odd.re), hn::MulAdd(s, difference[i].im, odd.im)};
+        even = Scaled(c, sum[i], even);
+        if constexpr (R == 3) CombineQuarter(even, odd = difference[i], s);
+        else if constexpr (i == 0) odd = Scaled(s, difference[i]);
+        else odd = Scaled(s, difference[i], odd);
       });
-      CombineQuarter(even, odd);
+      if constexpr (R > 3) CombineQuarter(even, odd);
       store(Constant<k + 1>(), even);
       store(Constant<R - 1 - k>(), odd);
     });

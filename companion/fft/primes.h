@@ -9,28 +9,23 @@ namespace tzm::fft {
 template <class T>
 class Chirp final : public Complex<T> {
   using D = Full<T>;
+  static constexpr size_t kLane = kLanes<D>;
 
  public:
   Chirp(size_t n, size_t workers)
-      : n_(n), size_(Size(n)), stride_(size_ + kLine / sizeof(T)), chirp_(2 * n), kernel_(2 * stride_),
-        inner_(MakeComplex<T>(size_, workers)) {
+      : n_(n), size_(Size(n)), half_(size_ / 2), stride_(size_ + kLine / sizeof(T)), chirp_(2 * n),
+        kernel_(2 * (half_ + 1)), inner_(MakeComplex<T>(size_, workers)) {
     this->scratch_ = 2 * stride_ + inner_->Scratch();
-    T *const re = kernel_.get(), *const im = re + stride_;
-    std::fill_n(re, 2 * stride_, T{0});
+    const auto forEach = [=](auto&& f) {
+      for (size_t j = 0, square = 0; j < n; square = (square + 2 * j + 1) % (2 * n), ++j) f(j, square);
+    };
     const Roots<T> roots(2 * n);
-    for (size_t j = 0, square = 0; j < n; ++j) {
+    forEach([&](size_t j, size_t square) {
       const Number<T> c = roots(square);
       chirp_.get()[j] = c.re;
       chirp_.get()[n + j] = c.im;
-      for (size_t at : {j, (size_ - j) % size_}) {
-        re[at] = c.re / static_cast<T>(size_);
-        im[at] = -c.im / static_cast<T>(size_);
-      }
-      square = (square + 2 * j + 1) % (2 * n);
-    }
-    Table<T> scratch(inner_->Scratch());
-    Helpers none;
-    inner_->Run({Form::kSplit, re, im}, {Form::kSplit, re, im}, scratch.get(), none);
+    });
+    TabulateKernel(forEach);
   }
 
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers& helpers) const override {
@@ -40,19 +35,47 @@ class Chirp final : public Complex<T> {
     std::fill(im + n_, im + size_, T{0});
     inner_->Run({Form::kSplit, re, im}, {Form::kSplit, re, im}, rest, helpers);
     const D d;
-    const T *const kernelRe = kernel_.get(), *const kernelIm = kernelRe + stride_;
-    for (size_t k = 0; k < size_; k += kLanes<D>) {  // the arrays have room for whole registers
-      const Cx<D> product = Product(Cx<D>{hn::LoadU(d, kernelRe + k), hn::LoadU(d, kernelIm + k)},
-                                    Cx<D>{hn::LoadU(d, re + k), hn::LoadU(d, im + k)});
+    const auto multiply = [&](size_t k, const Cx<D>& by) TZM_LAMBDA {
+      const Cx<D> product = Product(by, Cx<D>{hn::LoadU(d, re + k), hn::LoadU(d, im + k)});
       hn::StoreU(product.re, d, re + k);
       hn::StoreU(product.im, d, im + k);
+    };
+    const T *const kernelRe = kernel_.get(), *const kernelIm = kernelRe + half_ + 1;
+    for (size_t k = 0; k < half_; k += kLane) {
+      const size_t mirror = half_ - k - (kLane - 1);
+      multiply(k, {hn::LoadU(d, kernelRe + k), hn::LoadU(d, kernelIm + k)});
+      multiply(half_ + k, {hn::Reverse(d, hn::LoadU(d, kernelRe + mirror)),
+                           hn::Reverse(d, hn::LoadU(d, kernelIm + mirror))});
     }
     inner_->Run({Form::kSplit, im, re}, {Form::kSplit, im, re}, rest, helpers);
     Rotate(View<const T>{Form::kSplit, re, im}, out);
   }
 
  private:
-  // A power of two, or three, five, nine or fifteen times one, that the convolution does not fold.
+  // The spectrum of the chirp's conjugate over `size`, from both ends: in binary64, so that the kernel adds little to
+  // the error. `forEach` calls a function of each j and of j^2 modulo 2n.
+  void TabulateKernel(auto&& forEach) {
+    Table<double> numbers(2 * size_);
+    double *const re = numbers.get(), *const im = re + size_;
+    std::fill_n(re, 2 * size_, 0.0);
+    const Roots<double> roots(2 * n_);
+    forEach([&](size_t j, size_t square) {
+      const Number<double> c = roots(square);
+      for (size_t at : {j, (size_ - j) % size_}) {
+        re[at] = c.re / static_cast<double>(size_);
+        im[at] = -c.im / static_cast<double>(size_);
+      }
+    });
+    const auto transform = MakeComplex<double>(size_, 1);
+    const Table<double> scratch(transform->Scratch());
+    Helpers none;
+    transform->Run({Form::kSplit, re, im}, {Form::kSplit, re, im}, scratch.get(), none);
+    std::copy_n(re, half_ + 1, kernel_.get());
+    std::copy_n(im, half_ + 1, kernel_.get() + half_ + 1);
+  }
+
+  // A power of two, or three, five, nine or fifteen times one, that the convolution does not fold. As n is above
+  // kLargestFactor, it is a multiple of 32.
   static size_t Size(size_t n) {
     size_t best = 0;
     for (size_t size : {8, 24, 40, 72, 120}) {
@@ -70,7 +93,7 @@ class Chirp final : public Complex<T> {
     const Array<Form::kSplit, const T> chirp = {re, im};
     Open(from, [&](const auto& source) {
       Open(to, [&](const auto& target) {
-        for (; k + kLanes<D> <= n_; k += kLanes<D>)
+        for (; k + kLane <= n_; k += kLane)
           Store(d, Product(Load(d, chirp, k), Load(d, source, k)), target, k);
       });
     });
@@ -80,9 +103,9 @@ class Chirp final : public Complex<T> {
     }
   }
 
-  size_t n_, size_, stride_;
+  size_t n_, size_, half_, stride_;
   Table<T> chirp_;   // n real parts, n imaginary ones
-  Table<T> kernel_;  // the spectrum of the chirp's conjugate over `size`, from both ends
+  Table<T> kernel_;  // numbers 0 ... half of a symmetric spectrum: real parts, imaginary parts
   std::unique_ptr<Complex<T>> inner_;
 };
 

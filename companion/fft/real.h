@@ -5,6 +5,7 @@
 #include "roots.h"
 #include "transform.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tzm::fft {
@@ -12,22 +13,27 @@ namespace tzm::fft {
 // An even length above 16 through a complex transform of half of it, another through one of its own length.
 template <class T>
 class Real {
-  using D = Full<T>;
-  static constexpr size_t kLane = kLanes<D>;
   static constexpr size_t kShort = 32;  // points that are not halved and need no work area
 
  public:
   Real(size_t n, size_t workers)
-      : n_(n), half_(n / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)), table_(IsHalved() ? half_ : 0) {
+      : n_(n), half_(n / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)) {
     scratch_ = complex_->Scratch() + (IsHalved() || n <= kShort ? 0 : 2 * n + kLine);
     if (!IsHalved()) return;
-    const Roots<T> roots(n);
-    T *const re = table_.get(), *const im = re + half_ / 2;
-    for (size_t k = 1; k < (half_ + 1) / 2; ++k) {
-      const Number<T> w = roots(k);
-      re[k - 1] = w.re;
-      im[k - 1] = w.im;
-    }
+    const size_t pairs = (half_ - 1) / 2;
+    WithLanes(pairs, [&](auto d) {
+      using D = decltype(d);
+      const Roots<T> roots(n);
+      table_ = Table<T>((pairs + kLanes<D> - 1) / kLanes<D> * kBlock<D>);
+      T* to = table_.get();
+      for (size_t first = 0; first < pairs; first += kLanes<D>, to += kBlock<D>) {
+        for (size_t lane = 0; lane < kLanes<D>; ++lane) {
+          const Number<T> w = roots(1 + std::min(first, pairs - kLanes<D>) + InOrder<D>(lane));
+          to[lane] = w.re;
+          to[kLanes<D> + lane] = w.im;
+        }
+      }
+    });
   }
   size_t Scratch() const { return scratch_; }
 
@@ -97,38 +103,48 @@ class Real {
   bool IsHalved() const { return n_ % 2 == 0 && n_ > 16; }
   T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
 
-  // f(tag, a, b, w) on all pairs a = x[k], b = x[n/2 - k] below the middle, w = exp(-2 pi i k / n).
+  // f(tag) with as many lanes as there are pairs to fill.
+  static void WithLanes(size_t pairs, auto f) {
+    constexpr size_t kMost = kLanes<Full<T>>;
+    if (pairs >= kMost) return f(Full<T>());
+    if constexpr (kMost > 8) if (pairs >= 8) return f(hn::CappedTag<T, 8>());
+    f(hn::CappedTag<T, 4>());  // there are four
+  }
+
+  // f(tag, a, b, w) on all pairs a = x[k], b = x[n/2 - k] below the middle, w = exp(-2 pi i k / n), as many at once as
+  // there are lanes. The last register ends with the last pair; what it shares with the one before it is computed
+  // twice, from numbers that nothing was stored over yet.
   void ForEachPair(const T* in, T* out, auto f) const {
-    const View<const T> from = {Form::kPairs, in, nullptr};
-    const View<T> to = {Form::kPairs, out, nullptr};
-    const T *const re = table_.get(), *const im = re + half_ / 2;
-    const size_t end = (half_ + 1) / 2;
-    const D d;
-    size_t k = 1;
-    for (; k + kLane <= end; k += kLane) {
-      Cx<D> a, b;
-      const size_t mirror = half_ - k - (kLane - 1);
-      hn::LoadInterleaved2(d, in + 2 * k, a.re, a.im);
-      hn::LoadInterleaved2(d, in + 2 * mirror, b.re, b.im);
-      b = {hn::Reverse(d, b.re), hn::Reverse(d, b.im)};
-      f(d, a, b, Cx<D>{hn::LoadU(d, re + k - 1), hn::LoadU(d, im + k - 1)});
-      hn::StoreInterleaved2(a.re, a.im, d, out + 2 * k);
-      hn::StoreInterleaved2(hn::Reverse(d, b.re), hn::Reverse(d, b.im), d, out + 2 * mirror);
-    }
-    const hn::CappedTag<T, 1> one;
-    for (; k < end; ++k) {
-      const auto set = [=](Number<T> x) { return Cx<decltype(one)>{hn::Set(one, x.re), hn::Set(one, x.im)}; };
-      const auto get = [](const auto& x) { return Number<T>{hn::GetLane(x.re), hn::GetLane(x.im)}; };
-      auto a = set(from.Get(k)), b = set(from.Get(half_ - k));
-      f(one, a, b, set({re[k - 1], im[k - 1]}));
-      to.Put(k, get(a));
-      to.Put(half_ - k, get(b));
-    }
+    const size_t pairs = (half_ - 1) / 2;
+    WithLanes(pairs, [&](auto d) TZM_LAMBDA {
+      using D = decltype(d);
+      constexpr size_t kLane = kLanes<D>;
+      const size_t rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
+      const auto mirror = [&](size_t k) TZM_LAMBDA { return 2 * (half_ - k - kLane); };
+      const auto load = [&](size_t k, const T* w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
+        a = LoadPairs(d, in + 2 + 2 * k);
+        b = LoadPairs(d, in + mirror(k));
+        b = {hn::Reverse(d, b.re), hn::Reverse(d, b.im)};
+        f(d, a, b, LoadBlock(d, w));
+      };
+      const auto store = [&](size_t k, const Cx<D>& a, const Cx<D>& b) TZM_LAMBDA {
+        StoreParts(a.re, a.im, d, out + 2 + 2 * k);
+        StoreParts(hn::Reverse(d, b.re), hn::Reverse(d, b.im), d, out + mirror(k));
+      };
+      const T* w = table_.get();
+      Cx<D> a, b, lastA, lastB;
+      if (rest != 0) load(last, w + whole / kLane * kBlock<D>, lastA, lastB);
+      for (size_t k = 0; k < whole; k += kLane, w += kBlock<D>) {
+        load(k, w, a, b);
+        store(k, a, b);
+      }
+      if (rest != 0) store(last, lastA, lastB);
+    });
   }
 
   size_t n_, half_, scratch_;
   std::unique_ptr<Complex<T>> complex_;
-  Table<T> table_;  // the roots 1 ... n/4 of n: real parts, imaginary parts
+  Table<T> table_;  // the roots 1 ... n/4 of n, in registers in the order of their use
 };
 
 }  // namespace tzm::fft

@@ -54,15 +54,14 @@ TZM_INLINE Turn<N> operator*(const Turn<N>& a, const Turn<N>& b) {
   return {a.cos * b.cos + Wide<N>{Negated(ss.hi), Negated(ss.lo)}, a.cos * b.sin + a.sin * b.cos};
 }
 
-// The turn by part/whole of a circle, at most an eighth of it, by the Taylor series from the last term.
-inline Turn<double> TurnBy(size_t part, size_t whole) {
+// The turn by one part in `whole` of a circle, at most an eighth of it, by the Taylor series from the last term.
+inline Turn<double> TurnBy(size_t whole) {
   const Wide<double> circle = {0x1.921fb54442d18p+2, 0x1.1a62633145c07p-52}, one = {1, 0};
-  const Wide<double> x = circle * Wide<double>{static_cast<double>(part), 0} / static_cast<double>(whole);
-  const Wide<double> square = x * x;
+  const Wide<double> x = circle / static_cast<double>(whole), square = x * x;
   Wide<double> cos = one, sin = one;
-  for (double k = 28; k >= 2; k -= 2) {
-    cos = one + square * cos / (-k * (k - 1));
-    sin = one + square * sin / (-k * (k + 1));
+  for (double k = x.hi < 0.1 ? 18 : 28; k >= 2; k -= 2) {
+    cos = one + square / (-k * (k - 1)) * cos;  // nothing waits for the quotients
+    sin = one + square / (-k * (k + 1)) * sin;
   }
   return {cos, x * sin};
 }
@@ -88,7 +87,7 @@ class Roots {
     int bits = 0;
     while ((size_t{1} << 2 * bits) <= eighth_) ++bits;
     const size_t fine = size_t{1} << bits, whole = n * scale_;
-    const Turns low(fine, TurnBy(1, whole)), high(eighth_ / fine + 1, TurnBy(fine <= eighth_ ? fine : 0, whole));
+    const Turns low(fine + 1, TurnBy(whole)), high(eighth_ / fine + 1, low.Get(fine));
     const Full<double> d;
     for (size_t r = 0; r <= eighth_; r += fine) {
       const auto each = high.Get(r / fine);
@@ -121,7 +120,7 @@ class Roots {
   }
 
  private:
-  // The powers of a turn.
+  // The powers of a turn, from 0 on.
   class Turns {
    public:
     Turns(size_t count, const Turn<double>& step) : count_(count + hn::MaxLanes(Full<double>())), parts_(4 * count_) {

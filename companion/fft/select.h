@@ -1,10 +1,14 @@
 // The kind of transform that a length gets.
 #pragma once
 
+#include "grid.h"
 #include "primes.h"
 #include "small.h"
 
 namespace tzm::fft {
+
+extern template std::unique_ptr<Complex<float>> MakeComplex(size_t n, size_t workers);
+extern template std::unique_ptr<Complex<double>> MakeComplex(size_t n, size_t workers);
 
 template <class T>
 std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
@@ -38,6 +42,9 @@ std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
   }
   const size_t largest = Factors(n).back();
   if (largest == n && n <= kLargestFactor) return Result(new Lone<T>(n));
+  if (largest <= kLargestFactor && workers == 1) {
+    if (Result grid = Grid<T>::Make(n)) return grid;
+  }
   if (largest <= kLargestFactor) return Result(new Matrix<T>(n, workers));
   return Result(new Chirp<T>(n, workers));
 }

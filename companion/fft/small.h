@@ -110,27 +110,82 @@ class Fixed final : public Complex<T> {
   Table<T> table_;
 };
 
-// A number in registers of one lane, and back.
-template <class D, class T>
-TZM_INLINE Cx<D> Only(D d, Number<T> x) {
-  return {hn::Set(d, x.re), hn::Set(d, x.im)};
+// One complex number in a register: what the shortest lengths take, whose passes multiply by real numbers only.
+template <class D>
+struct Single {
+  Vec<D> parts;
+};
+template <class D>
+TZM_INLINE Single<D> Sum(const Single<D>& a, const Single<D>& b) {
+  return {hn::Add(a.parts, b.parts)};
 }
-template <class D, class T = hn::TFromD<D>>
-TZM_INLINE Number<T> Only(const Cx<D>& x) {
-  return {hn::GetLane(x.re), hn::GetLane(x.im)};
+template <class D>
+TZM_INLINE Single<D> Scaled(Vec<D> c, const Single<D>& x) {
+  return {hn::Mul(c, x.parts)};
+}
+template <class D>
+TZM_INLINE Single<D> Scaled(Vec<D> c, const Single<D>& x, const Single<D>& b) {
+  return {hn::MulAdd(c, x.parts, b.parts)};
+}
+template <class D>
+TZM_INLINE void Combine(Single<D>& a, Single<D>& b) {
+  const auto sum = hn::Add(a.parts, b.parts);
+  b.parts = hn::Sub(a.parts, b.parts);
+  a.parts = sum;
+}
+// The sign of the second lane.
+template <class D>
+TZM_INLINE Vec<D> UpperSign(D d) {
+  return hn::OddEven(hn::Set(d, -0.0), hn::Zero(d));
+}
+template <class D>
+TZM_INLINE void CombineQuarter(Single<D>& a, Single<D>& b) {
+  const D d;
+  b.parts = hn::Xor(hn::Reverse2(d, b.parts), UpperSign(d));
+  Combine(a, b);
+}
+template <class D>
+TZM_INLINE void CombineQuarter(Single<D>& a, Single<D>& b, Vec<D> c) {
+  const D d;
+  const auto turned = hn::Reverse2(d, b.parts), by = hn::Xor(c, UpperSign(d));
+  b.parts = hn::NegMulAdd(by, turned, a.parts);
+  a.parts = hn::MulAdd(by, turned, a.parts);
 }
 
-// As many points as one pass has, one in a lane.
+template <Form kForm, class D, class T = hn::TFromD<D>>
+TZM_INLINE Single<D> LoadSingle(D d, const Array<kForm, const T>& from, size_t k) {
+  if constexpr (kForm == Form::kPairs) return {hn::LoadU(d, from.re + 2 * k)};
+  if constexpr (kForm == Form::kExchanged) return {hn::Reverse2(d, hn::LoadU(d, from.re + 2 * k))};
+  const auto re = hn::Set(d, LoadElement(from.re + k));
+  if constexpr (kForm == Form::kReal) return {hn::InterleaveLower(d, re, hn::Zero(d))};
+  else return {hn::InterleaveLower(d, re, hn::Set(d, LoadElement(from.im + k)))};
+}
+template <Form kForm, class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreSingle(D d, const Single<D>& x, const Array<kForm, T>& to, size_t k) {
+  if constexpr (kForm == Form::kPairs) {
+    hn::StoreU(x.parts, d, to.re + 2 * k);
+  } else if constexpr (kForm == Form::kExchanged) {
+    hn::StoreU(hn::Reverse2(d, x.parts), d, to.re + 2 * k);
+  } else {
+    StoreElement(hn::GetLane(x.parts), to.re + k);
+    StoreElement(hn::GetLane(hn::Reverse2(d, x.parts)), to.im + k);
+  }
+}
+
+// As many points as one pass has.
 template <class T, class Levels>
 class Tiny final : public Complex<T> {
+  using D = hn::CappedTag<T, 2>;
+
  public:
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
-    using D = hn::CappedTag<T, 1>;
-    const D d;
-    Cx<D> x[Levels::kRadix];
-    Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA { x[i] = Only(d, in.Get(i)); });
-    Levels::First(d, [&](auto i) TZM_LAMBDA { return x[i]; },
-                  [&](auto t, const Cx<D>& result) TZM_LAMBDA { out.Put(t, Only(result)); });
+    OpenBoth(in, out, [](const auto& from, const auto& to) TZM_LAMBDA {
+      const D d;
+      Single<D> x[Levels::kRadix];
+      Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA { x[i] = LoadSingle(d, from, i); });
+      Levels::First(d, [&](auto i) TZM_LAMBDA { return x[i]; },
+                    [&](auto t, const Single<D>& result) TZM_LAMBDA { StoreSingle(d, result, to, t); });
+    });
   }
 };
 
@@ -138,7 +193,7 @@ class Tiny final : public Complex<T> {
 // matrix, and so is the result that leaves the remainders i and j.
 template <class T, class ByA, class ByB>
 class Coprime final : public Complex<T> {
-  using D = hn::CappedTag<T, 1>;
+  using D = hn::CappedTag<T, 2>;
   static constexpr size_t A = ByA::kRadix, B = ByB::kRadix;
 
   static constexpr size_t Remaining(size_t i, size_t j) {
@@ -149,15 +204,17 @@ class Coprime final : public Complex<T> {
 
  public:
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
-    const D d;
-    Cx<D> x[A][B];
-    Unrolled<B>([&](auto j) TZM_LAMBDA {
-      ByA::First(d, [&](auto i) TZM_LAMBDA { return Only(d, in.Get((B * i + A * j) % (A * B))); },
-                 [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t][j] = result; });
-    });
-    Unrolled<A>([&](auto i) TZM_LAMBDA {
-      ByB::First(d, [&](auto j) TZM_LAMBDA { return x[i][j]; },
-                 [&](auto t, const Cx<D>& result) TZM_LAMBDA { out.Put(Remaining(i, t), Only(result)); });
+    OpenBoth(in, out, [](const auto& from, const auto& to) TZM_LAMBDA {
+      const D d;
+      Single<D> x[A][B];
+      Unrolled<B>([&](auto j) TZM_LAMBDA {
+        ByA::First(d, [&](auto i) TZM_LAMBDA { return LoadSingle(d, from, (B * i + A * j) % (A * B)); },
+                   [&](auto t, const Single<D>& result) TZM_LAMBDA { x[t][j] = result; });
+      });
+      Unrolled<A>([&](auto i) TZM_LAMBDA {
+        ByB::First(d, [&](auto j) TZM_LAMBDA { return x[i][j]; },
+                   [&](auto t, const Single<D>& result) TZM_LAMBDA { StoreSingle(d, result, to, Remaining(i, t)); });
+      });
     });
   }
 };

@@ -2,6 +2,7 @@
 // last bit.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <numeric>
@@ -102,6 +103,12 @@ Numbers<T> Levels(const Numbers<T>& x, size_t all) {
         if (i == 0) odd = {-w.im * difference[i].re, -w.im * difference[i].im};
         else odd = {std::fma(-w.im, difference[i].re, odd.re), std::fma(-w.im, difference[i].im, odd.im)};
       }
+      if (radix == 3) {  // its only product is not rounded
+        const T sine = -Root<T>(3, 1).im;
+        y[k + s] = {std::fma(sine, difference[0].im, even.re), std::fma(-sine, difference[0].re, even.im)};
+        y[k + 2 * s] = {std::fma(-sine, difference[0].im, even.re), std::fma(sine, difference[0].re, even.im)};
+        continue;
+      }
       y[k + s * t] = {even.re + odd.im, even.im - odd.re};
       y[k + s * (radix - t)] = {even.re - odd.im, even.im + odd.re};
     }
@@ -143,15 +150,20 @@ Numbers<T> Forward(const Numbers<T>& x) {
     while (candidate < 2 * n - 1) candidate *= 2;
     if (size == 0 || candidate < size) size = candidate;
   }
-  Numbers<T> data(size), kernel(size), chirp;
+  Numbers<T> data(size), chirp;
+  Numbers<double> kernel(size);
   for (size_t j = 0; j < n; ++j) {
     chirp.push_back(Root<T>(2 * n, j * j % (2 * n)));
     data[j] = Product(chirp[j], x[j]);
-    kernel[j] = kernel[(size - j) % size] = {chirp[j].re / static_cast<T>(size), -chirp[j].im / static_cast<T>(size)};
+    const auto [re, im] = Root<double>(2 * n, j * j % (2 * n));
+    kernel[j] = kernel[(size - j) % size] = {re / static_cast<double>(size), -im / static_cast<double>(size)};
   }
   data = Levels(data, size);
   kernel = Levels(kernel, size);
-  for (size_t k = 0; k < size; ++k) data[k] = Product(kernel[k], data[k]);
+  for (size_t k = 0; k < size; ++k) {
+    const auto [re, im] = kernel[std::min(k, size - k)];
+    data[k] = Product({static_cast<T>(re), static_cast<T>(im)}, data[k]);
+  }
   data = Exchanged(Levels(Exchanged(data), size));
   data.resize(n);
   for (size_t k = 0; k < n; ++k) data[k] = Product(chirp[k], data[k]);

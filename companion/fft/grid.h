@@ -1,0 +1,278 @@
+// Complex transforms of some tens to some hundreds of points with odd factors: two passes, each of one or two radices.
+//
+// The n points are a matrix of n1 rows and n2 columns, as in matrix.h, but the passes are made for their numbers of
+// points, and the last register of a side begins where it ends with it, over what the one before has done.
+#pragma once
+
+#include "matrix.h"
+
+#include <bit>
+
+namespace tzm::fft {
+
+// The levels of radix A and then of radix B; None are no levels.
+template <class A, class B>
+struct Chain {
+  static constexpr size_t kRadix = A::kRadix * B::kRadix;
+  static constexpr size_t kTwiddles = A::kTwiddles + A::kRadix * B::kTwiddles;
+
+  // load(x, part) brings the points part + B i to x[i], first(get, put) takes these through A, second(k, get, put) the
+  // results k of all parts through B, and store(x, k) takes the results k + A t from x[t].
+  template <class D>
+  static TZM_INLINE void Run(auto load, auto first, auto second, auto store) {
+    const auto get = [](const Cx<D>* x) TZM_LAMBDA { return [x](auto i) TZM_LAMBDA { return x[i]; }; };
+    const auto put = [](Cx<D>* x) TZM_LAMBDA { return [x](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; }; };
+    Cx<D> x[A::kRadix];
+    if constexpr (B::kRadix == 1) {
+      load(x, size_t{0});
+      first(get(x), put(x));
+      store(x, size_t{0});
+      return;
+    }
+    Cx<D> middle[kRadix], y[B::kRadix];
+    for (size_t part = 0; part < B::kRadix; ++part) {
+      load(x, part);
+      first(get(x), put(middle + part * A::kRadix));
+    }
+    for (size_t k = 0; k < A::kRadix; ++k) {
+      second(k, [&](auto part) TZM_LAMBDA { return middle[part * A::kRadix + k]; }, put(y));
+      store(y, k);
+    }
+  }
+  static constexpr size_t kApart = B::kRadix == 1 ? 1 : A::kRadix;  // results that are stored together
+};
+
+using None = PowerOfTwo<0>;
+using Two = PowerOfTwo<1>;
+using Four = PowerOfTwo<2>;
+using Eight = PowerOfTwo<3>;
+using Sixteen = PowerOfTwo<4>;
+
+// The transforms of the columns, V at once, transposed: number k of column j goes to lane k of the block j of the row
+// block of k.
+template <class T, size_t kLane, class A, class B>
+void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* twiddles) {
+  using Side = Chain<A, B>;
+  using D = hn::CappedTag<T, kLane>;
+  constexpr size_t kRows = Side::kRadix, kNumber = kBlock<D>;
+  const D d;
+  const View<const T> source = in;
+  for (size_t j = 0; j < columns; j += kLane) {
+    const size_t at = std::min(j, columns - kLane);
+    Cx<D> y[kRows];
+    Side::template Run<D>(
+        [&](Cx<D>* x, size_t part) TZM_LAMBDA {
+          Open(source, [&](const auto& from) TZM_LAMBDA {
+            Unrolled<A::kRadix>([&](auto i) TZM_LAMBDA {
+              x[i] = Load(d, from, at + (part + B::kRadix * i) * columns);
+            });
+          });
+        },
+        [&](auto get, auto put) TZM_LAMBDA { A::First(d, get, put); },
+        [&](size_t k, auto get, auto put) TZM_LAMBDA {
+          const T* const w = twiddles + 2 * k * B::kTwiddles;
+          B::Next(d, get, [&](size_t q) TZM_LAMBDA {
+            return Cx<D>{hn::Set(d, w[2 * q]), hn::Set(d, w[2 * q + 1])};
+          }, put);
+        },
+        [&](const Cx<D>* x, size_t k) TZM_LAMBDA {
+          Unrolled<kRows / Side::kApart>([&](auto t) TZM_LAMBDA { y[k + Side::kApart * t] = x[t]; });
+        });
+    Unrolled<(kRows + kLane - 1) / kLane>([&](auto block) TZM_LAMBDA {
+      constexpr size_t kFirst = std::min(block * kLane, kRows - kLane);
+      T* const to = matrix + (block * columns + at) * kNumber;
+      Vec<D> part[kLane];
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA { part[t] = y[kFirst + InOrder<D>(t)].re; });
+      StoreTransposed(d, part, to, kNumber);
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA { part[t] = y[kFirst + InOrder<D>(t)].im; });
+      StoreTransposed(d, part, to + kLane, kNumber);
+    });
+  }
+}
+
+// The transforms of the rows, V at once.
+template <class T, size_t kLane, class A, class B>
+void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddles) {
+  using Side = Chain<A, B>;
+  using D = hn::CappedTag<T, kLane>;
+  constexpr size_t kNumber = kBlock<D>;
+  const D d;
+  const View<T> target = out;
+  for (size_t j = 0; j < rows; j += kLane) {
+    const size_t at = std::min(j, rows - kLane);
+    Side::template Run<D>(
+        [&](Cx<D>* x, size_t part) TZM_LAMBDA {
+          Unrolled<A::kRadix>([&](auto i) TZM_LAMBDA {
+            x[i] = LoadBlock(d, matrix + (part + B::kRadix * i) * kNumber);
+          });
+        },
+        [&](auto get, auto put) TZM_LAMBDA {
+          A::Next(d, get, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, twiddles + q * kNumber); }, put);
+        },
+        [&](size_t k, auto get, auto put) TZM_LAMBDA {
+          const T* const w = twiddles + (A::kTwiddles + k * B::kTwiddles) * kNumber;
+          B::Next(d, get, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, w + q * kNumber); }, put);
+        },
+        [&](const Cx<D>* x, size_t k) TZM_LAMBDA {
+          Open(target, [&](const auto& to) TZM_LAMBDA {
+            Unrolled<Side::kRadix / Side::kApart>([&](auto t) TZM_LAMBDA {
+              Store(d, x[t], to, at + (k + Side::kApart * t) * rows);
+            });
+          });
+        });
+    matrix += Side::kRadix * kNumber;
+    twiddles += Side::kTwiddles * kNumber;
+  }
+}
+
+// f(chain) for a side of so many points; nothing where it has no pass.
+template <class F>
+void WithColumns(size_t points, F&& f) {
+  switch (points) {
+    case 2: return f(Chain<Two, None>());
+    case 3: return f(Chain<Odd<3>, None>());
+    case 4: return f(Chain<Four, None>());
+    case 5: return f(Chain<Odd<5>, None>());
+    case 6: return f(Chain<Two, Odd<3>>());
+    case 7: return f(Chain<Odd<7>, None>());
+    case 8: return f(Chain<Eight, None>());
+    case 9: return f(Chain<Odd<3>, Odd<3>>());
+    case 10: return f(Chain<Two, Odd<5>>());
+    case 12: return f(Chain<Four, Odd<3>>());
+    case 15: return f(Chain<Odd<3>, Odd<5>>());
+    case 16: return f(Chain<Sixteen, None>());
+    case 20: return f(Chain<Four, Odd<5>>());
+    case 24: return f(Chain<Eight, Odd<3>>());
+    case 25: return f(Chain<Odd<5>, Odd<5>>());
+    case 32: return f(Chain<Eight, Four>());
+    case 40: return f(Chain<Eight, Odd<5>>());
+  }
+}
+template <class F>
+void WithRows(size_t points, F&& f) {
+  switch (points) {
+    case 3: return f(Chain<Odd<3>, None>());
+    case 5: return f(Chain<Odd<5>, None>());
+    case 6: return f(Chain<Two, Odd<3>>());
+    case 7: return f(Chain<Odd<7>, None>());
+    case 9: return f(Chain<Odd<3>, Odd<3>>());
+    case 10: return f(Chain<Two, Odd<5>>());
+    case 11: return f(Chain<Odd<11>, None>());
+    case 12: return f(Chain<Four, Odd<3>>());
+    case 13: return f(Chain<Odd<13>, None>());
+    case 15: return f(Chain<Odd<3>, Odd<5>>());
+    case 20: return f(Chain<Four, Odd<5>>());
+    case 21: return f(Chain<Odd<3>, Odd<7>>());
+    case 25: return f(Chain<Odd<5>, Odd<5>>());
+    case 35: return f(Chain<Odd<5>, Odd<7>>());
+  }
+}
+
+template <class T>
+class Grid final : public Complex<T> {
+ public:
+  // Null where there are no such passes.
+  static std::unique_ptr<Complex<T>> Make(size_t n) {
+    if (std::has_single_bit(n)) return nullptr;
+    Plan best;
+    size_t rows = 1;
+    for (size_t factor : Factors(n)) {
+      rows *= factor;
+      if (rows % std::gcd(n, size_t{8}) != 0) continue;  // the first pass takes the levels without a table
+      Consider<2>(rows, n / rows, best);
+      if constexpr (kMost > 2) Consider<4>(rows, n / rows, best);
+      if constexpr (kMost > 4) Consider<8>(rows, n / rows, best);
+    }
+    return std::unique_ptr<Complex<T>>(best.lanes == 0 ? nullptr : new Grid(best));
+  }
+
+  void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
+    plan_.columnPass(in, scratch, plan_.columns, table_.get());
+    plan_.rowPass(scratch, out, plan_.rows, table_.get() + rowTable_);
+  }
+
+ private:
+  static constexpr size_t kMost = std::min<size_t>(8, kLanes<Full<T>>);
+  // Whether a side of so many points has passes for so many lanes: few lanes are for few points.
+  static constexpr bool Fits(size_t points, size_t lanes) {
+    return points >= lanes && (lanes == kMost || points <= 8 * lanes);
+  }
+
+  struct Plan {
+    double cost = HUGE_VAL;
+    size_t lanes = 0, rows = 0, columns = 0;
+    size_t columnRadices[2] = {}, rowRadices[2] = {};
+    void (*columnPass)(const View<const T>& in, T* matrix, size_t columns, const T* twiddles) = nullptr;
+    void (*rowPass)(const T* matrix, const View<T>& out, size_t rows, const T* twiddles) = nullptr;
+    size_t (*order)(size_t lane) = nullptr;
+
+    size_t Blocks() const { return (rows + lanes - 1) / lanes; }
+    // About the number of operations.
+    double Work(size_t transforms, const size_t* radices) const {
+      double each = 8;
+      for (size_t k : {0, 1}) {
+        each += radices[k] % 2 == 0 ? 3 * std::log2(radices[k]) : 2 * radices[k];
+      }
+      return static_cast<double>((transforms + lanes - 1) / lanes * radices[0] * radices[1]) * each;
+    }
+  };
+
+  template <size_t kLane>
+  static void Consider(size_t rows, size_t columns, Plan& best) {
+    Plan plan;
+    plan.lanes = kLane, plan.rows = rows, plan.columns = columns;
+    plan.order = InOrder<hn::CappedTag<T, kLane>>;
+    WithColumns(rows, [&]<class A, class B>(Chain<A, B>) {
+      plan.columnRadices[0] = A::kRadix, plan.columnRadices[1] = B::kRadix;
+      if constexpr (Fits(A::kRadix * B::kRadix, kLane)) plan.columnPass = GridColumns<T, kLane, A, B>;
+    });
+    WithRows(columns, [&]<class A, class B>(Chain<A, B>) {
+      plan.rowRadices[0] = A::kRadix, plan.rowRadices[1] = B::kRadix;
+      if constexpr (Fits(A::kRadix * B::kRadix, kLane)) plan.rowPass = GridRows<T, kLane, A, B>;
+    });
+    if (plan.columnPass == nullptr || plan.rowPass == nullptr) return;
+    plan.cost = plan.Work(columns, plan.columnRadices) + plan.Work(rows, plan.rowRadices);
+    if (plan.cost < best.cost) best = plan;
+  }
+
+  explicit Grid(const Plan& plan) : plan_(plan) {
+    const size_t n = plan.rows * plan.columns, number = 2 * plan.lanes;
+    this->scratch_ = plan.Blocks() * plan.columns * number;
+    rowTable_ = (2 * plan.rows + kLine - 1) / kLine * kLine;
+    table_ = Table<T>(rowTable_ + plan.Blocks() * plan.columns * number);
+    const Roots<T> roots(n);
+    // f(order, times, plus) for the twiddles of one radix.
+    const auto forEach = [](size_t radix, size_t s, auto f) {
+      if (radix > 1) WithLevels(radix, [&](auto levels) { levels.ForEachTwiddle(s, f); });
+    };
+    T* to = table_.get();
+    for (size_t k = 0; k < plan.columnRadices[0]; ++k) {
+      forEach(plan.columnRadices[1], plan.columnRadices[0], [&](size_t order, size_t times, size_t plus) {
+        const Number<T> w = roots(n / order * (times * k + plus));
+        *to++ = w.re;
+        *to++ = w.im;
+      });
+    }
+    to = table_.get() + rowTable_;
+    for (size_t j = 0; j < plan.rows; j += plan.lanes) {
+      size_t k = 0;  // of the numbers along the row
+      const auto put = [&](size_t order, size_t times, size_t plus) {
+        for (size_t lane = 0; lane < plan.lanes; ++lane) {
+          const size_t row = std::min(j, plan.rows - plan.lanes) + plan.order(lane);
+          const Number<T> w = roots(n / order * (times * (row + plan.rows * k) + plus));
+          to[lane] = w.re;
+          to[plan.lanes + lane] = w.im;
+        }
+        to += number;
+      };
+      forEach(plan.rowRadices[0], plan.rows, put);
+      for (; k < plan.rowRadices[0]; ++k) forEach(plan.rowRadices[1], plan.rows * plan.rowRadices[0], put);
+    }
+  }
+
+  Plan plan_;
+  size_t rowTable_;
+  Table<T> table_;
+};
+
+}  // namespace tzm::fft
