@@ -269,6 +269,21 @@ void DropIdlePlans() {
   planner<T>.Trim(0, 0);
 }
 
+// A child must not find a lock held by a thread that stayed with its parent.
+void BeforeFork() {
+  planner<Orva64f>.lock.lock();
+  planner<Orva32f>.lock.lock();
+  helpers.BeforeFork();
+}
+void AfterFork(bool child) {
+  helpers.AfterFork(child);
+  planner<Orva32f>.lock.unlock();
+  planner<Orva64f>.lock.unlock();
+}
+__attribute__((constructor)) void Load() {
+  pthread_atfork(BeforeFork, [] { AfterFork(false); }, [] { AfterFork(true); });
+}
+
 __attribute__((destructor)) void Unload() {
   DropIdlePlans<Orva64f>();
   DropIdlePlans<Orva32f>();

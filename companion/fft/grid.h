@@ -10,6 +10,13 @@
 
 namespace tzm::fft {
 
+// By registers: an array of both is moved by smaller pieces, for which the next read of a register would wait.
+template <class D>
+TZM_INLINE void Copy(const Cx<D>& from, Cx<D>& to) {
+  to.re = from.re;
+  to.im = from.im;
+}
+
 // The levels of radix A and then of radix B; None are no levels.
 template <class A, class B>
 struct Chain {
@@ -21,7 +28,9 @@ struct Chain {
   template <class D>
   static TZM_INLINE void Run(auto load, auto first, auto second, auto store) {
     const auto get = [](const Cx<D>* x) TZM_LAMBDA { return [x](auto i) TZM_LAMBDA { return x[i]; }; };
-    const auto put = [](Cx<D>* x) TZM_LAMBDA { return [x](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; }; };
+    const auto put = [](Cx<D>* x) TZM_LAMBDA {
+      return [x](auto t, const Cx<D>& result) TZM_LAMBDA { Copy(result, x[t]); };
+    };
     Cx<D> x[A::kRadix];
     if constexpr (B::kRadix == 1) {
       load(x, size_t{0});
@@ -35,7 +44,10 @@ struct Chain {
       first(get(x), put(middle + part * A::kRadix));
     }
     for (size_t k = 0; k < A::kRadix; ++k) {
-      second(k, [&](auto part) TZM_LAMBDA { return middle[part * A::kRadix + k]; }, put(y));
+      second(k, [&](auto part) TZM_LAMBDA {
+        const Cx<D>& number = middle[part * A::kRadix + k];
+        return Cx<D>{number.re, number.im};
+      }, put(y));
       store(y, k);
     }
   }
@@ -76,7 +88,7 @@ void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* tw
           }, put);
         },
         [&](const Cx<D>* x, size_t k) TZM_LAMBDA {
-          Unrolled<kRows / Side::kApart>([&](auto t) TZM_LAMBDA { y[k + Side::kApart * t] = x[t]; });
+          Unrolled<kRows / Side::kApart>([&](auto t) TZM_LAMBDA { Copy(x[t], y[k + Side::kApart * t]); });
         });
     Unrolled<(kRows + kLane - 1) / kLane>([&](auto block) TZM_LAMBDA {
       constexpr size_t kFirst = std::min(block * kLane, kRows - kLane);

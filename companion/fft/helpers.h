@@ -5,7 +5,6 @@
 
 #include <pthread.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -23,8 +22,6 @@ class Helpers {
     sigset_t all, before;  // the process's signals are not for these threads
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    if (process_ != getpid()) count_ = 0;  // none yet, or forked: they stayed behind
-    process_ = getpid();
     const auto serve = [](void* self) -> void* { return static_cast<Helpers*>(self)->Serve(), nullptr; };
     while (count_ < std::min(count, kMost) && pthread_create(&threads_[count_], nullptr, serve, this) == 0) ++count_;
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
@@ -51,12 +48,18 @@ class Helpers {
     const std::lock_guard guard(lock_);  // the last helper has let go of the loop
   }
 
+  // Around a fork, so that no other thread is inside. The child has neither helpers nor the loops of other threads.
+  void BeforeFork() { lock_.lock(); }
+  void AfterFork(bool child) {
+    if (child) count_ = 0, loops_ = nullptr;
+    lock_.unlock();
+  }
+
   // Ends the threads. Loops run on without them.
   void Stop() {
     stopped_ = true;
     ++posted_;
     posted_.notify_all();
-    if (process_ != getpid()) return;
     while (count_ > 0) pthread_join(threads_[--count_], nullptr);
   }
 
@@ -120,7 +123,6 @@ class Helpers {
   std::atomic<bool> stopped_ = false;
   pthread_t threads_[kMost] = {};
   int count_ = 0;
-  pid_t process_ = 0;
 };
 
 }  // namespace tzm
