@@ -131,8 +131,9 @@ TZM_INLINE void Open(const View<T>& view, F&& f) {
     case Form::kExchanged: return f(Array<Form::kExchanged, T>{view.re, view.im});
     case Form::kSplit: return f(Array<Form::kSplit, T>{view.re, view.im});
     case Form::kReal:
-      if constexpr (std::is_const_v<T>) f(Array<Form::kReal, T>{view.re, view.im});
+      if constexpr (std::is_const_v<T>) return f(Array<Form::kReal, T>{view.re, view.im});
   }
+  __builtin_unreachable();  // nobody writes to real parts alone
 }
 template <class T, class F>
 TZM_INLINE void Open(T* blocks, F&& f) {
