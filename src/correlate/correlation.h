@@ -185,7 +185,7 @@ void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Cou
     for (int64_t w = 0; w < kWidth; ++w)
       StoreElement(FinishLag(from + kStepX * w, to + kStepY * w, common, count(l + w), lanes[w]), dst + l + w);
   };
-  int64_t l = 0;
+  int64_t l = 0;  // tiles are a work plan, which changes no bit, and must know which lags they hold
   for (; lags - l >= kTile; l += kTile) tile(l, std::integral_constant<int64_t, kTile>());
   for (; l < lags; ++l) tile(l, std::integral_constant<int64_t, 1>());
 }

@@ -5,6 +5,7 @@
 #include <signal_tzm/elementary.h>
 
 #include "frame/call.h"
+#include "frame/calls.h"
 #include "frame/drive.h"
 #include "frame/float_lanes.h"
 #include "frame/scale.h"
@@ -22,7 +23,7 @@ template <class T>
 class Scratch {
  public:
   explicit Scratch(int32_t len) : wanted_(len != 0) {
-    const int32_t count = HWY_MIN(len, kBlock);
+    const int32_t count = std::min(len, kBlock);
     if (!wanted_) return;
     if constexpr (std::is_same_v<T, Orva16s>) array_ = ORVAS_Malloc_16s(count);
     else if constexpr (std::is_same_v<T, Orva32f>) array_ = ORVAS_Malloc_32f(count);
@@ -40,17 +41,13 @@ class Scratch {
 
 // ---- Phase ----
 
-void Split(const Orva16sc* src, Orva16s* re, Orva16s* im, int32_t len) { ORVAS_CplxToReal_16sc(src, re, im, len); }
-void Split(const Orva32fc* src, Orva32f* re, Orva32f* im, int32_t len) { ORVAS_CplxToReal_32fc(src, re, im, len); }
-void Split(const Orva64fc* src, Orva64f* re, Orva64f* im, int32_t len) { ORVAS_CplxToReal_64fc(src, re, im, len); }
-
 void AddArctan(const Orva32f* correction, Orva32f* ratio, int32_t len) {
   ORVAS_Arctan_32f_I(ratio, len);
-  ORVAS_Add_32f_I(correction, ratio, len);
+  Add(correction, ratio, len);
 }
 void AddArctan(const Orva64f* correction, Orva64f* ratio, int32_t len) {
   ORVAS_Arctan_64f_I(ratio, len);
-  ORVAS_Add_64f_I(correction, ratio, len);
+  Add(correction, ratio, len);
 }
 
 // arctan(im/re), plus pi with the sign of im where re < 0, plus a zero with the sign of im elsewhere. A

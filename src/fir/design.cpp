@@ -67,6 +67,12 @@ OrvaStatus CheckFrequency(double frequency) {
   return frequency > 0 && frequency < 0.5 ? ORVA_STS_NO_ERR : ORVA_STS_SIZE_ERR;
 }
 
+OrvaStatus CheckBand(double low, double high) {
+  if (OrvaStatus status = CheckFrequency(low)) return status;
+  if (OrvaStatus status = CheckFrequency(high)) return status;
+  return low < high ? ORVA_STS_NO_ERR : ORVA_STS_SIZE_ERR;
+}
+
 OrvaStatus MakeWindow(FIRGenState* buffer, int32_t len, int32_t kind) {
   ORVAS_Set_64f(1.0, Window(buffer), len);
   switch (kind) {
@@ -178,9 +184,7 @@ OrvaStatus ORVAS_FIRGenHighpass_64f(Orva64f relFreq, Orva64f* taps, int32_t taps
 OrvaStatus ORVAS_FIRGenBandpass_64f(Orva64f relFreqLow, Orva64f relFreqHigh, Orva64f* taps, int32_t tapsLen,
                                     int32_t winType, int32_t doNormal, FIRGenState* buffer) {
   if (OrvaStatus status = CheckDesign(taps, tapsLen, buffer)) return status;
-  if (OrvaStatus status = CheckFrequency(relFreqLow)) return status;
-  if (OrvaStatus status = CheckFrequency(relFreqHigh)) return status;
-  if (relFreqLow >= relFreqHigh) return ORVA_STS_SIZE_ERR;
+  if (OrvaStatus status = CheckBand(relFreqLow, relFreqHigh)) return status;
   if (OrvaStatus status = MakeWindow(buffer, tapsLen, winType)) return status;
   Tone low(relFreqLow, tapsLen), high(relFreqHigh, tapsLen);
   FillHalf(taps, tapsLen, buffer, 2 * (relFreqHigh - relFreqLow), [&] {
@@ -197,9 +201,7 @@ OrvaStatus ORVAS_FIRGenBandpass_64f(Orva64f relFreqLow, Orva64f relFreqHigh, Orv
 OrvaStatus ORVAS_FIRGenBandstop_64f(Orva64f relFreqLow, Orva64f relFreqHigh, Orva64f* taps, int32_t tapsLen,
                                     int32_t winType, int32_t doNormal, FIRGenState* buffer) {
   if (OrvaStatus status = CheckDesign(taps, tapsLen, buffer)) return status;
-  if (OrvaStatus status = CheckFrequency(relFreqLow)) return status;
-  if (OrvaStatus status = CheckFrequency(relFreqHigh)) return status;
-  if (relFreqLow >= relFreqHigh) return ORVA_STS_SIZE_ERR;
+  if (OrvaStatus status = CheckBand(relFreqLow, relFreqHigh)) return status;
   if (OrvaStatus status = MakeWindow(buffer, tapsLen, winType)) return status;
   // sin(pi m)/pi, which vanishes for an odd number of taps and alternates for an even one.
   double whole = tapsLen % 2 != 0 ? 0 : tapsLen % 4 == 0 ? 1 / kPi : -1 / kPi;

@@ -3,6 +3,7 @@
 
 #include "fir/samples.h"
 #include "frame/call.h"
+#include "frame/drive.h"
 #include "frame/scale.h"
 
 #include <algorithm>
@@ -10,9 +11,8 @@
 using namespace tzm;
 
 // One block: the record, the taps, the rows' pointers, the rows. A second one: work, the line and behind it the area of
-// a tile. Row r holds for each
-// output of a period the tap that meets the r-th sample of its window, the period being repeated for 15
-// columns more, so that 16 outputs in a row find their taps side by side.
+// a tile. Row r holds for each output of a period the tap that meets the r-th sample of its window, the period being
+// repeated for 15 columns more, so that 16 outputs in a row find their taps side by side.
 struct FIRMRState {
   int32_t up;
   int32_t upPhase;
@@ -364,15 +364,9 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t up, int32_t upPhase, i
   const int64_t matrixAt = rowsAt + shape.rows * static_cast<int64_t>(sizeof(void*));
   const int64_t stateBytes = matrixAt + shape.rows * width * static_cast<int64_t>(sizeof(Sample));
   const int64_t workBytes = (shape.rows + lineLen) * int64_t{sizeof(Sample)} + kTileAlignment + kTileBytes;
-  if (stateBytes > kMost || workBytes > kMost) return ORVA_STS_OVERFLOW_ERR;
 
-  Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
-  Orva8u* const work = ORVAS_Malloc_8u(static_cast<int32_t>(workBytes));
-  if (CheckPointers(block, work)) {
-    ORVAS_Free(block);
-    ORVAS_Free(work);
-    return ORVA_STS_MEM_ALLOC_ERR;
-  }
+  Orva8u *block, *work;
+  if (OrvaStatus status = MakeBlocks(stateBytes, workBytes, block, work)) return status;
   auto* const state = reinterpret_cast<FIRMRState*>(block);
   *state = {up, upPhase, down, downPhase, tapsLen, block + tapsAt, reinterpret_cast<void**>(block + rowsAt), work};
   auto* const kept = static_cast<Tap*>(state->taps);
@@ -431,11 +425,14 @@ OrvaStatus Run(const Sample* src, Sample* dst, int32_t iterations, const FIRMRSt
   p.factor = 1;
   RunPeriods(p, done * down, iterations - done, dst + done * up);
   if constexpr (std::is_same_v<Sample, Orva16sc>) {
-    const int64_t dstLen = int64_t{up} * iterations;
-    for (int64_t n = dstLen - dstLen % 16; n < dstLen; ++n) {
-      const int64_t q = (shape.offset + n * down) / up;
-      RunOne(p.signal.At(q, shape.rows), rows[0] + n % up, up + kExtension, shape.rows, dst + n);
-    }
+    // The last outputs once more, as the tail has them.
+    const auto tail = [&](size_t count, Orva16sc* to) {
+      for (int64_t n = to - dst, end = n + static_cast<int64_t>(count); n < end; ++n) {
+        const int64_t q = (shape.offset + n * down) / up;
+        RunOne(p.signal.At(q, shape.rows), rows[0] + n % up, up + kExtension, shape.rows, dst + n);
+      }
+    };
+    BodyAndTail<16>(static_cast<size_t>(up) * iterations, [](size_t, Orva16sc*) {}, tail, dst);
   }
   HandOn(delaySrc, src, srcLen, delayDst, rowCount);
   return ORVA_STS_NO_ERR;

@@ -1,11 +1,25 @@
-// What the streaming filters share: the delay line that a run begins with and hands on.
+// What the streaming filters share: their blocks, and the delay line that a run begins with and hands on.
 #pragma once
 
 #include "frame/calls.h"
 
+#include <limits>
+
 namespace tzm {
 
 constexpr int64_t RoundUp16(int64_t bytes) { return (bytes + 15) / 16 * 16; }
+
+// The block of a state and that of its work; neither where the status is not 0.
+inline OrvaStatus MakeBlocks(int64_t stateBytes, int64_t workBytes, Orva8u*& state, Orva8u*& work) {
+  constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
+  if (stateBytes > kMost || workBytes > kMost) return ORVA_STS_OVERFLOW_ERR;
+  state = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
+  work = ORVAS_Malloc_8u(static_cast<int32_t>(workBytes));
+  if (state != nullptr && work != nullptr) return ORVA_STS_NO_ERR;
+  ORVAS_Free(state);
+  ORVAS_Free(work);
+  return ORVA_STS_MEM_ALLOC_ERR;
+}
 
 // The first `len` samples of a line: those of the caller's delay line, or zeros. May convert.
 template <class Sample, class Element>

@@ -45,7 +45,7 @@ TZM_INLINE void ForLanes(size_t at, size_t len, size_t lanes, Run&& run) {
 
 // Chains that fill the pipelines of two fused units, and leave registers for what is loaded.
 template <class T>
-constexpr size_t kChains = HWY_MAX(size_t{8}, 256 / (hn::MaxLanes(Full<T>()) * sizeof(T)));
+constexpr size_t kChains = std::max(size_t{8}, 256 / (hn::MaxLanes(Full<T>()) * sizeof(T)));
 
 // sum over j of taps[j] * x[n + j*kStride], n = 0 to len-1, a chain a lane; store(d, n, sums). A stride of
 // 2 filters both parts of complex samples by real taps.
@@ -53,7 +53,7 @@ template <size_t kStride, class T, class Store>
 void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d), kLag = kLanes / kStride;
-  constexpr size_t kLeast = HWY_MAX(size_t{1}, kStride * kBlock<T> / kLanes);
+  constexpr size_t kLeast = std::max(size_t{1}, kStride * kBlock<T> / kLanes);
   ForLanes<kChains<T>, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     const T* const from = x + n;
@@ -77,7 +77,7 @@ void RealBlocks(const T* taps, size_t tapsLen, const T* x, size_t len, Store sto
         });
       }
     };
-    constexpr size_t kDepth = HWY_MIN(kVectors, size_t{2});
+    constexpr size_t kDepth = std::min(kVectors, size_t{2});
     if (kDepth > 1 && tapsLen >= 2 * kDepth * kLag) {
       Unrolled<kDepth - 1>([&](auto s) TZM_LAMBDA {
         advance.template operator()<kDepth, 0, s + 1>(s * kLag, (s + 1) * kLag);
@@ -102,7 +102,7 @@ template <class Complex, class T, class Store>
 void ComplexBlocks(const Complex* taps, size_t tapsLen, const T* xr, const T* xi, size_t len, Store store) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  constexpr size_t kLeast = std::gcd(kPairs, HWY_MAX(size_t{1}, kBlock<T> / kLanes));
+  constexpr size_t kLeast = std::gcd(kPairs, std::max(size_t{1}, kBlock<T> / kLanes));
   ForLanes<kPairs, kLeast>(0, len, kLanes, [&](size_t n, auto vectors) TZM_LAMBDA {
     constexpr size_t kVectors = vectors;
     Vec<decltype(d)> re[kVectors], im[kVectors];
@@ -202,29 +202,21 @@ constexpr int64_t DirectBytes(int64_t samples) {
   return RoundUp16((2 * samples + 15) * int64_t{sizeof(Tap)});
 }
 
+// The outputs of whole blocks, `len` of them, from the line's first samples on.
 template <class Tap, class Sample>
-void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state, const Sample* delaySrc,
-               Sample* delayDst) {
-  const auto* const taps = static_cast<const Tap*>(state.taps);
-  const int32_t kept = state.tapsLen - 1, body = len - len % kBlock<Sample>, used = kept + body;
-  const DirectArea<Tap, Sample> area(state.work, int64_t{kept} + len, used);
-  Sample* const line = area.line;
-  BeginLine(delaySrc, line, kept);
-  Copy(src, line + kept, len);
-
+void FilterBlocks(const Tap* taps, int32_t tapsLen, const DirectArea<Tap, Sample>& area, int32_t len, Sample* dst) {
+  const int32_t used = tapsLen - 1 + len;
   PartOf<Sample>* const out = Reals(dst);
-  if (body == 0) {
-    // nothing but a tail
-  } else if constexpr (std::is_same_v<Sample, Orva16s>) {
-    Copy(line, area.re, used);
-    RealBlocks<1>(taps, state.tapsLen, area.re, body,
+  if constexpr (std::is_same_v<Sample, Orva16s>) {
+    Copy(area.line, area.re, used);
+    RealBlocks<1>(taps, tapsLen, area.re, len,
                   [=](auto, size_t n, auto sum) TZM_LAMBDA { StoreRounded(sum, out + n); });
   } else if constexpr (!kIsComplex<Tap>) {
     constexpr size_t kStride = kIsComplex<Sample> ? 2 : 1;
-    RealBlocks<kStride>(taps, state.tapsLen, Reals(line), kStride * body,
+    RealBlocks<kStride>(taps, tapsLen, Reals(area.line), kStride * len,
                         [=](auto d, size_t n, auto sum) TZM_LAMBDA { hn::StoreU(sum, d, out + n); });
   } else if constexpr (std::is_same_v<Sample, Orva16sc>) {
-    Split(line, area.narrowRe, area.narrowIm, used);
+    Split(area.line, area.narrowRe, area.narrowIm, used);
     Copy(area.narrowRe, area.re, used);
     Copy(area.narrowIm, area.im, used);
     const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
@@ -232,15 +224,35 @@ void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& st
       const auto part = [=](auto sum) TZM_LAMBDA { return hn::DemoteTo(narrow, RoundFor<Orva16s>(sum)); };
       hn::StoreInterleaved2(part(sumRe), part(sumIm), narrow, out + 2 * n);
     };
-    ComplexBlocks(taps, state.tapsLen, area.re, area.im, body, store);
+    ComplexBlocks(taps, tapsLen, area.re, area.im, len, store);
   } else {
-    Split(line, area.re, area.im, used);
+    Split(area.line, area.re, area.im, used);
     const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       hn::StoreInterleaved2(sumRe, sumIm, d, out + 2 * n);
     };
-    ComplexBlocks(taps, state.tapsLen, area.re, area.im, body, store);
+    ComplexBlocks(taps, tapsLen, area.re, area.im, len, store);
   }
-  for (int32_t n = body; n < len; ++n) TailOutput(taps, line + n, state.tapsLen, dst + n);
+}
+
+template <class Tap, class Sample>
+void RunDirect(const Sample* src, Sample* dst, int32_t len, const FIRSRState& state, const Sample* delaySrc,
+               Sample* delayDst) {
+  const auto* const taps = static_cast<const Tap*>(state.taps);
+  const int32_t tapsLen = state.tapsLen, kept = tapsLen - 1;
+  auto* const line = reinterpret_cast<Sample*>(state.work);
+  BeginLine(delaySrc, line, kept);
+  Copy(src, line + kept, len);
+  BodyAndTail<kBlock<Sample>>(
+      len,
+      [&](size_t count, Sample* to) {
+        const auto body = static_cast<int32_t>(count);
+        FilterBlocks(taps, tapsLen, DirectArea<Tap, Sample>(state.work, int64_t{kept} + len, kept + body), body, to);
+      },
+      [&](size_t count, Sample* to) {
+        const Sample* const window = line + (to - dst);
+        for (size_t i = 0; i < count; ++i) TailOutput(taps, window + i, tapsLen, to + i);
+      },
+      dst);
   if (delayDst != nullptr) Copy(line + len, delayDst, kept);
 }
 
@@ -384,15 +396,9 @@ OrvaStatus Init(const Tap* taps, int32_t tapsLen, int32_t maxLen, int32_t kind, 
   const int64_t stateBytes = kind == ORVA_ROUTE_FFT ? spectrumEnd : spectrumAt;
   const int64_t workBytes =
       kind == ORVA_ROUTE_FFT ? 3 * points * sizeof(Complex) + 15 : DirectBytes<Tap>(int64_t{tapsLen} + maxLen);
-  if (stateBytes > kMostBytes || workBytes > kMostBytes) return ORVA_STS_OVERFLOW_ERR;
 
-  Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(stateBytes));
-  Orva8u* const work = ORVAS_Malloc_8u(static_cast<int32_t>(workBytes));
-  if (CheckPointers(block, work)) {
-    ORVAS_Free(block);
-    ORVAS_Free(work);
-    return ORVA_STS_MEM_ALLOC_ERR;
-  }
+  Orva8u *block, *work;
+  if (OrvaStatus status = MakeBlocks(stateBytes, workBytes, block, work)) return status;
   auto* const state = reinterpret_cast<FIRSRState*>(block);
   *state = {};
   state->tapsLen = tapsLen;

@@ -38,13 +38,14 @@ TZM_INLINE void Block(const FIRSparseState* state, const Orva32f* from, Orva32f*
   sum.Store(dst);
 }
 
-// Outputs `first` to `end` of the samples at `from`. Blocks start where the one before ended; what fills
-// no block of 16 goes one by one, with the same chain.
+// Outputs `first` to `end` of the samples at `from`. Blocks start where the one before ended; what fills none goes one
+// by one, with the same chain.
 void Outputs(const FIRSparseState* state, const Orva32f* from, Orva32f* dst, int32_t first, int32_t end) {
-  constexpr int32_t kWide = 64, kBlock = 16;
+  constexpr int32_t kWide = 64, kBlock = 16, kLeast = 4;
   int32_t n = first;
   for (; end - n >= kWide; n += kWide) Block<kWide>(state, from + n, dst + n);
   for (; end - n >= kBlock; n += kBlock) Block<kBlock>(state, from + n, dst + n);
+  for (; end - n >= kLeast; n += kLeast) Block<kLeast>(state, from + n, dst + n);
   for (; n < end; ++n) {
     float sum = 0;
     for (int32_t k = 0; k < state->nzCount; ++k)

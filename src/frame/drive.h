@@ -123,7 +123,7 @@ constexpr int32_t kInCache = (8 << 10) / sizeof(T);
 template <int32_t kBlock, class Block, class... T>
 TZM_INLINE void ForBlocks(size_t len, Block&& block, T*... arrays) {
   for (size_t i = 0; i < len; i += kBlock)
-    block(static_cast<int32_t>(HWY_MIN(size_t{kBlock}, len - i)), (arrays + i)...);
+    block(static_cast<int32_t>(std::min<size_t>(kBlock, len - i)), (arrays + i)...);
 }
 
 }  // namespace tzm

@@ -22,7 +22,7 @@ template <class Real>
 Real ExponentFactor(int exponent) {
   using Bits = hwy::UnsignedFromSize<sizeof(Real)>;
   constexpr int kFraction = sizeof(Real) == 8 ? 52 : 23, kBias = sizeof(Real) == 8 ? 1023 : 127;
-  const int field = HWY_MIN(kBias - exponent, 2 * kBias + 1);  // the largest one is infinity
+  const int field = std::min(kBias - exponent, 2 * kBias + 1);  // the largest one is infinity
   Bits bits = 0;
   if (field > 0) bits = static_cast<Bits>(field) << kFraction;
   else if (field > -kFraction) bits = Bits{1} << (kFraction - 1 + field);
@@ -39,7 +39,7 @@ inline float FloatFactor(double scale) { return ExponentFactor<float>(ScaleExpon
 // The same for quotients of integers. They lie within 2^32 of 1, so that beyond 2^64 either way they are 0 or
 // saturate; there the factor stays, and infinity times it is never a NaN.
 inline float QuotientFactor(double scale) {
-  return ExponentFactor<float>(HWY_MAX(-64, HWY_MIN(ScaleExponent(scale), 64)));
+  return ExponentFactor<float>(std::clamp(ScaleExponent(scale), -64, 64));
 }
 
 // ---- The rule on exact integers ----
@@ -78,7 +78,7 @@ class ShiftLeftSaturating {
   static constexpr int kBits = 8 * sizeof(T);
 
   // From kBits on every lane but 0 saturates. A signed lane does so from kBits - 1 on.
-  explicit ShiftLeftSaturating(int count) : count_(HWY_MIN(count, kBits - std::is_signed_v<T>)) {}
+  explicit ShiftLeftSaturating(int count) : count_(std::min<int>(count, kBits - std::is_signed_v<T>)) {}
 
   TZM_INLINE Vec<D> operator()(Vec<D> v) const {
 #if HWY_ARCH_ARM_A64

@@ -53,11 +53,10 @@ struct OrderedSum {
   using Element = hn::TFromD<typename Lanes::D>;
   static constexpr size_t kLanes = Lanes::kRegisters * Lanes::kWidth, kBlock = kStep;
 
-  // step(i, lanes) adds kAtOnce elements from i on, tail(i, sum) the element i. Lanes start at +0: sums of anything but
-  // products that underflow never become -0 there.
-  template <size_t kAtOnce = kLanes, class Step, class Tail>
+  // step(i, lanes) adds kAtOnce elements from i on, tail(i, sum) the element i; kTurn elements make a turn of the loop.
+  // Lanes start at +0: sums of anything but products that underflow never become -0 there.
+  template <size_t kAtOnce = kLanes, size_t kTurn = std::max(kStep, 4 * kAtOnce), class Step, class Tail>
   static TZM_INLINE auto Of(size_t len, Step&& step, Tail&& tail, Element start = 0) {
-    constexpr size_t kTurn = HWY_MAX(kStep, 4 * kAtOnce);
     static_assert(kTurn % kStep == 0 && kStep % kAtOnce == 0);
     Lanes lanes = Lanes::Set(start);
     const size_t body = len - len % kStep;
@@ -103,7 +102,7 @@ struct ZeroFilled {
 template <size_t kStep, size_t kSteps = size_t{1} << 32, class Step, class Flush, class... T>
 TZM_INLINE void ReduceSteps(size_t len, Step&& step, Flush&& flush, const T*... arrays) {
   for (size_t i = 0; i < len;) {
-    const size_t end = HWY_MIN(len, i + kSteps * kStep);
+    const size_t end = std::min(len, i + kSteps * kStep);
     for (; end - i >= 2 * kStep; i += 2 * kStep) {
       step((arrays + i)...);
       step((arrays + (i + kStep))...);

@@ -63,7 +63,7 @@ T BlockSample(Work value) {
   if constexpr (std::is_integral_v<T>) {
     using Limits = std::numeric_limits<T>;
     const int32_t whole = static_cast<int32_t>(value);  // of a few standard deviations: far within the range
-    return static_cast<T>(HWY_MAX(Limits::min(), HWY_MIN(whole, Limits::max())));
+    return static_cast<T>(std::clamp<int32_t>(whole, Limits::min(), Limits::max()));
   } else {
     return value;
   }

@@ -87,7 +87,7 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
     part[2] = Fma(twiceCos, part[1], -part[0]);
     part[3] = Fma(twiceCos, part[2], -part[1]);
   }
-  const size_t head = HWY_MIN(static_cast<size_t>(len), size_t{4});
+  const size_t head = std::min<size_t>(len, 4);
   for (size_t i = 0; i < head; ++i)
     for (int part = 0; part < kParts; ++part) StoreOne(y[part][i] * m, Reals(dst) + i * kParts + part);
 

@@ -244,7 +244,7 @@ OrvaStatus AggSum(const T* src, int32_t len, const Orva8u* nulls, Orva8u* overfl
   if (OrvaStatus status = CheckArrays(len, src, overflow, sum)) return status;
   Total total = {};
   for (size_t rows = len, i = 0; i < rows; i += kBlock)
-    AddRows(src + i, nulls != nullptr ? nulls + i : nullptr, HWY_MIN(kBlock, rows - i), total);
+    AddRows(src + i, nulls != nullptr ? nulls + i : nullptr, std::min(kBlock, rows - i), total);
   Deliver(total, sum, overflow);
   return ORVA_STS_NO_ERR;
 }

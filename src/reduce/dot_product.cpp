@@ -61,7 +61,7 @@ auto WideComplexDot(const Orva32fc* a, const Orva32fc* b, size_t len) {
   using Part = decltype(Lanes::re);
   const hn::FixedTag<float, 4> d4;
   const hn::FixedTag<float, 2> d2;
-  return Order::template Of<4>(
+  return Order::template Of<4, 4>(  // a step a turn: the chains of the sums are the limit
       len,
       [=](size_t i, Lanes& sum) TZM_LAMBDA {
         Vec<decltype(d4)> part[4];
@@ -126,7 +126,7 @@ constexpr size_t kStep16 = 8, kStep32 = 4;
 double Steps16(const Orva16s* a, const Orva16s* b, size_t body) {
   // A step adds at most 2^32 to a lane, so for 2^21 steps no lane can round: integers give the same sum.
   constexpr size_t kExact = kStep16 << 21;
-  const size_t exact = HWY_MIN(body, kExact);
+  const size_t exact = std::min(body, kExact);
   ProductSums16 sums;
   ReduceRegisters(exact, [&](auto va, auto vb) TZM_LAMBDA { sums.Add(va, vb); }, [] {}, a, b);
   double lane[2] = {static_cast<double>(sums.Lane(0)), static_cast<double>(sums.Lane(1))};

@@ -53,7 +53,7 @@ void FillTable(Orva64f* work, Orva16s* table, ResamplePolyphaseState& state) {
   double most, least;
   ORVAS_Max_64f(work, state.tableLen, &most);
   ORVAS_Min_64f(work, state.tableLen, &least);
-  const double peak = HWY_MAX(__builtin_fabs(most), __builtin_fabs(least));
+  const double peak = std::max(__builtin_fabs(least), __builtin_fabs(most));
   state.outScale = static_cast<Orva32f>(peak / kLargest);
   ORVAS_MulC_64f_I(kLargest / peak, work, state.tableLen);
   ORVAS_Convert_64f16s_S(work, table, state.tableLen, 1, 1.0);
@@ -232,7 +232,7 @@ HWY_NOINLINE void AddProducts(const Half<Entry, Sample> (&half)[2], double (&acc
   const Full<double> d;
   const hn::FixedTag<double, 2> two;
   constexpr int64_t kLanes = hn::MaxLanes(d);
-  const int64_t common = HWY_MIN(half[0].count, half[1].count);
+  const int64_t common = std::min(half[0].count, half[1].count);
   auto index = hn::Iota(d, 0);
   auto sums = hn::LoadU(two, acc);
   int64_t m = 0;
@@ -285,13 +285,13 @@ OrvaStatus MakePlan(int32_t len, double factor, Orva32f norm, const double* time
     plan.step *= factor;
     plan.gain *= factor;
   }
-  // The sample at the start is counted in 32 bits; times beyond them are beyond every source.
+  // The sample at the start is counted in 32 bits; times beyond them, and a NaN, are beyond every source.
   constexpr double kMost = std::numeric_limits<int32_t>::max(), kLeast = std::numeric_limits<int32_t>::min();
-  const double sample = HWY_MAX(kLeast, HWY_MIN(__builtin_floor(plan.start), kMost));
+  const double sample = std::max(kLeast, std::min(kMost, __builtin_floor(plan.start)));
   if (CeilQuotient(state.tableLen - plan.step * (plan.start - sample), plan.step) > sample) return ORVA_STS_BAD_ARG_ERR;
   const double count = __builtin_ceil((len + sample - plan.start) * factor);
   if (count > kMost) return ORVA_STS_BAD_ARG_ERR;
-  plan.count = count != count ? 0 : static_cast<int32_t>(HWY_MAX(count, kLeast));
+  plan.count = count != count ? 0 : static_cast<int32_t>(std::max(count, kLeast));
   StoreElement(plan.count, outLen);
   return ORVA_STS_NO_ERR;
 }
@@ -302,7 +302,7 @@ template <class Entry, class Sample, class TimeOf, class Store>
 void Run(const ResamplePolyphaseState& state, const Plan& plan, const Sample* src, TimeOf timeOf, Store store) {
   using H = Half<Entry, Sample>;
   for (int64_t j = 0; j < plan.count; j += 2) {
-    const int64_t outputs = HWY_MIN(2, plan.count - j);
+    const int64_t outputs = std::min<int64_t>(2, plan.count - j);
     double at[2], acc[2] = {};
     const Sample* here[2];
     for (int64_t k = 0; k < 2; ++k) {

@@ -51,13 +51,13 @@ void ForEachTap(const State& state, Take take) {
 
 // The source samples on either side of an output that the filter may reach, in steps of 1/(2*up):
 // window * max(up, down), a product of integers and 2^-22, exact in binary64 as long as the filter has a legal length.
-double Width(double window, int32_t up, int32_t down) { return window * HWY_MAX(up, down); }
+double Width(double window, int32_t up, int32_t down) { return window * std::max(up, down); }
 
 // A low-pass filter `width` wide, in steps of 1/up of a source sample; the taps on its edges belong to it. Every phase
 // sums to 1.
 void Design(const State& state, double width, Orva32f rollf, Orva32f alpha, Orva32f* filter) {
   const KaiserSinc sinc(rollf, alpha);
-  const double lower = HWY_MIN(1.0, static_cast<double>(state.up) / state.down);  // of the two rates
+  const double lower = std::min(1.0, static_cast<double>(state.up) / state.down);  // of the two rates
   const int32_t centre = state.up * state.reach;
   const auto at = [&](int32_t n) {
     const int32_t steps = n < centre ? centre - n : n - centre;

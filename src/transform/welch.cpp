@@ -54,15 +54,21 @@ void Fold(const Complex* src, const Real* window, Complex* segment, int32_t len)
 // Sum of squares: blocks of lanes folded pairwise onto a running total, the rest fused one by one.
 template <class Real>
 Real Energy(const Real* window, int32_t len) {
-  constexpr int32_t kLanes = 16 / sizeof(Real);
+  constexpr size_t kLanes = 16 / sizeof(Real);
   using Lanes = LaneArray<Real, kLanes>;
   Real total = 0;
-  int32_t i = 0;
-  for (; len - i >= kLanes; i += kLanes) {
-    const Lanes block = Lanes::Load(window + i);
-    total += (block * block).FoldPairs();
-  }
-  for (; i < len; ++i) total = Fma(window[i], window[i], total);
+  BodyAndTail<kLanes>(
+      len,
+      [&](size_t count, const Real* w) {
+        for (size_t i = 0; i < count; i += kLanes) {
+          const Lanes block = Lanes::Load(w + i);
+          total += (block * block).FoldPairs();
+        }
+      },
+      [&](size_t count, const Real* w) {
+        for (size_t i = 0; i < count; ++i) total = Fma(w[i], w[i], total);
+      },
+      window);
   return total;
 }
 

@@ -62,7 +62,7 @@ TZM_INLINE void EachMask(size_t count, Use&& use) {
   constexpr size_t kWidth = hn::MaxLanes(d);
   Unrolled<kLanes / kWidth>([&](auto i) TZM_LAMBDA {
     const size_t lanes = count * sizeof(T) / sizeof(MaskLane);
-    const size_t few = lanes > i * kWidth ? HWY_MIN(lanes - i * kWidth, kWidth) : 0;
+    const size_t few = lanes > i * kWidth ? std::min(lanes - i * kWidth, kWidth) : 0;
 #if HWY_TARGET <= HWY_AVX3
     use(d, i * kWidth, hn::FirstN(d, few));
 #else

@@ -69,7 +69,7 @@ TZM_INLINE void StoreRounded(V x, T* to) {
   else hn::StoreU(hn::DemoteTo(dn, RoundFor<T>(x)), dn, to);
 }
 
-// kLanes elements from memory, each in two lanes in a row: a real factor for complex elements.
+// Half a register of elements from memory, each in two lanes in a row: a real factor for complex elements.
 template <class D>
 TZM_INLINE Vec<D> LoadTwice(D d, const float* from) {
   const hn::Half<D> half;
