@@ -1,4 +1,4 @@
-// Complex transforms of few points: powers of two from 8 on, without choices, and what one pass takes.
+// Complex transforms of lengths whose passes the compiler knows: powers of two to 4,096, and what one pass takes.
 #pragma once
 
 #include "matrix.h"
