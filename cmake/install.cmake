@@ -9,7 +9,8 @@ set(CMAKE_INSTALL_SO_NO_EXE TRUE)  # as Debian has it; CMake does so by itself o
 function(tzm_must_be_built component)
   install(CODE "foreach(file IN ITEMS ${ARGN})
     if(NOT EXISTS \"\${file}\")
-      message(FATAL_ERROR \"Not all of signal_tzm is built yet. First run: cmake --build ${PROJECT_BINARY_DIR} --target tzm_all\")
+      message(FATAL_ERROR
+        \"Not all of signal_tzm is built yet. First run: cmake --build ${PROJECT_BINARY_DIR} --target tzm_all\")
     endif()
   endforeach()" COMPONENT ${component})
 endfunction()

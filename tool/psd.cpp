@@ -69,8 +69,8 @@ std::vector<float> MakeWindow(const Settings& settings) {
 }
 
 // The mean over the segments of |X|^2 / (rate * sum of the window's squares): power in one hertz, both signs of a
-// frequency in one bin. ORVAS_Pwelch is that for a sound in memory whose segments overlap; here files are of any length,
-// and no overlap is Bartlett's estimate.
+// frequency in one bin. ORVAS_Pwelch is that for a sound in memory whose segments overlap; here files are of any
+// length, and no overlap is Bartlett's estimate.
 Spectrum Estimate(AudioReader& reader, const Settings& settings) {
   const auto len = size_t(settings.segment);
   const size_t step = len - size_t(std::ceil(settings.segment * settings.overlap));

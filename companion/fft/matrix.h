@@ -211,7 +211,8 @@ class Matrix final : public Complex<T> {
       s = 1;
       for (const Step& step : rowSteps_) {
         T* const to = table_.get() + step.twiddles + block * tableBlock_;
-        WithLevels(step.radix, [&](auto levels) { TabulateRows(D(), roots, levels, n_, n1_, s, BlockStart(block), to); });
+        WithLevels(step.radix,
+                   [&](auto levels) { TabulateRows(D(), roots, levels, n_, n1_, s, BlockStart(block), to); });
         s *= step.radix;
       }
     }

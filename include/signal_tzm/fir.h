@@ -97,8 +97,8 @@ TZM_API OrvaStatus ORVAS_FIRSRRelease32f_32fc(FIRSRState* state);
  * memory. `*stateOut` is set on success only.
  *
  * **Run.** Status: 1 `src` or `dst` null; 2 `iterations` < 1; 1 `state` null or damaged; 407 damaged factors; 202
- * unless `iterations` is below (2^31-1)/U and (2^31-1)/D, rounded down. `delaySrc` and `delayDst` may be null (zeros before the
- * first sample; nothing kept) or the same array; `delayDst` receives what the next call wants as its
+ * unless `iterations` is below (2^31-1)/U and (2^31-1)/D, rounded down. `delaySrc` and `delayDst` may be null (zeros
+ * before the first sample; nothing kept) or the same array; `delayDst` receives what the next call wants as its
  * `delaySrc`. `src` and `dst` must not overlap.
  *
  * Each output is a strict chain from +0, one fused step a row from the oldest sample to the newest, the zeros

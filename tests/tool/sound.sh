@@ -54,7 +54,8 @@ for format in 'wav RIFF' 'w64 riff' 'aiff FORM' 'au .snd' 'caf caff' 'flac fLaC'
   if [[ $ending != @(caf|flac|opus|MP3) ]]; then
     level=$(figure '.channels[0].rms_db' stats "${raw[@]}" - < <(cat "made.$ending"))
     near "level of $ending in a pipe" "$level" -9.031 0.1
-    [[ $ending == raw || $("$tzm" stats - < <(cat "rough.$ending") 2>&1) != *cut* ]] || wrong "a whole $ending is cut off"
+    [[ $ending == raw || $("$tzm" stats - < <(cat "rough.$ending") 2>&1) != *cut* ]] ||
+      wrong "a whole $ending is cut off"
   fi
 done
 warns 'standard input' stats - < <(cat half.wav)
