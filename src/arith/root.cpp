@@ -1,5 +1,6 @@
 // Element-wise square and cube roots.
 #include <signal_tzm/arith.h>
+#include <signal_tzm/companion.h>
 
 #include "frame/call.h"
 #include "frame/drive.h"
@@ -7,7 +8,6 @@
 #include "frame/float_lanes.h"
 #include "frame/scale.h"
 
-#include <array>
 #include <cmath>
 
 using namespace tzm;
@@ -16,32 +16,19 @@ namespace {
 
 // ---- Square roots with a scan ----
 
-// The roots of all elements, and the status: an element below zero counts in the blocks of Lanes from their element
-// kFirst on, and everywhere behind them.
-template <class Lanes, size_t kFirst, class T>
-OrvaStatus Roots(const T* src, T* dst, int32_t len) {
+// The roots of all elements, and the status: an element below zero counts in the blocks of kBlock elements from
+// their element kFirst on, and everywhere behind them.
+template <size_t kBlock, size_t kFirst, class T, class Root>
+OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  constexpr size_t kBlock = Lanes::kRegisters * Lanes::kWidth;
-  const typename Lanes::D d;
-  constexpr auto kBounds = [] {
-    std::array<T, kBlock> bounds = {};
-    for (size_t i = 0; i < kFirst; ++i) bounds[i] = -std::numeric_limits<T>::infinity();  // nothing is below
-    return bounds;
-  }();
-  const Lanes bounds = Lanes::Load(kBounds.data());
-  bool negativeInTail = false;
-  const auto tail = [&](size_t count, const T* x) TZM_LAMBDA {
-    for (size_t i = 0; i < count; ++i) negativeInTail |= LoadElement(x + i) < 0;
-  };
-  if constexpr (kFirst != 0) BodyAndTail<kBlock>(len, [](size_t, const T*) {}, tail, src);
+  const hn::FixedTag<T, kBlock - kFirst> d;
   AnyLane<decltype(d)> negative;
-  // The last step may begin within a block: what it sees lies behind the block's first elements, or in the tail.
-  ForEach<kBlock, 2>(len, [&](const T* from, T* to) TZM_LAMBDA {
-    const Lanes x = Lanes::Load(from);
-    Lanes::Each([&](size_t r) TZM_LAMBDA {
-      negative.See(hn::Lt(x.v[r], bounds.v[r]));
-      return hn::Sqrt(x.v[r]);
-    }).Store(to);
+  bool negativeInTail = false;
+  ForBlocks<kInCache<T>>(len, [&](int32_t count, const T* from, T* to) {
+    BodyAndTail<kBlock, kBlock>(
+        count, [&](const T* x) TZM_LAMBDA { negative.See(hn::Lt(hn::LoadU(d, x + kFirst), hn::Zero(d))); },
+        [&](const T* x) TZM_LAMBDA { negativeInTail |= LoadElement(x) < 0; }, from);
+    root(count, from, to);
   }, src, dst);
   return negative.Seen() || negativeInTail ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
 }
@@ -117,11 +104,11 @@ TZM_INLINE V CubeRoots(V x, V y) {
 }  // namespace
 
 OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
-  return Roots<LaneArray<float, 8>, 4>(src, dst, len);  // deliberately blind to elements 0 to 3 of a block
+  return ScanAndRoot<8, 4>(src, dst, len, vssqrt);  // deliberately blind to elements 0 to 3 of a block
 }
 
 OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
-  return Roots<LaneArray<double, hn::MaxLanes(Full<double>())>, 0>(src, dst, len);
+  return ScanAndRoot<2, 0>(src, dst, len, vdsqrt);
 }
 
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
