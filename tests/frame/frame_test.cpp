@@ -65,12 +65,13 @@ class Frame : public testing::TestWithParam<const Member*> {
   // Calls with what stands prepared, and holds it against the row's oracle.
   void ExpectValues(Caller& prepared, const std::string& what, int32_t len) {
     Outputs expected;
-    const OrvaStatus expected_status = prepared.Expect(expected);
+    OrvaStatus expected_status = ORVA_STS_NO_ERR;
     for (int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
       std::fesetround(mode);
       const OrvaStatus status = prepared.Invoke();
       EXPECT_EQ(std::fegetround(), mode);
       std::fesetround(FE_TONEAREST);
+      if (mode == FE_TONEAREST) expected_status = prepared.Expect(expected);
       ExpectSame(expected, expected_status, prepared, status, what, len);
       if (!member.any_rounding) break;
     }

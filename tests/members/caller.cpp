@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <type_traits>
+
+#include "support/exact.h"
 
 namespace tzm_test {
 
@@ -12,31 +13,23 @@ namespace {
 bool IsPointer(Role role) { return role != Role::kLength && role != Role::kConstant && role != Role::kScale; }
 bool IsOutput(Role role) { return role == Role::kDst || role == Role::kSrcDst || role == Role::kResult; }
 
-template <class T>
-T Saturated(double number) {
-  if (std::is_floating_point_v<T>) return static_cast<T>(number);
-  constexpr double lo = static_cast<double>(std::numeric_limits<T>::min());
-  constexpr double hi = static_cast<double>(std::numeric_limits<T>::max());
-  if (number <= lo) return std::numeric_limits<T>::min();
-  if (number >= hi) return std::numeric_limits<T>::max();
-  return static_cast<T>(number);
-}
-
 }  // namespace
 
 void StorePart(Kind kind, void* to, double number) {
-  Visit(kind, [=](auto type) {
-    const auto value = Saturated<decltype(type)>(number);
+  Visit(kind, [=]<class T>(T value) {
+    if constexpr (std::is_integral_v<T>) value = RoundSaturate<T>(number);
+    else value = static_cast<T>(number);
     std::memcpy(to, &value, sizeof value);
   });
 }
 
 std::string Describe(const Member& member, const Setting& s) {
-  const std::string seed = s.seed == 0 ? "" : " seed " + std::to_string(s.seed);
-  return member.name + seed + " length " + std::to_string(s.len) + " variety " +
-         std::to_string(static_cast<int>(s.variety)) +
-         " constants " + std::to_string(s.constants) + " scale " + std::to_string(s.scale) + " place " +
-         std::to_string(static_cast<int>(s.place)) + " alias " + std::to_string(s.alias);
+  std::string text = member.name;
+  for (auto [what, number] : {std::pair<const char*, int64_t>{" seed ", s.seed}, {" length ", s.len},
+                              {" variety ", int(s.variety)}, {" constants ", s.constants}, {" scale ", s.scale},
+                              {" place ", int(s.place)}, {" alias ", s.alias}})
+    text += what + std::to_string(number);
+  return text;
 }
 
 Caller::Caller(const Member& member, int32_t max_len)
@@ -110,9 +103,11 @@ void Caller::Prepare(const Setting& setting) {
 }
 
 OrvaStatus Caller::Expect(Outputs& outputs) const {
-  outputs = Results();
+  outputs.clear();
+  for (size_t i = 0; i < arrays_.size(); ++i)
+    if (IsOutput(member_.arguments[i].role)) outputs.push_back(arrays_[i].before);
   const Outputs before = outputs;
-  const OrvaStatus status = member_.oracle(values.data(), outputs);
+  const OrvaStatus status = member_.oracle(values.data(), Results(), outputs);
   if (!IsSuccess(status)) outputs = before;
   return status;
 }

@@ -50,7 +50,7 @@ class Caller {
     return Invoke();
   }
   void SetConstants(const std::vector<double>& set);
-  // What Invoke has to make of what was prepared, by the row's oracle: the outputs, and the status.
+  // What Invoke had to make of what was prepared, by the row's oracle: the outputs, and the status.
   OrvaStatus Expect(Outputs& outputs) const;
 
   // Whether every array (or, of all but the outputs, each) still holds what Prepare put there.

@@ -25,8 +25,8 @@ constexpr auto largest = []<class T>(const std::vector<T>& src, At) {
   return most;
 };
 // One value among NaNs, one NaN among values, and where +0 follows -0.
-template <class T, int kSign>
-constexpr Cases kAlone = [](auto run) {
+template <int kSign>
+constexpr auto kAlone = []<class T>(T, auto run) {
   for (int32_t len = 1; len <= 150; ++len)
     for (int32_t i = 0; i < len; ++i) {
       for (auto [one, others] : {std::pair<T, T>(kSign * -INFINITY, NAN), std::pair<T, T>(NAN, -3)}) {
@@ -66,11 +66,10 @@ const Rows rows("companion", {
     MEMBERS(ORVAS_Convert_64f16s_S).Is([](double x, uint32_t mode, At at) {
       const double scaled = x * at.Factor();
       return RoundSaturate<Orva16s>(mode == 1 ? scaled : std::trunc(scaled));
-    }).On(kTies).Constants({{0}, {1}}).BadConstants({2}, ORVA_STS_ROUND_MODE_ERR),
-    MEMBERS(ORVAS_Max_64f).Gives(largest<1, false>).On(kAlone<double, 1>),
-    MEMBERS(ORVAS_Min_64f).Gives(largest<-1, false>).On(kAlone<double, -1>),
-    MEMBERS(ORVAS_MaxAbs_32f).Gives(largest<1, true>).On(kAlone<float, 1>),
-    MEMBERS(ORVAS_MaxAbs_64f).Gives(largest<1, true>).On(kAlone<double, 1>),
+    }).On(kTies).Constants({{0}, {1}}).BadConstants({{2}}, ORVA_STS_ROUND_MODE_ERR),
+    MEMBERS(ORVAS_Max_64f).Gives(largest<1, false>).On(kAlone<1>),
+    MEMBERS(ORVAS_Min_64f).Gives(largest<-1, false>).On(kAlone<-1>),
+    MEMBERS(ORVAS_MaxAbs_32f, ORVAS_MaxAbs_64f).Gives(largest<1, true>).On(kAlone<1>),
 });
 
 }  // namespace

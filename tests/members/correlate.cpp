@@ -79,10 +79,7 @@ const Rows rows("correlate", {
     SCENARIO(Convolution, ORVAS_Convolve_32f, ORVAS_ConvInit_32f, ORVAS_ConvRelease_32f),
     SCENARIO(Convolution, ORVAS_Convolve_64f, ORVAS_ConvInit_64f, ORVAS_ConvRelease_64f),
     SCENARIO(Biased, ORVAS_ConvBiased_32f),
-    CORRELATIONS(32f),
-    CORRELATIONS(64f),
-    CORRELATIONS(32fc),
-    CORRELATIONS(64fc),
+    CORRELATIONS(32f), CORRELATIONS(64f), CORRELATIONS(32fc), CORRELATIONS(64fc),
     // The order of summation is the CBLAS's own: no digest.
     Member("ORVAS_MMul_32f"), Member("ORVAS_MMul_64f"), Member("ORVAS_MMul_32fc"), Member("ORVAS_MMul_64fc"),
 });

@@ -1,9 +1,10 @@
-// Real functions: the companion's, and the statuses of the contract's scans. Magnitude, power spectrum, phase and polar
-// forms in their own sums, roots, angles and roundings. Complex functions and powers stand in tests/elementary.
+// Real functions: the companion's, and the statuses of the contract's scans. Complex functions and powers: those of
+// the system in long double. Magnitude, power spectrum, phase and polar forms in their own sums, roots and angles.
 #include <signal_tzm/companion.h>
 #include <signal_tzm/elementary.h>
 
 #include <bit>
+#include <complex>
 
 #include "members.h"
 #include "support/exact.h"
@@ -23,21 +24,16 @@ struct Scanned {
   Function* function;
   Scan scan;
   template <class T>
-  auto operator()(const std::vector<T>& x, const At& at) const {
+  auto operator()(const std::vector<T>& x, const auto&... rest) const {  // another source or none, and At
     std::vector<T> y(x.size());
-    scan(x, at);
-    function(at.len, x.data(), y.data());
-    return y;
-  }
-  template <class T>
-  auto operator()(const std::vector<T>& a, const std::vector<T>& b, const At& at) const {
-    std::vector<T> y(a.size());
-    scan(a, b, at);
-    function(at.len, a.data(), b.data(), y.data());
+    const auto len = static_cast<int32_t>(x.size());
+    scan(x, rest...);
+    if constexpr (sizeof...(rest) == 1) function(len, x.data(), y.data());
+    else function(len, x.data(), std::get<0>(std::tie(rest...)).data(), y.data());
     return y;
   }
 };
-const auto noScan = [](const auto&...) {};
+const auto none = [](const auto&...) {};
 
 // Looks at the first block of 128 bits, for the first condition before the second, and at what follows the last whole
 // block, where the last offender decides; the block prevails.
@@ -142,6 +138,79 @@ const auto kAllSizes = []<class T>(T, auto run) {
   run(Case(src));
 };
 
+// ---- Within a bound ----
+
+using Wide = std::complex<long double>;
+
+template <class F>
+struct Nearly {
+  F exact;
+  double ulps;
+  auto operator()(auto z, const At& at) const {
+    const auto actual = at.After<decltype(z)>();
+    Wide e = exact(Wide(z.re, z.im), at);  // where one part is NaN, C leaves the sign of the other free
+    if (std::isnan(e.real())) e.imag(std::copysign(e.imag(), static_cast<long double>(actual.im)));
+    if (std::isnan(e.imag())) e.real(std::copysign(e.real(), static_cast<long double>(actual.re)));
+    return decltype(z){Near(actual.re, e.real(), ulps), Near(actual.im, e.imag(), ulps)};
+  }
+};
+const auto sine = [](Wide z, At) { return std::sin(z); };
+const auto cosine = [](Wide z, At) { return std::cos(z); };
+const auto logarithm10 = [](Wide z, At at) {
+  at.Note(ORVA_STS_SINGULARITY_ERR, z == Wide(0));
+  return std::log(z) / std::log(10.0L);
+};
+// All special parts beside each other, and parts of all sizes up to the largest given, both signs.
+template <class C>
+Case Plane(double re_most, double im_most) {
+  using T = decltype(C::re);
+  Random random(3);
+  const auto part = [&](double most) {
+    const double size = std::ldexp(random.Unit() + 1e-9, -static_cast<int>(random.Below(40)));
+    return static_cast<T>(random.Below(2) ? most * size : -most * size);
+  };
+  std::vector<C> values;
+  const T special[] = {0, T(-0.0), T(0.75), T(-2.5), T(HUGE_VAL), T(-HUGE_VAL), T(NAN)};
+  for (T re : special)
+    for (T im : special) values.push_back({re, im});
+  while (values.size() < 3000) values.push_back({part(re_most), part(im_most)});
+  return Case(values);
+}
+// In the last two cosh alone overflows.
+const auto kStrips = []<class C>(C, auto run) {
+  for (auto [re, im] : {std::pair(1e5, 1.0), {1e5, 20.0}, {1e5, 90.0}, {1e-300, 1390.0}, {1e-2, 712.0}})
+    run(Plane<C>(re, im));
+};
+const auto kSquaresAndCircle = []<class C>(C, auto run) {
+  for (double size : {1e-300, 1e-20, 1.0, 1e20, 1e300})
+    if (sizeof(C) == 16 || std::fabs(std::log10(size)) < 30) run(Plane<C>(size, size));
+  std::vector<C> circle = {{1, decltype(C::re)(1e-160)}, {decltype(C::re)(1e-9), 1}};
+  for (int i = 0; i < 3000; ++i) {
+    const Wide z = std::polar(1.0L, 0.002L * i);
+    circle.push_back({decltype(C::re)(z.real()), decltype(C::re)(z.imag())});
+  }
+  run(Case(circle));
+};
+
+// Poles, and finite numbers without a power, of which the last one decides.
+template <class T>
+auto Power(double ulps) {
+  return [=](T x, T y, At at) {
+    at.Note(kDomain, x < 0 && std::isfinite(x) && std::isfinite(y) && y != std::trunc(y));
+    at.Note(ORVA_STS_SINGULARITY_ERR, x == 0 && y < 0);
+    return Near(at.After<T>(), std::pow(static_cast<long double>(x), static_cast<long double>(y)), ulps);
+  };
+}
+const auto kPowersOfAll = []<class T>(T, auto run) {
+  Random random(6);
+  for (double y : {0.0, -0.0, 2.0, 3.0, -2.0, -3.0, 0.5, -0.5, -0.37, 17.25, 1e-3, 300.0, 1e20, -1e20, HUGE_VAL,
+                   -HUGE_VAL, double(NAN)}) {
+    std::vector<T> src = {0, T(-0.0), T(0.5), T(-0.5), 1, -1, 3, -3, T(HUGE_VAL), T(-HUGE_VAL), T(NAN)};
+    while (src.size() < 500)
+      src.push_back(static_cast<T>(std::ldexp(random.Unit() + 1e-9, static_cast<int>(random.Below(40)) - 20)));
+    run(Case(src).With({y}));
+  }
+};
 // ---- Magnitudes and angles ----
 
 // value(re, im, At) for parts in two arrays, or in one.
@@ -236,29 +305,28 @@ constexpr auto cartesian = [](auto mag, decltype(mag) phase, At) {
   return Result{mag * cosine, mag * sine};
 };
 
+#define REAL(name, function, scan, cases)                                        \
+  MEMBERS(ORVAS_##name##_32f).Gives(Scanned(vs##function, scan)).On(cases),      \
+      MEMBERS(ORVAS_##name##_64f).Gives(Scanned(vd##function, scan)).On(cases)
+#define POWX(tag, T, ulps) \
+  MEMBERS(ORVAS_Powx_##tag).Is(Power<T>(ulps)).On(kPowersOfAll).Constants({{2.5}, {-3}, {0}, {-0.5}})
+
 const Rows rows("elementary", {
-    MEMBERS(ORVAS_Exp_32f).Gives(Scanned(vsexp, exponential)).On(kExponents),
-    MEMBERS(ORVAS_Exp_64f).Gives(Scanned(vdexp, exponential)).On(kExponents),
-    MEMBERS(ORVAS_Ln_32f).Gives(Scanned(vsln, logarithm)).On(kSigns),
-    MEMBERS(ORVAS_Ln_64f).Gives(Scanned(vdln, logarithm)).On(kSigns),
-    MEMBERS(ORVAS_Log10_32f).Gives(Scanned(vslog10, logarithm)).On(kSigns),
-    MEMBERS(ORVAS_Log10_64f).Gives(Scanned(vdlog10, logarithm)).On(kSigns),
-    MEMBERS(ORVAS_Tan_32f).Gives(Scanned(vstan, tangent)).On(kInfinities),
-    MEMBERS(ORVAS_Tan_64f).Gives(Scanned(vdtan, tangent)).On(kInfinities),
-    MEMBERS(ORVAS_Pow_32f).Gives(Scanned(vspow, power)).On(kPowers),
-    MEMBERS(ORVAS_Pow_64f).Gives(Scanned(vdpow, power)).On(kPowers),
-    MEMBERS(ORVAS_Sin_32f).Gives(Scanned(vssin, noScan)), MEMBERS(ORVAS_Sin_64f).Gives(Scanned(vdsin, noScan)),
-    MEMBERS(ORVAS_Cos_32f).Gives(Scanned(vscos, noScan)), MEMBERS(ORVAS_Cos_64f).Gives(Scanned(vdcos, noScan)),
-    MEMBERS(ORVAS_Arctan_32f).Gives(Scanned(vsatan, noScan)),
-    MEMBERS(ORVAS_Arctan_64f).Gives(Scanned(vdatan, noScan)),
-    MEMBERS(ORVAS_Arctan2_32f).Gives(Scanned(vsatan2, noScan)),
-    MEMBERS(ORVAS_Arctan2_64f).Gives(Scanned(vdatan2, noScan)),
+    REAL(Exp, exp, exponential, kExponents), REAL(Ln, ln, logarithm, kSigns), REAL(Log10, log10, logarithm, kSigns),
+    REAL(Tan, tan, tangent, kInfinities), REAL(Pow, pow, power, kPowers), REAL(Sin, sin, none, none),
+    REAL(Cos, cos, none, none), REAL(Arctan, atan, none, none), REAL(Arctan2, atan2, none, none),
     MEMBERS(ORVAS_Exp_16s_S, ORVAS_Exp_32s_S).Is(scaledExponential).On(kAllSizes),
     MEMBERS(ORVAS_Ln_16s_S, ORVAS_Ln_32s_S).Is(scaledLogarithm).On(kAllSizes),
     // Looks at its length first, and hears of a failed allocation from the copy.
     MEMBERS(ORVAS_Exp_32f_I, ORVAS_Exp_64f_I).LengthFirst().Allocates(ORVA_STS_NULL_PTR_ERR),
-    MEMBERS(ORVAS_Powx_32f_A11, ORVAS_Powx_32f_A21, ORVAS_Powx_32f_A24, ORVAS_Powx_64f_A26, ORVAS_Powx_64f_A50,
-            ORVAS_Powx_64f_A53).Constants({{2.5}, {-3}, {0}, {-0.5}}),
+    MEMBERS(ORVAS_Sin_32fc).Is(Nearly{sine, 0.501}).On(kStrips),
+    MEMBERS(ORVAS_Cos_32fc).Is(Nearly{cosine, 0.501}).On(kStrips),
+    MEMBERS(ORVAS_Sin_64fc).Is(Nearly{sine, 3.5}).On(kStrips),
+    MEMBERS(ORVAS_Cos_64fc).Is(Nearly{cosine, 3.5}).On(kStrips),
+    MEMBERS(ORVAS_Log10_32fc).Is(Nearly{logarithm10, 0.501}).On(kSquaresAndCircle),
+    MEMBERS(ORVAS_Log10_64fc).Is(Nearly{logarithm10, 3}).On(kSquaresAndCircle),
+    POWX(32f_A11, float, 0.501), POWX(32f_A21, float, 0.501), POWX(32f_A24, float, 0.501),
+    POWX(64f_A26, double, 0x1p12), POWX(64f_A50, double, 1), POWX(64f_A53, double, 1),  // 53 - 12 good bits
 
     MEMBERS(ORVAS_PowerSpectr_32f).Is(fused),
     MEMBERS(ORVAS_PowerSpectr_64f, ORVAS_PowerSpectr_32fc, ORVAS_PowerSpectr_64fc).Is(OfParts{plain}),
@@ -310,6 +378,8 @@ const Rows rows("elementary", {
                       RoundSaturate<Orva16s>(r * sine * at.FloatFactor())};
     }).NotInPlace(),
 });
+#undef REAL
+#undef POWX
 
 }  // namespace
 

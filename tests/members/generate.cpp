@@ -102,8 +102,18 @@ T Kaiser(int i, int len, T alpha) {
 }
 
 // The function that the window is.
-double Formula(Shape shape, int i, int len, double alpha);
-
+double Formula(Shape shape, int i, int len, double alpha) {
+  const double x = kTwoPi * i / (len - 1), hann = 0.5 - 0.5 * std::cos(x);
+  const auto blackman = [=](double a) { return (a + 1) / 2 - 0.5 * std::cos(x) - a / 2 * std::cos(2 * x); };
+  switch (shape) {
+    case kHann: return hann;
+    case kHamming: return 0.08 + 0.92 * hann;
+    case kBartlett: return 2.0 * i / (len - 1);
+    case kBlackman: return blackman(alpha);
+    case kBlackmanOpt: return blackman(-0.5 / (1 + std::cos(kTwoPi / (len - 1))));
+    default: return Series(alpha * std::sqrt((len - 1.0 - i) * i) / 2) / Series(alpha * (len - 1) / 4);
+  }
+}
 // The window of indices below len / 2, by the arithmetic of Sample, with the samples' type T. It is itself held against
 // the formula, and NaN where it errs.
 template <class Sample, class T>
@@ -141,19 +151,6 @@ std::vector<T> Window(Shape shape, int len, double alpha) {
     window.push_back(error < (kDouble<Sample> ? 1e-12 : 5e-6) ? static_cast<T>(value) : T(NAN));
   }
   return window;
-}
-
-double Formula(Shape shape, int i, int len, double alpha) {
-  const double x = kTwoPi * i / (len - 1), hann = 0.5 - 0.5 * std::cos(x);
-  const auto blackman = [=](double a) { return (a + 1) / 2 - 0.5 * std::cos(x) - a / 2 * std::cos(2 * x); };
-  switch (shape) {
-    case kHann: return hann;
-    case kHamming: return 0.08 + 0.92 * hann;
-    case kBartlett: return 2.0 * i / (len - 1);
-    case kBlackman: return blackman(alpha);
-    case kBlackmanOpt: return blackman(-0.5 / (1 + std::cos(kTwoPi / (len - 1))));
-    default: return Series(alpha * std::sqrt((len - 1.0 - i) * i) / 2) / Series(alpha * (len - 1) / 4);
-  }
 }
 
 // A sample's part times a window value of type T, and an end of a Hamming window, which integers truncate.
@@ -290,43 +287,36 @@ void Noise(Digest& digest, OrvaStatus (*generate)(T*, int32_t, const State*), au
   }
 }
 
-#define NOISE(type) \
-  SCENARIO(Noise, ORVAS_RandGauss_##type, ORVAS_RandGaussInit_##type, ORVAS_RandGaussRelease_##type)
+#define NOISE(type) SCENARIO(Noise, ORVAS_RandGauss_##type, ORVAS_RandGaussInit_##type, ORVAS_RandGaussRelease_##type)
 
 // Magnitude and frequency, which real tones take below 0.5 and complex ones below 1.
 #define TONE(type, bound, ...)                                                          \
   MEMBERS(ORVAS_Tone_##type).Gives(tone<Orva##type>).On(kTones<__VA_ARGS__>).Start(0.5) \
       .Constants({{1000, 0.1}, {3, 0}, {32767, 0.37}})                                  \
-      .BadConstants({0, 0.1}, ORVA_STS_RANGE_ERR)                                       \
-      .BadConstants({-3, 0.1}, ORVA_STS_RANGE_ERR)                                      \
-      .BadConstants({3, -0.1}, ORVA_STS_RANGE_ERR)                                      \
-      .BadConstants({3, bound}, ORVA_STS_RANGE_ERR)
+      .BadConstants({{0, 0.1}, {-3, 0.1}, {3, -0.1}, {3, bound}}, ORVA_STS_RANGE_ERR)
 
 // A window on reals and complex samples of all types.
 #define PART(name, part) ORVAS_Win##name##_##part, ORVAS_Win##name##_##part##c
 #define WINDOW(name, shape, shortest) \
   MEMBERS(PART(name, 16s), PART(name, 32f), PART(name, 64f)).Gives(windowed<shape>).MinLength(shortest)
+#define KAISER(type, beyond)                                                                            \
+  MEMBERS(PART(Kaiser, type)).Gives(windowed<kKaiser>).On(kLargestAlpha)                                \
+      .Constants({{1e-6}, {0.01}, {-0.05}}).BadConstants({{beyond}}, ORVA_STS_KAISER_ALPHA_ERR)
 #define JAEHNE(...) MEMBERS(__VA_ARGS__).Is(jaehne).Constants({{0}, {100}, {200}})
 
 const Rows rows("generate", {
-    WINDOW(Hann, kHann, 3),
-    WINDOW(Hamming, kHamming, 3),
-    WINDOW(Bartlett, kBartlett, 3),
+    WINDOW(Hann, kHann, 3), WINDOW(Hamming, kHamming, 3), WINDOW(Bartlett, kBartlett, 3),
     WINDOW(Blackman, kBlackman, 3).Constants({{-0.16}, {0.3}, {-20}}),
-    WINDOW(BlackmanStd, kBlackman, 3),
-    WINDOW(BlackmanOpt, kBlackmanOpt, 4),
-    MEMBERS(PART(Kaiser, 16s), PART(Kaiser, 32f)).Gives(windowed<kKaiser>).On(kLargestAlpha)
-        .Constants({{1e-6}, {0.01}, {-0.05}}).BadConstants({3.9}, ORVA_STS_KAISER_ALPHA_ERR),
-    MEMBERS(PART(Kaiser, 64f)).Gives(windowed<kKaiser>).On(kLargestAlpha)
-        .Constants({{1e-6}, {0.01}, {-0.05}}).BadConstants({31}, ORVA_STS_KAISER_ALPHA_ERR),
+    WINDOW(BlackmanStd, kBlackman, 3), WINDOW(BlackmanOpt, kBlackmanOpt, 4),
+    KAISER(16s, 3.9), KAISER(32f, 3.9), KAISER(64f, 31),
     TONE(16s, 0.5, float, false, 32767), TONE(32f, 0.5, float, false, 1.75f), TONE(64f, 0.5, double, false, 1e3),
     TONE(16sc, 1, float, true, 1001), TONE(32fc, 1, float, true, 1e-3f), TONE(64fc, 1, double, true, 0.1, NAN),
     NOISE(8u), NOISE(16s), NOISE(32f), NOISE(64f),
     JAEHNE(ORVAS_VectorJaehne_8u).On(kChirps<0, 255>), JAEHNE(ORVAS_VectorJaehne_16u).On(kChirps<0, 65535>),
-    JAEHNE(ORVAS_VectorJaehne_16s).On(kChirps<32767>).BadConstants({-1}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_32s).On(kChirps<2147483647>).BadConstants({-1}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_32f).On(kChirps<1, 1e30, NAN>).BadConstants({-1}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_64f).On(kChirps<1, 1e300>).BadConstants({-1}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_16s).On(kChirps<32767>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_32s).On(kChirps<2147483647>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_32f).On(kChirps<1, 1e30, NAN>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_64f).On(kChirps<1, 1e300>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
 });
 
 }  // namespace

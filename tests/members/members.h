@@ -128,32 +128,28 @@ class Members : public MemberList {
 
   // What each element is: oracle(elements and constants in the order of the call..., At).
   Members& Is(auto oracle) {
-    size_t i = 0;
-    ((rows[i++].oracle = OracleOf<F>::ForElements(oracle)), ...);
-    return *this;
+    return EachTyped([=](Member& row, auto of) { row.oracle = of.ForElements(oracle); });
   }
   // What the results or the whole destination are: oracle(vectors of the sources and constants ..., At).
   Members& Gives(auto oracle) {
-    size_t i = 0;
-    ((rows[i++].oracle = OracleOf<F>::ForArrays(oracle)), ...);
-    return *this;
+    return EachTyped([=](Member& row, auto of) { row.oracle = of.ForArrays(oracle); });
   }
   // Inputs beside those of the frame test: some(run), or some(T(), run) with the elements' type.
   Members& On(auto some) {
-    size_t i = 0;
-    (rows[i++].cases.push_back([=](const RunCase& run) {
-      if constexpr (requires { some(run); }) some(run);
-      else some(typename OracleOf<F>::Element(), run);
-    }), ...);
-    return *this;
+    return EachTyped([=](Member& row, auto of) {
+      row.cases.push_back([=](const RunCase& run) {
+        if constexpr (requires { some(run); }) some(run);
+        else some(typename decltype(of)::Element(), run);
+      });
+    });
   }
   // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
   Members& Constants(std::initializer_list<std::initializer_list<double>> sets) {
     return Each([=](Member& row) { row.constants.assign(sets.begin(), sets.end()); });
   }
   // Constants that the member answers with `status`.
-  Members& BadConstants(std::initializer_list<double> set, OrvaStatus status) {
-    return Each([=](Member& row) { row.bad_constants.push_back({set, status}); });
+  Members& BadConstants(std::initializer_list<std::initializer_list<double>> sets, OrvaStatus status) {
+    return Each([=](Member& row) { for (const auto& set : sets) row.bad_constants.push_back({set, status}); });
   }
   // What inputs of one element hold, and results and destinations before the call.
   Members& Start(double value) { return Each([=](Member& row) { row.start = value; }); }
@@ -178,6 +174,11 @@ class Members : public MemberList {
   }
 
  private:
+  Members& EachTyped(auto change) {
+    size_t i = 0;
+    (change(rows[i++], OracleOf<F>()), ...);
+    return *this;
+  }
   Members& Each(auto change) {
     for (Member& row : rows) change(row);
     return *this;

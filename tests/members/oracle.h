@@ -31,11 +31,7 @@ enum class Role {
 struct Value {
   alignas(8) unsigned char bytes[16];
   template <class T>
-  T As() const {
-    T value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-  }
+  T As() const { return Load<T>(bytes); }
   template <class T>
   void Set(const T& value) {
     static_assert(sizeof(T) <= sizeof bytes);
@@ -83,7 +79,7 @@ inline int ExponentOf(double scale) {
 struct At {
   int exponent, second;  // of the scales
   int i, len;
-  const unsigned char* before;  // the destination before the call
+  const unsigned char *before, *after;  // the destination before the call and after it
   OrvaStatus& status;
   bool InBody(int step) const { return i < len - len % step; }
   double Factor() const { return std::ldexp(1.0, -exponent); }
@@ -93,16 +89,15 @@ struct At {
     return when;
   }
   template <class T>
-  T Before() const {
-    T value;
-    std::memcpy(&value, before + static_cast<size_t>(i) * sizeof value, sizeof value);
-    return value;
-  }
+  T Before() const { return Load<T>(before + static_cast<size_t>(i) * sizeof(T)); }
+  template <class T>
+  T After() const { return Load<T>(after + static_cast<size_t>(i) * sizeof(T)); }
 };
 
-// Outputs of a call in the order of the arguments, before it; the oracle changes them into what they are after it.
+// Outputs of a call in the order of the arguments. An oracle changes those from before the call into what they have to
+// be after it, where `actual` ones are.
 using Outputs = std::vector<std::vector<unsigned char>>;
-using Oracle = std::function<OrvaStatus(const Value*, Outputs&)>;
+using Oracle = std::function<OrvaStatus(const Value*, const Outputs& actual, Outputs& outputs)>;
 
 template <class F>
 struct OracleOf;
@@ -161,14 +156,13 @@ struct OracleOf<OrvaStatus(A...)> {
   }
   template <bool kWhole>
   static Oracle Make(auto oracle) {
-    return [=](const Value* values, Outputs& outputs) {
+    return [=](const Value* values, const Outputs& actual, Outputs& outputs) {
       OrvaStatus status = ORVA_STS_NO_ERR;
       const auto len = static_cast<size_t>(values[kLengthAt].As<int32_t>());
-      At at{0, 0, 0, static_cast<int>(len), nullptr, status};
+      const Outputs before = outputs;
+      At at{0, 0, 0, static_cast<int>(len), before[0].data(), actual[0].data(), status};
       if constexpr (kScaleAt < kRoles.size()) at.exponent = ExponentOf(values[kScaleAt].As<double>());
       if constexpr (kSecondAt < kRoles.size()) at.second = ExponentOf(values[kSecondAt].As<double>());
-      const Outputs before = outputs;
-      at.before = before[0].data();
       for (size_t i = 0; i < (kWhole ? 1 : len); ++i) {
         at.i = static_cast<int>(i);
         const auto given = [&]<size_t... k>(std::index_sequence<k...>) {

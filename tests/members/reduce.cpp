@@ -300,23 +300,26 @@ const auto kLogarithms = []<class T>(T, auto run) {
 
 // ---- Norms ----
 
-// A norm of one array, or of the differences of two.
-template <class To, class F>
-struct Norm {
+// A norm of one array, or of the differences of two; integers are widened.
+template <class F>
+struct Of {
   F norm;
-  auto operator()(const auto& x, const At& at) const { return norm(std::vector<To>(x.begin(), x.end()), at); }
+  template <class T>
+  using Wide = std::conditional_t<std::is_integral_v<T>, int32_t, T>;
+  template <class T>
+  auto operator()(const std::vector<T>& x, const At& at) const {
+    return norm(std::vector<Wide<T>>(x.begin(), x.end()), at);
+  }
   template <class T>
   auto operator()(const std::vector<T>& a, const std::vector<T>& b, const At& at) const {
-    std::vector<To> x;
+    std::vector<Wide<T>> x;
     for (size_t i = 0; i < a.size(); ++i) {
       if constexpr (IsComplex<T>) x.push_back({a[i].re - b[i].re, a[i].im - b[i].im});
-      else x.push_back(static_cast<To>(a[i]) - b[i]);
+      else x.push_back(Wide<T>{a[i]} - b[i]);
     }
     return norm(x, at);
   }
 };
-template <class To, class F>
-Norm<To, F> Of(F norm) { return {norm}; }
 
 template <class T>
 Real<T> Size(T x) {  // magnitude of a real sample, squared magnitude of a complex one
@@ -341,35 +344,32 @@ const auto largestOfAll = []<class T>(const std::vector<T>& x, At) {
     if (!std::isnan(each) && !(std::fabs(each) <= most)) most = std::fabs(each);
   return most;
 };
-template <size_t kLanes>
-constexpr auto magnitudes = []<class T>(const std::vector<T>& x, At) {
+template <class T>
+constexpr size_t kLanes = 16 / sizeof(Real<T>);
+const auto magnitudes = []<class T>(const std::vector<T>& x, At) {
   const auto add = [&](T& sum, size_t i) { sum += std::fabs(x[i]); };
-  return LaneSum<T>(x.size(), kLanes, kLanes, Fold::kPairs, add, add);
+  return LaneSum<T>(x.size(), kLanes<T>, kLanes<T>, Fold::kPairs, add, add);
 };
-template <size_t kLanes>
-constexpr auto length = []<class T>(const std::vector<T>& x, At) {
+const auto length = []<class T>(const std::vector<T>& x, At) {
   const auto add = [&](T& sum, size_t i) { sum = std::fma(x[i], x[i], sum); };
-  return std::sqrt(LaneSum<T>(x.size(), kLanes, kLanes, Fold::kPairs, add, add));
+  return std::sqrt(LaneSum<T>(x.size(), kLanes<T>, kLanes<T>, Fold::kPairs, add, add));
 };
 // The body's root is taken in the precision of the source, the tail's in binary64.
-template <size_t kStep>
-constexpr auto complexMagnitudes = [](const auto& x, At) {
+const auto complexMagnitudes = []<class T>(const std::vector<T>& x, At) {
   const auto body = [&](double& sum, size_t i) { sum += std::sqrt(Size(x[i])); };
   const auto tail = [&](double& sum, size_t i) { sum += std::sqrt(double(Size(x[i]))); };
-  return LaneSum<double>(x.size(), 2, kStep, Fold::kPairs, body, tail);
+  return LaneSum<double>(x.size(), 2, kLanes<T>, Fold::kPairs, body, tail);
 };
 // The body's sum has the precision of the source, the tail's binary64.
-template <size_t kLanes>
-constexpr auto complexLength = []<class T>(const std::vector<T>& x, At) {
+const auto complexLength = []<class T>(const std::vector<T>& x, At) {
   const auto add = [&](Real<T>& sum, size_t i) { sum = std::fma(x[i].im, x[i].im, std::fma(x[i].re, x[i].re, sum)); };
-  const size_t body = x.size() / kLanes * kLanes;
-  double sum = LaneSum<Real<T>>(body, kLanes, kLanes, Fold::kPairs, add, add);
+  const size_t body = x.size() / kLanes<T> * kLanes<T>;
+  double sum = LaneSum<Real<T>>(body, kLanes<T>, kLanes<T>, Fold::kPairs, add, add);
   for (size_t i = body; i < x.size(); ++i) sum += Size(x[i]);
   return std::sqrt(sum);
 };
 // A single NaN, anywhere.
-template <class T>
-constexpr Cases kOneNan = [](auto run) {
+const auto kOneNan = []<class T>(T, auto run) {
   for (size_t len = 1; len < 40; ++len)
     for (size_t at = 0; at < len; ++at) {
       auto a = RandomArray<T>(len, len);
@@ -405,15 +405,15 @@ const Cases kMoreThanLanesHold = [](auto run) {
   run(Case(std::vector<Orva16s>(1100001, -32768), std::vector<Orva16s>(1100001, 32767)));
 };
 auto Narrowed(auto value) {
-  return Of<int32_t>([=](const Integers& x, At) { return static_cast<float>(value(x)); });
+  return Of{[=](const Integers& x, At) { return static_cast<float>(value(x)); }};
 }
 // Scaled results are truncated toward zero. Some hold the factor as a binary32 number.
 template <class Result>
 auto Truncated(auto value, bool narrow = false) {
-  return Of<int32_t>([=](const Integers& x, At at) {
+  return Of{[=](const Integers& x, At at) {
     const double factor = narrow ? double(at.FloatFactor()) : at.Factor();
     return RoundSaturate<Result>(std::trunc(static_cast<double>(value(x)) * factor));
-  });
+  }};
 }
 
 // ---- Columns ----
@@ -538,10 +538,11 @@ const Cases kLimitOfDecimals = [](auto run) {
     run(Case(rows).NoMask());
 };
 
-#define COLUMN(tag, Accumulator, Row)                                               \
-  MEMBERS(ORVAS_AggSum_##tag).Gives(column<Accumulator, false>).On(kColumns<Row>),  \
-      MEMBERS(ORVAS_AggMean_##tag).Gives(column<Accumulator, true>).On(kColumns<Row>)
-#define NORMS(kind, tag) MEMBERS(ORVAS_Norm_##kind##_##tag, ORVAS_NormDiff_##kind##_##tag)
+#define COLUMN(tag, Accumulator, Row, ...)                                                      \
+  MEMBERS(ORVAS_AggSum_##tag).Gives(column<Accumulator, false>).On(kColumns<Row>)__VA_ARGS__,  \
+      MEMBERS(ORVAS_AggMean_##tag).Gives(column<Accumulator, true>).On(kColumns<Row>)__VA_ARGS__
+#define BOTH(kind, tag) ORVAS_Norm_##kind##_##tag, ORVAS_NormDiff_##kind##_##tag
+#define NORMS(kind, tag) MEMBERS(BOTH(kind, tag))
 
 const Rows rows("reduce", {
     MEMBERS(ORVAS_DotProd_32f).Gives(fused<float, Orva32f, 8, 8>).On([](auto run) {  // a body gives no -0
@@ -590,19 +591,15 @@ const Rows rows("reduce", {
     MEMBERS(ORVAS_SumLn_32f64f).Gives(Logarithms(lnHead, 0x1p-8)).On(kLogarithms).Allocates(ORVA_STS_NULL_PTR_ERR),
 
     MEMBERS(ORVAS_Norm_Inf_32f, ORVAS_Norm_Inf_64f).Gives(largestOfAll),
-    MEMBERS(ORVAS_NormDiff_Inf_32f).Gives(Of<Orva32f>(largest<4>)).On(kOneNan<Orva32f>),
-    MEMBERS(ORVAS_NormDiff_Inf_64f).Gives(Of<Orva64f>(largest<2>)).On(kOneNan<Orva64f>),
-    NORMS(L1, 32f).Gives(Of<Orva32f>(magnitudes<4>)).On(kOneNan<Orva32f>),
-    NORMS(L1, 64f).Gives(Of<Orva64f>(magnitudes<2>)).On(kOneNan<Orva64f>),
-    NORMS(L2, 32f).Gives(Of<Orva32f>(length<4>)).On(kOneNan<Orva32f>),
-    NORMS(L2, 64f).Gives(Of<Orva64f>(length<2>)).On(kOneNan<Orva64f>),
-    MEMBERS(ORVAS_Norm_Inf_32fc32f).Gives(largest<4>).On(kOneNan<Orva32fc>),
-    MEMBERS(ORVAS_NormDiff_Inf_32fc32f).Gives(Of<Orva32fc>(largest<8>)).On(kOneNan<Orva32fc>),
-    NORMS(Inf, 64fc64f).Gives(Of<Orva64fc>(largest<2>)).On(kOneNan<Orva64fc>),
-    NORMS(L1, 32fc64f).Gives(Of<Orva32fc>(complexMagnitudes<4>)).On(kOneNan<Orva32fc>),
-    NORMS(L1, 64fc64f).Gives(Of<Orva64fc>(complexMagnitudes<2>)).On(kOneNan<Orva64fc>),
-    NORMS(L2, 32fc64f).Gives(Of<Orva32fc>(complexLength<4>)).On(kOneNan<Orva32fc>),
-    NORMS(L2, 64fc64f).Gives(Of<Orva64fc>(complexLength<2>)).On(kOneNan<Orva64fc>),
+    MEMBERS(ORVAS_NormDiff_Inf_32f).Gives(Of{largest<4>}).On(kOneNan),
+    MEMBERS(ORVAS_NormDiff_Inf_64f).Gives(Of{largest<2>}).On(kOneNan),
+    MEMBERS(BOTH(L1, 32f), BOTH(L1, 64f)).Gives(Of{magnitudes}).On(kOneNan),
+    MEMBERS(BOTH(L2, 32f), BOTH(L2, 64f)).Gives(Of{length}).On(kOneNan),
+    MEMBERS(ORVAS_Norm_Inf_32fc32f).Gives(largest<4>).On(kOneNan),
+    MEMBERS(ORVAS_NormDiff_Inf_32fc32f).Gives(Of{largest<8>}).On(kOneNan),
+    NORMS(Inf, 64fc64f).Gives(Of{largest<2>}).On(kOneNan),
+    MEMBERS(BOTH(L1, 32fc64f), BOTH(L1, 64fc64f)).Gives(Of{complexMagnitudes}).On(kOneNan),
+    MEMBERS(BOTH(L2, 32fc64f), BOTH(L2, 64fc64f)).Gives(Of{complexLength}).On(kOneNan),
     NORMS(Inf, 16s32f).Gives(Narrowed(Largest)).On(kExtremes).On(kMoreThanLanesHold),
     NORMS(L1, 16s32f).Gives(Narrowed(Wrapped)).On(kExtremes).On(kMoreThanLanesHold),
     NORMS(L2, 16s32f).Gives(Narrowed(Root)).On(kExtremes).On(kMoreThanLanesHold),
@@ -614,17 +611,13 @@ const Rows rows("reduce", {
     MEMBERS(ORVAS_NormDiff_L2_16s32s_S).Gives(Truncated<Orva32s>(Root)).On(kExtremes),
     NORMS(L2Sqr, 16s64s_S).Gives(Truncated<Orva64s>(Squares)).On(kExtremes),
 
-    COLUMN(16s, int64_t, Orva16s), COLUMN(32s, int64_t, Orva32s), COLUMN(64f, double, Orva64f),
-    MEMBERS(ORVAS_AggSum_64s).Gives(column<int64_t, false>).On(kColumns<Orva64s>).On(kOverflow),
-    MEMBERS(ORVAS_AggMean_64s).Gives(column<int64_t, true>).On(kColumns<Orva64s>).On(kOverflow),
-    COLUMN(decimal64, Int128, Orva64s),
-    MEMBERS(ORVAS_AggSum_decimal128).Gives(column<Int128, false>).On(kColumns<OrvaDecimal128>).On(kWideOverflow)
-        .On(kLimitOfDecimals),
-    MEMBERS(ORVAS_AggMean_decimal128).Gives(column<Int128, true>).On(kColumns<OrvaDecimal128>).On(kWideOverflow)
-        .On(kLimitOfDecimals),
+    COLUMN(16s, int64_t, Orva16s), COLUMN(32s, int64_t, Orva32s), COLUMN(64s, int64_t, Orva64s, .On(kOverflow)),
+    COLUMN(64f, double, Orva64f), COLUMN(decimal64, Int128, Orva64s),
+    COLUMN(decimal128, Int128, OrvaDecimal128, .On(kWideOverflow).On(kLimitOfDecimals)),
 });
 #undef COLUMN
 #undef NORMS
+#undef BOTH
 
 }  // namespace
 

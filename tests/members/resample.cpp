@@ -49,19 +49,16 @@ void BetweenRates(Digest& digest, OrvaStatus (*run)(const Sample*, P...), auto i
   }
 }
 
+#define FACTORS(type)                                                                                             \
+  SCENARIO(ByFactors, ORVAS_ResamplePolyphase_##type, ORVAS_ResamplePolyphaseInit_##type,                        \
+           ORVAS_ResamplePolyphaseRelease_##type)
 #define RATES(type)                                                                                               \
   SCENARIO(BetweenRates, ORVAS_ResamplePolyphaseFixed_##type, ORVAS_ResamplePolyphaseFixedInit_##type,           \
            ORVAS_ResamplePolyphaseFixedSetFilter_##type, ORVAS_ResamplePolyphaseFixedGetFilter_##type,           \
            ORVAS_ResamplePolyphaseFixedRelease_##type)
 
-const Rows rows("resample", {
-    SCENARIO(ByFactors, ORVAS_ResamplePolyphase_16s, ORVAS_ResamplePolyphaseInit_16s,
-             ORVAS_ResamplePolyphaseRelease_16s),
-    SCENARIO(ByFactors, ORVAS_ResamplePolyphase_32f, ORVAS_ResamplePolyphaseInit_32f,
-             ORVAS_ResamplePolyphaseRelease_32f),
-    RATES(16s),
-    RATES(32f),
-});
+const Rows rows("resample", {FACTORS(16s), FACTORS(32f), RATES(16s), RATES(32f)});
+#undef FACTORS
 #undef RATES
 
 }  // namespace

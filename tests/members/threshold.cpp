@@ -182,49 +182,49 @@ constexpr Cases kComplexLevels = [](auto run) {
 
 const Rows rows("threshold", {
     MEMBERS(ORVAS_Threshold_16s).Is(byRelation).Constants({{3, 0}, {3, 4}})
-        .BadConstants({3, 1}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
+        .BadConstants({{3, 1}}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
     MEMBERS(ORVAS_Threshold_32f, ORVAS_Threshold_64f).Is(byRelation).Constants({{0.5, 0}, {0.5, 4}})
-        .BadConstants({0.5, 5}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
+        .BadConstants({{0.5, 5}}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
     MEMBERS(ORVAS_Threshold_32fc).Is([](Orva32fc x, float level, int32_t relation, At at) {
       return relation == 0 ? limited<true>(x, level, at) : limited<false>(x, level, at);
-    }).Constants({{0.5, 0}, {2, 4}}).BadConstants({0.5, -1}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
+    }).Constants({{0.5, 0}, {2, 4}}).BadConstants({{0.5, -1}}, ORVA_STS_BAD_ARG_ERR).ConstantsFirst(),
     INTEGERS(LT).Is(notBelow).On(kLevels<>).Constants({{3}, {-100}}),
     INTEGERS(GT).Is(notAbove).On(kLevels<>).Constants({{3}, {-100}}),
     FLOATS(LT).Is(notBelow).On(kLevels<>).Constants({{0.5}, {0}, {NAN}}),
     FLOATS(GT).Is(notAbove).On(kLevels<>).Constants({{0.5}, {0}, {NAN}}),
     MEMBERS(ORVAS_Threshold_LT_32fc).Is(limited<true>).On(kComplexLevels<>)
-        .Constants({{0.5}, {2}, {0}}).BadConstants({-1}, kNegative),
+        .Constants({{0.5}, {2}, {0}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_GT_32fc).Is(limited<false>).On(kComplexLevels<>)
-        .Constants({{0.5}, {2}, {0}}).BadConstants({-1}, kNegative),
+        .Constants({{0.5}, {2}, {0}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_LTVal_16s).Is(lessReplaced).On(kLevels<77>).Constants({{3, 77}}),
     MEMBERS(ORVAS_Threshold_GTVal_16s).Is(greaterReplaced).On(kLevels<77>).Constants({{3, 77}}),
     FLOATS(LTVal).Is(lessReplaced).On(kLevels<77>).Constants({{0.5, 77}, {NAN, 77}}),
     FLOATS(GTVal).Is(greaterReplaced).On(kLevels<77>).Constants({{0.5, 77}, {NAN, 77}}),
     MEMBERS(ORVAS_Threshold_LTVal_32fc).Is([](Orva32fc x, float level, Orva32fc value, At at) {
       return at.Note(kNegative, level < 0) || !(level * level > Square(x)) ? x : value;
-    }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({-1, 7, 8}, kNegative),
+    }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({{-1, 7, 8}}, kNegative),
     MEMBERS(ORVAS_Threshold_GTVal_32fc).Is([](Orva32fc x, float level, Orva32fc value, At at) {
       return at.Note(kNegative, level < 0) || !(Square(x) > level * level) ? x : value;
-    }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({-1, 7, 8}, kNegative),
-    INTEGERS(LTValGTVal).Is(bothReplaced).Constants({{-3, 7, 30, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
-    FLOATS(LTValGTVal).Is(bothReplaced).Constants({{-0.5, 7, 0.5, 8}}).BadConstants({2, 7, 1, 8}, kOrder),
+    }).On(kComplexLevels<7, 8>).Constants({{2, 7, 8}}).BadConstants({{-1, 7, 8}}, kNegative),
+    INTEGERS(LTValGTVal).Is(bothReplaced).Constants({{-3, 7, 30, 8}}).BadConstants({{2, 7, 1, 8}}, kOrder),
+    FLOATS(LTValGTVal).Is(bothReplaced).Constants({{-0.5, 7, 0.5, 8}}).BadConstants({{2, 7, 1, 8}}, kOrder),
     MEMBERS(ORVAS_Threshold_LTAbs_16s).Is(sizeNotBelow).On(kLevels<>)
-        .Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
+        .Constants({{30}, {0}, {32767}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_GTAbs_16s).Is(sizeNotAbove).On(kLevels<>)
-        .Constants({{30}, {0}, {32767}}).BadConstants({-1}, kNegative),
+        .Constants({{30}, {0}, {32767}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_LTAbs_32s).Is(sizeNotBelow).On(kLevels<>)
-        .Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
+        .Constants({{300}, {0}, {2147483647}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_GTAbs_32s).Is(sizeNotAbove).On(kLevels<>)
-        .Constants({{300}, {0}, {2147483647}}).BadConstants({-1}, kNegative),
-    FLOATS(LTAbs).Is(sizeNotBelow).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
-    FLOATS(GTAbs).Is(sizeNotAbove).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({-1}, kNegative),
+        .Constants({{300}, {0}, {2147483647}}).BadConstants({{-1}}, kNegative),
+    FLOATS(LTAbs).Is(sizeNotBelow).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({{-1}}, kNegative),
+    FLOATS(GTAbs).Is(sizeNotAbove).On(kLevels<>).Constants({{0.5}, {0}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_LTAbsVal_16s).Is(smallReplaced).On(kLevels<77>)
         .Constants({{30, 77}, {-5, 77}, {-32768, 77}}),
     MEMBERS(ORVAS_Threshold_LTAbsVal_32s).Is(smallReplaced).On(kLevels<77>).Constants({{300, 77}, {-5, 77}}),
     FLOATS(LTAbsVal).Is(smallReplaced).On(kLevels<77>).Constants({{0.5, 77}, {-5, 77}}),
-    FLOATS(LTInv).Is(inverse).On(kLevels<>).On(kZeros).Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
+    FLOATS(LTInv).Is(inverse).On(kLevels<>).On(kZeros).Constants({{0.5}, {0}, {NAN}}).BadConstants({{-1}}, kNegative),
     MEMBERS(ORVAS_Threshold_LTInv_32fc).Gives(complexInverse).On(kComplexZeros).On(kComplexLevels<>)
-        .Constants({{0.5}, {0}, {NAN}}).BadConstants({-1}, kNegative),
+        .Constants({{0.5}, {0}, {NAN}}).BadConstants({{-1}}, kNegative),
 });
 #undef INTEGERS
 #undef FLOATS

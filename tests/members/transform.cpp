@@ -139,6 +139,15 @@ const auto kFrequencies = []<class S>(S, auto run) {
       run(Case(RandomArray<S>(n, n)).With({frequency}));
 };
 
+void ThreadCount(Digest& digest, auto get, auto set) {
+  for (int32_t count : {3, 0, -1, 1, 8}) {
+    int32_t threads = 0;
+    digest.Call(set, count);
+    digest.Call(get, &threads);
+    digest.Add(&threads, 1);
+  }
+}
+
 #define SPEC(run, kind, type) \
   SCENARIO(run, ORVAS_##kind##_##type, ORVAS_##kind##Init_##type, ORVAS_##kind##Release_##type)
 #define SPECS(run, kind)                                                                                         \
@@ -146,8 +155,7 @@ const auto kFrequencies = []<class S>(S, auto run) {
       SPEC(run, kind##RToC, 32f), SPEC(run, kind##RToC, 64f), SPEC(run, kind##CToR, 32f), SPEC(run, kind##CToR, 64f)
 
 const Rows rows("transform", {
-    SPECS(ByOrder, FFT),
-    SPECS(ByLength, DFT),
+    SPECS(ByOrder, FFT), SPECS(ByLength, DFT),
     Member("ORVAS_FFTCToC_32fc_I, ORVAS_FFTCToC_64fc_I", [](Digest& digest) {
       InPlace(digest, ORVAS_FFTCToC_32fc_I, ORVAS_FFTCToCInit_32fc, ORVAS_FFTCToCRelease_32fc);
       InPlace(digest, ORVAS_FFTCToC_64fc_I, ORVAS_FFTCToCInit_64fc, ORVAS_FFTCToCRelease_64fc);
@@ -158,14 +166,11 @@ const Rows rows("transform", {
 
     MEMBERS(ORVAS_FFTShift_32f, ORVAS_FFTShift_64f, ORVAS_FFTShift_32fc, ORVAS_FFTShift_64fc).Gives(rotated),
     MEMBERS(ORVAS_Goertz_32f, ORVAS_Goertz_64f, ORVAS_Goertz_64fc).Gives(goertzel).On(kFrequencies)
-        .Constants({{0.1}, {0}, {0.75}})
-        .BadConstants({-0.1}, ORVA_STS_REL_FREQ_ERR)
-        .BadConstants({1}, ORVA_STS_REL_FREQ_ERR),
+        .Constants({{0.1}, {0}, {0.75}}).BadConstants({{-0.1}, {1}}, ORVA_STS_REL_FREQ_ERR),
     MEMBERS(ORVAS_Goertz_32fc).Gives(goertzel).On(kFrequencies)
-        .Constants({{0.1}, {0}, {1}})
-        .BadConstants({-0.1}, ORVA_STS_REL_FREQ_ERR)
-        .BadConstants({1.0001}, ORVA_STS_REL_FREQ_ERR),
+        .Constants({{0.1}, {0}, {1}}).BadConstants({{-0.1}, {1.0001}}, ORVA_STS_REL_FREQ_ERR),
 
+    SCENARIO(ThreadCount, ORVAS_GetFFTNumberThreads, ORVAS_SetFFTNumberThreads),
     SCENARIO(Hilbert, ORVAS_Hilbert_32f32fc, ORVAS_HilbertInit_32f32fc, ORVAS_HilbertRelease_32f32fc),
 
     SCENARIO(Welch, ORVAS_Pwelch_32f), SCENARIO(Welch, ORVAS_Pwelch_64f),

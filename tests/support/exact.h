@@ -1,4 +1,4 @@
-// The scale rule said plainly, in exact 128-bit integers and in scalar floating arithmetic.
+// The scale rule said plainly, in exact 128-bit integers and in scalar floating arithmetic; results within a bound.
 #pragma once
 
 #include <signal_tzm/types.h>
@@ -60,6 +60,16 @@ T RoundSaturate(F value) {
   if (value >= static_cast<F>(Limits::max())) return Limits::max();
   if (value <= static_cast<F>(Limits::min())) return Limits::min();
   return value == value ? static_cast<T>(std::nearbyint(value)) : 0;
+}
+
+// The actual result where it is within so many units of the last place of the exact one, else that.
+template <class T>
+T Near(T actual, long double exact, double ulps) {
+  using Limits = std::numeric_limits<T>;
+  const T rounded = static_cast<T>(exact);
+  if (!std::isfinite(rounded) || !std::isfinite(actual) || exact == 0) return rounded;
+  const int exponent = std::max(std::ilogb(exact), Limits::min_exponent - 1) + 1 - Limits::digits;
+  return std::fabs(actual - exact) <= std::ldexp(static_cast<long double>(ulps), exponent) ? actual : rounded;
 }
 
 }  // namespace tzm_test

@@ -2,21 +2,8 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 namespace tzm_test {
-
-namespace {
-
-template <class T>
-T Load(const void* p) {
-  T value;
-  std::memcpy(&value, p, sizeof value);
-  return value;
-}
-
-}  // namespace
-
 std::string Print(Kind kind, const void* part) {
   char text[64];
   if (kind == Kind::k16f) std::snprintf(text, sizeof text, "0x%04x", Load<uint16_t>(part));

@@ -4,10 +4,18 @@
 #include <signal_tzm/types.h>
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <type_traits>
 
 namespace tzm_test {
+
+template <class T>
+T Load(const void* from) {
+  T value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
+}
 
 enum class Kind { k8u, k16u, k16s, k32u, k32s, k64u, k64s, k16f, k32f, k64f };
 
