@@ -53,7 +53,7 @@ struct Atan2_64 {
     const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
     const V result = FromOctant(y, x, steep, ArctanOfRatio(n, d));
     const M usual = hn::And(hn::Gt(n, C(kLeast)), hn::Lt(d, C(kMost)));
-    if (Any(hn::Not(usual))) return hn::IfThenElse(usual, result, OfAny(y, x));
+    if (NotAll(usual)) return hn::IfThenElse(usual, result, OfAny(y, x));
     return result;
   }
 
@@ -134,7 +134,7 @@ struct Atan2_32 {
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
     const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
     const M usual = hn::AndNot(IsOpenWithin<0x200>(angle), hn::Gt(angle, C(0x1p-120)));
-    if (Any(hn::Not(usual))) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
+    if (NotAll(usual)) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
     return hn::CopySign(angle, y);
   }
 

@@ -89,23 +89,44 @@ inline constexpr Table32<3, 8> kLogTable32 = {{
 // 1/3, in parts
 inline constexpr double kThird[] = {0x1.5555555555555p-2, 0x1.5555555555555p-56};
 
-// ---- Sine, cosine, tangent: x = k pi/2 + r ----
+// ---- Sine, cosine, tangent: x = k pi/16 + r ----
 // pi, in parts
-inline constexpr double kPi[] = {0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53, -0x1.f1976b7ed8fbcp-109};
+inline constexpr double kPi[] = {0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53};
 // pi/2, in parts
-inline constexpr double kHalfPi[] = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54, -0x1.f1976b7ed8fbcp-110};
+inline constexpr double kHalfPi[] = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54};
+// pi/16, in parts of which the second has 29 bits
+inline constexpr double kPiBy16Short[] = {0x1.921fb54442d18p-3, 0x1.1a62633000000p-57, 0x1.45c06e0e68948p-89};
+// the same in whole parts
+inline constexpr double kPiBy16[] = {0x1.921fb54442d18p-3, 0x1.1a62633145c07p-57, -0x1.f1976b7ed8fbcp-113};
 inline constexpr double kByPi = 0x1.45f306dc9c883p-2;
-// r - kCubic r^3 is 1 at pi/2
-inline constexpr double kCubic = 0x1.2d9d2edb9df43p-3;
-// the tangent of k pi/16, from 4 on of less pi/2, and from 12 on of less pi
+// of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost
+inline constexpr Table<4> kTurnTable = {{
+    {-0x0.0p+0, 0x1.8f8b83c69a60bp-3, 0x1.87de2a6aea963p-2, 0x1.1c73b39ae68c8p-1, 0x1.6a09e667f3bcdp-1,
+     0x1.a9b66290ea1a3p-1, 0x1.d906bcf328d46p-1, 0x1.f6297cff75cb0p-1, 0x1.0000000000000p+0, 0x1.f6297cff75cb0p-1,
+     0x1.d906bcf328d46p-1, 0x1.a9b66290ea1a3p-1, 0x1.6a09e667f3bcdp-1, 0x1.1c73b39ae68c8p-1, 0x1.87de2a6aea963p-2,
+     0x1.8f8b83c69a60bp-3},
+    {0x1.0000000000000p+0, 0x1.f6297cff75cb0p-1, 0x1.d906bcf328d46p-1, 0x1.a9b66290ea1a3p-1, 0x1.6a09e667f3bcdp-1,
+     0x1.1c73b39ae68c8p-1, 0x1.87de2a6aea963p-2, 0x1.8f8b83c69a60bp-3, 0, -0x1.8f8b83c69a60bp-3,
+     -0x1.87de2a6aea963p-2, -0x1.1c73b39ae68c8p-1, -0x1.6a09e667f3bcdp-1, -0x1.a9b66290ea1a3p-1,
+     -0x1.d906bcf328d46p-1, -0x1.f6297cff75cb0p-1},
+    {0, -0x1.48684a051df67p-57, -0x1.92c3698f1fc72p-57, 0x1.b1bab327f8ffcp-55, -0x1.a7f0d9959e168p-55,
+     -0x1.0aea12c875dc2p-60, 0x1.4e983c164abe3p-56, 0x1.5d5dd94d71706p-56, 0, 0x1.5d5dd94d71706p-56,
+     0x1.4e983c164abe3p-56, -0x1.0aea12c875dc2p-60, -0x1.a7f0d9959e168p-55, 0x1.b1bab327f8ffcp-55,
+     -0x1.92c3698f1fc72p-57, -0x1.48684a051df67p-57},
+    {0, 0x1.5d5dd94d71706p-56, 0x1.4e983c164abe3p-56, -0x1.0aea12c875dc2p-60, -0x1.a7f0d9959e168p-55,
+     0x1.b1bab327f8ffcp-55, -0x1.92c3698f1fc72p-57, -0x1.48684a051df67p-57, 0, 0x1.48684a051df67p-57,
+     0x1.92c3698f1fc72p-57, -0x1.b1bab327f8ffcp-55, 0x1.a7f0d9959e168p-55, 0x1.0aea12c875dc2p-60,
+     -0x1.4e983c164abe3p-56, -0x1.5d5dd94d71706p-56},
+}};
+// numbers of which the first is tan(k pi/16) times the second
 inline constexpr Table<2> kTanTable = {{
-    {0, 0x1.975f5e0553158p-3, 0x1.a827999fcef32p-2, 0x1.561b82ab7f990p-1, -0x1.0000000000000p+0,
-     -0x1.561b82ab7f990p-1, -0x1.a827999fcef32p-2, -0x1.975f5e0553158p-3, 0, 0x1.975f5e0553158p-3,
-     0x1.a827999fcef32p-2, 0x1.561b82ab7f990p-1, -0x1.0000000000000p+0, -0x1.561b82ab7f990p-1, -0x1.a827999fcef32p-2,
-     -0x1.975f5e0553158p-3},
-    {0, 0x1.ef5d367441946p-61, 0x1.08b2fb1366ea9p-56, 0x1.7a8c52172b675p-55, 0, -0x1.7a8c52172b675p-55,
-     -0x1.08b2fb1366ea9p-56, -0x1.ef5d367441946p-61, 0, 0x1.ef5d367441946p-61, 0x1.08b2fb1366ea9p-56,
-     0x1.7a8c52172b675p-55, 0, -0x1.7a8c52172b675p-55, -0x1.08b2fb1366ea9p-56, -0x1.ef5d367441946p-61},
+    {-0x0.0p+0, 0x1.a50d1ebaf5ba8p-3, 0x1.87c969c18c106p-1, 0x1.0f1eee44587f9p+0, 0x1.0000000000000p+0,
+     0x1.6beca4e408cc8p+1, 0x1.21268aa204b1fp+2, 0x1.2029698b67e5fp+3, 0x1.0000000000000p+0, -0x1.2029698b67e5fp+3,
+     -0x1.21268aa204b1fp+2, -0x1.6beca4e408cc8p+1, -0x1.0000000000000p+0, -0x1.0f1eee44587f9p+0,
+     -0x1.87c969c18c106p-1, -0x1.a50d1ebaf5ba8p-3},
+    {0x1.0000000000000p+0, 0x1.0898900000000p+0, 0x1.d8edb00000000p+0, 0x1.95c2d00000000p+0, 0x1.0000000000000p+0,
+     0x1.e655400000000p+0, 0x1.df14900000000p+0, 0x1.ca8d300000000p+0, 0, 0x1.ca8d300000000p+0, 0x1.df14900000000p+0,
+     0x1.e655400000000p+0, 0x1.0000000000000p+0, 0x1.95c2d00000000p+0, 0x1.d8edb00000000p+0, 0x1.0898900000000p+0},
 }};
 // 2/pi, 64 bits in each word, behind a word of zeros
 inline constexpr uint64_t kTwoByPiBits[] = {0x0000000000000000, 0xa2f9836e4e441529, 0xfc2757d1f534ddc0,
@@ -153,20 +174,21 @@ inline constexpr double kPowLogPoly[] = {-0x1.0000000000000p-2, 0x1.99999999998f
 // sin x = x p(x^2), |x| < pi/2: within 2^-44.2
 inline constexpr double kSinPoly32[] = {0x1.ffffffffffe39p-1, -0x1.5555555543b0ep-3, 0x1.11111109ea238p-7,
     -0x1.a019fd465bcf1p-13, 0x1.71dcf786ef9e6p-19, -0x1.ae0428cdce3c8p-26, 0x1.52e302d6a5113p-33};
-// the first two of kSinPoly's powers
-inline constexpr double kSinFirst[] = {-0x1.3dc133cdbb090p-6, 0x1.11111111110cbp-7};
-// sin x = x - kCubic x^3 + x^3 p(x^2), |x| < pi/2, relative to x: within 2^-62.0
-inline constexpr double kSinPoly[] = {-0x1.a01a01a015170p-13, 0x1.71de3a52c0ec2p-19, -0x1.ae6454e47918ep-26,
-    0x1.6123d13e139fep-33, -0x1.ae44a4924c53ap-41, 0x1.88516e1ce1035p-49};
+// sin x = x + x^3 p(x^2) of the remainder, relative to x: within 2^-67.2
+inline constexpr double kSinPoly[] = {-0x1.5555555555555p-3, 0x1.111111110f5ccp-7, -0x1.a01a0109f9780p-13,
+    0x1.71cade3966308p-19};
+// cos x = 1 - x^2 p(x^2) of the same: within 2^-64.1
+inline constexpr double kMinusCosPoly[] = {0x1.ffffffffffffdp-2, -0x1.555555554f6fdp-5, 0x1.6c16c085582c8p-10,
+    -0x1.9ffe31e2d7cc3p-16};
 // sin x = x p(x^2), |x| < pi/4: within 2^-37.8
 inline constexpr double kTanSinPoly32[] = {0x1.fffffffff674dp-1, -0x1.555555493fa61p-3, 0x1.11110745b0df2p-7,
     -0x1.a00ee3853fd9cp-13, 0x1.6cb63c86fba27p-19};
 // cos x = p(x^2), |x| < pi/4: within 2^-44.0
 inline constexpr double kTanCosPoly32[] = {0x1.ffffffffffe09p-1, -0x1.ffffffffe359cp-2, 0x1.5555554468569p-5,
     -0x1.6c16b2ca9f951p-10, 0x1.a00e919607ee5p-16, -0x1.23c4d9d304d6fp-22};
-// tan x = x + x^3 p(x^2), |x| < pi/32, relative to x: within 2^-67.9
-inline constexpr double kTanPoly[] = {0x1.5555555555555p-2, 0x1.111111111154bp-3, 0x1.ba1ba1b7b35f0p-5,
-    0x1.664f4dc3e12a5p-6, 0x1.2268441a7a14ep-7, 0x1.dd8a2c6f07759p-9};
+// tan x = x + x^3 p(x^2) of the same, relative to x: within 2^-59.1
+inline constexpr double kTanPoly[] = {0x1.55555555555dcp-2, 0x1.11111110b07c3p-3, 0x1.ba1ba489f0c03p-5,
+    0x1.664ab6406363ep-6, 0x1.25ccda6e61286p-7};
 // arctan x = x p(x^2), |x| < sqrt(2) - 1, relative to x: within 2^-45.2
 inline constexpr double kAtanPoly32[] = {0x1.fffffffffff1fp-1, -0x1.55555554ebebbp-2, 0x1.999999176a189p-3,
     -0x1.24922a207afcfp-3, 0x1.c71502e2e666dp-4, -0x1.73dc12c152ddfp-4, 0x1.35de833a60a39p-4, -0x1.e1aafb6ef6b3ep-5,

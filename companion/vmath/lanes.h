@@ -39,6 +39,8 @@ TZM_INLINE I ShiftRightLogical(I i) {
 }
 TZM_INLINE bool Any(M m) { return HWY_UNLIKELY(!hn::AllFalse(D(), m)); }
 TZM_INLINE bool Any(M32 m) { return HWY_UNLIKELY(!hn::AllFalse(S(), m)); }
+TZM_INLINE bool NotAll(M m) { return HWY_UNLIKELY(!hn::AllTrue(D(), m)); }
+TZM_INLINE bool NotAll(M32 m) { return HWY_UNLIKELY(!hn::AllTrue(S(), m)); }
 
 // One rounding: a*b + c, a*b - c, c - a*b.
 template <class Vector>
@@ -59,10 +61,7 @@ constexpr double kToInteger = 0x1.8p52;
 constexpr float kToInteger32 = 0x1.8p23f;
 
 // x with its sign inverted where the lowest bit of `odd` is set.
-TZM_INLINE V NegateIfOdd(V x, I odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<63>(odd))); }
 TZM_INLINE F NegateIfOdd(F x, I32 odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<31>(odd))); }
-// The sign of `sign` for a zero x as for every other.
-TZM_INLINE V WithSignOf(V x, V sign) { return hn::Or(x, hn::And(sign, C(-0.0))); }
 
 // c[0] + c[1] x + c[2] x^2 ...: by Horner's rule, and in two chains, of the even and of the odd powers.
 template <class T, size_t N, class Vector>

@@ -30,11 +30,14 @@ struct Decimal {
   static constexpr auto& kOf2 = kLog10Of2;
 };
 
-template <class Vector>
-TZM_INLINE auto IsPositiveNormal(Vector x) {
-  const hn::DFromV<Vector> d;
-  using Limits = std::numeric_limits<hn::TFromV<Vector>>;
-  return hn::And(hn::Ge(x, hn::Set(d, Limits::min())), hn::Lt(x, hn::Set(d, Limits::infinity())));
+// By the bits as integers: with one added to the exponent, what is no such number is less than the least, or negative.
+TZM_INLINE M IsPositiveNormal(V x) {
+  const uint64_t one = uint64_t{1} << 52;
+  return hn::RebindMask(D(), hn::Gt(hn::Add(BitsOf(x), SetBits(one)), SetBits(2 * one - 1)));
+}
+TZM_INLINE M32 IsPositiveNormal(F x) {
+  const int32_t one = 1 << 23;
+  return hn::RebindMask(S(), hn::Gt(hn::Add(BitsOf(x), hn::Set(Bits32(), one)), hn::Set(Bits32(), 2 * one - 1)));
 }
 // The logarithm of what is no positive number, x itself for the rest.
 TZM_INLINE V LogOfOther(V x) {
@@ -47,8 +50,8 @@ template <class Base>
 struct Log64 {
   TZM_INLINE V operator()(V x) const {
     const V y = OfNormal(x, hn::Zero(D()));
-    const M other = hn::Not(IsPositiveNormal(x));
-    if (Any(other)) return hn::IfThenElse(other, OfOther(x), y);
+    const M usual = IsPositiveNormal(x);
+    if (NotAll(usual)) return hn::IfThenElse(usual, y, OfOther(x));
     return y;
   }
 
@@ -103,7 +106,7 @@ struct Log32 {
     const F error = Fma(r2, C32(0x1p-27f), hn::Mul(hn::Abs(sum), C32(0x1p-36f)));
     const F y = hn::Add(sum, hn::Add(rest, error));
     const M32 sure = hn::And(hn::Eq(y, hn::Add(sum, hn::Sub(rest, error))), IsPositiveNormal(x));
-    if (Any(hn::Not(sure))) return SecondStep<Log64<Base>, Base::kMiddles>(x);
+    if (NotAll(sure)) return SecondStep<Log64<Base>, Base::kMiddles>(x);
     return y;
   }
 };

@@ -70,7 +70,7 @@ struct Pow64 {
     const Sum product = Times(y, LogInTwo(x, hn::Zero(D())));
     const V power = ExpParts(product.sum, product.rest).Normal();
     const M usual = hn::And(IsPositiveNormal(x), hn::Lt(hn::Abs(product.sum), C(kExpNormal)));
-    if (Any(hn::Not(usual))) return hn::IfThenElse(usual, power, OfAny(x, y));
+    if (NotAll(usual)) return hn::IfThenElse(usual, power, OfAny(x, y));
     return power;
   }
 
@@ -93,7 +93,7 @@ struct Pow32 {
     const M positive = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(kInfinity)));
     const M normal = hn::And(positive, hn::Lt(hn::Abs(product.sum), C(kNormal)));
     const M usual = hn::AndNot(IsOpenWithin<0x100>(power), normal);
-    if (Any(hn::Not(usual))) return hn::IfThenElse(usual, power, OfAny(x, y));
+    if (NotAll(usual)) return hn::IfThenElse(usual, power, OfAny(x, y));
     return power;
   }
 

@@ -1,153 +1,146 @@
-// Sine, cosine and tangent. x = k unit + r, the unit being pi for sine and cosine and pi/16 for the tangent, r in two
-// parts.
+// Sine, cosine and tangent. In binary64 x = k pi/16 + r with |r| < pi/32 in two parts, and a table has the sine and the
+// cosine of k pi/16.
 #pragma once
 
 #include "constants.h"
 
 namespace vmath {
 
-// The argument less k units, k in the low bits.
+// x = k pi/16 + r - excess, k in the low bits.
 struct Reduced {
-  V r, rest;
+  V r, excess;
   I k;
 };
-
-// The unit 2^kPower pi, and whether k counts the halves between the whole units: x = (k + 1/2) unit + r.
-template <int kPower, bool kBetween>
-struct Unit {
-  static constexpr double kScale = kPower == 0 ? 1 : 0x1p-4;
-  static constexpr double kParts[] = {kPi[0] * kScale, kPi[1] * kScale, kPi[2] * kScale};
-  static constexpr double kInverse = kByPi / kScale;
-
-  // While |x| < kSmall, k being below 2^30, r has 2^-130 of the unit, where no number comes nearer to a multiple of
-  // pi/2 than 2^-62.
-  static constexpr double kSmall = 0x1p27;
-  static TZM_INLINE Reduced Reduce(V x) {
-    V shifted, k;
-    if constexpr (kBetween) {
-      shifted = hn::Add(Fms(x, C(kInverse), C(0.5)), C(kToInteger));
-      k = hn::Add(hn::Sub(shifted, C(kToInteger)), C(0.5));
-    } else {
-      shifted = Fma(x, C(kInverse), C(kToInteger));
-      k = hn::Sub(shifted, C(kToInteger));
+// Lane by lane in integers: the 192 bits of 2/pi that matter, times the 53 of x, modulo 4. NaN for what is below 2^27,
+// infinite or NaN.
+inline __attribute__((noinline)) Reduced ReduceHuge(V x) {
+  alignas(64) double lane[kLanes], high[kLanes], low[kLanes];
+  alignas(64) int64_t k[kLanes];
+  hn::Store(x, D(), lane);
+  for (size_t i = 0; i < kLanes; ++i) {
+    uint64_t bits;
+    std::memcpy(&bits, &lane[i], sizeof bits);
+    const unsigned exponent = bits >> 52 & 0x7ff;
+    k[i] = 0;
+    high[i] = low[i] = kNaN;
+    if (exponent < 1023 + 27 || exponent == 0x7ff) continue;
+    const uint64_t significand = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
+    const unsigned from = exponent - 1023 + 10;  // the bit whose weight in the product's last place is 2
+    const auto word = [&](unsigned n) TZM_LAMBDA {
+      const uint64_t* w = kTwoByPiBits + from / 64 + n;
+      return from % 64 == 0 ? w[0] : (w[0] << from % 64) | (w[1] >> (64 - from % 64));
+    };
+    using Wide = unsigned __int128;
+    const Wide last = Wide{significand} * word(2), middle = Wide{significand} * word(1) + (last >> 64);
+    uint64_t least = static_cast<uint64_t>(last);
+    const Wide turns = (Wide{significand * word(0)} << 64) + middle;  // x 2/pi modulo 4, its last 64 bits in `least`
+    constexpr int kFraction = 123;                                    // bits behind the multiples of pi/16
+    const auto count = static_cast<int64_t>((turns + (Wide{1} << (kFraction - 1))) >> kFraction);
+    Wide fraction = turns - (static_cast<Wide>(count) << kFraction);
+    const bool below = fraction >> 127 != 0, negative = bits >> 63 != 0;
+    if (below) {
+      least = -least;
+      fraction = ~fraction + (least == 0);
     }
-    const V most = Fnma(k, C(kParts[0]), x);  // exact but next to half a unit, where x is small
-    V product = hn::Mul(k, C(kParts[1]));
-    const V productRest = Fma(k, C(kParts[2]), Fms(k, C(kParts[1]), product));
-    if constexpr (kBetween) product = hn::Sub(product, hn::Sub(x, Fma(k, C(kParts[0]), most)));
-    const V r = hn::Sub(most, product), rest = hn::Sub(hn::Sub(hn::Sub(most, r), product), productRest);
-    Reduced reduced = {r, rest, BitsOf(shifted)};
-    const M huge = hn::Not(hn::Lt(hn::Abs(x), C(kSmall)));
-    if (Any(huge)) {
-      const Reduced other = ReduceHuge(x);
-      reduced = {hn::IfThenElse(huge, other.r, r), hn::IfThenElse(huge, other.rest, rest),
-                 BitsOf(hn::IfThenElse(huge, OfBits(other.k), shifted))};
-    }
-    return reduced;
+    fraction = fraction << 3 | least >> 61;
+    least <<= 3;
+    // No number comes nearer to a multiple of pi/2 than 2^-61, so the leading bit is in the first half.
+    const int zeros = __builtin_clzll(static_cast<uint64_t>(fraction >> 64));
+    fraction = fraction << zeros | least >> (64 - zeros);
+    const uint64_t power = static_cast<uint64_t>(1023 + 75 - 3 - zeros - kFraction) << 52;  // of the 53rd bit
+    double scale;
+    std::memcpy(&scale, &power, sizeof scale);
+    if (below != negative) scale = -scale;
+    high[i] = static_cast<double>(static_cast<int64_t>(fraction >> 75)) * scale;
+    low[i] = static_cast<double>(static_cast<int64_t>(fraction >> 12) & INT64_MAX) * (scale * 0x1p-63);
+    k[i] = negative ? -count : count;
   }
-
-  // Lane by lane in integers: the 192 bits of 2/pi that matter, times the 53 of x, modulo 4. NaN for the rest.
-  static __attribute__((noinline)) Reduced ReduceHuge(V x) {
-    alignas(64) double lane[kLanes], high[kLanes], low[kLanes];
-    alignas(64) int64_t k[kLanes];
-    hn::Store(x, D(), lane);
-    for (size_t i = 0; i < kLanes; ++i) {
-      uint64_t bits;
-      std::memcpy(&bits, &lane[i], sizeof bits);
-      const unsigned exponent = bits >> 52 & 0x7ff;
-      k[i] = 0;
-      high[i] = low[i] = kNaN;
-      if (exponent < 1023 + 27 || exponent == 0x7ff) continue;
-      const uint64_t significand = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
-      const unsigned from = exponent - 1023 + 10;  // the bit whose weight in the product's last place is 2
-      const auto word = [&](unsigned n) TZM_LAMBDA {
-        const uint64_t* w = kTwoByPiBits + from / 64 + n;
-        return from % 64 == 0 ? w[0] : (w[0] << from % 64) | (w[1] >> (64 - from % 64));
-      };
-      using Wide = unsigned __int128;
-      const Wide last = Wide{significand} * word(2), middle = Wide{significand} * word(1) + (last >> 64);
-      uint64_t least = static_cast<uint64_t>(last);
-      Wide turns = (Wide{significand * word(0)} << 64) + middle;  // x 2/pi modulo 4, its last 64 bits in `least`
-      constexpr int kFraction = 127 + kPower, kMore = kPower == 0 ? 0 : 3;
-      constexpr Wide kHalf = Wide{1} << (kFraction - 1);
-      if constexpr (kBetween) turns -= kHalf;
-      const auto count = static_cast<int64_t>((turns + kHalf) >> kFraction);
-      Wide fraction = turns - (static_cast<Wide>(count) << kFraction);
-      const bool below = fraction >> 127 != 0, negative = bits >> 63 != 0;
-      if (below) {
-        least = -least;
-        fraction = ~fraction + (least == 0);
-      }
-      if constexpr (kMore != 0) {
-        fraction = fraction << kMore | least >> (64 - kMore);
-        least <<= kMore;
-      }
-      // No number comes nearer to a multiple than 2^-61, so the leading bit is in the first half.
-      const int zeros = __builtin_clzll(static_cast<uint64_t>(fraction >> 64));
-      fraction = fraction << zeros | least >> (64 - zeros);
-      const uint64_t power = static_cast<uint64_t>(1023 + 75 - zeros - kFraction - kMore) << 52;  // of the 53rd bit
-      double scale;
-      std::memcpy(&scale, &power, sizeof scale);
-      if (below != negative) scale = -scale;
-      high[i] = static_cast<double>(static_cast<int64_t>(fraction >> 75)) * scale;
-      low[i] = static_cast<double>(static_cast<int64_t>(fraction >> 12) & INT64_MAX) * (scale * 0x1p-63);
-      k[i] = !negative ? count : kBetween ? ~count : -count;
-    }
-    const V h = hn::Load(D(), high), l = hn::Load(D(), low), r = hn::Mul(h, C(kParts[0]));
-    const V rest = Fma(l, C(kParts[0]), Fma(h, C(kParts[1]), Fms(h, C(kParts[0]), r)));
-    const V sum = hn::Add(r, rest);
-    return {sum, hn::Add(hn::Sub(r, sum), rest), hn::Load(Bits(), k)};
-  }
-};
-
-// The sine of r + rest, |r| <= pi/2: r - kCubic r^3 comes so near that the roundings of what is added hardly count. Of
-// the derivatives by the rest and by what r^2 and r^3 lost two digits are enough.
-TZM_INLINE V Sine(const Reduced& a) {
-  const V r = a.r, r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2);
-  const V cube = hn::Mul(r2, r), cubeRest = Fma(r2Rest, r, Fms(r2, r, cube));
-  const V sum = Fnma(cube, C(kCubic), r), lost = Fnma(cube, C(kCubic), hn::Sub(r, sum));
-  const V rest = Fnma(cubeRest, C(0.135), Fma(a.rest, Fnma(r2, C(0.416), C(1)), lost));
-  const V series = Fma(hn::Mul(r2, r2), Polynomial(kSinPoly, r2), Fma(r2, C(kSinFirst[1]), C(kSinFirst[0])));
-  return WithSignOf(hn::Add(sum, Fma(cube, series, rest)), r);
+  const V h = hn::Load(D(), high), l = hn::Load(D(), low), r = hn::Mul(h, C(kPiBy16[0]));
+  const V rest = Fma(l, C(kPiBy16[0]), Fma(h, C(kPiBy16[1]), Fms(h, C(kPiBy16[0]), r)));
+  const V sum = hn::Add(r, rest);
+  return {sum, hn::Sub(hn::Sub(sum, r), rest), hn::Load(Bits(), k)};
 }
 
-// Within 0.595 ulp each, which is the cosine's near 0.5.
-struct Sin64 {
+// The same where |x| < 2^27, k being below 2^30: r has 2^-130, where no number comes nearer to a multiple of pi/2 than
+// 2^-62.
+inline __attribute__((noinline)) Reduced ReduceFar(V x) {
+  const V shifted = Fma(x, C(16 * kByPi), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
+  const V most = Fnma(k, C(kPiBy16[0]), x);  // exact
+  const V product = hn::Mul(k, C(kPiBy16[1])), r = hn::Sub(most, product);
+  const V productRest = Fma(k, C(kPiBy16[2]), Fms(k, C(kPiBy16[1]), product));
+  const V excess = hn::Add(hn::Sub(product, hn::Sub(most, r)), productRest);
+  const M large = hn::Lt(hn::Abs(x), C(0x1p27));
+  if (hn::AllTrue(D(), large)) return {r, excess, BitsOf(shifted)};
+  const Reduced huge = ReduceHuge(x);
+  return {hn::IfThenElse(large, r, huge.r), hn::IfThenElse(large, excess, huge.excess),
+          BitsOf(hn::IfThenElse(large, shifted, OfBits(huge.k)))};
+}
+// The same where |x| < 2^20, k being below 2^23: all is exact but the last product, in 2^-118.
+TZM_INLINE M IsNear(V x) { return hn::Lt(hn::Abs(x), C(0x1p20)); }
+TZM_INLINE Reduced Reduce(V x) {
+  const V shifted = Fma(x, C(16 * kByPi), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
+  const V most = Fnma(k, C(kPiBy16Short[0]), x), product = hn::Mul(k, C(kPiBy16Short[1]));
+  const V r = hn::Sub(most, product);
+  return {r, Fma(k, C(kPiBy16Short[2]), hn::Add(hn::Sub(r, most), product)), BitsOf(shifted)};
+}
+template <class Function>
+struct OfAngle {
   TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<0, false>::Reduce(x);
-    return NegateIfOdd(Sine(a), a.k);
+    const V y = Function()(Reduce(x));
+    const M near = IsNear(x);
+    if (NotAll(near)) return hn::IfThenElse(near, y, Far(x));
+    return y;
   }
-};
-// cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
-struct Cos64 {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<0, true>::Reduce(x);
-    return NegateIfOdd(Sine(a), hn::Not(a.k));
-  }
+
+ private:
+  static __attribute__((noinline)) V Far(V x) { return Function()(ReduceFar(x)); }
 };
 
-// tan(c + r) = (T + t)/(1 - T t), c the nearest multiple of pi/16, T its tangent and t that of r; beyond pi/4 the
-// reciprocal's negative, and T is the tangent of c - pi/2. Within 0.51 ulp: the quotient of two sums of two, refined.
-struct Tan64 {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Unit<-4, false>::Reduce(x);
-    const auto [tangent, tangentRest] = Lookup<kTanTable>(a.k).number;
-    const V r2 = hn::Mul(a.r, a.r);
-    const Sum t = FastTwoSum(a.r, Fma(hn::Mul(r2, a.r), Polynomial(kTanPoly, r2), a.rest));
-    const Sum above = FastTwoSum(tangent, t.sum);
-    const V aboveRest = hn::Add(hn::Add(above.rest, tangentRest), t.rest);
-    const V below = Fnma(tangent, t.sum, C(1)), belowLost = Fnma(tangent, t.sum, hn::Sub(C(1), below));
-    const V belowRest = Fnma(tangentRest, t.sum, Fnma(tangent, t.rest, belowLost));
-    const I quarter = ShiftRightLogical<3>(hn::Add(a.k, SetBits(4)));
-    const M odd = hn::RebindMask(D(), hn::TestBit(quarter, SetBits(1)));
-    const V n = hn::IfThenElse(odd, below, above.sum), nRest = hn::IfThenElse(odd, belowRest, aboveRest);
-    const V d = hn::IfThenElse(odd, above.sum, below), dRest = hn::IfThenElse(odd, aboveRest, belowRest);
-    const V inverse = hn::Div(C(1), d), quotient = hn::Mul(n, inverse);
-    const V rest = hn::Add(Fnma(quotient, d, n), Fnma(quotient, dRest, nRest));
-    const V y = NegateIfOdd(Fma(rest, inverse, quotient), quarter);
-    return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), x, y);
+// The sine of the angle whose sine and cosine these are and r: the sum's first two terms come with what their rounding
+// lost. Zeros are subtracted, so that -0 stays -0.
+TZM_INLINE V Turned(V sine, V cosine, V sineRest, const Reduced& a, I k) {
+  const V r2 = hn::Mul(a.r, a.r), sum = Fma(cosine, a.r, sine), first = hn::Sub(sum, sine);  // cosine r, rounded
+  const V lost = Fma(cosine, a.excess, hn::Sub(Fnma(cosine, a.r, first), sineRest));
+  const V series = Fnma(first, Polynomial(kSinPoly, r2), hn::Mul(sine, Polynomial(kMinusCosPoly, r2)));
+  const V y = hn::Sub(sum, Fma(r2, series, lost));
+  return OfBits(hn::Xor(BitsOf(y), hn::And(hn::ShiftLeft<59>(k), BitsOf(C(-0.0)))));
+}
+template <int kTurn>
+struct Sine {
+  TZM_INLINE V operator()(const Reduced& a) const {
+    const I k = hn::Add(a.k, SetBits(kTurn));
+    const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(k).number;
+    return Turned(sine, cosine, sineRest, a, k);
   }
 };
+// Within 0.58 ulp each: half for the last rounding, 0.07 for what the table leaves out.
+using Sin64 = OfAngle<Sine<0>>;
+using Cos64 = OfAngle<Sine<8>>;
+// The same bits, of one reduction.
+TZM_INLINE void SineAndCosine(V x, V& s, V& c) {
+  const Reduced a = Reduce(x);
+  const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(a.k).number;
+  s = Turned(sine, cosine, sineRest, a, a.k);
+  c = Turned(cosine, hn::Neg(sine), cosineRest, a, a.k);
+  if (NotAll(IsNear(x))) s = Sin64()(x), c = Cos64()(x);
+}
+
+// tan(c + t) = (sin c + t cos c)/(cos c - t sin c), t the tangent of r: the quotient of two sums of two, refined.
+struct Tangent {
+  TZM_INLINE V operator()(const Reduced& a) const {
+    const auto [sine, cosine] = Lookup<kTanTable>(a.k).number;
+    const V r2 = hn::Mul(a.r, a.r);
+    const Sum t = FastTwoSum(a.r, Fms(hn::Mul(r2, a.r), Polynomial(kTanPoly, r2), a.excess));
+    const V n = Fma(cosine, t.sum, sine), d = Fnma(sine, t.sum, cosine);
+    const V nRest = Fma(cosine, t.rest, Fma(cosine, t.sum, hn::Sub(sine, n)));
+    const V dRest = Fnma(sine, t.rest, Fnma(sine, t.sum, hn::Sub(cosine, d)));
+    const V inverse = hn::Div(C(1), d), quotient = hn::Mul(n, inverse);
+    const V excess = hn::Sub(Fma(quotient, dRest, Fms(quotient, d, n)), nRest);
+    return Fnma(excess, inverse, quotient);
+  }
+};
+// Within 0.52 ulp.
+using Tan64 = OfAngle<Tangent>;
 
 // ---- Correctly rounded to binary32 ----
 
@@ -178,7 +171,7 @@ TZM_INLINE Reduced32 Reduce32(F x) {
 template <uint64_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
   const M open = hn::Or(IsOpenWithin<kUnits>(y.low), IsOpenWithin<kUnits>(y.high));
-  if (Any(open) || Any(hn::Not(hn::Lt(hn::Abs(x), C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
+  if (Any(open) || NotAll(hn::Lt(hn::Abs(x), C32(kNear)))) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 

@@ -81,8 +81,9 @@ void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c) {
 void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c) {
   if (n < 1) return;
   ForEach<kLanes, 1>(n, [=](const Orva64f* from, Orva64f* sine, Orva64f* cosine) TZM_LAMBDA {
-    const V x = hn::LoadU(D(), from);
-    hn::StoreU(Sin64()(x), D(), sine);
-    hn::StoreU(Cos64()(x), D(), cosine);
+    V ofSine, ofCosine;
+    SineAndCosine(hn::LoadU(D(), from), ofSine, ofCosine);
+    hn::StoreU(ofSine, D(), sine);
+    hn::StoreU(ofCosine, D(), cosine);
   }, a, s, c);
 }

@@ -4,6 +4,7 @@
 Packages: sollya python3-mpmath python3-numpy. Call: ./constants.py > ../constants.h
 The bound that stands beside a polynomial is Sollya's, of the difference from its function over its interval.
 """
+import math
 import struct
 import subprocess
 
@@ -44,7 +45,7 @@ def rounded(x, fraction_bits):
 
 
 def text(x):
-    return f"0x{x:016x}" if isinstance(x, int) else x.hex() if x else "0"
+    return f"0x{x:016x}" if isinstance(x, int) else x.hex() if bits(x) else "0"
 
 
 def constant(name, x, comment=None):
@@ -92,13 +93,15 @@ POLYNOMIALS = [
     ("kPowLogPoly", "double", " + ".join(f"(-1)^{k + 1}*x^{k - 3}/{k}" for k in range(4, 40)), 1, 9,
      "[-1/32.2, 1/32.2]", "ln(1 + x) = x - x^2/2 + x^3/3 + x^4 p(x), relative to x^3"),
     ("kSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 6, "[1b-30, (pi/2)^2*1.001]", "sin x = x p(x^2), |x| < pi/2"),
-    ("kSinPoly", "double", "sin(sqrt(x))/sqrt(x) - 1 + x*{cubic}", 1, 8, "[1b-30, (pi/2)^2*1.00001]",
-     "sin x = x - kCubic x^3 + x^3 p(x^2), |x| < pi/2, relative to x"),
+    ("kSinPoly", "double", "sin(sqrt(x))/sqrt(x) - 1", 1, 4, "[1b-30, (pi/32*1.00001)^2]",
+     "sin x = x + x^3 p(x^2) of the remainder, relative to x"),
+    ("kMinusCosPoly", "double", "1 - cos(sqrt(x))", 1, 4, "[1b-30, (pi/32*1.00001)^2]",
+     "cos x = 1 - x^2 p(x^2) of the same"),
     ("kTanSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 4, "[1b-30, (pi/4)^2*1.001]",
      "sin x = x p(x^2), |x| < pi/4"),
     ("kTanCosPoly32", "double", "cos(sqrt(x))", 0, 5, "[1b-30, (pi/4)^2*1.001]", "cos x = p(x^2), |x| < pi/4"),
-    ("kTanPoly", "double", "tan(sqrt(x))/sqrt(x) - 1", 1, 6, "[1b-30, (pi/32)^2*1.00001]",
-     "tan x = x + x^3 p(x^2), |x| < pi/32, relative to x"),
+    ("kTanPoly", "double", "tan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, (pi/32*1.00001)^2]",
+     "tan x = x + x^3 p(x^2) of the same, relative to x"),
     ("kAtanPoly32", "double", "atan(sqrt(x))/sqrt(x)", 0, 8, "[1b-30, (sqrt(2) - 1)^2*1.0001]",
      "arctan x = x p(x^2), |x| < sqrt(2) - 1, relative to x"),
     ("kAtanPoly", "double", "atan(sqrt(x))/sqrt(x) - 1", 1, 5, "[1b-30, {atan_most}^2]",
@@ -123,9 +126,6 @@ for i from {first} to {last} do {{ print(coeff(p, i)); }};
     for name, kind, _, first, last, _, comment in POLYNOMIALS:
         bound = float(next(lines))
         coefficients = [float.fromhex(next(lines)) for _ in range(first, last + 1)]
-        if name == "kSinPoly":
-            array(kind, "kSinFirst", "[]", coefficients[:2], "the first two of kSinPoly's powers")
-            coefficients = coefficients[2:]
         array(kind, name, "[]", coefficients, f"{comment}: within 2^{bound:.1f}")
 
 
@@ -164,6 +164,33 @@ def log_table32():
     return columns
 
 
+def turn_table():
+    """The sines of k pi/16, the first one negative so that its sum with a zero keeps the sign, and what their rounding
+    lost: less what that of the cosine lost times half the largest remainder, on the side of the smaller results."""
+    sines, rests = [], []
+    for k in range(24):
+        sine, sine_rest = parts(mp.sin(k * PI / 16), 2) if k % 8 else (float(mp.nint(mp.sin(k * PI / 16))), 0.0)
+        cosine, cosine_rest = parts(mp.cos(k * PI / 16), 2) if k % 8 else (1.0, 0.0)
+        sines.append(sine if k else -0.0)
+        rests.append(float(sine_rest - math.copysign(float(PI / 64), sine * cosine) * cosine_rest))
+    return [column[first:first + 16] for column in (sines, rests) for first in (0, 8)]
+
+
+def tangent_table():
+    """Numbers a and b with a/b = tan(k pi/16): of the b in [1, 2) of 20 fraction bits the one whose a lies nearest to
+    a number. The a of 0 is negative, so that the sum with a zero keeps its sign."""
+    a, b = [-0.0], [1.0]
+    candidates = 1 + np.arange(2**20, dtype=np.longdouble) * np.longdouble(2.0**-20)
+    for k in range(1, 8):
+        high, low = parts(mp.tan(k * PI / 16), 2)
+        product, unit = candidates * np.longdouble(high), 2.0 ** (np.frexp(candidates * high)[1] - 53)
+        units, rest = product / unit, candidates * low / unit
+        best = float(candidates[np.argmin(np.abs((units - np.rint(units)) + rest))])
+        a.append(float(best * mp.tan(k * PI / 16)))
+        b.append(best)
+    return a + [1.0] + [-x for x in a[:0:-1]], b + [0.0] + b[:0:-1]
+
+
 def atan_table():
     """Where log2 of the ratio, taken as the difference of two numbers' bits, lies in [(i - 16)/4, (i - 15)/4): the
     middle of the interval's ends and its arctangent; for i = 0, which holds all below, zero. And the largest
@@ -189,7 +216,6 @@ def atan_table():
 LOG_START = bits(1.0) - round((9 + 2 / 3) * 2**48)
 LOG_START_32 = 0x3f800000 - round((4 + 11 / 16) * 2**20)
 log10e = float(1 / mp.log(10))
-cubic = float((PI / 2 - 1) / (PI / 2) ** 3)
 
 print("// Made by make/constants.py, with Sollya and mpmath.")
 print("#pragma once\n")
@@ -229,14 +255,18 @@ table("kLogTable32", log_table32(), "1/c of so few bits that r is exact, ln c to
       "Table32")
 array("double", "kThird", "[]", parts(mp.mpf(1) / 3, 2), "1/3, in parts")
 
-print("\n// ---- Sine, cosine, tangent: x = k pi/2 + r ----")
-array("double", "kPi", "[]", parts(PI, 3), "pi, in parts")
-array("double", "kHalfPi", "[]", parts(PI / 2, 3), "pi/2, in parts")
+print("\n// ---- Sine, cosine, tangent: x = k pi/16 + r ----")
+array("double", "kPi", "[]", parts(PI, 2), "pi, in parts")
+array("double", "kHalfPi", "[]", parts(PI / 2, 2), "pi/2, in parts")
+pi16 = [float(PI / 16)]
+pi16.append(float(rounded(PI / 16 - pi16[0], 87)))
+pi16.append(float(PI / 16 - sum(map(mp.mpf, pi16))))
+array("double", "kPiBy16Short", "[]", pi16, "pi/16, in parts of which the second has 29 bits")
+array("double", "kPiBy16", "[]", parts(PI / 16, 3), "the same in whole parts")
 constant("kByPi", 1 / PI)
-constant("kCubic", cubic, "r - kCubic r^3 is 1 at pi/2")
-tangents = [mp.tan(((k + 4) % 8 - 4) * PI / 16) for k in range(16)]
-table("kTanTable", [list(column) for column in zip(*(parts(t, 2) for t in tangents))],
-      "the tangent of k pi/16, from 4 on of less pi/2, and from 12 on of less pi")
+table("kTurnTable", turn_table(),
+      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost")
+table("kTanTable", tangent_table(), "numbers of which the first is tan(k pi/16) times the second")
 digits = int(mp.floor(mp.ldexp(2 / PI, 64 * 20)))
 array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2**64 - 1) for i in range(20)],
       "2/pi, 64 bits in each word, behind a word of zeros")
@@ -246,5 +276,5 @@ atan, atan_most = atan_table()
 table("kAtanTable", atan, f"c, arctan c and what its rounding lost; remainders are below {atan_most:.5f}")
 
 print("\n// ---- Polynomials, the coefficient of the least power first ----")
-polynomials(log10e=log10e.hex(), cubic=cubic.hex(), atan_most=atan_most)
+polynomials(log10e=log10e.hex(), atan_most=atan_most)
 print("\n}  // namespace vmath")
