@@ -136,19 +136,21 @@ inline constexpr uint64_t kTwoByPiBits[] = {0x0000000000000000, 0xa2f9836e4e4415
     0x6bfb5fb11f8d5d08, 0x56033046fc7b6bab, 0xf0cfbc209af4361d};
 
 // ---- Arctangent ----
-// c, arctan c and what its rounding lost; remainders are below 0.07820
+// c, arctan c to 44 fraction bits and the rest; remainders are below 0.07820
 inline constexpr Table<3> kAtanTable = {{
     {0, 0x1.5200000000000p-4, 0x1.8b00000000000p-4, 0x1.cd00000000000p-4, 0x1.2000000000000p-3, 0x1.5200000000000p-3,
      0x1.8a80000000000p-3, 0x1.cc80000000000p-3, 0x1.1fc0000000000p-2, 0x1.51c0000000000p-2, 0x1.89c0000000000p-2,
      0x1.cbc0000000000p-2, 0x1.1f20000000000p-1, 0x1.5060000000000p-1, 0x1.8800000000000p-1, 0x1.ca40000000000p-1},
-    {0, 0x1.513c652bbc005p-4, 0x1.89c84595a1d7bp-4, 0x1.cb1170edd8911p-4, 0x1.1e1fafb043727p-3, 0x1.4efafb23a772fp-3,
-     0x1.85b9fc2ca47c4p-3, 0x1.c4f7679b27a57p-3, 0x1.18840a393d8f6p-2, 0x1.463e832f4b8e4p-2, 0x1.77e6f93888438p-2,
-     0x1.b020ffe2d4f79p-2, 0x1.05ada07941283p-1, 0x1.299bf9d727a54p-1, 0x1.4e8de5bb6ec04p-1, 0x1.75c9fbcade74ap-1},
-    {0, 0x1.dc55a5b7754a8p-59, 0x1.dbaf808e7356dp-60, 0x1.a3696abacd98cp-58, -0x1.b485914dacf8cp-59,
-     0x1.48fc5fc325e8cp-59, -0x1.cdca8beeeef69p-58, 0x1.8740f0eeebac1p-59, -0x1.b73b6637f274bp-57,
-     -0x1.fc82292d9da8ap-56, 0x1.f3fa50b41ca01p-57, -0x1.8388187a1069cp-57, -0x1.3941b118b2082p-55,
-     -0x1.45e96bee83181p-55, 0x1.4a33dbeb3796cp-55, 0x1.a26a2428a3c7fp-55},
+    {0, 0x1.513c652bbc000p-4, 0x1.89c84595a2000p-4, 0x1.cb1170edd9000p-4, 0x1.1e1fafb043800p-3, 0x1.4efafb23a7800p-3,
+     0x1.85b9fc2ca4800p-3, 0x1.c4f7679b27800p-3, 0x1.18840a393d800p-2, 0x1.463e832f4b800p-2, 0x1.77e6f93888400p-2,
+     0x1.b020ffe2d5000p-2, 0x1.05ada07941200p-1, 0x1.299bf9d727a00p-1, 0x1.4e8de5bb6ec00p-1, 0x1.75c9fbcade800p-1},
+    {0, 0x1.4ee2ad2dbbaa5p-54, -0x1.42712283fb8c6p-47, -0x1.bba5c96954532p-46, -0x1.b23690b229b5ap-48,
+     -0x1.a1d6e074079b4p-48, -0x1.e1cdca8beeeefp-50, 0x1.2b8c3a0787776p-46, 0x1.eb92312672036p-47,
+     0x1.c701beeb69313p-47, 0x1.c1f3fa50b41cap-49, -0x1.0e60e2061e842p-47, 0x1.05635f2773a70p-46,
+     0x1.4eba1694117cep-47, 0x1.14a33dbeb3797p-51, -0x1.6b2ecaedebae2p-46},
 }};
+// pi to 43 fraction bits, so that its sums with those are exact, and the rest
+inline constexpr double kPiShort[] = {0x1.921fb54442d00p+1, 0x1.8469898cc5170p-47};
 
 // ---- Polynomials, the coefficient of the least power first ----
 // e^x = 1 + x + x^2 p(x): within 2^-25.4

@@ -193,8 +193,8 @@ def tangent_table():
 
 def atan_table():
     """Where log2 of the ratio, taken as the difference of two numbers' bits, lies in [(i - 16)/4, (i - 15)/4): the
-    middle of the interval's ends and its arctangent; for i = 0, which holds all below, zero. And the largest
-    remainder (q - c)/(1 + c q)."""
+    middle of the interval's ends and its arctangent, in 44 fraction bits and the rest; for i = 0, which holds all
+    below, zero. And the largest remainder (q - c)/(1 + c q)."""
     middle, arcs, ends = [0.0], [mp.mpf(0)], []
     for i in range(16):
         # pseudo-logarithms of q = n/d for all d: the extremes are at d = 1 and where d's fraction is just wrong
@@ -210,7 +210,8 @@ def atan_table():
         middle.append(c)
         most = max(most, float(mp.tan(b - mp.atan(c))), float(mp.tan(mp.atan(c) - a)))
         arcs.append(mp.atan(c))
-    return [middle, [float(a) for a in arcs], [float(a - mp.mpf(float(a))) for a in arcs]], most * 1.001
+    short = [float(rounded(a, 44)) for a in arcs]
+    return [middle, short, [float(a - mp.mpf(b)) for a, b in zip(arcs, short)]], most * 1.001
 
 
 LOG_START = bits(1.0) - round((9 + 2 / 3) * 2**48)
@@ -273,7 +274,9 @@ array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2*
 
 print("\n// ---- Arctangent ----")
 atan, atan_most = atan_table()
-table("kAtanTable", atan, f"c, arctan c and what its rounding lost; remainders are below {atan_most:.5f}")
+table("kAtanTable", atan, f"c, arctan c to 44 fraction bits and the rest; remainders are below {atan_most:.5f}")
+array("double", "kPiShort", "[]", [float(rounded(PI, 43)), float(PI - rounded(PI, 43))],
+      "pi to 43 fraction bits, so that its sums with those are exact, and the rest")
 
 print("\n// ---- Polynomials, the coefficient of the least power first ----")
 polynomials(log10e=log10e.hex(), atan_most=atan_most)
