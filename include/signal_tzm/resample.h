@@ -95,9 +95,9 @@ TZM_API OrvaStatus ORVAS_ResamplePolyphaseRelease_32f(ResamplePolyphaseState* st
  * `*time` with fewer than R-1 samples before it, with 2^31 or more, or not a multiple of the rates' greatest common
  * divisor; 202 more than 2^31-1 outputs. Then nothing is written. `src` and `dst` must not overlap.
  *
- * `_32f` multiplies the result of `ORVAS_DotProd_32f` by `norm`; `_16s` joins two results of `ORVAS_DotProd_16s64s`, of
- * the taps' high and low halves, to the exact sum, multiplies it by norm times the scale of the taps in binary64, and
- * rounds to nearest, ties to even, with saturation.
+ * `_32f` multiplies the result of `ORVAS_DotProd_32f` by `norm`; `_16s` joins the exact sums of the taps' high and low
+ * halves in binary64, multiplies that by norm times the scale of the taps, and rounds to nearest, ties to even, with
+ * saturation.
  *
  * A run only reads the state: calls at once may share it, one state serving all channels. Release always succeeds and
  * takes null. @{ */

@@ -3,10 +3,10 @@
 #include <signal_tzm/resample.h>
 
 #include <signal_tzm/companion.h>
-#include <signal_tzm/reduce.h>
 
 #include "frame/call.h"
 #include "frame/scale.h"
+#include "frame/sum.h"
 #include "resample/kaiser_sinc.h"
 
 #include <numeric>
@@ -150,16 +150,85 @@ OrvaStatus GetFilter(const State* state, Orva32f* taps, int32_t* tapsLen) {
   return ORVA_STS_NO_ERR;
 }
 
-Orva32f Output(const Orva32f* row, const Orva32f* window, int32_t len, Orva32f norm, double) {
-  Orva32f sum;
-  ORVAS_DotProd_32f(row, window, len, &sum);
-  return sum * norm;
+// ---- Run ----
+
+// The next output's phase, and the first sample of its window.
+struct Place {
+  int64_t sample, phase;
+
+  void Next(const State& state) {
+    sample += state.down / state.up;
+    phase += state.down % state.up;
+    if (phase < state.up) return;
+    phase -= state.up;
+    ++sample;
+  }
+};
+
+// kCount outputs at once, each in the order of ORVAS_DotProd_32f, whose chain is the limit of one alone: the sums of
+// products of rows and windows of whole steps. rowOf(k) and windowOf(k) are those of output k, store(k, sum) takes it.
+template <size_t kCount, class RowOf, class WindowOf, class Store>
+TZM_INLINE void DotProducts(int32_t len, RowOf rowOf, WindowOf windowOf, Store store) {
+  using Lanes = LaneArray<Orva32f, 8>;
+  Lanes sum[kCount];
+  Unrolled<kCount>([&](size_t k) TZM_LAMBDA { sum[k] = Lanes::Set(0); });
+  for (int32_t i = 0; i < len; i += 8)
+    Unrolled<kCount>([&](auto k) TZM_LAMBDA {
+      sum[k] = MulAdd(Lanes::Load(rowOf(k) + i), Lanes::Load(windowOf(k) + i), sum[k]);
+    });
+  Unrolled<kCount>([&](size_t k) TZM_LAMBDA { store(k, HalvesFirst()(sum[k])); });
 }
-Orva16s Output(const Orva16s* row, const Orva16s* window, int32_t len, Orva32f norm, double tapScale) {
-  Orva64s high, low;
-  ORVAS_DotProd_16s64s(row, window, len, &high);
-  ORVAS_DotProd_16s64s(row + len, window, len, &low);
-  return RoundSaturate<Orva16s>((static_cast<double>(high) * 65536 + static_cast<double>(low)) * (norm * tapScale));
+
+// Outputs `up` apart have one row in common; the last ones, and few of them, go side by side with a row each.
+void Outputs(const State& state, const Orva32f* src, Place place, int64_t count, Orva32f norm, Orva32f* dst) {
+  constexpr int64_t kShared = 8, kApart = 4;
+  const int32_t len = state.RowLen();
+  const int64_t up = state.up, down = state.down, group = kShared * up;
+  for (; count >= group; count -= group, dst += group, place.sample += (kShared - 1) * down) {
+    for (int64_t j = 0; j < up; ++j, place.Next(state)) {
+      const Orva32f *const row = Row<Orva32f>(state, place.phase), *const window = src + place.sample;
+      DotProducts<kShared>(
+          len, [=](size_t) TZM_LAMBDA { return row; },
+          [=](size_t k) TZM_LAMBDA { return window + static_cast<int64_t>(k) * down; },
+          [=](int64_t k, Orva32f sum) TZM_LAMBDA { StoreElement(sum * norm, dst + j + k * up); });
+    }
+  }
+  while (count > 0) {
+    const int64_t made = std::min(count, kApart);
+    const Orva32f *row[kApart], *window[kApart];
+    for (int64_t k = 0; k < kApart; ++k) {
+      row[k] = Row<Orva32f>(state, place.phase);
+      window[k] = src + place.sample;
+      if (k < made - 1) place.Next(state);  // beyond the last one, that again
+    }
+    place.Next(state);
+    Orva32f out[kApart];
+    DotProducts<kApart>(
+        len, [&](size_t k) TZM_LAMBDA { return row[k]; }, [&](size_t k) TZM_LAMBDA { return window[k]; },
+        [&](size_t k, Orva32f sum) TZM_LAMBDA { out[k] = sum * norm; });
+    for (int64_t k = 0; k < made; ++k) StoreElement(out[k], dst++);
+    count -= made;
+  }
+}
+
+// The sums of the two halves of the taps are exact.
+void Outputs(const State& state, const Orva16s* src, Place place, int64_t count, Orva32f norm, Orva16s* dst) {
+  const int32_t len = state.RowLen();
+  const double gain = norm * state.tapScale;
+  const auto total = [](const ProductSums16& sums) TZM_LAMBDA {
+    return static_cast<double>(sums.Lane(0) + sums.Lane(1));
+  };
+  for (; count > 0; --count, ++dst, place.Next(state)) {
+    const Orva16s* const row = Row<Orva16s>(state, place.phase);
+    ProductSums16 high, low;
+    const auto add = [&](auto highs, auto lows, auto samples) TZM_LAMBDA {
+      high.Add(highs, samples);
+      low.Add(lows, samples);
+    };
+    ReduceRegisters(len, add, [] {}, row, row + len, src + place.sample);
+    const double sum = total(high) * 65536 + total(low);
+    StoreElement(RoundSaturate<Orva16s>(sum * gain), dst);
+  }
 }
 
 template <class Sample>
@@ -169,26 +238,12 @@ OrvaStatus Run(const Sample* src, int32_t len, Sample* dst, Orva32f norm, Orva64
   constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
   const int64_t start = LoadElement(time);
   const int64_t inRate = int64_t{state->down} * state->unit, outRate = int64_t{state->up} * state->unit;
-  int64_t sample = start / outRate;
-  const int64_t part = start % outRate;
+  const int64_t sample = start / outRate, part = start % outRate;
   if (start % state->unit != 0 || sample < state->reach - 1 || sample > kMost) return ORVA_STS_BAD_ARG_ERR;
   const int64_t count = (len * outRate - part + inRate - 1) / inRate;
   if (count > kMost) return ORVA_STS_OVERFLOW_ERR;
 
-  const int32_t up = state->up, rowLen = state->RowLen();
-  const int64_t stepSample = state->down / up, stepPhase = state->down % up;
-  const double tapScale = state->tapScale;
-  sample -= state->reach - 1;
-  int64_t phase = part / state->unit;
-  for (int64_t j = 0; j < count; ++j) {
-    StoreElement(Output(Row<Sample>(*state, phase), src + sample, rowLen, norm, tapScale), dst + j);
-    sample += stepSample;
-    phase += stepPhase;
-    if (phase >= up) {
-      phase -= up;
-      ++sample;
-    }
-  }
+  Outputs(*state, src, {sample - (state->reach - 1), part / state->unit}, count, norm, dst);
   StoreElement(static_cast<int32_t>(count), outLen);
   StoreElement(start + count * inRate, time);
   return ORVA_STS_NO_ERR;
