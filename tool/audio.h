@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "new_file.h"
@@ -79,7 +80,8 @@ class AudioReader {
 
  private:
   struct Block {
-    Planes samples;
+    std::vector<float> frames;   // of all channels, as the file has them
+    std::vector<int16_t> whole;  // the same where it has 16-bit integers
     size_t count = 0, used = 0;
     std::string error;  // what ended the reading early
   };
@@ -87,7 +89,7 @@ class AudioReader {
   void Spool();
   std::string Log() const;
   int64_t Promised() const;
-  Block ReadBlock();
+  void ReadBlock(Block& block);
   bool NextBlock();
   void ReadAhead();
   void CheckEnd();
@@ -98,10 +100,9 @@ class AudioReader {
   SoundFile file_;
   int64_t promised_ = 0, frame_ = 0, taken_ = 0;  // frame_ is the next one of the file, taken_ the caller's
   size_t blockFrames_;
-  std::vector<float> frames_;  // a block of all channels, as the file has them
-  Block block_;
+  Block block_, ahead_;
   bool ended_ = false;
-  std::future<Block> next_;  // the last member, so that the first to go: its task uses the others
+  std::future<void> next_;  // the last member, so that the first to go: its task uses the others
 };
 
 /** Two channels side by side, of one file or of two with the same rate. */
@@ -131,17 +132,18 @@ class AudioWriter {
   AudioWriter(const AudioWriter&) = delete;
 
   /** Writes the samples [first, first + count) of every channel. Integer formats round to nearest, ties to even, and
-   * saturate. Throws Failure, also on account of an earlier call. */
+   * saturate. The arrays go to the writer, and others of any length come back. Throws Failure, also on account of an
+   * earlier call. */
   template <class T>
-  void Write(const std::vector<std::vector<T>>& src, size_t first, size_t count);
+  void Write(std::vector<std::vector<T>>& src, size_t first, size_t count);
   /** Completes the file and tells what was written. */
   void Finish();
 
  private:
   template <class T>
-  void WriteBlock(const std::vector<std::vector<T>>& src);
-  template <class T>
-  std::vector<int32_t> Quantise(const std::vector<T>& src, uint64_t channel);
+  void WriteBlock(size_t first, size_t count);
+  template <class Out, class T>
+  bool WriteAs(const std::vector<std::vector<T>>& src, size_t first, size_t count);
   [[noreturn]] void Fail(const std::string& reason) const;
 
   std::string path_;
@@ -153,6 +155,8 @@ class AudioWriter {
   int64_t written_ = 0, saturated_ = 0;
   sf_count_t streamed_ = 0;  // bytes on standard output after the header
   off_t header_ = -1;        // where that header is, if it can be written again
+  std::tuple<Planes, WidePlanes> taken_;  // what is being written
+  std::tuple<std::vector<int16_t>, std::vector<int32_t>, std::vector<float>, std::vector<double>> frames_;
   std::future<void> pending_;  // the last member, as in the reader
 };
 

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <numeric>
+#include <span>
 #include <system_error>
 
 #include "audio.h"
@@ -53,6 +54,19 @@ int64_t FrameBytes(const SF_INFO& info) {
   }
 }
 
+// Every `stride`th element times the scale.
+template <class T>
+void TakeChannel(const T* src, size_t stride, size_t count, float scale, float* dst) {
+  const auto take = [=](auto step) {
+    for (size_t i = 0; i < count; ++i) dst[i] = float(src[i * step]) * scale;
+  };
+  switch (stride) {  // as a constant, of which the compiler makes vector code
+    case 1: return take(std::integral_constant<size_t, 1>());
+    case 2: return take(std::integral_constant<size_t, 2>());
+    default: return take(stride);
+  }
+}
+
 }  // namespace
 
 AudioReader::AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels,
@@ -88,7 +102,6 @@ AudioReader::AudioReader(const std::string& path, const SoundOptions& options, s
   }
   promised_ = Promised();
   blockFrames_ = std::clamp<size_t>((size_t{1} << 18) / size_t(info_.channels), kAhead, 1 << 16);
-  frames_.resize(blockFrames_ * size_t(info_.channels));
 }
 
 // Standard input becomes a file without a name.
@@ -142,47 +155,44 @@ int64_t AudioReader::Promised() const {
 }
 
 // The next block, which the task that reads ahead makes: what it touches, nothing else does meanwhile.
-AudioReader::Block AudioReader::ReadBlock() {
-  Block block;
-  const auto all = size_t(info_.channels);
-  block.count = size_t(std::max<sf_count_t>(0, sf_readf_float(file_.get(), frames_.data(), sf_count_t(blockFrames_))));
+void AudioReader::ReadBlock(Block& block) {
+  const auto all = size_t(info_.channels), len = blockFrames_ * all;
+  sf_count_t got;
+  if (SampleFormat() == SF_FORMAT_PCM_16) {
+    block.whole.resize(len);
+    got = sf_readf_short(file_.get(), block.whole.data(), sf_count_t(blockFrames_));
+  } else {
+    block.frames.resize(len);
+    got = sf_readf_float(file_.get(), block.frames.data(), sf_count_t(blockFrames_));
+  }
+  block.count = size_t(std::max<sf_count_t>(0, got));
+  block.used = 0;
   if (block.count < blockFrames_ && sf_error(file_.get())) block.error = sf_strerror(file_.get());
   const auto isBad = [](float v) {  // NaN has more bits than infinity, and that more than any number
     return (std::bit_cast<int32_t>(v) & INT32_MAX) > std::bit_cast<int32_t>(kLargestSample);
   };
   uint32_t bad = 0;
-  for (size_t i = 0; i < block.count * all; ++i) bad |= isBad(frames_[i]);
+  const std::span<const float> samples(block.frames.data(), std::min(block.frames.size(), block.count * all));
+  for (const float v : samples) bad |= isBad(v);
   if (bad) {
-    const auto first = std::find_if(frames_.begin(), frames_.end(), isBad);
-    const int64_t at = frame_ + (first - frames_.begin()) / std::ptrdiff_t(all);
+    const auto first = std::find_if(samples.begin(), samples.end(), isBad);
+    const int64_t at = frame_ + (first - samples.begin()) / std::ptrdiff_t(all);
     throw Failure(Format("'%s' holds a sample that is not finite, or beyond %g, at %.4f s", shown_.c_str(),
                          double(kLargestSample), double(at) / info_.samplerate));
   }
-  for (const int32_t channel : channels_) {
-    std::vector<float>& plane = block.samples.emplace_back(block.count);
-    const float* const src = frames_.data() + channel - 1;
-    const auto take = [&](auto stride) {
-      for (size_t i = 0; i < block.count; ++i) plane[i] = src[i * stride];
-    };
-    if (all == 2) {  // as a constant, of which the compiler makes vector code
-      take(std::integral_constant<size_t, 2>());
-    } else {
-      take(all);
-    }
-  }
   frame_ += int64_t(block.count);
-  return block;
 }
 
 void AudioReader::ReadAhead() {
-  next_ = std::async(std::launch::async, [this] { return ReadBlock(); });
+  next_ = std::async(std::launch::async, [this] { ReadBlock(ahead_); });
 }
 
 // False at the end.
 bool AudioReader::NextBlock() {
   if (ended_) return false;
   if (!next_.valid()) ReadAhead();
-  block_ = next_.get();
+  next_.get();
+  std::swap(block_, ahead_);
   ended_ = block_.count < blockFrames_;
   if (ended_) {
     CheckEnd();
@@ -200,8 +210,16 @@ size_t AudioReader::Read(Planes& dst, size_t at) {
       if (NextBlock()) continue;
       break;
     }
-    const size_t count = std::min(wanted - done, block_.count - block_.used);
-    for (size_t c = 0; c < dst.size(); ++c) std::copy_n(&block_.samples[c][block_.used], count, &dst[c][at + done]);
+    const size_t count = std::min(wanted - done, block_.count - block_.used), all = size_t(info_.channels);
+    for (size_t c = 0; c < dst.size(); ++c) {
+      float* const to = &dst[c][at + done];
+      const size_t from = block_.used * all + size_t(channels_[c]) - 1;
+      if (block_.frames.empty()) {
+        TakeChannel(&block_.whole[from], all, count, 0x1p-15f, to);
+      } else {
+        TakeChannel(&block_.frames[from], all, count, 1, to);
+      }
+    }
     block_.used += count;
     done += count;
   }

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <span>
 #include <type_traits>
 
 #include "audio.h"
@@ -81,32 +82,46 @@ double Dither(uint64_t channel, uint64_t at) {
   return (double(x >> 32) - double(x & 0xFFFFFFFFu)) * 0x1p-32;
 }
 
-// To nearest, ties to even, for magnitudes far below 2^51.
-double Rounded(double value) {
-  constexpr double kWhole = 0x1.8p52;
+// To nearest, ties to even, for magnitudes that leave two bits of the significand.
+template <class Real>
+Real Rounded(Real value) {
+  constexpr Real kWhole = Real(1.5) / std::numeric_limits<Real>::epsilon();
   return value + kWhole - kWhole;
 }
 
-// The samples of all channels in turn.
-template <class T>
-std::vector<T> Interleaved(const std::vector<std::vector<T>>& src) {
-  const size_t channels = src.size(), count = src[0].size();
-  std::vector<T> frames(channels * count);
+// The samples of all channels in turn, each as convert(value, channel, its number) makes it.
+template <class Out, class T, class Convert>
+void Interleave(const std::vector<std::vector<T>>& src, size_t first, size_t count, Out* dst, const Convert& convert) {
+  const size_t channels = src.size();
   if (channels == 2) {  // at once, of which the compiler makes vector code
+    const T *const left = src[0].data() + first, *const right = src[1].data() + first;
     for (size_t i = 0; i < count; ++i) {
-      frames[2 * i] = src[0][i];
-      frames[2 * i + 1] = src[1][i];
+      dst[2 * i] = convert(left[i], 0, i);
+      dst[2 * i + 1] = convert(right[i], 1, i);
     }
-    return frames;
+    return;
   }
   for (size_t c = 0; c < channels; ++c) {
-    for (size_t i = 0; i < count; ++i) frames[i * channels + c] = src[c][i];
+    for (size_t i = 0; i < count; ++i) dst[i * channels + c] = convert(src[c][first + i], c, i);
   }
-  return frames;
+}
+
+sf_count_t WriteFrames(SNDFILE* file, const std::vector<int16_t>& frames, sf_count_t count) {
+  return sf_writef_short(file, frames.data(), count);
+}
+sf_count_t WriteFrames(SNDFILE* file, const std::vector<int32_t>& frames, sf_count_t count) {
+  return sf_writef_int(file, frames.data(), count);
+}
+sf_count_t WriteFrames(SNDFILE* file, const std::vector<float>& frames, sf_count_t count) {
+  return sf_writef_float(file, frames.data(), count);
+}
+sf_count_t WriteFrames(SNDFILE* file, const std::vector<double>& frames, sf_count_t count) {
+  return sf_writef_double(file, frames.data(), count);
 }
 
 // By values, unlike std::clamp, so that the compiler makes vector code of it.
-double Bounded(double value, double low, double high) {
+template <class Real>
+Real Bounded(Real value, Real low, Real high) {
   value = value < low ? low : value;
   return value > high ? high : value;
 }
@@ -239,31 +254,39 @@ void AudioWriter::Fail(const std::string& reason) const {
   throw Failure(Format("cannot write to standard output: %s", reason.c_str()));
 }
 
-template <class T>
-std::vector<int32_t> AudioWriter::Quantise(const std::vector<T>& src, uint64_t channel) {
-  const double scale = std::ldexp(1.0, bits_ - 1), place = std::ldexp(1.0, 32 - bits_);
-  std::vector<int32_t> dst(src.size());
-  for (const T value : src) saturated_ += std::abs(value) > 1;
-  const auto quantise = [&](const auto& noise) {
-    for (size_t i = 0; i < src.size(); ++i) {
-      const double near = Bounded(double(src[i]) * scale, -2 * scale, 2 * scale);
-      dst[i] = int32_t(Bounded(Rounded(near + noise(i)), -scale, scale - 1) * place);
-    }
-  };
-  if (dither_) {
-    quantise([&](size_t i) { return Dither(channel, uint64_t(written_) + i); });
+// Writes samples of the type Out, integers in their highest bits.
+template <class Out, class T>
+bool AudioWriter::WriteAs(const std::vector<std::vector<T>>& src, size_t first, size_t count) {
+  auto& frames = std::get<std::vector<Out>>(frames_);
+  frames.resize(src.size() * count);
+  const auto write = [&](const auto& convert) { Interleave(src, first, count, frames.data(), convert); };
+  if constexpr (std::is_same_v<Out, T>) {
+    write([](T value, size_t, size_t) { return value; });
   } else {
-    quantise([](size_t) { return 0.0; });
+    const double scale = std::ldexp(1.0, bits_ - 1), place = std::ldexp(1.0, int(8 * sizeof(Out)) - bits_);
+    const auto quantise = [=]<class Real>(T value, Real noise) {
+      const auto most = Real(scale), near = Bounded(Real(value) * most, -2 * most, 2 * most);
+      return Out(int32_t(Bounded(Rounded(near + noise), -most, most - 1) * Real(place)));
+    };
+    using Real = std::conditional_t<sizeof(Out) == 2, T, double>;  // binary32 suffices for 16 bits
+    if (dither_) {
+      write([&](T value, size_t c, size_t i) { return quantise(value, Dither(c, uint64_t(written_) + i)); });
+    } else {
+      write([&](T value, size_t, size_t) { return quantise(value, Real(0)); });
+    }
   }
-  return dst;
+  return WriteFrames(file_.get(), frames, sf_count_t(count)) == sf_count_t(count);
 }
 
 template <class T>
-void AudioWriter::WriteBlock(const std::vector<std::vector<T>>& src) {
-  const size_t count = src[0].size(), channels = src.size();
+void AudioWriter::WriteBlock(size_t first, size_t count) {
+  const auto& src = std::get<std::vector<std::vector<T>>>(taken_);
   uint32_t bad = 0;
   for (const auto& channel : src) {
-    for (const T value : channel) bad |= !(std::abs(value) <= std::numeric_limits<T>::max());
+    for (const T value : std::span(channel).subspan(first, count)) {
+      bad |= !(std::abs(value) <= std::numeric_limits<T>::max());
+      saturated_ += bits_ > 0 && std::abs(value) > 1;
+    }
   }
   if (bad) Fail("the result is beyond what a sample can hold");
   if (!place_ && written_ == 0) {
@@ -271,36 +294,23 @@ void AudioWriter::WriteBlock(const std::vector<std::vector<T>>& src) {
     const std::string header = StreamHeader(info_, UINT32_MAX);
     if (std::fwrite(header.data(), 1, header.size(), stdout) != header.size()) Fail(std::strerror(errno));
   }
-  sf_count_t done;
-  if (bits_ > 0) {
-    std::vector<std::vector<int32_t>> whole;
-    for (size_t c = 0; c < channels; ++c) whole.push_back(Quantise(src[c], c));
-    done = sf_writef_int(file_.get(), Interleaved(whole).data(), sf_count_t(count));
-  } else {
-    const std::vector<T> frames = Interleaved(src);
-    if constexpr (std::is_same_v<T, double>) {
-      done = sf_writef_double(file_.get(), frames.data(), sf_count_t(count));
-    } else {
-      done = sf_writef_float(file_.get(), frames.data(), sf_count_t(count));
-    }
-  }
-  if (done != sf_count_t(count)) Fail(place_ ? sf_strerror(file_.get()) : std::strerror(errno));
+  const bool good = bits_ == 0    ? WriteAs<T>(src, first, count)
+                    : bits_ == 16 ? WriteAs<int16_t>(src, first, count)
+                                  : WriteAs<int32_t>(src, first, count);
+  if (!good) Fail(place_ ? sf_strerror(file_.get()) : std::strerror(errno));
   written_ += int64_t(count);
 }
 
 template <class T>
-void AudioWriter::Write(const std::vector<std::vector<T>>& src, size_t first, size_t count) {
+void AudioWriter::Write(std::vector<std::vector<T>>& src, size_t first, size_t count) {
   if (pending_.valid()) pending_.get();
   if (count == 0) return;
-  std::vector<std::vector<T>> block;
-  for (const auto& channel : src) {
-    const auto begin = channel.begin() + std::ptrdiff_t(first);
-    block.emplace_back(begin, begin + std::ptrdiff_t(count));
-  }
-  pending_ = std::async(std::launch::async, [this, taken = std::move(block)] { WriteBlock(taken); });
+  std::swap(std::get<std::vector<std::vector<T>>>(taken_), src);
+  src.resize(std::get<std::vector<std::vector<T>>>(taken_).size());
+  pending_ = std::async(std::launch::async, [=, this] { WriteBlock<T>(first, count); });
 }
-template void AudioWriter::Write(const Planes&, size_t, size_t);
-template void AudioWriter::Write(const WidePlanes&, size_t, size_t);
+template void AudioWriter::Write(Planes&, size_t, size_t);
+template void AudioWriter::Write(WidePlanes&, size_t, size_t);
 
 void AudioWriter::Finish() {
   if (pending_.valid()) pending_.get();

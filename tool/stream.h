@@ -17,10 +17,17 @@ inline constexpr size_t kStreamBlock = 1 << 16;
 inline Planes StreamBlocks(size_t channels) { return Planes(channels, std::vector<float>(kStreamBlock)); }
 
 /** How many threads work at once. */
-inline size_t Processors() { return std::max(1u, std::thread::hardware_concurrency()); }
+inline size_t Processors() {
+  static const size_t processors = std::max(1u, std::thread::hardware_concurrency());  // the answer takes a file's time
+  return processors;
+}
 
-/** Blocks of each channel to work on at once, so that every processor has one. */
-inline size_t BlocksAtOnce(size_t channels) { return (Processors() + channels - 1) / channels; }
+/** Blocks of each channel to work on at once: enough for every processor to have one, and for threads to be begun
+ * seldom. */
+inline size_t BlocksAtOnce(size_t channels) {
+  constexpr size_t kLeast = 4;
+  return std::max(kLeast, (Processors() + channels - 1) / channels);
+}
 
 /** Calls work(c) for every c below `count`, on all processors. The work on one must leave that on others alone. */
 template <class Work>
@@ -54,7 +61,7 @@ struct Shape {
 template <class Read, class Process>
 void Stream(Shape shape, int64_t length, Trim trim, AudioWriter& writer, const Read& read, const Process& process) {
   const size_t room = shape.atOnce * kStreamBlock, past = shape.past;
-  Planes source(shape.sources, std::vector<float>(past + room)), result(shape.results, std::vector<float>(room));
+  Planes source(shape.sources, std::vector<float>(past + room)), result(shape.results);
   Progress progress("working", length);
   int64_t done = 0;
   for (bool more = true; more || trim.tail > 0;) {
@@ -64,6 +71,7 @@ void Stream(Shape shape, int64_t length, Trim trim, AudioWriter& writer, const R
     for (auto& channel : source) std::fill_n(channel.begin() + std::ptrdiff_t(past + count), zeros, 0.0f);
     const size_t len = count + zeros, dropped = std::min(len, trim.drop);
     const size_t blocks = (len + kStreamBlock - 1) / kStreamBlock;
+    for (auto& channel : result) channel.resize(room);
     InParallel(blocks * shape.results, [&](size_t i) {
       const size_t c = i / blocks, at = i % blocks * kStreamBlock;
       process(c, source, at, result[c].data() + at, int32_t(std::min(kStreamBlock, len - at)));
