@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm convolve` and `tzm delay`.
 
 # Noise over several blocks with the response 0, 1/2, 0, -1/2, ... of 20 samples, against plain sums.

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm denoise`.
 
 # A sine in noise that came through a lowpass; the reference has the same noise before it (the same seed). What is

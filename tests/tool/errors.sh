@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # What goes wrong: each mistake has its line and its status, and no file is lost or left.
 "$make_sound" sine.wav 2 9000 1000 0.5 0
 "$make_sound" nan.wav 2 9000 nan 0.5 0

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm filter`.
 
 # gain FREQUENCY OPTION...: the filter's gain in dB at a frequency, measured on a long sine.
@@ -37,24 +36,21 @@ near 'bytes of a recording' "$(($(stat -c %s self.wav) - $(stat -c %s "$recordin
   wrong 'a recording after a bandpass'
 
 # The taps are those of SciPy: what the filter makes of one sample.
-"$make_sound" click.wav 1 501 0 0 0
-printf '\0\0\200\077' | dd of=click.wav bs=1 seek=$((44 + 4 * 250)) conv=notrunc status=none
-for design in 'lowpass hamming' 'highpass hann' 'bandpass blackman' 'bandstop kaiser' 'lowpass bartlett' \
-  'bandstop rectangular'; do
-  read -r kind window <<<"$design"
-  upper=()
-  if [[ $kind == band* ]]; then upper=(-u 9000); fi
-  "$tzm" filter -k "$kind" -w "$window" -f 3000 "${upper[@]}" -t 401 --format float click.wav taps.raw >/dev/null
-  near "taps of $design" "$(/usr/bin/python3 - "$kind" "${window/rectangular/boxcar}" <<'END'
-import sys, numpy, scipy.signal
-kind, window = sys.argv[1], sys.argv[2]
-expected = scipy.signal.firwin(401, [3000, 9000] if kind[0] == "b" else 3000, pass_zero=kind, fs=48000,
-                               window=("kaiser", scipy.signal.kaiser_beta(80)) if window == "kaiser" else window)
-print(numpy.abs(numpy.fromfile("taps.raw", numpy.float32)[50:451] - expected).max())
+/usr/bin/python3 - "$tzm" <<'END' || wrong "SciPy's taps"
+import subprocess, sys, numpy, scipy.signal
+click = numpy.eye(1, 501, 250, numpy.float32).tobytes()
+for kind, name in zip(("lowpass", "highpass", "bandpass", "bandstop", "lowpass", "bandstop"),
+                      ("hamming", "hann", "blackman", "kaiser", "bartlett", "rectangular")):
+    edges = [3000, 9000] if kind[0] == "b" else [3000]
+    subprocess.run([sys.argv[1], "filter", "-k", kind, "-w", name, "-f", "3000", *["-u", "9000"][:2 * len(edges) - 2],
+                    "-t", "401", "--raw", "--rate", "48000", "--format", "float", "-", "taps.raw"], input=click,
+                   stdout=subprocess.DEVNULL, check=True)
+    window = {"kaiser": ("kaiser", scipy.signal.kaiser_beta(80)), "rectangular": "boxcar"}.get(name, name)
+    expected = scipy.signal.firwin(401, edges, pass_zero=kind, fs=48000, window=window)
+    difference = abs(numpy.fromfile("taps.raw", numpy.float32)[50:451] - expected).max()
+    assert difference < 3e-7, (kind, name, difference)
 END
-)" 0 3e-7
-done
-"$tzm" filter -w blackman-opt -f 3000 click.wav out.wav >/dev/null || wrong 'blackman-opt'
+"$tzm" filter -w blackman-opt -f 3000 in.wav out.wav >/dev/null || wrong 'blackman-opt'
 
 refuses 2 'is for --window kaiser' filter -f 100 -a 60 in.wav out2.wav
 refuses 2 'is the sound itself' filter -f 100 --response self.png "$(cp in.wav self.png; echo self.png)" out2.wav

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm spectrogram` and `tzm envelope`.
 
 # A sine on a bin: half its squared amplitude there, 6.02 dB less in the bins beside it (Hann), at all times.

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm psd`.
 
 # A sine of amplitude a on a bin, through a Hann window of N points: density a^2/2 over its noise bandwidth of
@@ -18,22 +17,20 @@ near "first channel's peaks" "$(figure '.peaks | length' psd between.wav)" 0 0
 
 # A file of many pieces gives what SciPy's estimate gives, also when the steps do not divide the pieces.
 "$make_sound" long.wav 1 2500000 440 0.1 0.2
-for shape in '1000 0 hann' \
-  '1000 0.37 hann' '512 0.5 hamming' '4096 0.5 blackman' '4097 0.5 bartlett' '30000 0.95 rectangular'; do
-  read -r segment overlap window <<<"$shape"
-  "$tzm" psd -s "$segment" -p "$overlap" -w "$window" --csv long.wav >long.csv
-  near "difference from SciPy ($shape)" "$(
-    /usr/bin/python3 - "$segment" "$overlap" "${window/rectangular/boxcar}" <<'END'
-import math, sys, numpy, scipy.signal
-segment, overlap = int(sys.argv[1]), float(sys.argv[2])
+/usr/bin/python3 - "$tzm" <<'END' || wrong "SciPy's estimates"
+import io, math, subprocess, sys, numpy, scipy.signal
 samples = numpy.fromfile("long.wav", numpy.float32, offset=44).astype(float)
-window = scipy.signal.get_window(sys.argv[3], segment, fftbins=False)
-expected = scipy.signal.welch(samples, 48000, window, noverlap=math.ceil(segment * overlap), detrend=False)
-csv = numpy.loadtxt("long.csv", delimiter=",", skiprows=1)
-print(numpy.abs(csv - numpy.transpose([expected[0], 10 * numpy.log10(expected[1])])).max())
+for shape in ("1000 0 hann", "1000 0.37 hann", "512 0.5 hamming", "4096 0.5 blackman", "4097 0.5 bartlett",
+              "30000 0.95 rectangular"):
+    segment, overlap, name = shape.split()
+    said = subprocess.run([sys.argv[1], "psd", "-s", segment, "-p", overlap, "-w", name, "--csv", "long.wav"],
+                          capture_output=True, text=True, check=True).stdout
+    window = scipy.signal.get_window(name.replace("rectangular", "boxcar"), int(segment), fftbins=False)
+    hertz, density = scipy.signal.welch(samples, 48000, window, noverlap=math.ceil(int(segment) * float(overlap)),
+                                        detrend=False)
+    difference = abs(numpy.loadtxt(io.StringIO(said), delimiter=",", skiprows=1).T - [hertz, 10 * numpy.log10(density)])
+    assert difference.max() < 0.0005, (shape, difference.max())
 END
-)" 0 0.0005
-done
 
 # The recordings: a table, a plot of the format that its name asks for.
 "$tzm" psd "$recordings/Front_Center.wav" >table.txt

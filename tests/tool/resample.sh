@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm resample`.
 
 # A resampled sine is the sine at the new rate, sample by sample, away from the ends; blocks and their edges too.

@@ -1,5 +1,4 @@
 #!/usr/bin/env bash
-# shellcheck source=/dev/null disable=SC2034
 # run.sh TEST TZM SCRATCH: an end-to-end test of tzm, TEST.sh beside this file, in a fresh folder below SCRATCH. What
 # the tests share stands here.
 set -euo pipefail
@@ -62,5 +61,6 @@ warns() {
     wrong "'${*:2}': exit status $got, not 3; it said: $(cat "$said.err")"
 }
 
+# shellcheck source=/dev/null
 . "$here/$1.sh"
 [ "$failures" = 0 ]

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # How every command reads and writes sound.
 
 # Integers are those nearest to what was computed, ties to even, and saturate; with dither they are as near on the

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm stats` and `tzm info`.
 
 # A sine of whole periods that meets its peak: RMS a/sqrt(2), crest sqrt(2).

@@ -1,4 +1,3 @@
-# shellcheck shell=bash disable=SC2154
 # `tzm tone` and `tzm detect`.
 
 # A tone of many blocks against the sine itself, its phase too.
