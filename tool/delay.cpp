@@ -109,7 +109,8 @@ void Run(int argc, char** argv) {
   const auto top = size_t(std::max_element(c.begin(), c.end(), [](double a, double b) {
                             return std::abs(a) < std::abs(b);
                           }) - c.begin());
-  const double samples = double(top) - double(lags) + Offset(c, top);
+  const double between = double(top) - double(lags) + Offset(c, top);
+  const double samples = std::round(between * 1e4) / 1e4 + 0.0;  // the parabola knows no more; and no zero below zero
   const std::string found = Format("%.6f s (%.2f samples), coefficient %.4f", samples / rate, samples, c[top]);
   Table table{{"lag_s", "Lag (s)", 6, {}}, {"coefficient", "Coefficient", 6, c}};
   for (size_t i = 0; i < c.size(); ++i) table[0].values.push_back((double(i) - double(lags)) / rate);

@@ -29,7 +29,7 @@ near 'delay of the earlier one' "$(figure .delay_samples delay -r noise.wav late
 near 'delay beyond the range' "$(figure .delay_samples delay -r noise.wav --range 50 late.wav)" 0 2400
 near 'delay by half a sample' "$(figure .delay_samples delay -r noise.wav between.wav)" 0.5 0.01
 near 'coefficient by half a sample' "$(figure .coefficient delay -r noise.wav between.wav)" 0.7071 0.005
-[ "$(figure .coefficient delay -r noise.wav noise.wav)" = 1 ] || wrong 'coefficient of equals'
+[ "$(figure '[.delay_samples, .coefficient] | tostring' delay -r noise.wav noise.wav)" = '"[0,1]"' ] || wrong 'equals'
 near 'delay of a pipe' "$(figure .delay_samples delay -r noise.wav - <late.wav)" -12345 0.01
 near 'delay of the inverted' "$(figure .delay_samples delay -r noise.wav inverted.wav)" 0 0.001
 near 'coefficient of the inverted' "$(figure .coefficient delay -r noise.wav inverted.wav)" -1 1e-4
