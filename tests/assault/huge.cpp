@@ -157,6 +157,13 @@ OrvaStatus With(OrvaStatus (*release)(State*), auto init, auto run) {
   return status;
 }
 
+// ORVAS_<name> on samples of a type through the state `c` that `init` makes.
+#define ON_STATE(type, name, len, from, to, release, init, run)                  \
+  On<type>("ORVAS_" #name, len, from, to, [](auto* s, auto* d, int32_t n) {      \
+    return With(ORVAS_##release, [=](auto** c) { return ORVAS_##init; },         \
+                [=](auto* c) { return ORVAS_##name run; });                      \
+  })
+
 constexpr int kDirect = ORVA_ROUTE_DIRECT;
 const Orva32f taps[] = {1, 2, -1, 0.5f, 3};
 const int32_t delays[] = {0, 1, 5, 8, 9};
@@ -164,42 +171,24 @@ const int32_t delays[] = {0, 1, 5, 8, 9};
 std::vector<StateCall> StateCalls() {
   constexpr int32_t kMax = INT32_MAX, kHalf = 1 << 30;
   return {
-      On<Orva32f>("ORVAS_CrossCorrNorm_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_CorrRelease_32f, [=](auto** c) { return ORVAS_CrossCorrInit_32f(4, n, n, 0, kDirect, c); },
-                    [=](auto* c) { return ORVAS_CrossCorrNorm_32f(s, 4, s, n, d, n, 0, 1, c); });
-      }),
-      On<Orva32fc>("ORVAS_CrossCorrNorm_32fc", kHalf + 4, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_CorrRelease_32fc, [=](auto** c) { return ORVAS_CrossCorrInit_32fc(4, n, n, 0, kDirect, c); },
-                    [=](auto* c) { return ORVAS_CrossCorrNorm_32fc(s, 4, s, n, d, n, 0, 1, c); });
-      }),
-      On<Orva64fc>("ORVAS_CrossCorrNorm_64fc", kHalf + 4, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_CorrRelease_64fc, [=](auto** c) { return ORVAS_CrossCorrInit_64fc(4, n, n, 0, kDirect, c); },
-                    [=](auto* c) { return ORVAS_CrossCorrNorm_64fc(s, 4, s, n, d, n, 0, 1, c); });
-      }),
-      On<Orva32f>("ORVAS_Convolve_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_ConvRelease_32f, [=](auto** c) { return ORVAS_ConvInit_32f(n - 4, 5, kDirect, c); },
-                    [=](auto* c) { return ORVAS_Convolve_32f(s, n - 4, taps, 5, d, c); });
-      }),
-      On<Orva32f>("ORVAS_ConvBiased_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return ORVAS_ConvBiased_32f(s, n - 4, taps, 5, d, n, 0);
-      }),
-      On<Orva32f>("ORVAS_FIRMR_32f", kHalf - 2, 1, 2, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_FIRMRRelease_32f, [=](auto** f) { return ORVAS_FIRMRInit_32f(taps, 5, 2, 0, 1, 0, f); },
-                    [=](auto* f) { return ORVAS_FIRMR_32f(s, d, n, f, nullptr, nullptr); });
-      }),
-      On<Orva16s>("ORVAS_FIRMR_16s", kHalf - 2, 2, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_FIRMRRelease_32f, [=](auto** f) { return ORVAS_FIRMRInit_32f(taps, 5, 1, 0, 2, 0, f); },
-                    [=](auto* f) { return ORVAS_FIRMR_16s(s, d, n, f, nullptr, nullptr); });
-      }),
-      On<Orva32f>("ORVAS_FIRLMS_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_FIRLMSRelease_32f, [=](auto** f) { return ORVAS_FIRLMSInit_32f(f, taps, 5, nullptr, 0); },
-                    [=](auto* f) { return ORVAS_FIRLMS_32f(f, s, d, d, n, 0); });
-      }),
-      On<Orva32f>("ORVAS_FIRSparse_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
-        return With(ORVAS_FIRSparseRelease_32f,
-                    [=](auto** f) { return ORVAS_FIRSparseInit_32f(taps, delays, 5, nullptr, f); },
-                    [=](auto* f) { return ORVAS_FIRSparse_32f(s, d, n, f); });
-      }),
+      ON_STATE(Orva32f, CrossCorrNorm_32f, kMax, 1, 1, CorrRelease_32f, CrossCorrInit_32f(4, n, n, 0, kDirect, c),
+               (s, 4, s, n, d, n, 0, 1, c)),
+      ON_STATE(Orva32fc, CrossCorrNorm_32fc, kHalf + 4, 1, 1, CorrRelease_32fc,
+               CrossCorrInit_32fc(4, n, n, 0, kDirect, c), (s, 4, s, n, d, n, 0, 1, c)),
+      ON_STATE(Orva64fc, CrossCorrNorm_64fc, kHalf + 4, 1, 1, CorrRelease_64fc,
+               CrossCorrInit_64fc(4, n, n, 0, kDirect, c), (s, 4, s, n, d, n, 0, 1, c)),
+      ON_STATE(Orva32f, Convolve_32f, kMax, 1, 1, ConvRelease_32f, ConvInit_32f(n - 4, 5, kDirect, c),
+               (s, n - 4, taps, 5, d, c)),
+      On<Orva32f>("ORVAS_ConvBiased_32f", kMax, 1, 1,
+                  [](auto* s, auto* d, int32_t n) { return ORVAS_ConvBiased_32f(s, n - 4, taps, 5, d, n, 0); }),
+      ON_STATE(Orva32f, FIRMR_32f, kHalf - 2, 1, 2, FIRMRRelease_32f, FIRMRInit_32f(taps, 5, 2, 0, 1, 0, c),
+               (s, d, n, c, nullptr, nullptr)),
+      ON_STATE(Orva16s, FIRMR_16s, kHalf - 2, 2, 1, FIRMRRelease_32f, FIRMRInit_32f(taps, 5, 1, 0, 2, 0, c),
+               (s, d, n, c, nullptr, nullptr)),
+      ON_STATE(Orva32f, FIRLMS_32f, kMax, 1, 1, FIRLMSRelease_32f, FIRLMSInit_32f(c, taps, 5, nullptr, 0),
+               (c, s, d, d, n, 0)),
+      ON_STATE(Orva32f, FIRSparse_32f, kMax, 1, 1, FIRSparseRelease_32f,
+               FIRSparseInit_32f(taps, delays, 5, nullptr, c), (s, d, n, c)),
       On<Orva32f>("ORVAS_ResamplePolyphaseFixed_32f", kMax, 1, 1, [](auto* s, auto* d, int32_t n) {
         return With(ORVAS_ResamplePolyphaseFixedRelease_32f,
                     [=](auto** f) { return ORVAS_ResamplePolyphaseFixedInit_32f(1, 1, 8, 0.9f, 5, f); },
@@ -231,6 +220,7 @@ std::vector<StateCall> StateCalls() {
       }),
   };
 }
+#undef ON_STATE
 
 }  // namespace
 

@@ -142,10 +142,13 @@ int OutOfMemory(const std::vector<std::string>& names) {
     const char* const what = result == kLeak ? "leaks" : result < 0 ? "dies of" : "answers";
     std::printf("%s: %s: %s %d\n", call.name, when.c_str(), what, result == kLeak ? 0 : std::abs(result));
   };
-  for (const Call& call : Calls(false)) {
-    if (!names.empty() && std::find(names.begin(), names.end(), call.name) == names.end()) continue;
+  const auto each = [&](bool large, const auto& attempt) {
+    for (const Call& call : Calls(large))
+      if (names.empty() || std::find(names.begin(), names.end(), call.name) != names.end()) attempt(call);
+  };
+  each(false, [&](const Call& call) {
     call.run();  // what a program takes once and keeps
-    for (int k = 1, result = 0; result != kDone; ++k) {
+    for (int k = 1, result = 0; result != kDone && result >= 0 && k <= 2000; ++k) {
       result = InChild([&] {
         requests = alive = 0, refused = k, watching = true;
         const OrvaStatus status = call.run();
@@ -154,11 +157,9 @@ int OutOfMemory(const std::vector<std::string>& names) {
         return requests < k ? kDone : static_cast<int>(status);
       });
       report(call, "request " + std::to_string(k) + " refused", result == 0 ? kDone : result);
-      if (result < 0 || k > 2000) break;
     }
-  }
-  for (const Call& call : Calls(true)) {
-    if (!names.empty() && std::find(names.begin(), names.end(), call.name) == names.end()) continue;
+  });
+  each(true, [&](const Call& call) {
     for (size_t room : {1, 4, 16, 48, 100, 200}) {
       report(call, std::to_string(room) + " MB of addresses left", InChild([&] {
         std::FILE* const maps = std::fopen("/proc/self/statm", "r");
@@ -172,7 +173,7 @@ int OutOfMemory(const std::vector<std::string>& names) {
         return status == ORVA_STS_NO_ERR ? kDone : static_cast<int>(status);
       }));
     }
-  }
+  });
   std::printf("memory: %d children, %d of them wrong\n", children, failed);
   return children == 0 || failed != 0;
 }
