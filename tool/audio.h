@@ -98,7 +98,7 @@ class AudioReader {
   std::vector<int32_t> channels_;
   SF_INFO info_{};
   SoundFile file_;
-  int64_t promised_ = 0, frame_ = 0, taken_ = 0;  // frame_ is the next one of the file, taken_ the caller's
+  int64_t promised_ = 0, frame_ = 0;  // frame_ is the next one of the file
   size_t blockFrames_;
   Block block_, ahead_;
   bool ended_ = false;
