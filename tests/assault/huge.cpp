@@ -11,7 +11,6 @@
 #include <cstring>
 #include <functional>
 
-#include "assault.h"
 #include "members/caller.h"
 #include "support/random.h"
 

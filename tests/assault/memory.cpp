@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-
-#include "assault.h"
+#include <string>
+#include <vector>
 
 // The system's allocator, with a request that fails and a count of what is alive.
 extern "C" {
@@ -77,9 +77,9 @@ Call Init(const char* name, OrvaStatus (*release)(State*), auto init) {
     return status == ORVA_STS_NO_ERR ? release(state) : status;
   }};
 }
-#define INIT(name, suffix, ...) \
-  Init("ORVAS_" #name "Init" #suffix, ORVAS_##name##Release##suffix, \
-       [](auto** state) { return ORVAS_##name##Init##suffix(__VA_ARGS__, state); })
+#define INIT_OF(init, release, ...) \
+  Init("ORVAS_" #init, ORVAS_##release, [](auto** state) { return ORVAS_##init(__VA_ARGS__); })
+#define INIT(name, suffix, ...) INIT_OF(name##Init##suffix, name##Release##suffix, __VA_ARGS__, state)
 
 const float kTaps[64] = {1, 2, 3};
 const double kTaps64[64] = {1, 2, 3};
@@ -96,21 +96,16 @@ std::vector<Call> Calls(bool large) {
       INIT(FFTCToR, _64f, order, 4), INIT(DFTCToC, _32fc, n, 1, 4), INIT(DFTCToC, _64fc, m, 1, 4),
       INIT(DFTCToC, _32f, n, 1, 4), INIT(DFTRToC, _64f, n, 4), INIT(DFTCToR, _32f, m, 4),
       INIT(Hilbert, _32f32fc, n), INIT(Conv, _32f, n, m, 2), INIT(Conv, _64f, n, m, 1),
-      Init("ORVAS_AutoCorrInit_32f", ORVAS_CorrRelease_32f,
-           [](auto** s) { return ORVAS_AutoCorrInit_32f(n, n, 2, s); }),
-      Init("ORVAS_CrossCorrInit_64fc", ORVAS_CorrRelease_64fc,
-           [](auto** s) { return ORVAS_CrossCorrInit_64fc(n, m, n, 0, 2, s); }),
+      INIT_OF(AutoCorrInit_32f, CorrRelease_32f, n, n, 2, state),
+      INIT_OF(CrossCorrInit_64fc, CorrRelease_64fc, n, m, n, 0, 2, state),
       INIT(FIRSR, _32f, kTaps, 64, n, 2), INIT(FIRSR, _64f, kTaps64, 64, n, 1),
       INIT(FIRMR, _32f, kTaps, 64, 3, 0, 2, 0),
-      Init("ORVAS_FIRLMSInit_32f", ORVAS_FIRLMSRelease_32f,
-           [](auto** s) { return ORVAS_FIRLMSInit_32f(s, kTaps, 64, nullptr, 0); }),
-      INIT(FIRSparse, _32f, kTaps, kPositions, 3, nullptr),
-      Init("ORVAS_FIRGenInit_64f", ORVAS_FIRGenRelease, [](auto** s) { return ORVAS_FIRGenInit_64f(n, s); }),
+      INIT_OF(FIRLMSInit_32f, FIRLMSRelease_32f, state, kTaps, 64, nullptr, 0),
+      INIT(FIRSparse, _32f, kTaps, kPositions, 3, nullptr), INIT_OF(FIRGenInit_64f, FIRGenRelease, n, state),
       INIT(ResamplePolyphase, _32f, 64.0f, 512, 0.9f, 9.0f, 0),
       INIT(ResamplePolyphase, _16s, 64.0f, 512, 0.9f, 9.0f, 0),
       INIT(ResamplePolyphaseFixed, _32f, 44100, 48000, 64.0f, 0.9f, 9.0f),
-      Init("ORVAS_RandGaussInit_32f", ORVAS_RandGaussRelease_32f,
-           [](auto** s) { return ORVAS_RandGaussInit_32f(s, 0, 1, 5); }),
+      INIT_OF(RandGaussInit_32f, RandGaussRelease_32f, state, 0, 1, 5),
       {"ORVAS_CZT_32f", [] { return ORVAS_CZT_32f(floats, 1000, pairs, 1000, {1, 0}, {1, 0}); }},
       {"ORVAS_Pwelch_64f", [] { return ORVAS_Pwelch_64f(doubles, nullptr, doubles, 4096, 0, 509, 0.5); }},
       {"ORVAS_Phase_32f", [] { return ORVAS_Phase_32f(floats, floats + 1000, floats + 2000, 1000); }}};

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "assault.h"
 #include "members/caller.h"
 #include "support/digest.h"
 
