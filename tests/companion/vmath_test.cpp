@@ -111,7 +111,7 @@ TYPED_TEST(Vmath, HardInputs) {
       0x1.1ad646p-4, 0x1.ac6ff4p-10, 0x1.f83792p-9, 0x1.e00a3p+25, 0x1.6afe3ap+1, 0x1.05094ap-5, 0x1.67bf92p+3,
       0x1.54a192p-1, 0x1.569738p-1, 0x1.ae3a3cp-1, 0x1.e1af62p-1, 0x1.1c0a0ap+0, 0x1.1a6556p-1, 0x1.56c79ep-1,
       0x1.e2f8a2p-1, 0x1.1a9dfcp+0, 0x1.36bafdaa08a5p-7, 0x1.2d486ed68b4f2p-12, 0x1.c7dd621b550a6p-2,
-      0x1.ffce8d1f7e073p-2};
+      0x1.ffce8d1f7e073p-2, 0x1.ffff6834b2fbp-3, 0x1.520dcd29cacd8p+0, 0x1.a3bb264b76064p+0, 0x1.78769fc17f3acp+0};
   std::vector<T> a;
   for (double x : hard)
     for (double power : {1.0, 2.0, 4.0})  // doubled, a multiple of pi stays next to one
