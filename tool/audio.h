@@ -126,8 +126,9 @@ class AudioPair {
  * only when it is complete. */
 class AudioWriter {
  public:
-  /** Samples are held as the options say, else as in `sourceFormat`, one of libsndfile's SF_FORMAT_ values, or as near
-   * to it as the file's format can. Throws Failure, or UsageError for a name or a format that cannot be. */
+  /** Samples are held as the options say; with --raw, or without a word, as in `sourceFormat`, one of libsndfile's
+   * SF_FORMAT_ values, or as near to it as the file's format can. Throws Failure, or UsageError for a name or a format
+   * that cannot be. */
   AudioWriter(const std::string& path, int32_t rate, int32_t channels, int sourceFormat, const SoundOptions& options);
   AudioWriter(const AudioWriter&) = delete;
 

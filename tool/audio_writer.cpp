@@ -209,7 +209,7 @@ void SoundOptions::Declare(Options& options, Use use, const char* rateName) {
   options.Choice("format", 0, kFormatNames,
                  use == Use::kReads    ? "with --raw: samples (16 by default)"
                  : use == Use::kWrites ? "samples of OUTPUT"
-                                       : "samples of OUTPUT (FILE's by default); with --raw of both (16 by default)",
+                                       : "samples of OUTPUT (FILE's by default); with --raw of FILE (16 by default)",
                  format);
   if (use != Use::kReads) options.Flag("dither", 0, "add triangular noise before integers are rounded", dither);
 }
@@ -231,10 +231,11 @@ AudioWriter::AudioWriter(const std::string& path, int32_t rate, int32_t channels
   info_.channels = channels;
   if (!IsStandard(path)) place_.emplace(path);
   const Container& container = FindContainer(path);
-  info_.format = ChooseFormat(container, info_, sourceFormat, options.SampleFormat());
+  const int asked = options.raw ? 0 : options.SampleFormat();  // with --raw it is the source's
+  info_.format = ChooseFormat(container, info_, sourceFormat, asked);
   if (info_.format == 0) {
     Fail(Format("a file in %s cannot hold %d channel%s at %d Hz%s", std::string(container.ending).c_str(), channels,
-                channels == 1 ? "" : "s", rate, options.SampleFormat() ? " in this --format" : ""));
+                channels == 1 ? "" : "s", rate, asked ? " in this --format" : ""));
   }
   bits_ = Bits(info_.format & SF_FORMAT_SUBMASK);
   if (place_) {

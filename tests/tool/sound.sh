@@ -62,6 +62,9 @@ warns 'is cut off' filter -f 100 half.wav out.wav
 near 'what was made of it' "$(figure .samples stats out.wav)" 240000 100
 "$tzm" resample -r 8000 --format ulaw sine.wav law.au >/dev/null
 near 'level of law.au' "$(figure '.channels[0].rms_db' stats law.au)" -9.031 0.05
+"$tzm" filter -f 3900 law.au law.raw >/dev/null
+"$tzm" resample --raw --raw-rate 8000 --format ulaw -r 48000 law.raw law.flac >/dev/null
+near 'level of law.flac' "$(figure '.channels[0].rms_db' stats law.flac)" -9.031 0.05
 refuses 2 'tells no format' tone out.xyz
 refuses 2 'tells no format' tone out
 refuses 2 'leave out --format' tone --format 16 out.ogg
