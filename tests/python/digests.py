@@ -9,6 +9,7 @@ import math
 import pathlib
 import sys
 
+import generate
 import numpy as np
 import signal_tzm as tz
 from signal_tzm import _call, _states, _table
@@ -25,7 +26,6 @@ def caller(member, arguments):
     kept = [(i, a) for i, a in enumerate(arguments) if a.role != "length"]
     at_length = [a.role for a in arguments].index("length")
     types = [_call.DTYPES[a.type] for _, a in kept]
-    names = _call.FAMILIES[member.family].constants
 
     def call(values):
         read = lambda i, dtype: np.frombuffer(ctypes.string_at(values + VALUE * i, VALUE), dtype, 1)[0]
@@ -78,11 +78,8 @@ def main(source, library):
     through.restype = ctypes.c_char_p
     callback = ctypes.CFUNCTYPE(ctypes.c_int32, ctypes.c_void_p)
     other = ctypes.CFUNCTYPE(ctypes.c_int32, ctypes.c_int32, ctypes.POINTER(ctypes.c_void_p))(call_other)
-    members = {m.name: m for family in _call.FAMILIES.values() for m in family.members + [
-        m.twin for m in family.members if m.twin]}
-    sys.path.insert(0, str(pathlib.Path(source, "python")))
-    import generate
-
+    members = {m.name: m for family in _call.FAMILIES.values() for m in family.members}
+    members |= {m.twin.name: m.twin for m in members.values() if m.twin}
     calls = {row.name: callback(caller(members[row.name], row.arguments))
              for row in generate.read(pathlib.Path(source))[1]}
     digests = {name: through(name.encode(), calls.get(name), other).decode() for name in expected}

@@ -1,12 +1,9 @@
 #!/usr/bin/env bash
-# emulated.sh ROOT EMULATOR... -- SCRIPT ARGUMENT...: runs a Python script with the target's own Python and NumPy, which
-# are fetched as Debian packages and unpacked below ROOT: beside those of this machine they cannot be installed.
-# Exits 77 where they cannot be had.
+# emulated.sh ROOT ARGUMENT...: runs the target's own Python, with NumPy and SciPy, by $EMULATOR. They are fetched as
+# Debian packages and unpacked below ROOT: beside those of this machine they cannot be installed. Exits 77 where they
+# cannot be had.
 set -euo pipefail
 root=$1
-shift
-emulator=()
-while [ "$1" != -- ]; do emulator+=("$1"); shift; done
 shift
 packages=({python3.11-minimal,python3-numpy,python3-cffi-backend,python3-scipy,liblbfgsb0}:arm64 python3-decorator)
 if [ ! -e "$root/complete" ]; then
@@ -17,5 +14,5 @@ if [ ! -e "$root/complete" ]; then
   touch "$root/complete"
 fi
 export PYTHONHOME=/usr PYTHONPATH=$root/usr/lib/python3/dist-packages:${PYTHONPATH:-} PYTHONDONTWRITEBYTECODE=1
-exec "${emulator[@]}" -E LD_LIBRARY_PATH="/usr/lib/aarch64-linux-gnu:$root/usr/lib/aarch64-linux-gnu" \
+exec "$EMULATOR" -E LD_LIBRARY_PATH="/usr/lib/aarch64-linux-gnu:$root/usr/lib/aarch64-linux-gnu" \
   "$root/usr/bin/python3.11" "$@"

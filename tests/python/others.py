@@ -3,8 +3,6 @@
 import pathlib
 import sys
 
-sys.path.insert(0, str(pathlib.Path(sys.argv[1], "python")))
-sys.dont_write_bytecode = True
 import generate
 
 for number, operation in enumerate(generate.read(pathlib.Path(sys.argv[1]))[2]):

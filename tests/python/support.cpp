@@ -6,16 +6,13 @@
 
 #include <signal_tzm.h>
 
-namespace {
-OrvaStatus (*through)(const Value* values);
-OrvaStatus (*other)(int32_t number, void* const* arguments);
-}
+static OrvaStatus (*through)(const Value* values);
+static OrvaStatus (*other)(int32_t number, void* const* arguments);
 
 extern "C" {
 #include "others.inc"
 
-// The digest of a row, whose calls go through `call`; empty for rows that have none,
-// or that are no operation of the public headers.
+// The digest of a row, whose calls go through `call`; empty where it has none, or is no operation of the headers.
 __attribute__((visibility("default"))) const char* DigestThrough(const char* name, OrvaStatus (*call)(const Value*),
                                                                   decltype(other) call_other) {
   static std::string digest;
