@@ -19,20 +19,16 @@ namespace {
 constexpr OrvaStatus kDomain = ORVA_STS_DOMAIN_ERR;
 
 // The companion's function of every element, whatever the scan says.
-template <class Function, class Scan>
-struct Scanned {
-  Function* function;
-  Scan scan;
-  template <class T>
-  auto operator()(const std::vector<T>& x, const auto&... rest) const {  // another source or none, and At
+auto Scanned(auto* function, auto scan) {
+  return [=]<class T>(const std::vector<T>& x, const auto&... rest) {  // another source or none, and At
     std::vector<T> y(x.size());
     const auto len = static_cast<int32_t>(x.size());
     scan(x, rest...);
     if constexpr (sizeof...(rest) == 1) function(len, x.data(), y.data());
     else function(len, x.data(), std::get<0>(std::tie(rest...)).data(), y.data());
     return y;
-  }
-};
+  };
+}
 const auto none = [](const auto&...) {};
 
 // Looks at the first block of 128 bits, for the first condition before the second, and at what follows the last whole
@@ -142,18 +138,15 @@ const auto kAllSizes = []<class T>(T, auto run) {
 
 using Wide = std::complex<long double>;
 
-template <class F>
-struct Nearly {
-  F exact;
-  double ulps;
-  auto operator()(auto z, const At& at) const {
-    const auto actual = at.After<decltype(z)>();
+auto Nearly(auto exact, double ulps) {
+  return [=]<class C>(C z, At at) {
+    const C actual = at.After<C>();
     Wide e = exact(Wide(z.re, z.im), at);  // where one part is NaN, C leaves the sign of the other free
     if (std::isnan(e.real())) e.imag(std::copysign(e.imag(), static_cast<long double>(actual.im)));
     if (std::isnan(e.imag())) e.real(std::copysign(e.real(), static_cast<long double>(actual.re)));
-    return decltype(z){Near(actual.re, e.real(), ulps), Near(actual.im, e.imag(), ulps)};
-  }
-};
+    return C{Near(actual.re, e.real(), ulps), Near(actual.im, e.imag(), ulps)};
+  };
+}
 const auto sine = [](Wide z, At) { return std::sin(z); };
 const auto cosine = [](Wide z, At) { return std::cos(z); };
 const auto logarithm10 = [](Wide z, At at) {
@@ -214,12 +207,12 @@ const auto kPowersOfAll = []<class T>(T, auto run) {
 // ---- Magnitudes and angles ----
 
 // value(re, im, At) for parts in two arrays, or in one.
-template <class F>
-struct OfParts {
-  F value;
-  auto operator()(auto re, auto im, const At& at) const { return value(re, im, at); }
-  auto operator()(auto z, const At& at) const { return value(z.re, z.im, at); }
-};
+auto OfParts(auto value) {
+  return [=](auto z, auto... rest) {
+    if constexpr (requires { z.re; }) return value(z.re, z.im, rest...);
+    else return value(z, rest...);
+  };
+}
 
 const auto fused = [](auto re, auto im, At) { return std::fma(re, re, im * im); };
 const auto plain = [](auto re, auto im, At) { return re * re + im * im; };
@@ -228,10 +221,10 @@ int64_t Exact64(int64_t re, int64_t im) {  // wraps for two parts of -2^31
 }
 double Root(int64_t re, int64_t im) { return std::sqrt(static_cast<double>(Exact64(re, im))); }
 
-const OfParts exactSum{[](int16_t re, int16_t im, At) { return static_cast<float>(Exact64(re, im)); }};
-const OfParts scaledSum{[](int16_t re, int16_t im, At at) {
+const auto exactSum = OfParts([](int16_t re, int16_t im, At) { return static_cast<float>(Exact64(re, im)); });
+const auto scaledSum = OfParts([](int16_t re, int16_t im, At at) {
   return Scaled<Orva16s>(Int128{Exact64(re, im)}, at.exponent);
-}};
+});
 
 // The root of a^2 + b^2 on scaled numbers, with the high halves of the exact products apart.
 double ScaledHypot(double re, double im) {
@@ -285,18 +278,17 @@ void Sincos(float x, float& sine, float& cosine) { vssincos(1, &x, &sine, &cosin
 void Sincos(double x, double& sine, double& cosine) { vdsincos(1, &x, &sine, &cosine); }
 
 // arctan(im/re) and a correction that moves it to the right quadrant.
-const OfParts angle{[](auto re, auto im, const At&) {
+const auto angle = OfParts([](auto re, auto im, At) {
   using T = std::conditional_t<sizeof(re) == 8, double, float>;
   const T x = re, y = im, pi = static_cast<T>(3.14159265358979323846), half = x < 0 ? pi : T(0);
   return Arctan(y / x) + (y < 0 ? -half : half);
-}};
-const OfParts scaledAngle{[](int16_t re, int16_t im, At at) {
+});
+const auto scaledAngle = OfParts([](int16_t re, int16_t im, At at) {
   return RoundSaturate<Orva16s>(angle(re, im, at) * at.FloatFactor());
-}};
+});
 
-template <class F>
-auto Polar(F size) {
-  return OfParts{[=](auto re, auto im, At at) { return std::pair(size(re, im, at), Arctan2(im, re)); }};
+auto Polar(auto size) {
+  return OfParts([=](auto re, auto im, At at) { return std::pair(size(re, im, at), Arctan2(im, re)); });
 }
 template <class Result>
 constexpr auto cartesian = [](auto mag, decltype(mag) phase, At) {
@@ -319,30 +311,30 @@ const Rows rows("elementary", {
     MEMBERS(ORVAS_Ln_16s_S, ORVAS_Ln_32s_S).Is(scaledLogarithm).On(kAllSizes),
     // Looks at its length first, and hears of a failed allocation from the copy.
     MEMBERS(ORVAS_Exp_32f_I, ORVAS_Exp_64f_I).LengthFirst().Allocates(ORVA_STS_NULL_PTR_ERR),
-    MEMBERS(ORVAS_Sin_32fc).Is(Nearly{sine, 0.501}).On(kStrips),
-    MEMBERS(ORVAS_Cos_32fc).Is(Nearly{cosine, 0.501}).On(kStrips),
-    MEMBERS(ORVAS_Sin_64fc).Is(Nearly{sine, 3.5}).On(kStrips),
-    MEMBERS(ORVAS_Cos_64fc).Is(Nearly{cosine, 3.5}).On(kStrips),
-    MEMBERS(ORVAS_Log10_32fc).Is(Nearly{logarithm10, 0.501}).On(kSquaresAndCircle),
-    MEMBERS(ORVAS_Log10_64fc).Is(Nearly{logarithm10, 3}).On(kSquaresAndCircle),
+    MEMBERS(ORVAS_Sin_32fc).Is(Nearly(sine, 0.501)).On(kStrips),
+    MEMBERS(ORVAS_Cos_32fc).Is(Nearly(cosine, 0.501)).On(kStrips),
+    MEMBERS(ORVAS_Sin_64fc).Is(Nearly(sine, 3.5)).On(kStrips),
+    MEMBERS(ORVAS_Cos_64fc).Is(Nearly(cosine, 3.5)).On(kStrips),
+    MEMBERS(ORVAS_Log10_32fc).Is(Nearly(logarithm10, 0.501)).On(kSquaresAndCircle),
+    MEMBERS(ORVAS_Log10_64fc).Is(Nearly(logarithm10, 3)).On(kSquaresAndCircle),
     POWX(32f_A11, float, 0.501), POWX(32f_A21, float, 0.501), POWX(32f_A24, float, 0.501),
     POWX(64f_A26, double, 0x1p12), POWX(64f_A50, double, 1), POWX(64f_A53, double, 1),  // 53 - 12 good bits
 
     MEMBERS(ORVAS_PowerSpectr_32f).Is(fused),
-    MEMBERS(ORVAS_PowerSpectr_64f, ORVAS_PowerSpectr_32fc, ORVAS_PowerSpectr_64fc).Is(OfParts{plain}),
+    MEMBERS(ORVAS_PowerSpectr_64f, ORVAS_PowerSpectr_32fc, ORVAS_PowerSpectr_64fc).Is(OfParts(plain)),
     MEMBERS(ORVAS_PowerSpectr_16s32f, ORVAS_PowerSpectr_16sc32f).Is(exactSum),
     MEMBERS(ORVAS_PowerSpectr_16s_S, ORVAS_PowerSpectr_16sc_S).Is(scaledSum),
     MEMBERS(ORVAS_Magnitude_32f, ORVAS_Magnitude_64f).Is(magnitude),
-    MEMBERS(ORVAS_Magnitude_32fc).Is(OfParts{complexMagnitude}),
+    MEMBERS(ORVAS_Magnitude_32fc).Is(OfParts(complexMagnitude)),
     // The last bit of the system's cabs differs between machines.
-    MEMBERS(ORVAS_Magnitude_64fc).Is(OfParts{complexMagnitude}).Inexact().On(kEverySize),
+    MEMBERS(ORVAS_Magnitude_64fc).Is(OfParts(complexMagnitude)).Inexact().On(kEverySize),
     MEMBERS(ORVAS_Magnitude_16s32f).Is([](int16_t re, int16_t im, At at) {
       return at.InBody(4) ? std::sqrt(static_cast<float>(Exact64(re, im))) : static_cast<float>(Root(re, im));
     }),
     MEMBERS(ORVAS_Magnitude_16sc32f).Is([](Orva16sc z, At at) {
       return at.InBody(4) ? std::sqrt(fused(float(z.re), float(z.im), at)) : static_cast<float>(Root(z.re, z.im));
     }),
-    MEMBERS(ORVAS_Magnitude_16sc_S).Is(OfParts{scaledMagnitude}),
+    MEMBERS(ORVAS_Magnitude_16sc_S).Is(OfParts(scaledMagnitude)),
     MEMBERS(ORVAS_Magnitude_16s_S).Is([](int16_t re, int16_t im, At at) {
       const float body = std::sqrt(static_cast<float>(Exact64(re, im))) * at.FloatFactor();
       return at.InBody(8) ? RoundSaturate<Orva16s>(body) : scaledMagnitude(re, im, at);

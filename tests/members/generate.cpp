@@ -241,15 +241,17 @@ constexpr auto tone = [](auto magn, auto frequency, auto phase, At at) {
   }
   return dst;
 };
-template <class Real, bool kComplex, auto... magnitudes>
-constexpr Cases kTones = [](auto run) {
-  constexpr Real kTurn = static_cast<Real>(kTwoPi);
-  for (int len = 1; len < 140; len += len < 20 ? 1 : 13)
-    for (Real phase : {Real(0), Real(1.25), std::nextafter(kTurn, Real(0)), kTurn, Real(-1e-9), Real(NAN)})
-      for (double frequency : {0.0, 0.017, 0.4999, kComplex ? 0.97 : 0.3, double(NAN)})
-        for (double magn : {double(magnitudes)...})
-          run(Case(std::vector<Real>{phase}).With({magn, frequency}).Length(len));
-};
+template <class Real>
+auto Tones(double highest, auto... magnitudes) {
+  return [=](auto run) {
+    const Real turn = static_cast<Real>(kTwoPi);
+    for (int len = 1; len < 140; len += len < 20 ? 1 : 13)
+      for (Real phase : {Real(0), Real(1.25), std::nextafter(turn, Real(0)), turn, Real(-1e-9), Real(NAN)})
+        for (double frequency : {0.0, 0.017, 0.4999, highest, double(NAN)})
+          for (double magn : {double(magnitudes)...})
+            run(Case(std::vector<Real>{phase}).With({magn, frequency}).Length(len));
+  };
+}
 
 // ---- Chirps ----
 
@@ -267,11 +269,12 @@ const auto jaehne = []<class T>(T magn, At at) {
   if (std::is_integral_v<T>) value = std::clamp<double>(std::nearbyint(value), Limits::min(), Limits::max());
   return static_cast<T>(value);
 };
-template <auto... magnitudes>
-constexpr Cases kChirps = [](auto run) {
-  for (int len = 1; len < 1100; len += len < 41 ? 1 : 107)
-    for (double magn : {double(magnitudes)...}) run(Case().With({magn}).Length(len));
-};
+auto Chirps(auto... magnitudes) {
+  return [=](auto run) {
+    for (int len = 1; len < 1100; len += len < 41 ? 1 : 107)
+      for (double magn : {double(magnitudes)...}) run(Case().With({magn}).Length(len));
+  };
+}
 
 // ---- Noise ----
 
@@ -290,9 +293,9 @@ void Noise(Digest& digest, OrvaStatus (*generate)(T*, int32_t, const State*), au
 #define NOISE(type) SCENARIO(Noise, ORVAS_RandGauss_##type, ORVAS_RandGaussInit_##type, ORVAS_RandGaussRelease_##type)
 
 // Magnitude and frequency, which real tones take below 0.5 and complex ones below 1.
-#define TONE(type, bound, ...)                                                          \
-  MEMBERS(ORVAS_Tone_##type).Gives(tone<Orva##type>).On(kTones<__VA_ARGS__>).Start(0.5) \
-      .Constants({{1000, 0.1}, {3, 0}, {32767, 0.37}})                                  \
+#define TONE(type, bound, cases)                                                                            \
+  MEMBERS(ORVAS_Tone_##type).Gives(tone<Orva##type>).On(cases).Start(0.5)                                   \
+      .Constants({{1000, 0.1}, {3, 0}, {32767, 0.37}})                                                      \
       .BadConstants({{0, 0.1}, {-3, 0.1}, {3, -0.1}, {3, bound}}, ORVA_STS_RANGE_ERR)
 
 // A window on reals and complex samples of all types.
@@ -309,14 +312,15 @@ const Rows rows("generate", {
     WINDOW(Blackman, kBlackman, 3).Constants({{-0.16}, {0.3}, {-20}}),
     WINDOW(BlackmanStd, kBlackman, 3), WINDOW(BlackmanOpt, kBlackmanOpt, 4),
     KAISER(16s, 3.9), KAISER(32f, 3.9), KAISER(64f, 31),
-    TONE(16s, 0.5, float, false, 32767), TONE(32f, 0.5, float, false, 1.75f), TONE(64f, 0.5, double, false, 1e3),
-    TONE(16sc, 1, float, true, 1001), TONE(32fc, 1, float, true, 1e-3f), TONE(64fc, 1, double, true, 0.1, NAN),
+    TONE(16s, 0.5, Tones<float>(0.3, 32767)), TONE(32f, 0.5, Tones<float>(0.3, 1.75f)),
+    TONE(64f, 0.5, Tones<double>(0.3, 1e3)), TONE(16sc, 1, Tones<float>(0.97, 1001)),
+    TONE(32fc, 1, Tones<float>(0.97, 1e-3f)), TONE(64fc, 1, Tones<double>(0.97, 0.1, NAN)),
     NOISE(8u), NOISE(16s), NOISE(32f), NOISE(64f),
-    JAEHNE(ORVAS_VectorJaehne_8u).On(kChirps<0, 255>), JAEHNE(ORVAS_VectorJaehne_16u).On(kChirps<0, 65535>),
-    JAEHNE(ORVAS_VectorJaehne_16s).On(kChirps<32767>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_32s).On(kChirps<2147483647>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_32f).On(kChirps<1, 1e30, NAN>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
-    JAEHNE(ORVAS_VectorJaehne_64f).On(kChirps<1, 1e300>).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_8u).On(Chirps(0, 255)), JAEHNE(ORVAS_VectorJaehne_16u).On(Chirps(0, 65535)),
+    JAEHNE(ORVAS_VectorJaehne_16s).On(Chirps(32767)).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_32s).On(Chirps(2147483647)).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_32f).On(Chirps(1, 1e30, NAN)).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
+    JAEHNE(ORVAS_VectorJaehne_64f).On(Chirps(1, 1e300)).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
 });
 
 }  // namespace

@@ -301,25 +301,20 @@ const auto kLogarithms = []<class T>(T, auto run) {
 // ---- Norms ----
 
 // A norm of one array, or of the differences of two; integers are widened.
-template <class F>
-struct Of {
-  F norm;
-  template <class T>
-  using Wide = std::conditional_t<std::is_integral_v<T>, int32_t, T>;
-  template <class T>
-  auto operator()(const std::vector<T>& x, const At& at) const {
-    return norm(std::vector<Wide<T>>(x.begin(), x.end()), at);
-  }
-  template <class T>
-  auto operator()(const std::vector<T>& a, const std::vector<T>& b, const At& at) const {
-    std::vector<Wide<T>> x;
-    for (size_t i = 0; i < a.size(); ++i) {
-      if constexpr (IsComplex<T>) x.push_back({a[i].re - b[i].re, a[i].im - b[i].im});
-      else x.push_back(Wide<T>{a[i]} - b[i]);
-    }
-    return norm(x, at);
-  }
-};
+auto Of(auto norm) {
+  return [=]<class T>(const std::vector<T>& a, const auto&... rest) {  // another array or none, and At
+    using Wide = std::conditional_t<std::is_integral_v<T>, int32_t, T>;
+    const auto given = std::tie(rest...);
+    std::vector<Wide> x(a.begin(), a.end());
+    if constexpr (sizeof...(rest) == 2)
+      for (size_t i = 0; i < a.size(); ++i) {
+        const T y = std::get<0>(given)[i];
+        if constexpr (IsComplex<T>) x[i] = {x[i].re - y.re, x[i].im - y.im};
+        else x[i] -= y;
+      }
+    return norm(x, std::get<sizeof...(rest) - 1>(given));
+  };
+}
 
 template <class T>
 Real<T> Size(T x) {  // magnitude of a real sample, squared magnitude of a complex one
@@ -405,15 +400,15 @@ const Cases kMoreThanLanesHold = [](auto run) {
   run(Case(std::vector<Orva16s>(1100001, -32768), std::vector<Orva16s>(1100001, 32767)));
 };
 auto Narrowed(auto value) {
-  return Of{[=](const Integers& x, At) { return static_cast<float>(value(x)); }};
+  return Of([=](const Integers& x, At) { return static_cast<float>(value(x)); });
 }
 // Scaled results are truncated toward zero. Some hold the factor as a binary32 number.
 template <class Result>
 auto Truncated(auto value, bool narrow = false) {
-  return Of{[=](const Integers& x, At at) {
+  return Of([=](const Integers& x, At at) {
     const double factor = narrow ? double(at.FloatFactor()) : at.Factor();
     return RoundSaturate<Result>(std::trunc(static_cast<double>(value(x)) * factor));
-  }};
+  });
 }
 
 // ---- Columns ----
@@ -591,15 +586,15 @@ const Rows rows("reduce", {
     MEMBERS(ORVAS_SumLn_32f64f).Gives(Logarithms(lnHead, 0x1p-8)).On(kLogarithms).Allocates(ORVA_STS_NULL_PTR_ERR),
 
     MEMBERS(ORVAS_Norm_Inf_32f, ORVAS_Norm_Inf_64f).Gives(largestOfAll),
-    MEMBERS(ORVAS_NormDiff_Inf_32f).Gives(Of{largest<4>}).On(kOneNan),
-    MEMBERS(ORVAS_NormDiff_Inf_64f).Gives(Of{largest<2>}).On(kOneNan),
-    MEMBERS(BOTH(L1, 32f), BOTH(L1, 64f)).Gives(Of{magnitudes}).On(kOneNan),
-    MEMBERS(BOTH(L2, 32f), BOTH(L2, 64f)).Gives(Of{length}).On(kOneNan),
+    MEMBERS(ORVAS_NormDiff_Inf_32f).Gives(Of(largest<4>)).On(kOneNan),
+    MEMBERS(ORVAS_NormDiff_Inf_64f).Gives(Of(largest<2>)).On(kOneNan),
+    MEMBERS(BOTH(L1, 32f), BOTH(L1, 64f)).Gives(Of(magnitudes)).On(kOneNan),
+    MEMBERS(BOTH(L2, 32f), BOTH(L2, 64f)).Gives(Of(length)).On(kOneNan),
     MEMBERS(ORVAS_Norm_Inf_32fc32f).Gives(largest<4>).On(kOneNan),
-    MEMBERS(ORVAS_NormDiff_Inf_32fc32f).Gives(Of{largest<8>}).On(kOneNan),
-    NORMS(Inf, 64fc64f).Gives(Of{largest<2>}).On(kOneNan),
-    MEMBERS(BOTH(L1, 32fc64f), BOTH(L1, 64fc64f)).Gives(Of{complexMagnitudes}).On(kOneNan),
-    MEMBERS(BOTH(L2, 32fc64f), BOTH(L2, 64fc64f)).Gives(Of{complexLength}).On(kOneNan),
+    MEMBERS(ORVAS_NormDiff_Inf_32fc32f).Gives(Of(largest<8>)).On(kOneNan),
+    NORMS(Inf, 64fc64f).Gives(Of(largest<2>)).On(kOneNan),
+    MEMBERS(BOTH(L1, 32fc64f), BOTH(L1, 64fc64f)).Gives(Of(complexMagnitudes)).On(kOneNan),
+    MEMBERS(BOTH(L2, 32fc64f), BOTH(L2, 64fc64f)).Gives(Of(complexLength)).On(kOneNan),
     NORMS(Inf, 16s32f).Gives(Narrowed(Largest)).On(kExtremes).On(kMoreThanLanesHold),
     NORMS(L1, 16s32f).Gives(Narrowed(Wrapped)).On(kExtremes).On(kMoreThanLanesHold),
     NORMS(L2, 16s32f).Gives(Narrowed(Root)).On(kExtremes).On(kMoreThanLanesHold),
