@@ -7,8 +7,7 @@
 #include <numeric>
 #include <vector>
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::core_test {
 
 TEST(Core, Memory) {
   for (int32_t count : {0, -1, INT32_MIN}) {
@@ -53,5 +52,4 @@ TEST(Core, MovesBetweenOverlappingArrays) {
   ExpectMove(ORVAS_Move_32f);
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::core_test

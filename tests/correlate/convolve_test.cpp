@@ -3,35 +3,28 @@
 
 #include <cmath>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::convolve_test {
 
 template <class T>
-struct Members;
-#define MEMBERS(type, block, limit)                                 \
-  template <>                                                       \
-  struct Members<Orva##type> {                                      \
-    static constexpr auto Init = ORVAS_ConvInit_##type;             \
-    static constexpr auto Run = ORVAS_Convolve_##type;              \
-    static constexpr auto Release = ORVAS_ConvRelease_##type;       \
-    static constexpr int32_t kBlock = block, kLimit = limit;        \
-  };
-MEMBERS(32f, 16, 0x8000001)
-MEMBERS(64f, 8, 0x4000001)
-#undef MEMBERS
+struct Members {
+  static constexpr bool kSingle = sizeof(T) == 4;
+  static constexpr auto Init = kSingle ? ORVAS_ConvInit_32f : ORVAS_ConvInit_64f;
+  static constexpr auto Release = kSingle ? ORVAS_ConvRelease_32f : ORVAS_ConvRelease_64f;
+  static constexpr int32_t kBlock = kSingle ? 16 : 8, kLimit = kSingle ? 0x8000001 : 0x4000001;
+  static OrvaStatus Run(const T* src1, auto... rest) {
+    if constexpr (kSingle) return ORVAS_Convolve_32f(src1, rest...);
+    else return ORVAS_Convolve_64f(src1, rest...);
+  }
+};
 
 template <class T>
 class Convolution : public testing::Test {};
 using Types = testing::Types<Orva32f, Orva64f>;
 TYPED_TEST_SUITE(Convolution, Types);
 
-// Chains in ascending i; in a block of outputs each over every sample of src1 that one of them needs, with zeros
-// beyond the ends of src2.
+// Chains in ascending i; in a block of outputs each over all samples of src1 that it needs, zeros beyond src2's ends.
 template <class T>
 std::vector<T> DirectOracle(const std::vector<T>& src1, const std::vector<T>& src2) {
   const int64_t len1 = std::ssize(src1), len2 = std::ssize(src2), count = len1 + len2 - 1;
@@ -115,9 +108,7 @@ TYPED_TEST(Convolution, RoutesStatusesAndFaults) {
   for (auto [len1, len2] : {std::pair{0, 1}, {1, -1}}) EXPECT_EQ(M::Init(len1, len2, 1, &state), ORVA_STS_SIZE_ERR);
   for (auto [len1, len2] : {std::pair{M::kLimit - 40, 40}, {kMost, kMost}})
     EXPECT_EQ(M::Init(len1, len2, 0, &state), ORVA_STS_OVERFLOW_ERR);
-  FailRequest(1);
-  EXPECT_EQ(M::Init(kMost, kMost, 2, &state), ORVA_STS_MEM_ALLOC_ERR);
-  FailRequest(0);
+  EXPECT_EQ(WithoutMemory([&] { return M::Init(kMost, kMost, 2, &state); }), ORVA_STS_MEM_ALLOC_ERR);
   EXPECT_EQ(state, nullptr);
   EXPECT_EQ(LiveBlocks(), live);
 
@@ -165,5 +156,4 @@ TEST(PartialConvolution, Arguments) {
   }
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::convolve_test

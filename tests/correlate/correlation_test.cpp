@@ -1,16 +1,11 @@
-// Auto- and cross-correlation: sums to the bit on the direct route, the FFT route within its error, normalisations,
-// lags without a product, states for other arguments, routes and statuses.
+// Auto- and cross-correlation: sums to the bit on the direct route, the FFT route within its error, routes, statuses.
 #include <signal_tzm/correlate.h>
 
 #include <cmath>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::correlation_test {
 
 template <class Sample>
 struct Members;
@@ -27,11 +22,8 @@ struct Members;
     static constexpr int32_t kLimit = limit;                                             \
     static constexpr bool kComplex = sizeof(Orva##type) > sizeof(real);                  \
   };
-MEMBERS(32f, float, 16, 4, 4, 0x10000001)
-MEMBERS(64f, double, 4, 2, 4, 0x8000001)
-MEMBERS(32fc, float, 8, 4, 2, 0x8000001)
-MEMBERS(64fc, double, 4, 2, 2, 0x4000001)
-#undef MEMBERS
+MEMBERS(32f, float, 16, 4, 4, 0x10000001) MEMBERS(64f, double, 4, 2, 4, 0x8000001)
+MEMBERS(32fc, float, 8, 4, 2, 0x8000001) MEMBERS(64fc, double, 4, 2, 2, 0x4000001)
 
 // A sum of conj(x)*y, fused as in a lane or one by one as in a remainder.
 template <class T, class Real = typename Members<T>::Real>
@@ -242,5 +234,4 @@ TYPED_TEST(Correlation, RoutesStatusesAndFaults) {
   EXPECT_TRUE(SameBits("refused", src.data(), dst.data(), dst.size()));
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::correlation_test

@@ -4,12 +4,9 @@
 #include <complex>
 #include <cstring>
 
-#include "support/compare.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::matrix_product_test {
 
 // On small integers, so that every order of summation gives the same values.
 template <class Part, class T>
@@ -47,5 +44,4 @@ TEST(MatrixProduct, Members) {
   Check<Orva64f>(ORVAS_MMul_64fc);
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::matrix_product_test

@@ -1,19 +1,13 @@
 // LMS adaptive FIR filter: outputs, taps and line to the bit against the plain algorithm, statuses, failures.
 #include <signal_tzm/fir.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::lms_test {
 
 template <class SampleType>
 struct Lms {
@@ -33,11 +27,7 @@ constexpr Lms<Orva16s> k16s = {"FIRLMS32f_16s", 0x1p-26f, ORVAS_FIRLMSInit32f_16
                                ORVAS_FIRLMSGetTaps32f_16s, ORVAS_FIRLMSGetDlyLine32f_16s,
                                ORVAS_FIRLMSSetDlyLine32f_16s, ORVAS_FIRLMSRelease32f_16s};
 
-void ForEachLms(auto test) {
-  test(k32f, k16s);
-  test(k16s, k32f);
-}
-
+void ForEachLms(auto test) { test(k32f, k16s), test(k16s, k32f); }
 Orva32f Output(Orva32f y, Orva32f) { return y; }
 // The low half of the nearest 32-bit integer.
 Orva16s Output(Orva32f y, Orva16s) {
@@ -88,7 +78,7 @@ void ExpectLine(const L& lms, const FIRLMSState* state, const std::vector<Sample
 TEST(FIRLMS, RunsTheAlgorithmToTheBit) {
   ForEachLms([]<class L>(const L& lms, const auto&) {
     using Sample = typename L::Sample;
-    for (Variety variety : {Variety::kModerate, Variety::kSpecial}) {
+    for (Variety variety : {Variety::kModerate, Variety::kSpecial})
       for (int32_t size : {1, 2, 7, 8, 9, 15, 16, 17, 24, 31, 64, 67}) {
         const auto place = size % 2 != 0 ? Place::kUnaligned : Place::kEnd;
         const int32_t index = size % 3 == 0 ? size - 1 : size / 2, given = index - 3 * size;
@@ -116,7 +106,6 @@ TEST(FIRLMS, RunsTheAlgorithmToTheBit) {
         }
         EXPECT_EQ(lms.release(state), 0);
       }
-    }
   });
 }
 
@@ -167,5 +156,4 @@ TEST(FIRLMS, StatusesInTheirOrderAndFaults) {
   });
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::lms_test

@@ -1,8 +1,5 @@
-// Single-rate and multi-rate FIR filters: chains to the bit, the FFT route against exact sums, streams in pieces
-// with their delay lines, the choice of the route, statuses, failures.
+// Single- and multi-rate FIR filters: chains to the bit, the FFT route against exact sums, streams, routes, statuses.
 #include <signal_tzm/fir.h>
-
-#include <gtest/gtest.h>
 #include <signal_tzm/reduce.h>
 
 #include <algorithm>
@@ -10,13 +7,9 @@
 #include <complex>
 #include <cstring>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::streaming_test {
 
 // Init, run and release of one pairing of samples and taps.
 template <class TapType, class SampleType, class StateType, class... P>
@@ -45,18 +38,16 @@ Filter(const char*, OrvaStatus (*)(const Tap*, P...),
 // ---- The sums said plainly ----
 
 // What samples are summed in.
-template <class Sample>
-using Wide = std::conditional_t<std::is_same_v<Sample, Orva16s>, Orva32f,
-                                std::conditional_t<std::is_same_v<Sample, Orva16sc>, Orva32fc, Sample>>;
-template <class Sample>
-constexpr bool kFloat = std::is_same_v<Sample, Wide<Sample>>;
 template <class T>
-constexpr bool kBinary64 = std::is_same_v<T, Orva64f> || std::is_same_v<T, Orva64fc>;
-template <class T>
-Wide<T> Widen(T x) {
-  if constexpr (std::is_same_v<T, Orva16sc>) return {static_cast<float>(x.re), static_cast<float>(x.im)};
-  else return x;
-}
+T Widen(T x) { return x; }
+Orva32f Widen(Orva16s x) { return x; }
+Orva32fc Widen(Orva16sc x) { return {static_cast<float>(x.re), static_cast<float>(x.im)}; }
+template <class Sample>
+using Wide = decltype(Widen(Sample()));
+template <class Sample>
+constexpr bool kFloat = SampleOf<Sample>().kind >= Kind::k16f;
+template <class Sample>
+constexpr bool kBinary64 = SampleOf<Sample>().kind == Kind::k64f;
 
 // One tap of a strict chain of fused steps.
 template <class Tap, class Sum>
@@ -77,38 +68,35 @@ Orva16s Round(float y, bool by_sign) {
   return static_cast<Orva16s>(std::nearbyint(std::clamp(y, -32768.0f, 32767.0f)));
 }
 
-// One output, its taps and samples given oldest first: in a block the strict chain, in the tail of a call what
-// takes its place.
+void Dot(const Orva32f* t, const Orva32f* x, int32_t len, Orva32f* sum) { ORVAS_DotProd_32f(t, x, len, sum); }
+void Dot(const Orva64f* t, const Orva64f* x, int32_t len, Orva64f* sum) { ORVAS_DotProd_64f(t, x, len, sum); }
+void Dot(const Orva32fc* t, const Orva32fc* x, int32_t len, Orva32fc* sum) { ORVAS_DotProd_32fc(t, x, len, sum); }
+void Dot(const Orva64fc* t, const Orva64fc* x, int32_t len, Orva64fc* sum) { ORVAS_DotProd_64fc(t, x, len, sum); }
+void Dot(const Orva32f* t, const Orva32fc* x, int32_t len, Orva32fc* sum) { ORVAS_DotProd_32f32fc(t, x, len, sum); }
+
+// One output, of taps and samples oldest first: in a block the strict chain, in a call's tail what takes its place.
 template <bool kSingleRate, class Tap, class Sample>
 Sample Output(const std::vector<Tap>& taps, const Sample* x, bool tail) {
-  const int32_t len = static_cast<int32_t>(taps.size());
+  constexpr bool kPairs = std::is_same_v<Sample, Orva16sc>;
+  const bool own = tail && kSingleRate;
   Wide<Sample> sum = {};
-  for (int32_t j = 0; j < len; ++j) {
+  for (size_t j = 0; j < taps.size(); ++j) {
     const Tap tap = taps[j];
     const Wide<Sample> w = Widen(x[j]);
-    if constexpr (std::is_same_v<Sample, Orva16sc>) {
-      if (tail) {
-        sum.re += std::fma(-tap.im, w.im, tap.re * w.re);
-        sum.im += kSingleRate ? std::fma(tap.im, w.re, tap.re * w.im) : std::fma(tap.re, w.im, tap.im * w.re);
-        continue;
-      }
+    if (!kPairs || !tail) {
+      Fuse(tap, w, sum);
+    } else if constexpr (kPairs) {
+      sum.re += std::fma(-tap.im, w.im, tap.re * w.re);
+      sum.im += kSingleRate ? std::fma(tap.im, w.re, tap.re * w.im) : std::fma(tap.re, w.im, tap.im * w.re);
     }
-    Fuse(tap, w, sum);
   }
-  const bool own = tail && kSingleRate;
-  if constexpr (std::is_same_v<Sample, Orva16s>) {
-    return Round(sum, own);
-  } else if constexpr (std::is_same_v<Sample, Orva16sc>) {
+  if constexpr (kFloat<Sample>) {
+    if (own) Dot(taps.data(), x, static_cast<int32_t>(taps.size()), &sum);
+    return sum;
+  } else if constexpr (kPairs) {
     return {Round(sum.re, own), Round(sum.im, own)};
   } else {
-    if (!own) return sum;
-    const Tap* const t = taps.data();
-    if constexpr (std::is_same_v<Sample, Orva32f>) ORVAS_DotProd_32f(t, x, len, &sum);
-    else if constexpr (std::is_same_v<Sample, Orva64f>) ORVAS_DotProd_64f(t, x, len, &sum);
-    else if constexpr (std::is_same_v<Sample, Orva64fc>) ORVAS_DotProd_64fc(t, x, len, &sum);
-    else if constexpr (std::is_same_v<Tap, Orva32f>) ORVAS_DotProd_32f32fc(t, x, len, &sum);
-    else ORVAS_DotProd_32fc(t, x, len, &sum);
-    return sum;
+    return Round(sum, own);
   }
 }
 
@@ -173,7 +161,7 @@ std::vector<typename F::Tap> Taps(const F&, int32_t len, Variety variety) {
 TEST(FIRSR, DirectRouteIsTheChainThenTheDotProduct) {
   FOR_EACH_FILTER(FIRSR, []<class F>(const F& filter) {
     using Sample = typename F::Sample;
-    for (int32_t taps_len : {1, 2, 3, 8, 15, 16, 32, 33, 40, 67, 130}) {
+    for (int32_t taps_len : {1, 2, 3, 8, 15, 16, 32, 33, 40, 67, 130})
       for (Variety variety : Varieties<Sample>()) {
         auto taps = Taps(filter, taps_len, variety);
         FIRSRState* state = nullptr;
@@ -188,14 +176,13 @@ TEST(FIRSR, DirectRouteIsTheChainThenTheDotProduct) {
         Stream(filter, state, taps_len - 1, 1, 1, kFloat<Sample>, variety,
                {1, 7, 8, 9, 15, 16, 17, 31, 33, 48, 64, 65, 96, 100, 127, 128, 145, 200, 257, 300}, check);
       }
-    }
   });
 }
 
 // The largest length decides between two lengths of transforms.
 TEST(FIRSR, FftRouteConvolves) {
   FOR_EACH_FILTER(FIRSR, []<class F>(const F& filter) {
-    for (int32_t taps_len : {1, 2, 5, 16, 33, 100}) {
+    for (int32_t taps_len : {1, 2, 5, 16, 33, 100})
       for (int32_t max_len : {1, 1000}) {
         const auto taps = Taps(filter, taps_len, Variety::kModerate);
         FIRSRState* state = nullptr;
@@ -203,7 +190,6 @@ TEST(FIRSR, FftRouteConvolves) {
         Stream(filter, state, taps_len - 1, 1, 1, false, Variety::kModerate, {1, 3, 16, 50, 257, 1000},
                [&](const auto& line, const auto* dst, int32_t) { ExpectConvolution(taps, line, dst); });
       }
-    }
   });
 }
 
@@ -218,7 +204,7 @@ constexpr Rates kRates[] = {{1, 1, 0, 1, 0},    {5, 1, 0, 1, 0},      {40, 1, 0,
 TEST(FIRMR, IsTheDefiningSumInOrder) {
   FOR_EACH_FILTER(FIRMR, []<class F>(const F& filter) {
     using Sample = typename F::Sample;
-    for (const auto [taps_len, up, up_phase, down, down_phase] : kRates) {
+    for (const auto [taps_len, up, up_phase, down, down_phase] : kRates)
       for (Variety variety : Varieties<Sample>()) {
         const auto taps = Taps(filter, taps_len, variety);
         FIRMRState* state = nullptr;
@@ -238,12 +224,10 @@ TEST(FIRMR, IsTheDefiningSumInOrder) {
         };
         Stream(filter, state, rows, up, down, false, variety, {1, 2, 5, 8, 16, 17, 40, 67}, check);
       }
-    }
   });
 }
 
-// A NaN of a 16-bit member is 0, but in the single-rate tail it saturates by its sign, which is that of AArch64;
-// by FFT, by any sign.
+// A NaN of 16 bits is 0, but in the single-rate tail it saturates by its sign, that of AArch64; by FFT, by any sign.
 TEST(StreamingFilters, NanInIntegers) {
   const float inf = INFINITY, nan = NAN;
   struct { std::vector<float> taps; Orva16s tail; } const cases[] = {
@@ -280,9 +264,7 @@ template <class F, class... P>
 OrvaStatus Refused(const F& filter, P... parameters) {
   const typename F::Tap taps[1] = {};
   typename F::State* state = nullptr;
-  FailRequest(1);
-  const OrvaStatus status = filter.init(taps, parameters..., &state);
-  FailRequest(0);
+  const OrvaStatus status = WithoutMemory([&] { return filter.init(taps, parameters..., &state); });
   EXPECT_EQ(state, nullptr);
   return status;
 }
@@ -348,5 +330,4 @@ TEST(FIRMR, StatusesInTheirOrder) {
   });
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::streaming_test

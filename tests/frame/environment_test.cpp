@@ -1,7 +1,8 @@
 // What every operation leaves alone of its caller's environment, and what it bears: errno and the control word, any
-// rounding mode, subnormals flushed, a small stack, a fork.
+// rounding mode, subnormals flushed, a small stack, a fork. What the library does when it is loaded.
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <signal_tzm/companion.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,25 +14,19 @@
 #include "bench/states.h"
 #include "members/caller.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::environment_test {
 
 // Every operation that can be called: a call of it, on arrays of its own.
-struct Operation {
-  std::string name;
-  std::function<OrvaStatus()> run;
-};
+struct Operation { std::string name; std::function<OrvaStatus()> run; };
 const std::vector<Operation>& Operations() {
-  static const std::vector<Operation> all = [] {
-    std::vector<Operation> operations;
-    for (const Member* member : AllMembers()) {
-      if (member->IsScenario()) continue;
-      const auto caller = std::make_shared<Caller>(*member, 700);
-      operations.push_back({member->name, [=] { return caller->Run({.len = 613, .variety = Variety::kSpecial}); }});
-    }
-    for (const auto& [name, make] : tzm_bench::AllStates()) operations.push_back({name, make(2048).run});
-    return operations;
-  }();
+  static std::vector<Operation> all;
+  if (!all.empty()) return all;
+  for (const Member* member : AllMembers()) {
+    if (member->IsScenario()) continue;
+    const auto caller = std::make_shared<Caller>(*member, 700);
+    all.push_back({member->name, [=] { return caller->Run({.len = 613, .variety = Variety::kSpecial}); }});
+  }
+  for (const auto& [name, make] : tzm_bench::AllStates()) all.push_back({name, make(2048).run});
   return all;
 }
 
@@ -113,5 +108,23 @@ TEST(Environment, WorksInAForkedChild) {
   EXPECT_EQ(status, 0);
 }
 
-}  // namespace
-}  // namespace tzm_test
+// The calls in their order: 1000 for the set-up of threads, else their count; of binary64 negative.
+std::vector<int32_t>& CallsAtLoad() {
+  static std::vector<int32_t> calls;
+  return calls;
+}
+
+TEST(Environment, LoadSetsUpBothPrecisions) {
+  const char* text = getenv("ORVA_FFT_THREAD_NUM");
+  const int32_t threads = text == nullptr || atoi(text) < 1 ? 8 : atoi(text);
+  EXPECT_EQ(CallsAtLoad(), (std::vector<int32_t>{1000, threads, -1000, -threads}));
+}
+
+}  // namespace tzm_test::environment_test
+
+// These stand before those of the FFT companion.
+using tzm_test::environment_test::CallsAtLoad;
+int32_t tzm_fftf_init_threads() { return CallsAtLoad().emplace_back(1000); }
+int32_t tzm_fft_init_threads() { return CallsAtLoad().emplace_back(-1000); }
+void tzm_fftf_plan_with_nthreads(int32_t threads) { CallsAtLoad().push_back(threads); }
+void tzm_fft_plan_with_nthreads(int32_t threads) { CallsAtLoad().push_back(-threads); }

@@ -1,6 +1,5 @@
-// What every operation of the table owes its caller, whatever it computes: the checks and their order,
-// nothing written before they have passed, no access outside the arrays, no dependence on addresses,
-// in place as out of place, and no allocation that its row does not tell.
+// What every operation of the table owes its caller: its values, the checks in their order, nothing written before they
+// have passed, no access outside the arrays, no dependence on addresses, in place as out of place, no allocation.
 #include <gtest/gtest.h>
 
 #include <cfenv>
@@ -11,11 +10,9 @@
 #include <utility>
 
 #include "members/caller.h"
-#include "support/compare.h"
 #include "support/faults.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::frame_test {
 
 constexpr int32_t kMaxLen = 1100;
 
@@ -77,27 +74,24 @@ class Frame : public testing::TestWithParam<const Member*> {
     }
   }
 
-  // Every length up to a few blocks and some long ones, with all varieties, and the sets of constants
-  // and the scales in turn.
+  // Every length up to a few blocks and some long ones, with all varieties; sets of constants and scales in turn.
   template <class Body>
   void ForEachSetting(Body body) {
     size_t turn = 0;
-    std::vector<int32_t> lengths;
+    std::vector<int32_t> lengths = {127, 128, 131, 255, 517, 1025};
     for (int32_t len = member.min_length; len <= 70; ++len) lengths.push_back(len);
-    for (int32_t len : {127, 128, 131, 255, 517, 1025}) lengths.push_back(len);
-    for (int32_t len : lengths) {
+    for (int32_t len : lengths)
       for (Variety variety : kVarieties) {
         body(Setting{.len = len, .variety = variety, .constants = turn % member.ConstantSets(),
                      .scale = turn % std::size(kScales)});
         ++turn;
         if (HasFailure()) return;
       }
-    }
   }
 };
 
 TEST_P(Frame, NullPointers) {
-  for (int32_t len : {usual.len, member.min_length - 1, 0, -1}) {
+  for (int32_t len : {usual.len, member.min_length - 1, 0, -1})
     for (Role role : {Role::kSource, Role::kInput, Role::kDst, Role::kSrcDst, Role::kResult}) {
       ForEach(role, [&](size_t i) {
         Setting setting = usual;
@@ -111,7 +105,6 @@ TEST_P(Frame, NullPointers) {
                       "argument " + std::to_string(i) + " null, length " + std::to_string(len));
       });
     }
-  }
   ForEach(Role::kMask, [&](size_t i) {
     caller.Prepare(usual);
     caller.values[i].Set<void*>(nullptr);
@@ -120,14 +113,13 @@ TEST_P(Frame, NullPointers) {
 }
 
 TEST_P(Frame, Lengths) {
-  for (int32_t len : {0, -1, std::numeric_limits<int32_t>::min(), member.min_length - 1}) {
+  for (int32_t len : {0, -1, std::numeric_limits<int32_t>::min(), member.min_length - 1})
     for (bool also_bad : {false, true}) {
       caller.Prepare({.len = std::max(len, 0)});
       caller.values[LengthAt()].Set(len);
       if (also_bad) SetBadScales();
       ExpectRefused(ORVA_STS_SIZE_ERR, "length " + std::to_string(len));
     }
-  }
 }
 
 TEST_P(Frame, Scales) {
@@ -249,10 +241,6 @@ std::vector<const Member*> Callable() {
   std::erase_if(members, [](const Member* member) { return member->IsScenario(); });
   return members;
 }
+INSTANTIATE_TEST_SUITE_P(All, Frame, testing::ValuesIn(Callable()), [](const auto& info) { return info.param->name; });
 
-INSTANTIATE_TEST_SUITE_P(All, Frame, testing::ValuesIn(Callable()),
-                         [](const auto& info) { return info.param->name; });
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Frame);
-
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::frame_test

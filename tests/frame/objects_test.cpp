@@ -1,6 +1,5 @@
-// What is owed by the operations that no row calls by itself, those on state objects among them: pointers are looked at
-// before all else, Release of nothing succeeds, and a scenario in which each request for memory is refused once goes on
-// as if none had been.
+// What operations owe that no row calls by itself, those on states among them: pointers are looked at before all else,
+// Release of nothing succeeds, and a scenario goes on after each refused request for memory as if none had been.
 #include <gtest/gtest.h>
 #include <signal_tzm.h>
 #include <signal_tzm/companion.h>
@@ -14,26 +13,20 @@
 #include "members/members.h"
 #include "support/faults.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::objects_test {
 
 template <class T>
 constexpr bool kObject = std::is_pointer_v<T> && !requires { sizeof(ElementOf<T>); };
 
 // Pointers by name and position that may be null, and those that are looked at after the length.
-struct Exception {
-  const char* names;
-  size_t position;
-  bool optional;
-};
+struct Exception { const char* names; size_t position; bool optional; };
 constexpr Exception kExceptions[] = {
     {"ORVAS_FIR[SM]R[_3]*", 3, false}, {"ORVAS_FIR[SM]R[_3]*", 4, true}, {"ORVAS_FIR[SM]R[_3]*", 5, true},
     {"ORVAS_FIRLMSInit*", 1, true}, {"ORVAS_FIRLMSInit*", 3, true}, {"ORVAS_FIRSparse_32f", 3, false},
     {"ORVAS_FIRSparseInit*", 3, true}, {"ORVAS_FIRSparseInit*", 4, false}, {"ORVAS_FIRSparseSetDlyLine*", 1, true},
     {"ORVAS_*FixedGetFilter*", 1, true}, {"ORVAS_Pwelch*", 1, true}};
 
-// An operation without its types: which arguments are pointers, and a call with pointers to zeros but for one, and with
-// all numbers the same.
+// An operation without its types: its pointers, and a call with pointers to zeros but for one, all numbers the same.
 struct Operation {
   const char* name;
   std::vector<bool> pointers;
@@ -83,7 +76,6 @@ TEST(Objects, NullPointersComeFirstAndReleaseOfNoneIsDone) {
 #define DECLARED(room, function) \
   if (!rows.contains(#function)) CheckPointers(#function, function);
 #include "declared.inc"
-#undef DECLARED
 }
 
 TEST(Objects, RefusedRequestsLeaveNoTrace) {
@@ -112,5 +104,4 @@ TEST(Objects, RefusedRequestsLeaveNoTrace) {
   }
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::objects_test

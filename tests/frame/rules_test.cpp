@@ -12,13 +12,9 @@
 #include "support/faults.h"
 #include "support/guarded.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::rules_test {
 
-struct Rule {
-  std::vector<std::string> patterns;
-  std::string in_place, allocates;
-};
+struct Rule { std::vector<std::string> patterns; std::string in_place, allocates; };
 
 std::vector<Rule> ReadPage() {
   std::vector<Rule> rules;
@@ -42,14 +38,13 @@ std::vector<Rule> ReadPage() {
 const Rule& Find(const std::vector<Rule>& rules, const std::string& name, std::set<std::string>& used) {
   static const Rule kNone{{}, "?", "?"};
   const Rule* found = &kNone;
-  for (const Rule& rule : rules) {
+  for (const Rule& rule : rules)
     for (const std::string& pattern : rule.patterns) {
       if (fnmatch(pattern.c_str(), name.c_str(), 0) != 0) continue;
       EXPECT_EQ(found, &kNone) << name << " stands twice in the page";
       found = &rule;
       used.insert(pattern);
     }
-  }
   EXPECT_NE(found, &kNone) << name << " is not in the page";
   return *found;
 }
@@ -112,5 +107,4 @@ TEST(Rules, StatesAtAnyAddress) {
   tzm_bench::take_array = usual;
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::rules_test

@@ -1,16 +1,11 @@
-// Products, quotients, squares, roots, half-precision conversion, normalisation: exact integers, or plain scalars in
-// the steps of the contract.
+// Products, quotients, roots, half precision, normalisation: exact integers, or scalars in the steps of the contract.
 #include <signal_tzm/arith.h>
 
 #include <bit>
 
 #include "members.h"
-#include "support/exact.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::arith_rows {
 
 constexpr OrvaStatus kWarns = ORVA_STS_DIV_ZERO_WARN, kRefused = ORVA_STS_DIV_BY_ZERO_ERR,
                      kNegative = ORVA_STS_SQRT_NEG_ERR;
@@ -388,6 +383,4 @@ const Rows rows("arith", {
         .BadConstants({{1, 1, 0}}, kRefused),
 });
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::arith_rows

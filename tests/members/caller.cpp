@@ -4,8 +4,6 @@
 #include <cstring>
 #include <type_traits>
 
-#include "support/exact.h"
-
 namespace tzm_test {
 
 namespace {
@@ -40,8 +38,7 @@ Caller::Caller(const Member& member, int32_t max_len)
     if (!IsPointer(argument.role)) continue;
     arrays_[i].bytes = std::make_unique<GuardedBytes>(Elements(argument, max_len) * argument.sample.Size());
     const Role role = argument.role;
-    const bool filled = role == Role::kSource || role == Role::kMask || role == Role::kSrcDst;
-    if (filled) arrays_[i].seed = ++source;
+    if (role == Role::kSource || role == Role::kMask || role == Role::kSrcDst) arrays_[i].seed = ++source;
   }
 }
 

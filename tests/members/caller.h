@@ -6,7 +6,6 @@
 
 #include "members.h"
 #include "support/guarded.h"
-#include "support/random.h"
 
 namespace tzm_test {
 

@@ -4,11 +4,8 @@
 #include <cmath>
 
 #include "members.h"
-#include "support/exact.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::companion_rows {
 
 const auto same = [](auto x, At) { return x; };
 const auto conjugate = [](auto x, At) { return decltype(x){x.re, -x.im}; };
@@ -72,6 +69,4 @@ const Rows rows("companion", {
     MEMBERS(ORVAS_MaxAbs_32f, ORVAS_MaxAbs_64f).Gives(largest<1, true>).On(kAlone<1>),
 });
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::companion_rows

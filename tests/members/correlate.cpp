@@ -2,11 +2,8 @@
 #include <signal_tzm/correlate.h>
 
 #include "members.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::correlate_rows {
 
 constexpr int32_t kDirect = 1, kFft = 2;
 
@@ -83,8 +80,5 @@ const Rows rows("correlate", {
     // The order of summation is the CBLAS's own: no digest.
     Member("ORVAS_MMul_32f"), Member("ORVAS_MMul_64f"), Member("ORVAS_MMul_32fc"), Member("ORVAS_MMul_64fc"),
 });
-#undef CORRELATIONS
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::correlate_rows

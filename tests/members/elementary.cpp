@@ -7,12 +7,8 @@
 #include <complex>
 
 #include "members.h"
-#include "support/exact.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::elementary_rows {
 
 // ---- Real functions ----
 
@@ -370,9 +366,5 @@ const Rows rows("elementary", {
                       RoundSaturate<Orva16s>(r * sine * at.FloatFactor())};
     }).NotInPlace(),
 });
-#undef REAL
-#undef POWX
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::elementary_rows

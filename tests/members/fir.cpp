@@ -4,11 +4,8 @@
 #include <array>
 
 #include "members.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::fir_rows {
 
 // Two runs of a filter, the second with the delay line of the first.
 template <class Tap, class Sample, class State, class... P>
@@ -44,7 +41,7 @@ void MultiRate(Digest& digest, auto run, auto init, auto release) {
 template <class Sample>
 void Adaptive(Digest& digest, OrvaStatus (*run)(FIRLMSState*, const Sample*, const Sample*, Sample*, int32_t, Orva32f),
               auto init, auto get_taps, auto get_line, auto set_line, auto release) {
-  for (int32_t taps_len : {1, 8, 21, 64}) {
+  for (int32_t taps_len : {1, 8, 21, 64})
     for (Variety variety : kVarieties) {
       const auto taps = RandomArray<Orva32f>(taps_len, 1, variety);
       const auto src = RandomArray<Sample>(300, 2, variety), ref = RandomArray<Sample>(300, 3, variety);
@@ -64,11 +61,10 @@ void Adaptive(Digest& digest, OrvaStatus (*run)(FIRLMSState*, const Sample*, con
       digest.Add(line.data(), line.size());
       digest.Add(&index, 1);
     }
-  }
 }
 
 void Sparse(Digest& digest, auto...) {
-  for (const std::vector<int32_t>& positions : {std::vector{0}, {1, 2, 30}, {0, 5, 16, 100, 333}}) {
+  for (const std::vector<int32_t>& positions : {std::vector{0}, {1, 2, 30}, {0, 5, 16, 100, 333}})
     for (Variety variety : kVarieties) {
       const auto taps = RandomArray<Orva32f>(positions.size(), 1, variety);
       const auto src = RandomArray<Orva32f>(400, 2, variety);
@@ -84,7 +80,6 @@ void Sparse(Digest& digest, auto...) {
       digest.Add(dst.data(), dst.size());
       digest.Add(line.data(), line.size());
     }
-  }
 }
 
 constexpr int32_t kLongestDesign = 129;
@@ -93,15 +88,13 @@ constexpr int32_t kLongestDesign = 129;
 void Design(Digest& digest, auto design, auto... frequencies) {
   FIRGenState* buffer = nullptr;
   digest.Call(ORVAS_FIRGenInit_64f, kLongestDesign, &buffer);
-  for (int32_t taps_len : {4, 5, 6, 32, kLongestDesign}) {
-    for (int32_t window : {0, 1, 2, 3, 4}) {
+  for (int32_t taps_len : {4, 5, 6, 32, kLongestDesign})
+    for (int32_t window : {0, 1, 2, 3, 4})
       for (int32_t normal : {0, 1}) {
         std::vector<Orva64f> taps(taps_len);
         digest.Call(design, frequencies..., taps.data(), taps_len, window, normal, buffer);
         digest.Add(taps.data(), taps.size());
       }
-    }
-  }
   digest.Call(ORVAS_FIRGenRelease, buffer);
 }
 void Cut(Digest& digest, auto design) { Design(digest, design, 0.2); }
@@ -129,8 +122,5 @@ const Rows rows("fir", {
     SCENARIO(Band, ORVAS_FIRGenBandpass_64f), SCENARIO(Band, ORVAS_FIRGenBandstop_64f),
     Member("ORVAS_FIRGenInit_64f, ORVAS_FIRGenRelease"),
 });
-#undef PAIRINGS
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::fir_rows

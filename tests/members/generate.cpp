@@ -6,12 +6,8 @@
 #include <bit>
 
 #include "members.h"
-#include "support/exact.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::generate_rows {
 
 constexpr double kTwoPi = 6.283185307179586;
 
@@ -197,8 +193,7 @@ const auto kLargestAlpha = []<class T>(T, auto run) {
 
 // ---- Tones ----
 
-// The cosine (quarter 0) or sine (1) of p + n w for `len` values of n, the last of which, past the steps, are the
-// system's.
+// The cosine (quarter 0) or sine (1) of p + n w for `len` values of n; the last ones, past the steps, are the system's.
 std::vector<double> Sinusoid(int len, int step, double w, double p, int quarter) {
   const double angles[] = {p, p + w};
   double cw, y[4];
@@ -323,6 +318,4 @@ const Rows rows("generate", {
     JAEHNE(ORVAS_VectorJaehne_64f).On(Chirps(1, 1e300)).BadConstants({{-1}}, ORVA_STS_RANGE_ERR),
 });
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::generate_rows

@@ -49,8 +49,7 @@ void AddDeclared() {
   if (!named.contains(#function)) \
     if (const auto row = Plain(#function, function)) RoomOf(#room).members.push_back(*row);
 #include "declared.inc"
-#undef DECLARED
-  for (Room& room : Rooms()) {
+  for (Room& room : Rooms())
     for (Member& row : room.members) {
       const auto twin = std::find_if(room.members.begin(), room.members.end(),
                                      [&](const Member& other) { return other.name == row.Twin(); });
@@ -60,7 +59,6 @@ void AddDeclared() {
       row.min_length = twin->min_length;
       row.constants_first = twin->constants_first, row.scale_first = twin->scale_first;
     }
-  }
 }
 
 }  // namespace

@@ -13,6 +13,8 @@
 
 #include "oracle.h"
 #include "support/digest.h"
+#include "support/exact.h"
+#include "support/random.h"
 
 namespace tzm_test {
 
@@ -93,10 +95,7 @@ class Member {
   void (*scenario)(Digest&) = nullptr;
   bool exact = true;
 
-  struct BadSet {
-    std::vector<double> set;
-    OrvaStatus status;
-  };
+  struct BadSet { std::vector<double> set; OrvaStatus status; };
   Oracle oracle;
   std::vector<std::function<void(const RunCase&)>> cases;
   std::vector<std::vector<double>> constants;
@@ -117,7 +116,7 @@ struct MemberList {
   std::vector<Member> rows;
 };
 
-// Rows that have the same options.
+// Rows that have the same options: the table in docs/adding_an_operation.md tells what each of them is.
 template <class... F>
 class Members : public MemberList {
  public:
@@ -143,32 +142,22 @@ class Members : public MemberList {
       });
     });
   }
-  // Values of the constants in the order of the call, a complex one as two numbers; each set is tried.
   Members& Constants(std::initializer_list<std::initializer_list<double>> sets) {
     return Each([=](Member& row) { row.constants.assign(sets.begin(), sets.end()); });
   }
-  // Constants that the member answers with `status`.
   Members& BadConstants(std::initializer_list<std::initializer_list<double>> sets, OrvaStatus status) {
     return Each([=](Member& row) { for (const auto& set : sets) row.bad_constants.push_back({set, status}); });
   }
-  // What inputs of one element hold, and results and destinations before the call.
   Members& Start(double value) { return Each([=](Member& row) { row.start = value; }); }
   Members& MinLength(int32_t n) { return Each([=](Member& row) { row.min_length = n; }); }
-  // The member looks at its constants before all else.
   Members& ConstantsFirst() { return Each([](Member& row) { row.constants_first = true; }); }
-  // The member looks at its scale before its constants, at its length before its pointers (but after the pointer at
-  // position `but`).
   Members& ScaleFirst() { return Each([](Member& row) { row.scale_first = true; }); }
   Members& LengthFirst(size_t but = -1) {
     return Each([=](Member& row) { row.length_first = true, row.before_length = but; });
   }
-  // The destination may not be a source array.
   Members& NotInPlace() { return Each([](Member& row) { row.in_place = false; }); }
-  // Results differ between machines: no digest.
   Members& Inexact() { return Each([](Member& row) { row.exact = false; }); }
-  // No rounding mode of the caller changes a result.
   Members& AnyRounding() { return Each([](Member& row) { row.any_rounding = true; }); }
-  // The member allocates, and returns `status` when it cannot. Every other one must not allocate.
   Members& Allocates(OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR) {
     return Each([=](Member& row) { row.allocation_status = status; });
   }
@@ -198,10 +187,7 @@ struct Rows {
   Rows(const char* room, std::initializer_list<MemberList> members);
 };
 
-struct Room {
-  std::string name;
-  std::vector<Member> members;
-};
+struct Room { std::string name; std::vector<Member> members; };
 
 // Every row, by room and name.
 const std::vector<Room>& AllRooms();

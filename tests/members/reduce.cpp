@@ -2,12 +2,8 @@
 #include <signal_tzm/reduce.h>
 
 #include "members.h"
-#include "support/exact.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::reduce_rows {
 
 template <class T>
 concept IsComplex = requires(T x) { x.re; };
@@ -93,8 +89,7 @@ const auto modulo = [](const auto& a, const auto& b, At) {
   return Orva64sc{static_cast<int64_t>(re), static_cast<int64_t>(im)};
 };
 
-// The body summed in two lanes, which take neighbouring pairs of products in turn; nothing rounds while the sums are
-// below 2^53, but 32-bit products may.
+// Two lanes of the body take neighbouring pairs of products in turn; below 2^53 nothing but 32-bit products rounds.
 template <size_t kStep, class Result>
 constexpr auto inBinary64 = [](const auto& a, const auto& b, At at) {
   const double factor = at.Factor();
@@ -610,10 +605,5 @@ const Rows rows("reduce", {
     COLUMN(64f, double, Orva64f), COLUMN(decimal64, Int128, Orva64s),
     COLUMN(decimal128, Int128, OrvaDecimal128, .On(kWideOverflow).On(kLimitOfDecimals)),
 });
-#undef COLUMN
-#undef NORMS
-#undef BOTH
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::reduce_rows

@@ -2,11 +2,8 @@
 #include <signal_tzm/resample.h>
 
 #include "members.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::resample_rows {
 
 template <class Sample, class... P>
 void ByFactors(Digest& digest, OrvaStatus (*run)(const Sample*, P...), auto init, auto release) {
@@ -58,9 +55,5 @@ void BetweenRates(Digest& digest, OrvaStatus (*run)(const Sample*, P...), auto i
            ORVAS_ResamplePolyphaseFixedRelease_##type)
 
 const Rows rows("resample", {FACTORS(16s), FACTORS(32f), RATES(16s), RATES(32f)});
-#undef FACTORS
-#undef RATES
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::resample_rows

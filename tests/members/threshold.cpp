@@ -2,11 +2,8 @@
 #include <signal_tzm/threshold.h>
 
 #include "members.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::threshold_rows {
 
 constexpr OrvaStatus kNegative = ORVA_STS_THRESH_NEG_ERR, kOrder = ORVA_STS_THRESH_ORDER_ERR;
 
@@ -226,9 +223,5 @@ const Rows rows("threshold", {
     MEMBERS(ORVAS_Threshold_LTInv_32fc).Gives(complexInverse).On(kComplexZeros).On(kComplexLevels<>)
         .Constants({{0.5}, {0}, {NAN}}).BadConstants({{-1}}, kNegative),
 });
-#undef INTEGERS
-#undef FLOATS
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::threshold_rows

@@ -8,16 +8,12 @@
 
 #include "bench/transform_call.h"
 #include "members.h"
-#include "support/random.h"
 
-namespace tzm_test {
-
-namespace {
+namespace tzm_test::transform_rows {
 
 using tzm_bench::InitSpec, tzm_bench::RunSpec, tzm_bench::Spec;
 
-// Both directions where there are two: of powers of two, or of lengths with small and large factors, up to those that
-// leave the cache and take threads.
+// Both directions where there are two: powers of two, or all kinds of factors, up to what takes threads.
 template <class Src, class... P>
 void Specs(Digest& digest, bool order, OrvaStatus (*run)(Src*, P...), auto init, auto release) {
   using T = std::remove_const_t<Src>;
@@ -176,9 +172,5 @@ const Rows rows("transform", {
     SCENARIO(Welch, ORVAS_Pwelch_32f), SCENARIO(Welch, ORVAS_Pwelch_64f),
     SCENARIO(Welch, ORVAS_Pwelch_32fc), SCENARIO(Welch, ORVAS_Pwelch_64fc),
 });
-#undef SPECS
-#undef SPEC
 
-}  // namespace
-
-}  // namespace tzm_test
+}  // namespace tzm_test::transform_rows

@@ -1,19 +1,13 @@
 // Fixed-ratio polyphase resampler: its sum against the filter that it gives, exact time, quality, refusals.
 #include <signal_tzm/resample.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <numbers>
 #include <numeric>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::polyphase_fixed_test {
 
 template <class Sample>
 class ResamplePolyphaseFixed : public testing::Test {};
@@ -31,12 +25,9 @@ struct Members;
     static constexpr auto Get = ORVAS_ResamplePolyphaseFixedGetFilter_##type;     \
     static constexpr auto Release = ORVAS_ResamplePolyphaseFixedRelease_##type;   \
   };
-MEMBERS(32f)
-MEMBERS(16s)
-#undef MEMBERS
+MEMBERS(32f) MEMBERS(16s)
 
-// The defining sum in long double, to the accuracy of the sums, in one call and in blocks; with the filter of Init, one
-// of the caller's, and one of zeros.
+// The defining sum in long double, in one call and in blocks; with the filter of Init, a caller's, and one of zeros.
 TYPED_TEST(ResamplePolyphaseFixed, IsTheDefiningSumInBlocksOfAnySize) {
   using M = Members<TypeParam>;
   constexpr bool kInteger = std::is_integral_v<TypeParam>;
@@ -180,5 +171,4 @@ TYPED_TEST(ResamplePolyphaseFixed, StatusesInTheirOrderAndFaults) {
   M::Release(state);
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::polyphase_fixed_test

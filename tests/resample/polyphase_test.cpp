@@ -4,14 +4,10 @@
 #include <cmath>
 #include <numbers>
 
-#include "support/compare.h"
 #include "support/exact.h"
-#include "support/faults.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::polyphase_test {
 
 struct Filter {
   float window;
@@ -137,8 +133,7 @@ void CheckStatuses(auto init, auto member) {
   const auto least = [=](auto** made) { return init(std::nextafterf(0.25f, 1), 8, 1, 1, 0, made); };
   EXPECT_EQ(ForEachFaultOfInit(least, ORVAS_ResamplePolyphaseRelease_16s, true), 1);
 
-  // The half filter of 65 entries reaches back 9 samples from a whole time, 8 from later ones; twice as far at half
-  // the rate, and without end at the least.
+  // The half filter of 65 entries reaches back 9 samples from a whole time, 8 from later ones; at half rate twice that.
   ASSERT_EQ(init(16, 8, 0.9f, 5, 0, &state), 0);
   const std::vector<Sample> src(200, 1);
   std::vector<Sample> dst(100, 77);
@@ -167,5 +162,4 @@ TEST(ResamplePolyphase, StatusesInTheirOrderAndFaults) {
   CheckStatuses<Orva16s>(kInit16s, ORVAS_ResamplePolyphase_16s);
 }
 
-}  // namespace
-}  // namespace tzm_test
+}  // namespace tzm_test::polyphase_test

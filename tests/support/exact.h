@@ -40,9 +40,7 @@ T Scaled(Int128 value, int exponent) {
 }
 
 // A complex product before the scale.
-struct Exact {
-  Int128 re, im;
-};
+struct Exact { Int128 re, im; };
 template <class Complex>
 Exact Product(Complex a, Complex b) {
   return {Int128{a.re} * b.re - Int128{a.im} * b.im, Int128{a.im} * b.re + Int128{a.re} * b.im};

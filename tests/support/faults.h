@@ -1,5 +1,5 @@
-// Failure injection: a test program that links this stands before the companions' allocators and
-// planners, counts the blocks and plans that are alive, and refuses a chosen request.
+// Failure injection: a test program that links this stands before the companions' allocators and planners, counts the
+// blocks and plans that are alive, and refuses a chosen request.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,13 +16,21 @@ int LiveBlocks();
 // Blocks or plans given back that were not alive, since the program began.
 int ForeignReleases();
 
-// Runs `call` with its first, second, ... request refused until it gets all it asks for. Each refused
-// run must return `status` and leave nothing alive; so must the last one, which returns `success`: a
-// call that makes an object releases it itself when it succeeds. Returns the number of requests.
+// The status of a call whose first request is refused: 9 says that its sizes were accepted.
+template <class Call>
+OrvaStatus WithoutMemory(Call call) {
+  FailRequest(1);
+  const OrvaStatus status = call();
+  FailRequest(0);
+  return status;
+}
+
+// Runs `call` with its first, second, ... request refused until it gets all it asks for. Each refused run must return
+// `status` and leave nothing alive; so must the last one, which returns `success`: a call that makes an object releases
+// it itself when it succeeds. Returns the number of requests.
 template <class Call>
 int ForEachFault(Call call, OrvaStatus status = ORVA_STS_MEM_ALLOC_ERR, OrvaStatus success = ORVA_STS_NO_ERR) {
-  const int live = LiveBlocks();
-  const int foreign = ForeignReleases();
+  const int live = LiveBlocks(), foreign = ForeignReleases();
   for (int k = 1;; ++k) {
     FailRequest(k);
     const OrvaStatus actual = call();

@@ -65,10 +65,10 @@ constexpr Sample SampleOf() {
   }
 }
 
-// The value of one part, readable, with its bits when it is a floating value.
-std::string Print(Kind kind, const void* part);
-
 // Whether one part of a floating kind is a NaN.
 bool IsNaN(Kind kind, const void* part);
+
+// Empty when all `n` elements are equal, any NaN to any other; else index and both values of the first difference.
+std::string FirstDifference(Sample sample, const void* expected, const void* actual, size_t n);
 
 }  // namespace tzm_test

@@ -1,16 +1,12 @@
-// Gaussian noise: a restatement on a generator of its own, and the life of a state.
-#include <gtest/gtest.h>
+// Gaussian noise: a restatement on a generator of its own, and the life of a state. The first checks of a tone.
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/generate.h>
 
 #include <cmath>
 
-#include "support/compare.h"
-#include "support/faults.h"
-#include "support/guarded.h"
+#include "support/testing.h"
 
-namespace tzm_test {
-namespace {
+namespace tzm_test::generate_test {
 
 // The system's 48-bit linear congruential generator.
 class Uniform {
@@ -64,8 +60,8 @@ void Check(OrvaStatus (*init)(OrvaRandGaussState**, T, T, uint32_t),
            OrvaStatus (*generate)(T*, int32_t, const OrvaRandGaussState*), OrvaStatus (*release)(OrvaRandGaussState*),
            std::initializer_list<std::pair<T, T>> parameters) {
   OrvaRandGaussState* state = nullptr;
-  for (int len = 1; len < 60; ++len) {
-    for (auto [mean, deviation] : parameters) {
+  for (int len = 1; len < 60; ++len)
+    for (auto [mean, deviation] : parameters)
       for (uint32_t seed : {1u, 77u, 0xffffff00u + static_cast<uint32_t>(len)}) {
         ASSERT_EQ(init(&state, mean, deviation, seed), ORVA_STS_NO_ERR);
         const auto expected = Noise(static_cast<size_t>(len), mean, deviation, seed);
@@ -76,8 +72,6 @@ void Check(OrvaStatus (*init)(OrvaRandGaussState**, T, T, uint32_t),
         }
         EXPECT_EQ(release(state), ORVA_STS_NO_ERR);
       }
-    }
-  }
   EXPECT_EQ(ForEachFaultOfInit([=](auto** made) { return init(made, 1, 1, 5); }, release), 1);
   ASSERT_EQ(init(&state, 1, 1, 5), ORVA_STS_NO_ERR);
   T x = 99;
@@ -92,5 +86,12 @@ TEST(Gaussian, 16s) { Check<Orva16s>(GENERATOR(16s), {{-5, 1000}, {32000, 20000}
 TEST(Gaussian, 32f) { Check<Orva32f>(GENERATOR(32f), {{0, 1}, {1e6f, -3}, {2.5f, 0}}); }
 TEST(Gaussian, 64f) { Check<Orva64f>(GENERATOR(64f), {{0, 1}, {1e6, -3}, {2.5, 0}}); }
 
-}  // namespace
-}  // namespace tzm_test
+TEST(Tone, LooksAtItsPhaseBeforeItsLength) {
+  Orva16s x[5] = {7};
+  const Orva32f negative = -1e-9f;
+  EXPECT_EQ(ORVAS_Tone_16s(nullptr, 0, 5, 0.1f, &negative), ORVA_STS_NULL_PTR_ERR);
+  EXPECT_EQ(ORVAS_Tone_16s(x, 0, 5, 0.1f, &negative), ORVA_STS_RANGE_ERR);
+  EXPECT_EQ(x[0], 7);
+}
+
+}  // namespace tzm_test::generate_test
