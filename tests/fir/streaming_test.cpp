@@ -125,12 +125,14 @@ void ExpectConvolution(const std::vector<Tap>& taps, const std::vector<Sample>& 
 
 // ---- Streams ----
 
-// Runs of several lengths on one state, each with the delay line of the one before: check(line, dst, length) sees
-// the samples of the delay line and the call, and the outputs. Every second run is in place where that works.
-template <class F, class State>
-void Stream(const F& filter, State* state, size_t kept, int32_t up, int32_t down, bool in_place, Variety variety,
-            std::vector<int32_t> lengths, auto check) {
+// Runs of several lengths on one state, made with `parameters`, each with the delay line of the one before: check(line,
+// dst, length) sees the samples of the line and the call, and the outputs. Every second run is in place where it works.
+template <class F>
+void Stream(const F& filter, const std::vector<typename F::Tap>& taps, size_t kept, int32_t up, int32_t down,
+            bool in_place, Variety variety, std::vector<int32_t> lengths, auto check, auto... parameters) {
   using Sample = typename F::Sample;
+  typename F::State* state = nullptr;
+  ASSERT_EQ(filter.init(taps.data(), static_cast<int32_t>(taps.size()), parameters..., &state), 0);
   std::vector<Sample> line(kept);
   GuardedArray<Sample> delay(kept);
   uint64_t seed = 0;
@@ -163,18 +165,15 @@ TEST(FIRSR, DirectRouteIsTheChainThenTheDotProduct) {
     using Sample = typename F::Sample;
     for (int32_t taps_len : {1, 2, 3, 8, 15, 16, 32, 33, 40, 67, 130})
       for (Variety variety : Varieties<Sample>()) {
-        auto taps = Taps(filter, taps_len, variety);
-        FIRSRState* state = nullptr;
-        ASSERT_EQ(filter.init(taps.data(), taps_len, 300, 1, &state), 0);
-        std::reverse(taps.begin(), taps.end());
+        const auto taps = Taps(filter, taps_len, variety), reversed = std::vector(taps.rbegin(), taps.rend());
         const auto check = [&](const std::vector<Sample>& line, const Sample* dst, int32_t len) {
           std::vector<Sample> expected;
           for (int32_t n = 0; n < len; ++n)
-            expected.push_back(Output<true>(taps, &line[n], n >= len - len % (kBinary64<Sample> ? 8 : 16)));
+            expected.push_back(Output<true>(reversed, &line[n], n >= len - len % (kBinary64<Sample> ? 8 : 16)));
           EXPECT_TRUE(SameBits(filter.name, expected.data(), dst, len)) << taps_len << " taps";
         };
-        Stream(filter, state, taps_len - 1, 1, 1, kFloat<Sample>, variety,
-               {1, 7, 8, 9, 15, 16, 17, 31, 33, 48, 64, 65, 96, 100, 127, 128, 145, 200, 257, 300}, check);
+        Stream(filter, taps, taps_len - 1, 1, 1, kFloat<Sample>, variety,
+               {1, 7, 8, 9, 15, 16, 17, 31, 33, 48, 64, 65, 96, 100, 127, 128, 145, 200, 257, 300}, check, 300, 1);
       }
   });
 }
@@ -185,10 +184,9 @@ TEST(FIRSR, FftRouteConvolves) {
     for (int32_t taps_len : {1, 2, 5, 16, 33, 100})
       for (int32_t max_len : {1, 1000}) {
         const auto taps = Taps(filter, taps_len, Variety::kModerate);
-        FIRSRState* state = nullptr;
-        ASSERT_EQ(filter.init(taps.data(), taps_len, max_len, 2, &state), 0);
-        Stream(filter, state, taps_len - 1, 1, 1, false, Variety::kModerate, {1, 3, 16, 50, 257, 1000},
-               [&](const auto& line, const auto* dst, int32_t) { ExpectConvolution(taps, line, dst); });
+        const auto check = [&](const auto& line, const auto* dst, int32_t) { ExpectConvolution(taps, line, dst); };
+        Stream(filter, taps, taps_len - 1, 1, 1, false, Variety::kModerate, {1, 3, 16, 50, 257, 1000}, check, max_len,
+               2);
       }
   });
 }
@@ -207,8 +205,6 @@ TEST(FIRMR, IsTheDefiningSumInOrder) {
     for (const auto [taps_len, up, up_phase, down, down_phase] : kRates)
       for (Variety variety : Varieties<Sample>()) {
         const auto taps = Taps(filter, taps_len, variety);
-        FIRMRState* state = nullptr;
-        ASSERT_EQ(filter.init(taps.data(), taps_len, up, up_phase, down, down_phase, &state), 0);
         const int32_t rows = (taps_len + up - 1) / up;
         const auto check = [&](const std::vector<Sample>& line, const Sample* dst, int32_t iterations) {
           std::vector<Sample> expected;
@@ -222,7 +218,8 @@ TEST(FIRMR, IsTheDefiningSumInOrder) {
           EXPECT_TRUE(SameBits(filter.name, expected.data(), dst, expected.size()))
               << taps_len << " taps, up " << up << ", down " << down;
         };
-        Stream(filter, state, rows, up, down, false, variety, {1, 2, 5, 8, 16, 17, 40, 67}, check);
+        Stream(filter, taps, rows, up, down, false, variety, {1, 2, 5, 8, 16, 17, 40, 67}, check, up, up_phase, down,
+               down_phase);
       }
   });
 }

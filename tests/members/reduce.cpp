@@ -1,6 +1,8 @@
 // Sums, products, norms and column aggregates: loops that add one sample after the other where it belongs.
 #include <signal_tzm/reduce.h>
 
+#include <numeric>
+
 #include "members.h"
 
 namespace tzm_test::reduce_rows {
@@ -151,11 +153,9 @@ constexpr auto complexSum = [](const std::vector<Orva64fc>& src, At) {
   });
 };
 
-template <class T>
-double ExactSum(const std::vector<T>& src, int part) {
-  Int128 sum = 0;
-  for (const int64_t x : PartOf<int64_t>(src, part)) sum += x;
-  return static_cast<double>(sum);
+double ExactSum(const auto& src, int part) {
+  const auto x = PartOf<int64_t>(src, part);
+  return static_cast<double>(std::accumulate(x.begin(), x.end(), Int128{0}));
 }
 template <class Result, bool kMean>
 constexpr auto rounded = [](const auto& src, At at) {
@@ -369,21 +369,12 @@ const auto kOneNan = []<class T>(T, auto run) {
 };
 
 using Integers = std::vector<int32_t>;
+int64_t Folded(const Integers& x, auto step) { return std::accumulate(x.begin(), x.end(), int64_t{0}, step); }
 int64_t Largest(const Integers& x) {
-  int64_t most = 0;
-  for (const int64_t each : x) most = std::max(most, std::abs(each));
-  return most;
+  return Folded(x, [](int64_t most, int64_t each) { return std::max(most, std::abs(each)); });
 }
-int64_t Sum(const Integers& x) {
-  int64_t sum = 0;
-  for (const int64_t each : x) sum += std::abs(each);
-  return sum;
-}
-int64_t Squares(const Integers& x) {
-  int64_t sum = 0;
-  for (const int64_t each : x) sum += each * each;
-  return sum;
-}
+int64_t Sum(const Integers& x) { return Folded(x, [](int64_t sum, int64_t each) { return sum + std::abs(each); }); }
+int64_t Squares(const Integers& x) { return Folded(x, [](int64_t sum, int64_t each) { return sum + each * each; }); }
 int32_t Wrapped(const Integers& x) { return static_cast<int32_t>(static_cast<uint32_t>(Sum(x))); }
 double Root(const Integers& x) { return std::sqrt(static_cast<double>(Squares(x))); }
 
@@ -421,8 +412,7 @@ Int128 ValueOf(Orva64s row) { return row; }
 std::pair<OrvaDecimal128, bool> Decimal(Int128 total, bool overflow) {
   using Unsigned = unsigned __int128;
   const Unsigned magnitude = total < 0 ? -static_cast<Unsigned>(total) : static_cast<Unsigned>(total);
-  Unsigned limit = 1;
-  for (int k = 0; k < 38; ++k) limit *= 10;
+  constexpr Unsigned limit = Unsigned{10'000'000'000'000'000'000u} * 10'000'000'000'000'000'000u;  // 10^38
   const uint64_t high = static_cast<uint64_t>(magnitude >> 64) ^ (total < 0 ? kSign : 0);
   return {{static_cast<uint64_t>(magnitude), high}, overflow || (magnitude & ~(Unsigned{kSign} << 64)) >= limit};
 }
