@@ -109,9 +109,8 @@ constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
 struct Atan32 {
   TZM_INLINE F operator()(F x) const {
     const Halves a = Widen(hn::Abs(x)), y = {OfPositive(a.low), OfPositive(a.high)};
-    const M open = hn::Or(IsOpenWithin<0x200>(y.low), IsOpenWithin<0x200>(y.high));
     F angle = NarrowPair(S(), y.low, y.high);
-    if (Any(open)) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
+    if (NotAll(IsSureWithin<0x200>(y))) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
     return hn::CopySign(angle, x);
   }
 

@@ -135,6 +135,19 @@ TZM_INLINE M IsOpenWithin(V y) {
   const I fromMiddle = hn::And(hn::Add(BitsOf(y), SetBits(kUnits - 0x10000000)), SetBits(0x20000000 - 2 * kUnits));
   return hn::RebindMask(D(), hn::Eq(fromMiddle, hn::Zero(Bits())));
 }
+// Whether it may not, of both halves at once: each number in some lane.
+template <int32_t kUnits>
+TZM_INLINE M32 IsSureWithin(Halves y) {
+  const F low = hn::BitCast(S(), y.low), high = hn::BitCast(S(), y.high);
+#if HWY_ARCH_X86
+  const F ends{TZM_X86(shuffle_ps)(low.raw, high.raw, 0x88)};  // in other lanes than there, for one instruction
+#else
+  const F ends = hn::ConcatEven(S(), high, low);
+#endif
+  const I32 fromMiddle = hn::Add(BitsOf(ends), hn::Set(Bits32(), kUnits - 0x10000000));
+  const I32 far = hn::And(fromMiddle, hn::Set(Bits32(), 0x20000000 - 2 * kUnits));
+  return hn::RebindMask(S(), hn::Gt(far, hn::Zero(Bits32())));
+}
 
 // Eight or sixteen entries of a few binary32 numbers each, in columns that registers permute: for registers of sixteen
 // eight entries stand twice.

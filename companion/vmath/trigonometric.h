@@ -168,10 +168,10 @@ TZM_INLINE Reduced32 Reduce32(F x) {
   return {{rest(wide.low, k.low), rest(wide.high, k.high)}, BitsOf(shifted)};
 }
 // The results of both halves, negative where k is odd; the second step where a lane is far or open.
-template <uint64_t kUnits, class Function, const auto&... kMiddles>
+template <int32_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
-  const M open = hn::Or(IsOpenWithin<kUnits>(y.low), IsOpenWithin<kUnits>(y.high));
-  if (Any(open) || NotAll(hn::Lt(hn::Abs(x), C32(kNear)))) return SecondStep<Function, kMiddles...>(x);
+  const M32 sure = hn::And(IsSureWithin<kUnits>(y), hn::Lt(hn::Abs(x), C32(kNear)));
+  if (NotAll(sure)) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
