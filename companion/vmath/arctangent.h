@@ -128,7 +128,7 @@ struct Atan32 {
 // The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-45 in the first step
 // (make/arctangent.gappa).
 struct Atan2_32 {
-  TZM_INLINE V operator()(V y, V x) const {
+  static TZM_INLINE FirstStep First(V y, V x) {
     const V ay = hn::Abs(y), ax = hn::Abs(x), zero = hn::Zero(D());
     const M steep = hn::Gt(ay, ax), left = hn::Lt(hn::CopySign(C(1), x), zero);
     const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
@@ -138,15 +138,12 @@ struct Atan2_32 {
     const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
     const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
-    const M usual = hn::AndNot(IsOpenWithin<0x200>(angle), hn::Gt(angle, C(0x1p-120)));
-    if (NotAll(usual)) return hn::CopySign(hn::IfThenElse(usual, angle, OfAny(angle, ay, x)), y);
-    return hn::CopySign(angle, y);
+    return {hn::CopySign(angle, y), hn::AndNot(IsOpenWithin<0x200>(angle), hn::Gt(angle, C(0x1p-120)))};
   }
-
- private:
   // Zeros, infinities and NaN too.
-  static __attribute__((noinline)) V OfAny(V angle, V ay, V x) {
-    const V ax = hn::Abs(x), zero = hn::Zero(D());
+  static __attribute__((noinline)) V Second(V first, V y, V x) {
+    const V ay = hn::Abs(y), ax = hn::Abs(x), zero = hn::Zero(D());
+    V angle = hn::Abs(first);
     const M left = hn::Lt(hn::CopySign(C(1), x), zero);
     const M flat = hn::Or(hn::Eq(ay, zero), hn::And(hn::IsFinite(ay), hn::IsInf(x)));
     angle = hn::IfThenElse(flat, hn::IfThenElseZero(left, C(kPi[0])), angle);
@@ -154,7 +151,7 @@ struct Atan2_32 {
     angle = hn::IfThenElse(hn::And(hn::IsInf(ay), hn::IsInf(ax)), diagonal, angle);
     const M open = hn::And(hn::And(IsOpen(angle), hn::IsFinite(ax)), hn::And(hn::IsFinite(ay), hn::Gt(ay, zero)));
     if (Any(open)) angle = Decided(angle, ay, x, open, DecideAngle);
-    return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(ay)), C(kNaN), angle);
+    return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(y)), C(kNaN), hn::CopySign(angle, y));
   }
 };
 

@@ -128,6 +128,12 @@ inline __attribute__((noinline)) F SecondStep(F x) {
   return NarrowPair(S(), settled(wide.low), settled(wide.high));
 }
 
+// The first step of a function of two arguments, and where it is sure.
+struct FirstStep {
+  V value;
+  M sure;
+};
+
 // Whether a normal number of binary32, known in binary64 but for kUnits units, a power of two, might lie on either side
 // of a middle: its last 29 bits tell.
 template <uint64_t kUnits>

@@ -87,19 +87,14 @@ struct Pow64 {
 // Correctly rounded to binary32, of numbers of that type: the first step is good to 2^-49 (make/logarithm.gappa); one
 // power in a million goes to the second.
 struct Pow32 {
-  TZM_INLINE V operator()(V x, V y) const {
+  static TZM_INLINE FirstStep First(V x, V y) {
     const Sum product = Times(y, LogInTwo32(x));
     const V power = ExpParts(product.sum, product.rest).Normal();
-    const M positive = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(kInfinity)));
-    const M normal = hn::And(positive, hn::Lt(hn::Abs(product.sum), C(kNormal)));
-    const M usual = hn::AndNot(IsOpenWithin<0x100>(power), normal);
-    if (NotAll(usual)) return hn::IfThenElse(usual, power, OfAny(x, y));
-    return power;
+    // Of greater logarithms results may be no normal numbers of binary32.
+    const M normal = hn::And(IsPositiveNormal(x), hn::Lt(hn::Abs(product.sum), C(87)));
+    return {power, hn::AndNot(IsOpenWithin<0x100>(power), normal)};
   }
-
- private:
-  static constexpr double kNormal = 87;  // of greater logarithms results may be no normal numbers of binary32
-  static __attribute__((noinline)) V OfAny(V x, V y) {
+  static __attribute__((noinline)) V Second(V, V x, V y) {
     const V a = hn::Abs(x);
     const Sum product = ProductOfAny(a, y, LogInTwo32(a));
     V power = ExpOfAny(product.sum, product.rest);

@@ -22,12 +22,17 @@ TZM_INLINE void Map(int32_t n, Function function, T* r, const Source*... a) {
     hn::StoreU(function(hn::LoadU(d, from)...), d, to);
   }, r, a...);
 }
-// A function of binary64 numbers for those of binary32, rounded once.
+// A function of two arguments for binary32: its steps on halves in binary64, rounded once.
 template <class Function>
-struct Rounded {
+struct InSteps {
   TZM_INLINE F operator()(F x, F y) const {
     const Halves a = Widen(x), b = Widen(y);
-    return NarrowPair(S(), Function()(a.low, b.low), Function()(a.high, b.high));
+    FirstStep low = Function::First(a.low, b.low), high = Function::First(a.high, b.high);
+    if (NotAll(hn::And(low.sure, high.sure))) {
+      low.value = hn::IfThenElse(low.sure, low.value, Function::Second(low.value, a.low, b.low));
+      high.value = hn::IfThenElse(high.sure, high.value, Function::Second(high.value, a.high, b.high));
+    }
+    return NarrowPair(S(), low.value, high.value);
   }
 };
 
@@ -61,9 +66,9 @@ ONE_SOURCE(Orva32f, vstan, Tan32())
 ONE_SOURCE(Orva64f, vdtan, Tan64())
 ONE_SOURCE(Orva32f, vsatan, Atan32())
 ONE_SOURCE(Orva64f, vdatan, Atan64())
-TWO_SOURCES(Orva32f, vsatan2, Rounded<Atan2_32>())
+TWO_SOURCES(Orva32f, vsatan2, InSteps<Atan2_32>())
 TWO_SOURCES(Orva64f, vdatan2, Atan2_64())
-TWO_SOURCES(Orva32f, vspow, Rounded<Pow32>())
+TWO_SOURCES(Orva32f, vspow, InSteps<Pow32>())
 TWO_SOURCES(Orva64f, vdpow, Pow64())
 
 #undef TWO_SOURCES
