@@ -10,13 +10,6 @@
 
 namespace tzm::fft {
 
-// By registers: an array of both is moved by smaller pieces, for which the next read of a register would wait.
-template <class D>
-TZM_INLINE void Copy(const Cx<D>& from, Cx<D>& to) {
-  to.re = from.re;
-  to.im = from.im;
-}
-
 // The levels of radix A and then of radix B; None are no levels.
 template <class A, class B>
 struct Chain {
@@ -74,7 +67,7 @@ void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* tw
     Cx<D> y[kRows];
     Side::template Run<D>(
         [&](Cx<D>* x, size_t part) TZM_LAMBDA {
-          Open(source, [&](const auto& from) TZM_LAMBDA {
+          Open<kRows % 2 == 1>(source, [&](const auto& from) TZM_LAMBDA {
             Unrolled<A::kRadix>([&](auto i) TZM_LAMBDA {
               x[i] = Load(d, from, at + (part + B::kRadix * i) * columns);
             });
@@ -139,7 +132,7 @@ void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddle
 
 // f(chain) for a side of so many points; nothing where it has no pass.
 template <class F>
-void WithColumns(size_t points, F&& f) {
+constexpr void WithColumns(size_t points, F&& f) {
   switch (points) {
     case 2: return f(Chain<Two, None>());
     case 3: return f(Chain<Odd<3>, None>());
@@ -161,7 +154,7 @@ void WithColumns(size_t points, F&& f) {
   }
 }
 template <class F>
-void WithRows(size_t points, F&& f) {
+constexpr void WithRows(size_t points, F&& f) {
   switch (points) {
     case 3: return f(Chain<Odd<3>, None>());
     case 5: return f(Chain<Odd<5>, None>());
@@ -180,22 +173,73 @@ void WithRows(size_t points, F&& f) {
   }
 }
 
+// How a length is cut, and for how many transforms at once.
+struct Cut {
+  size_t lanes = 0, rows = 0, columns = 0;  // no lanes: there are no such passes
+};
+
+// Whether a side of so many points may have passes for so many lanes: few lanes are for few points.
+constexpr bool Fits(size_t points, size_t lanes, size_t most) {
+  return points >= lanes && (lanes == most || points <= 8 * lanes);
+}
+
+// The cut of n with about the fewest operations, for at most kMost lanes.
+template <size_t kMost>
+constexpr Cut BestCut(size_t n) {
+  Cut best;
+  if (std::has_single_bit(n)) return best;
+  size_t least = SIZE_MAX, rows = 1;
+  for (size_t factor = 2; factor <= 13; ++factor) {
+    while (n / rows % factor == 0) {
+      rows *= factor;
+      if (rows % std::gcd(n, size_t{8}) != 0) continue;  // the first pass takes the levels without a table
+      const size_t columns = n / rows;
+      for (size_t lanes = 2; lanes <= kMost; lanes *= 2) {
+        if (!Fits(rows, lanes, kMost) || !Fits(columns, lanes, kMost)) continue;
+        size_t sides = 0, work = 0;
+        const auto add = [&](size_t transforms, size_t a, size_t b) {
+          const auto each = [](size_t radix) { return radix % 2 == 0 ? 3 * std::countr_zero(radix) : 2 * radix; };
+          work += (transforms + lanes - 1) / lanes * a * b * (8 + each(a) + each(b));
+          ++sides;
+        };
+        WithColumns(rows, [&]<class A, class B>(Chain<A, B>) { add(columns, A::kRadix, B::kRadix); });
+        WithRows(columns, [&]<class A, class B>(Chain<A, B>) { add(rows, A::kRadix, B::kRadix); });
+        if (sides == 2 && work < least) least = work, best = {lanes, rows, columns};
+      }
+    }
+  }
+  return best;
+}
+
+// The sides that occur in the cut of any length.
+template <size_t kMost>
+struct Sides {
+  static constexpr size_t kLongest = 40;
+  bool columns[kMost + 1][kLongest + 1] = {}, rows[kMost + 1][kLongest + 1] = {};
+
+  constexpr Sides() {
+    for (size_t a = 2; a <= kLongest; ++a) {
+      for (size_t b = 2; b <= kLongest; ++b) {
+        const Cut cut = BestCut<kMost>(a * b);
+        columns[cut.lanes][cut.rows] = rows[cut.lanes][cut.columns] = true;
+      }
+    }
+  }
+};
+template <size_t kMost>
+constexpr Sides<kMost> kSides;
+
 template <class T>
 class Grid final : public Complex<T> {
  public:
   // Null where there are no such passes.
   static std::unique_ptr<Complex<T>> Make(size_t n) {
-    if (std::has_single_bit(n)) return nullptr;
-    Plan best;
-    size_t rows = 1;
-    for (size_t factor : Factors(n)) {
-      rows *= factor;
-      if (rows % std::gcd(n, size_t{8}) != 0) continue;  // the first pass takes the levels without a table
-      Consider<2>(rows, n / rows, best);
-      if constexpr (kMost > 2) Consider<4>(rows, n / rows, best);
-      if constexpr (kMost > 4) Consider<8>(rows, n / rows, best);
-    }
-    return std::unique_ptr<Complex<T>>(best.lanes == 0 ? nullptr : new Grid(best));
+    const Cut cut = BestCut<kMost>(n);
+    Plan plan;
+    Choose<2>(cut, plan);
+    if constexpr (kMost > 2) Choose<4>(cut, plan);
+    if constexpr (kMost > 4) Choose<8>(cut, plan);
+    return std::unique_ptr<Complex<T>>(cut.lanes == 0 ? nullptr : new Grid(plan));
   }
 
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
@@ -205,46 +249,29 @@ class Grid final : public Complex<T> {
 
  private:
   static constexpr size_t kMost = std::min<size_t>(8, kLanes<Full<T>>);
-  // Whether a side of so many points has passes for so many lanes: few lanes are for few points.
-  static constexpr bool Fits(size_t points, size_t lanes) {
-    return points >= lanes && (lanes == kMost || points <= 8 * lanes);
-  }
 
-  struct Plan {
-    double cost = HUGE_VAL;
-    size_t lanes = 0, rows = 0, columns = 0;
+  struct Plan : Cut {
     size_t columnRadices[2] = {}, rowRadices[2] = {};
     void (*columnPass)(const View<const T>& in, T* matrix, size_t columns, const T* twiddles) = nullptr;
     void (*rowPass)(const T* matrix, const View<T>& out, size_t rows, const T* twiddles) = nullptr;
     size_t (*order)(size_t lane) = nullptr;
 
     size_t Blocks() const { return (rows + lanes - 1) / lanes; }
-    // About the number of operations.
-    double Work(size_t transforms, const size_t* radices) const {
-      double each = 8;
-      for (size_t k : {0, 1}) {
-        each += radices[k] % 2 == 0 ? 3 * std::log2(radices[k]) : 2 * radices[k];
-      }
-      return static_cast<double>((transforms + lanes - 1) / lanes * radices[0] * radices[1]) * each;
-    }
   };
 
   template <size_t kLane>
-  static void Consider(size_t rows, size_t columns, Plan& best) {
-    Plan plan;
-    plan.lanes = kLane, plan.rows = rows, plan.columns = columns;
+  static void Choose(const Cut& cut, Plan& plan) {
+    if (cut.lanes != kLane) return;
+    static_cast<Cut&>(plan) = cut;
     plan.order = InOrder<hn::CappedTag<T, kLane>>;
-    WithColumns(rows, [&]<class A, class B>(Chain<A, B>) {
+    WithColumns(cut.rows, [&]<class A, class B>(Chain<A, B>) {
       plan.columnRadices[0] = A::kRadix, plan.columnRadices[1] = B::kRadix;
-      if constexpr (Fits(A::kRadix * B::kRadix, kLane)) plan.columnPass = GridColumns<T, kLane, A, B>;
+      if constexpr (kSides<kMost>.columns[kLane][A::kRadix * B::kRadix]) plan.columnPass = GridColumns<T, kLane, A, B>;
     });
-    WithRows(columns, [&]<class A, class B>(Chain<A, B>) {
+    WithRows(cut.columns, [&]<class A, class B>(Chain<A, B>) {
       plan.rowRadices[0] = A::kRadix, plan.rowRadices[1] = B::kRadix;
-      if constexpr (Fits(A::kRadix * B::kRadix, kLane)) plan.rowPass = GridRows<T, kLane, A, B>;
+      if constexpr (kSides<kMost>.rows[kLane][A::kRadix * B::kRadix]) plan.rowPass = GridRows<T, kLane, A, B>;
     });
-    if (plan.columnPass == nullptr || plan.rowPass == nullptr) return;
-    plan.cost = plan.Work(columns, plan.columnRadices) + plan.Work(rows, plan.rowRadices);
-    if (plan.cost < best.cost) best = plan;
   }
 
   explicit Grid(const Plan& plan) : plan_(plan) {
@@ -253,13 +280,9 @@ class Grid final : public Complex<T> {
     rowTable_ = (2 * plan.rows + kLine - 1) / kLine * kLine;
     table_ = Table<T>(rowTable_ + plan.Blocks() * plan.columns * number);
     const Roots<T> roots(n);
-    // f(order, times, plus) for the twiddles of one radix.
-    const auto forEach = [](size_t radix, size_t s, auto f) {
-      if (radix > 1) WithLevels(radix, [&](auto levels) { levels.ForEachTwiddle(s, f); });
-    };
     T* to = table_.get();
     for (size_t k = 0; k < plan.columnRadices[0]; ++k) {
-      forEach(plan.columnRadices[1], plan.columnRadices[0], [&](size_t order, size_t times, size_t plus) {
+      ForEachTwiddle(plan.columnRadices[1], plan.columnRadices[0], [&](size_t order, size_t times, size_t plus) {
         const Number<T> w = roots(n / order * (times * k + plus));
         *to++ = w.re;
         *to++ = w.im;
@@ -277,8 +300,8 @@ class Grid final : public Complex<T> {
         }
         to += number;
       };
-      forEach(plan.rowRadices[0], plan.rows, put);
-      for (; k < plan.rowRadices[0]; ++k) forEach(plan.rowRadices[1], plan.rows * plan.rowRadices[0], put);
+      ForEachTwiddle(plan.rowRadices[0], plan.rows, put);
+      for (; k < plan.rowRadices[0]; ++k) ForEachTwiddle(plan.rowRadices[1], plan.rows * plan.rowRadices[0], put);
     }
   }
 

@@ -28,7 +28,7 @@ TZM_INLINE void StoreBlock(D d, const Cx<D>& x, T* to) {
 }
 
 // The caller's complex numbers: pairs; pairs with the parts exchanged, which make a forward transform an inverse one;
-// two arrays; or real parts alone. Of pairs, `re` is the array.
+// two arrays; or real parts alone, whose results are the pairs 0 ... n/2. Of pairs, `re` is the array.
 enum class Form { kPairs, kExchanged, kSplit, kReal };
 template <class T>
 struct Number {
@@ -123,28 +123,28 @@ template <Form kForm, class T>
 struct Array {
   T *re, *im;
 };
-// f(array) for a view, f(pointer) for the blocks of scratch memory.
-template <class T, class F>
+// f(array) for a view, f(pointer) for the blocks of scratch memory. kReal: the view may be of real parts alone.
+template <bool kReal = true, class T, class F>
 TZM_INLINE void Open(const View<T>& view, F&& f) {
   switch (view.form) {
     case Form::kPairs: return f(Array<Form::kPairs, T>{view.re, view.im});
     case Form::kExchanged: return f(Array<Form::kExchanged, T>{view.re, view.im});
     case Form::kSplit: return f(Array<Form::kSplit, T>{view.re, view.im});
     case Form::kReal:
-      if constexpr (std::is_const_v<T>) return f(Array<Form::kReal, T>{view.re, view.im});
+      if constexpr (kReal && std::is_const_v<T>) return f(Array<Form::kReal, T>{view.re, view.im});
   }
   __builtin_unreachable();  // nobody writes to real parts alone
 }
-template <class T, class F>
+template <bool kReal = true, class T, class F>
 TZM_INLINE void Open(T* blocks, F&& f) {
   f(blocks);
 }
 
-// f(in, out) for the views of one transform, which have the same form, save that real numbers give pairs.
-template <class T, class F>
+// f(in, out) for the views of one transform, which have the same form.
+template <bool kReal = true, class T, class F>
 TZM_INLINE void OpenBoth(const View<const T>& in, const View<T>& out, F&& f) {
-  Open(in, [&]<Form kForm>(const Array<kForm, const T>& from) {
-    f(from, Array<kForm == Form::kReal ? Form::kPairs : kForm, T>{out.re, out.im});
+  Open<kReal>(in, [&]<Form kForm>(const Array<kForm, const T>& from) {
+    f(from, Array<kForm, T>{out.re, out.im});
   });
 }
 
@@ -176,6 +176,25 @@ TZM_INLINE void Store(D d, const Cx<D>& x, const Array<kForm, T>& to, size_t at)
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void Store(D d, const Cx<D>& x, T* to, size_t at) {
   StoreBlock(d, x, to + at);
+}
+
+// The same of a View: each number asks for the form.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> Load(D d, const View<const T>& from, size_t at) {
+  Cx<D> x;
+  Open(from, [&](const auto& array) TZM_LAMBDA { x = Load(d, array, at); });
+  return x;
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void Store(D d, const Cx<D>& x, const View<T>& to, size_t at) {
+  Open(to, [&](const auto& array) TZM_LAMBDA { Store(d, x, array, at); });
+}
+
+// By registers: an array of both is moved by smaller pieces, for which the next read of a register would wait.
+template <class D>
+TZM_INLINE void Copy(const Cx<D>& from, Cx<D>& to) {
+  to.re = from.re;
+  to.im = from.im;
 }
 
 // Rows become columns in each 128-bit part of V registers, which brings the right parts together where there is one.

@@ -34,14 +34,7 @@ inline std::vector<size_t> Radices(size_t n, bool first) {
 }
 
 // A radix that has no pass of its own.
-struct AnyPrime {
-  size_t kRadix, kTwiddles = kRadix - 1;
-
-  template <class F>
-  void ForEachTwiddle(size_t s, F&& f) const {
-    for (size_t j = 1; j < kRadix; ++j) f(kRadix * s, j, 0);
-  }
-};
+struct AnyPrime {};
 
 // f(levels) for the levels of a radix.
 template <class F>
@@ -55,16 +48,16 @@ void WithLevels(size_t radix, F&& f) {
     case 7: return f(Odd<7>());
     case 11: return f(Odd<11>());
     case 13: return f(Odd<13>());
-    default: return f(AnyPrime{radix});
+    default: return f(AnyPrime());
   }
 }
 
-// The factors of a pass along rows `row` ... `row` + V - 1 of n1 in the lanes, after `s` results of each: kTwiddles
-// blocks for each of the s. Beyond the last row they are the last one's.
+// The factors of a pass along rows `row` ... `row` + V - 1 of n1 in the lanes, after `s` results of each: the
+// blocks of a butterfly for each of the s. Beyond the last row they are the last one's.
 template <class D, class T = hn::TFromD<D>>
-T* TabulateRows(D, const Roots<T>& roots, const auto& levels, size_t n, size_t n1, size_t s, size_t row, T* to) {
+T* TabulateRows(D, const Roots<T>& roots, size_t radix, size_t n, size_t n1, size_t s, size_t row, T* to) {
   for (size_t k = 0; k < s; ++k) {
-    levels.ForEachTwiddle(n1 * s, [&](size_t order, size_t times, size_t plus) {
+    ForEachTwiddle(radix, n1 * s, [&](size_t order, size_t times, size_t plus) {
       for (size_t lane = 0; lane < kLanes<D>; ++lane) {
         const size_t own = std::min(row + InOrder<D>(lane), n1 - 1);
         const Number<T> w = roots(n / order * (times * (own + n1 * k) + plus));
@@ -181,38 +174,36 @@ class Matrix final : public Complex<T> {
     size_t count = 0, s = 1;
     for (Step& step : columnSteps_) {
       step.twiddles = count;
-      if (s > 1) WithLevels(step.radix, [&](auto levels) { count += 2 * levels.kTwiddles * s; });
+      if (s > 1) count += 2 * TwiddleCount(step.radix) * s;
       s *= step.radix;
     }
     const size_t columns = count = RoundUp(count);
     s = 1;
     for (Step& step : rowSteps_) {
       step.twiddles = count;
-      WithLevels(step.radix, [&](auto levels) { count += kNumber * levels.kTwiddles * s; });
+      count += kNumber * TwiddleCount(step.radix) * s;
       s *= step.radix;
     }
     tableBlock_ = count - columns;
     table_ = Table<T>(columns + blocks_ * tableBlock_);
 
-    const auto root = [&](size_t order, size_t power) { return roots(n_ / order * power); };
     s = 1;
     for (const Step& step : columnSteps_) {
       T* to = table_.get() + step.twiddles;
-      if (s > 1) WithLevels(step.radix, [&](auto levels) {
-        for (size_t k = 0; k < s; ++k) levels.ForEachTwiddle(s, [&](size_t order, size_t times, size_t plus) {
-          const Number<T> w = root(order, times * k + plus);
+      for (size_t k = 0; k < s && s > 1; ++k) {
+        ForEachTwiddle(step.radix, s, [&](size_t order, size_t times, size_t plus) {
+          const Number<T> w = roots(n_ / order * (times * k + plus));
           *to++ = w.re;
           *to++ = w.im;
         });
-      });
+      }
       s *= step.radix;
     }
     for (size_t block = 0; block < blocks_; ++block) {
       s = 1;
       for (const Step& step : rowSteps_) {
         T* const to = table_.get() + step.twiddles + block * tableBlock_;
-        WithLevels(step.radix,
-                   [&](auto levels) { TabulateRows(D(), roots, levels, n_, n1_, s, BlockStart(block), to); });
+        TabulateRows(D(), roots, step.radix, n_, n1_, s, BlockStart(block), to);
         s *= step.radix;
       }
     }
@@ -259,7 +250,7 @@ class Matrix final : public Complex<T> {
     const D d;
     const size_t first = group * kStrip, end = std::min(first + kStrip, strips_);
     if (IsFused()) {
-      Open(job.in, [&](const auto& from) {
+      Open<false>(job.in, [&](const auto& from) {
         PassTransposed<Fused>(d, from, job.matrix, n2_, first * kLane, std::min(end * kLane, n2_), part_);
       });
       return;
@@ -349,18 +340,16 @@ class Matrix final : public Complex<T> {
             T* work) const {
     const D d;
     WithLevels(step.radix, [&]<class Levels>(const Levels&) {
-      Open(in, [&](const auto& from) {
-        Open(out, [&](const auto& to) {
-          if constexpr (std::is_same_v<Levels, AnyPrime>) {
-            const auto prime = std::find_if(primes_.begin(), primes_.end(),
-                                            [&](const auto& other) { return other.p() == step.radix; });
-            PassPrime<kKind>(d, *prime, from, to, shape, twiddles, work);
-          } else {
-            constexpr bool kMiddle = kKind == Twiddles::kLanes && std::is_pointer_v<std::remove_cvref_t<decltype(out)>>;
-            Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles);
-          }
+      constexpr bool kMiddle = kKind == Twiddles::kLanes && std::is_pointer_v<std::remove_cvref_t<decltype(out)>>;
+      if constexpr (std::is_same_v<Levels, AnyPrime>) {
+        const auto prime = std::find_if(primes_.begin(), primes_.end(),
+                                        [&](const auto& other) { return other.p() == step.radix; });
+        PassPrime<kKind>(d, *prime, in, out, shape, twiddles, work);
+      } else {
+        Open<Levels::kRadix % 2 == 1>(in, [&](const auto& from) {
+          Open(out, [&](const auto& to) { Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles); });
         });
-      });
+      }
     });
   }
 

@@ -5,6 +5,7 @@
 #include "lanes.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tzm::fft {
 
@@ -63,11 +64,24 @@ TZM_INLINE void CombineQuarter(Cx<D>& a, Cx<D>& b, Vec<D> c) {
 template <class Load>
 using Loaded = std::remove_cvref_t<decltype(std::declval<Load>()(Constant<0>()))>;
 
+// The factors of a butterfly of the levels of a radix, the first of which takes transforms of s points each. Of the
+// results k of these they are f(order, times, plus): the root of that order to the power times * k + plus.
+constexpr size_t TwiddleCount(size_t radix) { return radix % 2 == 0 ? radix / 2 : radix - 1; }
+template <class F>
+void ForEachTwiddle(size_t radix, size_t s, F&& f) {
+  if (radix % 2 == 1) {
+    for (size_t j = 1; j < radix; ++j) f(radix * s, j, 0);
+    return;
+  }
+  for (size_t half = 1; half < radix; half *= 2)
+    for (size_t i = 0; i < (half + 1) / 2; ++i) f(2 * half * s, 1, i * s);
+}
+
 // 2^L points as L levels of radix 2. load(i) gives point i, and store(t, x) takes result t, of constants i and t.
 template <size_t L>
 struct PowerOfTwo {
   static constexpr size_t kRadix = size_t{1} << L;
-  static constexpr size_t kTwiddles = kRadix / 2;
+  static constexpr size_t kTwiddles = TwiddleCount(kRadix);
 
   // The first levels of the graph.
   template <class D>
@@ -90,7 +104,7 @@ struct PowerOfTwo {
       }
     };
     Loaded<decltype(load)> x[kRadix];
-    Walk<L, 0>(x, load, combine, store);
+    Walk(x, load, combine, store);
   }
 
   // Later levels: `twiddle` is a function of the number, of kTwiddles.
@@ -103,14 +117,7 @@ struct PowerOfTwo {
         Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(w, x[i + half / 2 + half]));
     };
     Cx<D> x[kRadix];
-    Walk<L, 0>(x, load, combine, store);
-  }
-
-  // Of sub-transforms of s points the twiddle of element k: its root as (order, power).
-  template <class F>
-  static void ForEachTwiddle(size_t s, F&& f) {
-    for (size_t half = 1; half < kRadix; half *= 2)
-      for (size_t i = 0; i < (half > 1 ? half / 2 : 1); ++i) f(2 * half * s, 1, i * s);
+    Walk(x, load, combine, store);
   }
 
  private:
@@ -120,25 +127,37 @@ struct PowerOfTwo {
     return reversed;
   }
 
-  // The first levels over x[0 ... 2^kLevels - 1], which take the points in the order of reversed bits, depth first:
-  // that keeps the fewest numbers alive.
-  template <size_t kLevels, size_t kAt>
-  static TZM_INLINE void Walk(auto* x, const auto& load, const auto& combine, const auto& store) {
-    if constexpr (kLevels == 0) {
-      x[0] = load(Constant<Reversed(kAt)>());
-      if constexpr (L == 0) store(Constant<0>(), x[0]);
-    } else {
-      constexpr size_t kHalf = size_t{1} << (kLevels - 1);
-      Walk<kLevels - 1, kAt>(x, load, combine, store);
-      Walk<kLevels - 1, kAt + kHalf>(x + kHalf, load, combine, store);
-      Unrolled<(kHalf + 1) / 2>([&](auto i) TZM_LAMBDA {
-        combine(Constant<kHalf>(), i, x);
-        if constexpr (kLevels == L) Unrolled<std::min<size_t>(4, kRadix)>([&](auto k) TZM_LAMBDA {
-          constexpr size_t kPlace = i + k * (kRadix > 2 ? kHalf / 2 : 1);
-          store(Constant<kPlace>(), x[kPlace]);
-        });
-      });
+  // What is done at x + at: point `at` is loaded where `half` is 0, else numbers i and i + half are combined, and those
+  // half / 2 behind them.
+  struct Step {
+    size_t half, at, i;
+  };
+  // x takes the points in the order of reversed bits, and a level as soon as its points are there: depth first, which
+  // keeps the fewest numbers alive.
+  static constexpr size_t kLoads = kRadix, kCombines = L < 2 ? L : kRadix / 4 * (L + 1);
+  static constexpr std::array<Step, kLoads + kCombines> Steps() {
+    std::array<Step, kLoads + kCombines> steps = {};
+    size_t count = 0;
+    for (size_t end = 1; end <= kRadix; ++end) {
+      steps[count++] = {0, end - 1, 0};
+      for (size_t half = 1; end % (2 * half) == 0; half *= 2)
+        for (size_t i = 0; i < (half + 1) / 2; ++i) steps[count++] = {half, end - 2 * half, i};
     }
+    return steps;
+  }
+
+  static TZM_INLINE void Walk(auto* x, const auto& load, const auto& combine, const auto& store) {
+    static constexpr auto kSteps = Steps();
+    Unrolled<kSteps.size()>([&](auto k) TZM_LAMBDA {
+      constexpr Step kStep = kSteps[k];
+      if constexpr (kStep.half == 0) x[kStep.at] = load(Constant<Reversed(kStep.at)>());
+      else combine(Constant<kStep.half>(), Constant<kStep.i>(), x + kStep.at);
+      if constexpr (L == 0) store(Constant<0>(), x[0]);
+      if constexpr (L > 0 && kStep.half == kRadix / 2) Unrolled<std::min<size_t>(4, kRadix)>([&](auto part) TZM_LAMBDA {
+        constexpr size_t kPlace = kStep.i + part * (kRadix > 2 ? kRadix / 4 : 1);
+        store(Constant<kPlace>(), x[kPlace]);
+      });
+    });
   }
 };
 
@@ -175,7 +194,7 @@ TZM_CIRCLE(13, {}, TZM_TURN(0.8854560256532098959, 0.46472317204376854566),
 template <size_t R>
 struct Odd {
   static constexpr size_t kRadix = R;
-  static constexpr size_t kTwiddles = R - 1;
+  static constexpr size_t kTwiddles = TwiddleCount(R);
 
   template <class D>
   static TZM_INLINE void First(D d, auto load, auto store) {
@@ -215,11 +234,6 @@ struct Odd {
       else return Product(twiddle(j - 1), load(j));
     };
     First(d, turned, store);
-  }
-
-  template <class F>
-  static void ForEachTwiddle(size_t s, F&& f) {
-    for (size_t j = 1; j < R; ++j) f(R * s, j, 0);
   }
 };
 

@@ -10,7 +10,7 @@
 
 namespace tzm::fft {
 
-// An even length above 16 through a complex transform of half of it, another through one of its own length.
+// An even length above kLongestWhole through a complex transform of half of it, another through one of its own length.
 template <class T>
 class Real {
   static constexpr size_t kShort = 32;  // points that are not halved and need no work area
@@ -39,10 +39,8 @@ class Real {
 
   void Forward(const T* in, T* out, T* scratch, Helpers& helpers) const {
     if (!IsHalved()) {
-      T few[2 * kShort];
-      T* const whole = n_ <= kShort ? few : scratch;
-      complex_->Run({Form::kReal, in, nullptr}, {Form::kPairs, whole, nullptr}, Rest(scratch), helpers);
-      std::memcpy(static_cast<void*>(out), whole, 2 * (half_ + 1) * sizeof(T));
+      if (!complex_->StoresHalf()) TakeHalf(in, out, scratch, helpers);
+      else complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, nullptr, helpers);
       StoreElement(T{0}, out + 1);
       if (n_ % 2 == 0) StoreElement(T{0}, out + n_ + 1);
       return;
@@ -100,8 +98,16 @@ class Real {
   }
 
  private:
-  bool IsHalved() const { return n_ % 2 == 0 && n_ > 16; }
+  bool IsHalved() const { return n_ % 2 == 0 && n_ > kLongestWhole; }
   T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
+
+  // The pairs 0 ... n/2 of all.
+  void TakeHalf(const T* in, T* out, T* scratch, Helpers& helpers) const {
+    T few[2 * kShort];
+    T* const whole = n_ <= kShort ? few : scratch;
+    complex_->Run({Form::kReal, in, nullptr}, {Form::kPairs, whole, nullptr}, Rest(scratch), helpers);
+    std::memcpy(static_cast<void*>(out), whole, 2 * (half_ + 1) * sizeof(T));
+  }
 
   // f(tag) with as many lanes as there are pairs to fill.
   static void WithLanes(size_t pairs, auto f) {

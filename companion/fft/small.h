@@ -13,17 +13,20 @@ class Small final : public Complex<T> {
   using Columns = PowerOfTwo<kColumns>;
   static constexpr size_t kNumber = kBlock<D>, kLanes = fft::kLanes<D>;
   static constexpr size_t kTable = Columns::kTwiddles * kNumber;
+  static constexpr size_t kPoints = Rows::kRadix * Columns::kRadix;
+  static constexpr bool kReal = kPoints <= kLongestWhole;
 
  public:
   Small() {
-    const Roots<T> roots(Rows::kRadix * Columns::kRadix);
+    this->storesHalf_ = kReal;
+    const Roots<T> roots(kPoints);
     T* to = table_;
     for (size_t row = 0; row < Rows::kRadix; row += kLanes)
-      to = TabulateRows(D(), roots, Columns(), Rows::kRadix * Columns::kRadix, Rows::kRadix, 1, row, to);
+      to = TabulateRows(D(), roots, Columns::kRadix, kPoints, Rows::kRadix, 1, row, to);
   }
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
-    OpenBoth(in, out, [&](const auto& from, const auto& to) { Run(from, to); });
+    OpenBoth<kReal>(in, out, [&](const auto& from, const auto& to) { Run(from, to); });
   }
 
  private:
@@ -49,8 +52,21 @@ class Small final : public Complex<T> {
     Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
       Columns::Next(d, [&](auto i) TZM_LAMBDA { return matrix[block][i]; },
                     [&](size_t q) TZM_LAMBDA { return LoadBlock(d, table_ + block * kTable + q * kNumber); },
-                    [&](auto t, const Cx<D>& x) TZM_LAMBDA { Store(d, x, to, block * kLanes + t * kRowCount); });
+                    [&](auto t, const Cx<D>& x) TZM_LAMBDA { Put<block * kLanes + t * kRowCount>(d, x, to); });
     });
+  }
+
+  // The results from kAt on.
+  template <size_t kAt, Form kForm>
+  static TZM_INLINE void Put(D d, const Cx<D>& x, const Array<kForm, T>& to) {
+    if constexpr (kForm != Form::kReal) {
+      Store(d, x, to, kAt);
+    } else if constexpr (kAt < kPoints / 2) {
+      Store(d, x, Array<Form::kPairs, T>{to.re, nullptr}, kAt);
+    } else if constexpr (kAt == kPoints / 2) {
+      StoreElement(hn::GetLane(x.re), to.re + 2 * kAt);
+      StoreElement(hn::GetLane(x.im), to.re + 2 * kAt + 1);
+    }
   }
 
   alignas(kLine) T table_[Rows::kRadix / kLanes * kTable];
@@ -74,12 +90,12 @@ class Fixed final : public Complex<T> {
     T* to = table_.get();
     for (size_t row = 0; row < kRows; row += kLanes<D>) {
       s = 1;
-      ((to = TabulateRows(D(), roots, PowerOfTwo<kLater>(), kRows * kColumns, kRows, s, row, to), s <<= kLater), ...);
+      ((to = TabulateRows(D(), roots, size_t{1} << kLater, kRows * kColumns, kRows, s, row, to), s <<= kLater), ...);
     }
   }
 
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
-    Open(in, [&](const auto& from) TZM_LAMBDA {
+    Open<false>(in, [&](const auto& from) TZM_LAMBDA {
       PassTransposed<PowerOfTwo<kFirst>>(D(), from, scratch + kPart, kColumns, 0, kColumns, kPart);
     });
     const T* table = table_.get();
@@ -160,9 +176,11 @@ TZM_INLINE Single<D> LoadSingle(D d, const Array<kForm, const T>& from, size_t k
   if constexpr (kForm == Form::kReal) return {hn::InterleaveLower(d, re, hn::Zero(d))};
   else return {hn::InterleaveLower(d, re, hn::Set(d, LoadElement(from.im + k)))};
 }
-template <Form kForm, class D, class T = hn::TFromD<D>>
-TZM_INLINE void StoreSingle(D d, const Single<D>& x, const Array<kForm, T>& to, size_t k) {
-  if constexpr (kForm == Form::kPairs) {
+// Result k of n.
+template <size_t n, size_t k, Form kForm, class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreSingle(D d, const Single<D>& x, const Array<kForm, T>& to) {
+  if constexpr (kForm == Form::kReal && k > n / 2) return;
+  if constexpr (kForm == Form::kPairs || kForm == Form::kReal) {
     hn::StoreU(x.parts, d, to.re + 2 * k);
   } else if constexpr (kForm == Form::kExchanged) {
     hn::StoreU(hn::Reverse2(d, x.parts), d, to.re + 2 * k);
@@ -178,13 +196,14 @@ class Tiny final : public Complex<T> {
   using D = hn::CappedTag<T, 2>;
 
  public:
+  Tiny() { this->storesHalf_ = true; }
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
     OpenBoth(in, out, [](const auto& from, const auto& to) TZM_LAMBDA {
       const D d;
       Single<D> x[Levels::kRadix];
       Unrolled<Levels::kRadix>([&](auto i) TZM_LAMBDA { x[i] = LoadSingle(d, from, i); });
       Levels::First(d, [&](auto i) TZM_LAMBDA { return x[i]; },
-                    [&](auto t, const Single<D>& result) TZM_LAMBDA { StoreSingle(d, result, to, t); });
+                    [&](auto t, const Single<D>& result) TZM_LAMBDA { StoreSingle<Levels::kRadix, t>(d, result, to); });
     });
   }
 };
@@ -201,10 +220,12 @@ class Coprime final : public Complex<T> {
     while (k % B != j) k += A;
     return k;
   }
+  static constexpr bool kReal = A * B <= kLongestWhole;
 
  public:
+  Coprime() { this->storesHalf_ = kReal; }
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
-    OpenBoth(in, out, [](const auto& from, const auto& to) TZM_LAMBDA {
+    OpenBoth<kReal>(in, out, [](const auto& from, const auto& to) TZM_LAMBDA {
       const D d;
       Single<D> x[A][B];
       Unrolled<B>([&](auto j) TZM_LAMBDA {
@@ -213,7 +234,9 @@ class Coprime final : public Complex<T> {
       });
       Unrolled<A>([&](auto i) TZM_LAMBDA {
         ByB::First(d, [&](auto j) TZM_LAMBDA { return x[i][j]; },
-                   [&](auto t, const Single<D>& result) TZM_LAMBDA { StoreSingle(d, result, to, Remaining(i, t)); });
+                   [&](auto t, const Single<D>& result) TZM_LAMBDA {
+          StoreSingle<A * B, Remaining(i, t)>(d, result, to);
+        });
       });
     });
   }

@@ -12,6 +12,9 @@ namespace tzm::fft {
 
 constexpr size_t kLine = 64;  // bytes
 
+// Real transforms of longer even lengths are complex ones of half the length, all others complex ones of real parts.
+constexpr size_t kLongestWhole = 16;
+
 // Aligned memory that is not initialised.
 template <class T>
 class Table {
@@ -36,9 +39,11 @@ class Complex {
   // `scratch` has room for as many T as Scratch() says, on a cache line.
   virtual void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers& helpers) const = 0;
   size_t Scratch() const { return scratch_; }
+  bool StoresHalf() const { return storesHalf_; }
 
  protected:
   size_t scratch_ = 0;
+  bool storesHalf_ = false;  // of real numbers the pairs 0 ... n/2; the others store all pairs, as Form::kPairs
 };
 
 template <class T>
