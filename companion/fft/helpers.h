@@ -1,10 +1,12 @@
 // Threads that help with the parallel loops of long transforms. The calling thread takes jobs itself, one after the
 // other, and a helper takes one only when it has a processor to run on. So a helper that gets none holds nobody up:
-// a team with a job for each of its threads waits for the slowest, on a busy machine a hundred times as long.
+// a team with a job for each of its threads waits for the slowest, on a busy machine a hundred times as long. A helper
+// that loses its processor amid a job still does: whom it held up goes on alone for a while.
 #pragma once
 
 #include <pthread.h>
 #include <signal.h>
+#include <time.h>
 
 #include <algorithm>
 #include <atomic>
@@ -27,9 +29,31 @@ class Helpers {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
   }
 
-  // Calls work(context, 0), work(context, 1) ... `count` times; all of it is done when this returns.
-  void Run(size_t count, void (*work)(const void* context, size_t job), const void* context) {
-    Loop loop{work, context, count};
+  // What the loops of one plan have met with.
+  class Experience {
+   public:
+    bool Rests() const { return Time(CLOCK_MONOTONIC) < rest_.load(std::memory_order_relaxed); }
+    // A loop took `spent` nanoseconds, and would have taken `alone` without helpers. After a loss there is a rest of so
+    // many times its length, which keeps losses a small part of the time.
+    void Note(int64_t spent, int64_t alone) {
+      constexpr int64_t kTimes = 32;
+      if (spent > alone) rest_.store(Time(CLOCK_MONOTONIC) + kTimes * (spent - alone), std::memory_order_relaxed);
+    }
+
+   private:
+    std::atomic<int64_t> rest_ = 0;  // its end
+  };
+
+  // Calls work(context, job, worker) for each of `count` jobs; all is done when this returns. Threads that work at the
+  // same time have different numbers `worker`, below `workers`.
+  using Work = void(const void* context, size_t job, size_t worker);
+  void Run(size_t count, size_t workers, Work* work, const void* context, Experience& experience) {
+    if (workers == 1 || experience.Rests()) {
+      for (size_t job = 0; job < count; ++job) work(context, job, 0);
+      return;
+    }
+    const int64_t start = Time(CLOCK_MONOTONIC), before = Time(CLOCK_THREAD_CPUTIME_ID);
+    Loop loop{work, context, count, workers};
     {
       const std::lock_guard guard(lock_);
       loop.later = loops_;
@@ -37,7 +61,8 @@ class Helpers {
     }
     ++posted_;
     posted_.notify_all();
-    loop.TakeJobs();
+    const auto own = static_cast<int64_t>(loop.TakeJobs(0));
+    const int64_t worked = Time(CLOCK_THREAD_CPUTIME_ID) - before;
     {
       const std::lock_guard guard(lock_);
       Loop** link = &loops_;
@@ -45,6 +70,7 @@ class Helpers {
       *link = loop.later;
     }
     while (const int inside = loop.helpers) Await(loop.helpers, inside);
+    if (own > 0) experience.Note(Time(CLOCK_MONOTONIC) - start, worked / own * static_cast<int64_t>(count));
     const std::lock_guard guard(lock_);  // the last helper has let go of the loop
   }
 
@@ -69,17 +95,27 @@ class Helpers {
   static constexpr std::chrono::microseconds kAwake{50};
 
   struct Loop {
-    void (*work)(const void* context, size_t job);
+    Work* work;
     const void* context;
-    size_t count;
+    size_t count, workers;
     std::atomic<size_t> taken = 0;
+    size_t numbered = 1;           // workers with a number; the caller is 0
     std::atomic<int> helpers = 0;  // threads that take jobs of it
     Loop* later = nullptr;
 
-    void TakeJobs() {
-      for (size_t k; (k = taken++) < count;) work(context, k);
+    // Returns how many.
+    size_t TakeJobs(size_t worker) {
+      size_t done = 0;
+      for (size_t job; (job = taken++) < count; ++done) work(context, job, worker);
+      return done;
     }
   };
+
+  static int64_t Time(clockid_t clock) {
+    timespec time;
+    clock_gettime(clock, &time);
+    return int64_t{1000000000} * time.tv_sec + time.tv_nsec;
+  }
 
   // Returns when `value` is no longer `old`: soon, or after a sleep.
   static void Await(const std::atomic<int>& value, int old) {
@@ -89,12 +125,14 @@ class Helpers {
     }
   }
 
-  // A loop with jobs left, or null.
-  Loop* Join() {
+  // A loop with jobs and a number left, or null.
+  Loop* Join(size_t& worker) {
     const std::lock_guard guard(lock_);
     Loop* loop = loops_;
-    while (loop != nullptr && loop->taken >= loop->count) loop = loop->later;
-    if (loop != nullptr) ++loop->helpers;
+    while (loop != nullptr && (loop->taken >= loop->count || loop->numbered == loop->workers)) loop = loop->later;
+    if (loop == nullptr) return nullptr;
+    ++loop->helpers;
+    worker = loop->numbered++;
     return loop;
   }
 
@@ -108,8 +146,9 @@ class Helpers {
     for (;;) {
       const int seen = posted_;
       if (stopped_) return;
-      if (Loop* loop = Join()) {
-        loop->TakeJobs();
+      size_t worker;
+      if (Loop* loop = Join(worker)) {
+        loop->TakeJobs(worker);
         Leave(*loop);
       } else {
         Await(posted_, seen);

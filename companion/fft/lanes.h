@@ -102,10 +102,36 @@ TZM_INLINE Vec<D> ToMemory(D d, Vec<D> v) {
   else return FromMemory(d, v);  // its own inverse in 256 bits
 }
 
+// Two numbers of binary32 are half a register, whose instructions x86 has to make up from those for a whole one.
+template <class D>
+constexpr bool kHalfRegister = HWY_ARCH_X86 && sizeof(hn::TFromD<D>) == 4 && kLanes<D> == 2;
+#if HWY_ARCH_X86
+// The two upper lanes, as two lanes.
+template <class D>
+TZM_INLINE Vec<D> Upper(D, __m128 v) {
+  return Vec<D>{_mm_movehl_ps(v, v)};
+}
+#endif
+template <class D>
+TZM_INLINE Vec<D> InterleaveUpper(D d, Vec<D> a, Vec<D> b) {
+#if HWY_ARCH_X86
+  if constexpr (kHalfRegister<D>) return Upper(d, _mm_unpacklo_ps(a.raw, b.raw));
+#endif
+  return hn::InterleaveUpper(d, a, b);
+}
+
 // Pairs in memory to and from registers. (A capped register of binary32 has no LoadParts in the machine's order.)
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> LoadPairs(D d, const T* from) {
   Cx<D> x;
+#if HWY_ARCH_X86
+  if constexpr (kHalfRegister<D>) {
+    const __m128 pairs = _mm_loadu_ps(from), parts = _mm_shuffle_ps(pairs, pairs, 0xd8);
+    x.re.raw = parts;
+    x.im = Upper(d, parts);
+    return x;
+  }
+#endif
 #if HWY_TARGET <= HWY_AVX3
   if constexpr (sizeof(T) == 4 && kLanes<D> == 8) {
     const __m256 first = _mm256_loadu_ps(from), second = _mm256_loadu_ps(from + 8);
@@ -116,6 +142,13 @@ TZM_INLINE Cx<D> LoadPairs(D d, const T* from) {
 #endif
   LoadParts(d, from, x.re, x.im);
   return x;
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StorePairs(D d, Vec<D> re, Vec<D> im, T* to) {
+#if HWY_ARCH_X86
+  if constexpr (kHalfRegister<D>) return _mm_storeu_ps(to, _mm_unpacklo_ps(re.raw, im.raw));
+#endif
+  StoreParts(re, im, d, to);
 }
 
 // A View whose form the compiler knows.
@@ -165,9 +198,9 @@ TZM_INLINE Cx<D> Load(D d, const T* from, size_t at) {
 template <Form kForm, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Store(D d, const Cx<D>& x, const Array<kForm, T>& to, size_t at) {
   if constexpr (kForm == Form::kPairs) {
-    StoreParts(x.re, x.im, d, to.re + 2 * at);
+    StorePairs(d, x.re, x.im, to.re + 2 * at);
   } else if constexpr (kForm == Form::kExchanged) {
-    StoreParts(x.im, x.re, d, to.re + 2 * at);
+    StorePairs(d, x.im, x.re, to.re + 2 * at);
   } else {
     hn::StoreU(ToMemory(d, x.re), d, to.re + at);
     hn::StoreU(ToMemory(d, x.im), d, to.im + at);
@@ -204,7 +237,7 @@ TZM_INLINE void TransposeParts(D d, Vec<D>* x) {
   if constexpr (kPart == 2 || kLanes<D> == 2) {
     Unrolled<kLanes<D> / 2>([&](auto g) TZM_LAMBDA {
       const auto low = hn::InterleaveLower(d, x[2 * g], x[2 * g + 1]);
-      x[2 * g + 1] = hn::InterleaveUpper(d, x[2 * g], x[2 * g + 1]);
+      x[2 * g + 1] = InterleaveUpper(d, x[2 * g], x[2 * g + 1]);
       x[2 * g] = low;
     });
   } else {

@@ -103,21 +103,9 @@ class Matrix final : public Complex<T> {
     View<const T> from = in;
     if (narrow_ != 0) from = Widened(in, scratch);
     T* const matrix = scratch + RoundUp(narrow_);
-    const Job columns = {*this, from, out, matrix, (strips_ + kStrip - 1) / kStrip};
-    const Job rows = {*this, from, out, matrix, (blocks_ + kStrip - 1) / kStrip};
-    if (workers_ == 1) {
-      for (size_t k = 0; k < columns.groups; ++k) Columns(columns, k, Worker(matrix, 0));
-      for (size_t k = 0; k < rows.groups; ++k) RowsOf(rows, k, Worker(matrix, 0));
-      return;
-    }
-    helpers.Run(workers_, [](const void* context, size_t worker) {
-      const Job& job = *static_cast<const Job*>(context);
-      job.self.template Share<&Matrix::Columns>(job, worker);
-    }, &columns);
-    helpers.Run(workers_, [](const void* context, size_t worker) {
-      const Job& job = *static_cast<const Job*>(context);
-      job.self.template Share<&Matrix::RowsOf>(job, worker);
-    }, &rows);
+    const Job job = {*this, from, out, matrix};
+    ForEach<&Matrix::Columns>(job, strips_, helpers);
+    ForEach<&Matrix::RowsOf>(job, blocks_, helpers);
   }
 
  private:
@@ -132,7 +120,6 @@ class Matrix final : public Complex<T> {
     View<const T> in;
     View<T> out;
     T* matrix;
-    size_t groups;
   };
 
   static size_t RoundUp(size_t count) {
@@ -143,10 +130,14 @@ class Matrix final : public Complex<T> {
   T* Worker(T* matrix, size_t worker) const {
     return matrix + RoundUp(blocks_ * part_) + worker * RoundUp(worker_);
   }
+  // The strips or the blocks, in groups of kStrip.
   template <auto kWork>
-  void Share(const Job& job, size_t worker) const {
-    const size_t first = job.groups * worker / workers_, end = job.groups * (worker + 1) / workers_;
-    for (size_t k = first; k < end; ++k) (this->*kWork)(job, k, Worker(job.matrix, worker));
+  void ForEach(const Job& job, size_t count, Helpers& helpers) const {
+    const auto work = [](const void* context, size_t group, size_t worker) {
+      const Job& job = *static_cast<const Job*>(context);
+      (job.self.*kWork)(job, group, job.self.Worker(job.matrix, worker));
+    };
+    helpers.Run((count + kStrip - 1) / kStrip, workers_, work, &job, experience_);
   }
 
   // The number of rows: what makes the fewest registers, or about as many as columns where the matrix leaves the cache.
@@ -360,6 +351,7 @@ class Matrix final : public Complex<T> {
   std::vector<Step> columnSteps_, rowSteps_;
   std::vector<Prime<T>> primes_;
   Table<T> table_;
+  mutable Helpers::Experience experience_;
 };
 
 }  // namespace tzm::fft
