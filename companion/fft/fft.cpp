@@ -242,13 +242,13 @@ template <class T>
 void ExecuteForward(const typename Record<T>::Plan& plan, const T* in, T* out) {
   const Record<T>& record = *plan.record;
   if (record.areas.bytes() == 0) return record.real->Forward(in, out, nullptr, helpers);
-  record.WithScratch([&](T* scratch) { record.real->Forward(in, out, scratch, helpers); });
+  record.WithScratch([=, &record](T* scratch) { record.real->Forward(in, out, scratch, helpers); });
 }
 template <class T>
 void ExecuteInverse(const typename Record<T>::Plan& plan, const T* in, T* out) {
   const Record<T>& record = *plan.record;
   if (record.areas.bytes() == 0) return record.real->Inverse(in, out, nullptr, helpers);
-  record.WithScratch([&](T* scratch) { record.real->Inverse(in, out, scratch, helpers); });
+  record.WithScratch([=, &record](T* scratch) { record.real->Inverse(in, out, scratch, helpers); });
 }
 template <class T>
 void ExecuteSplit(const typename Record<T>::Plan& plan, const T* ri, const T* ii, T* ro, T* io) {

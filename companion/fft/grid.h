@@ -26,23 +26,29 @@ struct Chain {
     };
     Cx<D> x[A::kRadix];
     if constexpr (B::kRadix == 1) {
-      load(x, size_t{0});
+      load(x, Constant<0>());
       first(get(x), put(x));
-      store(x, size_t{0});
+      store(x, Constant<0>());
       return;
     }
     Cx<D> middle[kRadix], y[B::kRadix];
-    for (size_t part = 0; part < B::kRadix; ++part) {
+    Repeat<B::kRadix>([&](auto part) TZM_LAMBDA {
       load(x, part);
       first(get(x), put(middle + part * A::kRadix));
-    }
-    for (size_t k = 0; k < A::kRadix; ++k) {
+    });
+    Repeat<A::kRadix>([&](auto k) TZM_LAMBDA {
       second(k, [&](auto part) TZM_LAMBDA {
         const Cx<D>& number = middle[part * A::kRadix + k];
         return Cx<D>{number.re, number.im};
       }, put(y));
       store(y, k);
-    }
+    });
+  }
+  // f(0) ... f(kCount - 1), written out where a side has few points: the processor mispredicts short loops.
+  template <size_t kCount, class F>
+  static TZM_INLINE void Repeat(F&& f) {
+    if constexpr (kRadix <= 15) Unrolled<kCount>(f);
+    else for (size_t k = 0; k < kCount; ++k) f(k);
   }
   static constexpr size_t kApart = B::kRadix == 1 ? 1 : A::kRadix;  // results that are stored together
 };
@@ -66,7 +72,7 @@ void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* tw
     const size_t at = std::min(j, columns - kLane);
     Cx<D> y[kRows];
     Side::template Run<D>(
-        [&](Cx<D>* x, size_t part) TZM_LAMBDA {
+        [&](Cx<D>* x, auto part) TZM_LAMBDA {
           Open<kRows % 2 == 1>(source, [&](const auto& from) TZM_LAMBDA {
             Unrolled<A::kRadix>([&](auto i) TZM_LAMBDA {
               x[i] = Load(d, from, at + (part + B::kRadix * i) * columns);
@@ -74,23 +80,27 @@ void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* tw
           });
         },
         [&](auto get, auto put) TZM_LAMBDA { A::First(d, get, put); },
-        [&](size_t k, auto get, auto put) TZM_LAMBDA {
+        [&](auto k, auto get, auto put) TZM_LAMBDA {
           const T* const w = twiddles + 2 * k * B::kTwiddles;
           B::Next(d, get, [&](size_t q) TZM_LAMBDA {
             return Cx<D>{hn::Set(d, w[2 * q]), hn::Set(d, w[2 * q + 1])};
           }, put);
         },
-        [&](const Cx<D>* x, size_t k) TZM_LAMBDA {
+        [&](const Cx<D>* x, auto k) TZM_LAMBDA {
           Unrolled<kRows / Side::kApart>([&](auto t) TZM_LAMBDA { Copy(x[t], y[k + Side::kApart * t]); });
         });
     Unrolled<(kRows + kLane - 1) / kLane>([&](auto block) TZM_LAMBDA {
       constexpr size_t kFirst = std::min(block * kLane, kRows - kLane);
       T* const to = matrix + (block * columns + at) * kNumber;
-      Vec<D> part[kLane];
-      Unrolled<kLane>([&](auto t) TZM_LAMBDA { part[t] = y[kFirst + InOrder<D>(t)].re; });
-      StoreTransposed(d, part, to, kNumber);
-      Unrolled<kLane>([&](auto t) TZM_LAMBDA { part[t] = y[kFirst + InOrder<D>(t)].im; });
-      StoreTransposed(d, part, to + kLane, kNumber);
+      // In whole registers: the other pass soon loads them, and would wait for halves.
+      Vec<D> re[kLane], im[kLane];
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA {
+        re[t] = y[kFirst + InOrder<D>(t)].re;
+        im[t] = y[kFirst + InOrder<D>(t)].im;
+      });
+      Transpose(d, re);
+      Transpose(d, im);
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA { StoreBlock(d, {re[t], im[t]}, to + InOrder<D>(t) * kNumber); });
     });
   }
 }
@@ -106,7 +116,7 @@ void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddle
   for (size_t j = 0; j < rows; j += kLane) {
     const size_t at = std::min(j, rows - kLane);
     Side::template Run<D>(
-        [&](Cx<D>* x, size_t part) TZM_LAMBDA {
+        [&](Cx<D>* x, auto part) TZM_LAMBDA {
           Unrolled<A::kRadix>([&](auto i) TZM_LAMBDA {
             x[i] = LoadBlock(d, matrix + (part + B::kRadix * i) * kNumber);
           });
@@ -114,11 +124,11 @@ void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddle
         [&](auto get, auto put) TZM_LAMBDA {
           A::Next(d, get, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, twiddles + q * kNumber); }, put);
         },
-        [&](size_t k, auto get, auto put) TZM_LAMBDA {
+        [&](auto k, auto get, auto put) TZM_LAMBDA {
           const T* const w = twiddles + (A::kTwiddles + k * B::kTwiddles) * kNumber;
           B::Next(d, get, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, w + q * kNumber); }, put);
         },
-        [&](const Cx<D>* x, size_t k) TZM_LAMBDA {
+        [&](const Cx<D>* x, auto k) TZM_LAMBDA {
           Open(target, [&](const auto& to) TZM_LAMBDA {
             Unrolled<Side::kRadix / Side::kApart>([&](auto t) TZM_LAMBDA {
               Store(d, x[t], to, at + (k + Side::kApart * t) * rows);

@@ -113,7 +113,7 @@ TZM_INLINE Vec<D> Upper(D, __m128 v) {
 }
 #endif
 template <class D>
-TZM_INLINE Vec<D> InterleaveUpper(D d, Vec<D> a, Vec<D> b) {
+TZM_INLINE Vec<D> UpperInterleaved(D d, Vec<D> a, Vec<D> b) {
 #if HWY_ARCH_X86
   if constexpr (kHalfRegister<D>) return Upper(d, _mm_unpacklo_ps(a.raw, b.raw));
 #endif
@@ -237,7 +237,7 @@ TZM_INLINE void TransposeParts(D d, Vec<D>* x) {
   if constexpr (kPart == 2 || kLanes<D> == 2) {
     Unrolled<kLanes<D> / 2>([&](auto g) TZM_LAMBDA {
       const auto low = hn::InterleaveLower(d, x[2 * g], x[2 * g + 1]);
-      x[2 * g + 1] = InterleaveUpper(d, x[2 * g], x[2 * g + 1]);
+      x[2 * g + 1] = UpperInterleaved(d, x[2 * g], x[2 * g + 1]);
       x[2 * g] = low;
     });
   } else {
