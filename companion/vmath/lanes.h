@@ -38,7 +38,6 @@ TZM_INLINE I ShiftRightLogical(I i) {
   return hn::BitCast(Bits(), hn::ShiftRight<kCount>(hn::BitCast(d, i)));
 }
 TZM_INLINE bool Any(M m) { return HWY_UNLIKELY(!hn::AllFalse(D(), m)); }
-TZM_INLINE bool Any(M32 m) { return HWY_UNLIKELY(!hn::AllFalse(S(), m)); }
 TZM_INLINE bool NotAll(M m) { return HWY_UNLIKELY(!hn::AllTrue(D(), m)); }
 TZM_INLINE bool NotAll(M32 m) { return HWY_UNLIKELY(!hn::AllTrue(S(), m)); }
 
