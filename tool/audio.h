@@ -24,6 +24,16 @@ namespace tzm {
 using Planes = std::vector<std::vector<float>>;
 using WidePlanes = std::vector<std::vector<double>>;
 
+/** Calls work(channels) with 1 and 2 as constants, so that the compiler makes vector code of loops over them. */
+template <class Work>
+void WithChannels(size_t channels, const Work& work) {
+  switch (channels) {
+    case 1: return work(std::integral_constant<size_t, 1>());
+    case 2: return work(std::integral_constant<size_t, 2>());
+    default: return work(channels);
+  }
+}
+
 struct CloseSound {
   void operator()(SNDFILE* file) const { sf_close(file); }
 };

@@ -54,17 +54,12 @@ int64_t FrameBytes(const SF_INFO& info) {
   }
 }
 
-// Every `stride`th element times the scale.
+// One of the channels, times the scale.
 template <class T>
-void TakeChannel(const T* src, size_t stride, size_t count, float scale, float* dst) {
-  const auto take = [=](auto step) {
-    for (size_t i = 0; i < count; ++i) dst[i] = float(src[i * step]) * scale;
-  };
-  switch (stride) {  // as a constant, of which the compiler makes vector code
-    case 1: return take(std::integral_constant<size_t, 1>());
-    case 2: return take(std::integral_constant<size_t, 2>());
-    default: return take(stride);
-  }
+void TakeChannel(const T* src, size_t channels, size_t count, float scale, float* dst) {
+  WithChannels(channels, [=](auto all) {
+    for (size_t i = 0; i < count; ++i) dst[i] = float(src[i * all]) * scale;
+  });
 }
 
 }  // namespace
@@ -167,6 +162,7 @@ void AudioReader::ReadBlock(Block& block) {
   }
   block.count = size_t(std::max<sf_count_t>(0, got));
   block.used = 0;
+  block.error.clear();
   if (block.count < blockFrames_ && sf_error(file_.get())) block.error = sf_strerror(file_.get());
   const auto isBad = [](float v) {  // NaN has more bits than infinity, and that more than any number
     return (std::bit_cast<int32_t>(v) & INT32_MAX) > std::bit_cast<int32_t>(kLargestSample);

@@ -92,18 +92,13 @@ Real Rounded(Real value) {
 // The samples of all channels in turn, each as convert(value, channel, its number) makes it.
 template <class Out, class T, class Convert>
 void Interleave(const std::vector<std::vector<T>>& src, size_t first, size_t count, Out* dst, const Convert& convert) {
-  const size_t channels = src.size();
-  if (channels == 2) {  // at once, of which the compiler makes vector code
-    const T *const left = src[0].data() + first, *const right = src[1].data() + first;
+  std::vector<const T*> from;
+  for (const auto& channel : src) from.push_back(channel.data() + first);
+  WithChannels(src.size(), [&](auto channels) {
     for (size_t i = 0; i < count; ++i) {
-      dst[2 * i] = convert(left[i], 0, i);
-      dst[2 * i + 1] = convert(right[i], 1, i);
+      for (size_t c = 0; c < channels; ++c) dst[i * channels + c] = convert(from[c][i], c, i);
     }
-    return;
-  }
-  for (size_t c = 0; c < channels; ++c) {
-    for (size_t i = 0; i < count; ++i) dst[i * channels + c] = convert(src[c][first + i], c, i);
-  }
+  });
 }
 
 sf_count_t WriteFrames(SNDFILE* file, const std::vector<int16_t>& frames, sf_count_t count) {
