@@ -29,20 +29,20 @@ struct Chain {
       load(x, Constant<0>());
       first(get(x), put(x));
       store(x, Constant<0>());
-      return;
+    } else {
+      Cx<D> middle[kRadix], y[B::kRadix];
+      Repeat<B::kRadix>([&](auto part) TZM_LAMBDA {
+        load(x, part);
+        first(get(x), put(middle + part * A::kRadix));
+      });
+      Repeat<A::kRadix>([&](auto k) TZM_LAMBDA {
+        second(k, [&](auto part) TZM_LAMBDA {
+          const Cx<D>& number = middle[part * A::kRadix + k];
+          return Cx<D>{number.re, number.im};
+        }, put(y));
+        store(y, k);
+      });
     }
-    Cx<D> middle[kRadix], y[B::kRadix];
-    Repeat<B::kRadix>([&](auto part) TZM_LAMBDA {
-      load(x, part);
-      first(get(x), put(middle + part * A::kRadix));
-    });
-    Repeat<A::kRadix>([&](auto k) TZM_LAMBDA {
-      second(k, [&](auto part) TZM_LAMBDA {
-        const Cx<D>& number = middle[part * A::kRadix + k];
-        return Cx<D>{number.re, number.im};
-      }, put(y));
-      store(y, k);
-    });
   }
   // f(0) ... f(kCount - 1), written out where a side has few points: the processor mispredicts short loops.
   template <size_t kCount, class F>
