@@ -14,8 +14,8 @@ foreach(level IN LISTS TZM_HWCAPS)
   set(copies "")
   foreach(library IN LISTS tzm_libraries)
     add_library(${library}_${level} SHARED)
-    foreach(property SOURCES COMPILE_OPTIONS INCLUDE_DIRECTORIES LINK_LIBRARIES LINK_OPTIONS LINK_DEPENDS
-        CXX_VISIBILITY_PRESET VISIBILITY_INLINES_HIDDEN VERSION SOVERSION)
+    foreach(property SOURCES PRECOMPILE_HEADERS COMPILE_OPTIONS INCLUDE_DIRECTORIES LINK_LIBRARIES LINK_OPTIONS
+        LINK_DEPENDS CXX_VISIBILITY_PRESET VISIBILITY_INLINES_HIDDEN VERSION SOVERSION)
       get_target_property(value ${library} ${property})
       if(property STREQUAL SOURCES)
         get_target_property(folder ${library} SOURCE_DIR)
