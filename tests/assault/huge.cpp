@@ -57,7 +57,7 @@ class Slot {
 
 // What depends on the length itself has no small counterpart: only its status is looked at.
 bool DependsOnLength(const std::string& name) {
-  for (const char* part : {"Mean", "StdDev", "Jaehne", "_Win", "Tone", "Norm_L2", "NormDiff_L2"})
+  for (const char* part : {"Mean", "StdDev", "Jaehne", "_Win", "Tone", "Goertz", "Norm_L2", "NormDiff_L2"})
     if (name.find(part) != std::string::npos) return true;
   return false;
 }
