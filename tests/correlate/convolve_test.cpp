@@ -100,7 +100,7 @@ TYPED_TEST(Convolution, RoutesStatusesAndFaults) {
        {std::array{17, 496, 0, kFft}, {496, 17, 0, kFft}, {17, 495, 0, kDirect}, {16, 1000, 0, kDirect},
         {1000, 16, 0, kDirect}, {kMost, 16, 0, kDirect}, {1000, 1000, 1, kDirect}, {1000, 1000, 5, kDirect},
         {kMost, kMost, -1, kDirect}, {1, 1, 2, kFft}}) {
-    const auto init = [=](ConvState** state) { return M::Init(len1, len2, kind, state); };
+    const auto init = [len1 = len1, len2 = len2, kind = kind](auto** s) { return M::Init(len1, len2, kind, s); };
     EXPECT_EQ(requests, ForEachFaultOfInit(init, M::Release)) << len1 << " by " << len2 << ", kind " << kind;
   }
   ConvState* state = nullptr;

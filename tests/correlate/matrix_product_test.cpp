@@ -12,7 +12,7 @@ namespace tzm_test::matrix_product_test {
 template <class Part, class T>
 void Check(OrvaStatus (*multiply)(const T*, const T*, T*, int32_t, int32_t, int32_t)) {
   constexpr int32_t m = 3, n = 5, k = 7, kParts = sizeof(T) / sizeof(Part);
-  const auto integers = [](int32_t count, uint64_t seed) {
+  const auto integers = [=](int32_t count, uint64_t seed) {
     const auto values = RandomArray<Orva16s>(count * kParts, seed);
     std::vector<T> array(count);
     for (int32_t i = 0; i < count * kParts; ++i) reinterpret_cast<Part*>(array.data())[i] = values[i];

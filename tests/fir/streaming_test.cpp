@@ -202,24 +202,24 @@ constexpr Rates kRates[] = {{1, 1, 0, 1, 0},    {5, 1, 0, 1, 0},      {40, 1, 0,
 TEST(FIRMR, IsTheDefiningSumInOrder) {
   FOR_EACH_FILTER(FIRMR, []<class F>(const F& filter) {
     using Sample = typename F::Sample;
-    for (const auto [taps_len, up, up_phase, down, down_phase] : kRates)
+    for (const Rates& rates : kRates)
       for (Variety variety : Varieties<Sample>()) {
-        const auto taps = Taps(filter, taps_len, variety);
-        const int32_t rows = (taps_len + up - 1) / up;
+        const int32_t up = rates.up, down = rates.down, rows = (rates.taps + up - 1) / up;
+        const auto taps = Taps(filter, rates.taps, variety);
         const auto check = [&](const std::vector<Sample>& line, const Sample* dst, int32_t iterations) {
           std::vector<Sample> expected;
           for (int32_t n = 0, len = up * iterations; n < len; ++n) {
-            const int32_t shift = n * down + down_phase - up_phase + up;
+            const int32_t shift = n * down + rates.down_phase - rates.up_phase + up;
             std::vector<typename F::Tap> own;
             for (int32_t r = rows; r-- > 0;)
-              own.push_back(shift % up + r * up < taps_len ? taps[shift % up + r * up] : typename F::Tap{});
+              own.push_back(shift % up + r * up < rates.taps ? taps[shift % up + r * up] : typename F::Tap{});
             expected.push_back(Output<false>(own, &line[shift / up], n >= len - len % 16));
           }
           EXPECT_TRUE(SameBits(filter.name, expected.data(), dst, expected.size()))
-              << taps_len << " taps, up " << up << ", down " << down;
+              << rates.taps << " taps, up " << up << ", down " << down;
         };
-        Stream(filter, taps, rows, up, down, false, variety, {1, 2, 5, 8, 16, 17, 40, 67}, check, up, up_phase, down,
-               down_phase);
+        Stream(filter, taps, rows, up, down, false, variety, {1, 2, 5, 8, 16, 17, 40, 67}, check, up, rates.up_phase,
+               down, rates.down_phase);
       }
   });
 }

@@ -15,7 +15,9 @@
 #pragma GCC diagnostic ignored "-Wformat"
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wformat-overflow"
+#endif
 
 namespace {
 
