@@ -23,7 +23,7 @@ constexpr size_t kThreadedPoints = size_t{1} << 15;
 constexpr int kIdlePlans = 32;
 constexpr int64_t kIdlePoints = int64_t{1} << 20;
 
-constexpr size_t kStackBytes = 12288;  // for the work area of a short transform
+constexpr size_t kStackBytes = 4096;  // for the work area of a short transform, whose registers may take 8 KB more
 
 constinit Helpers helpers;
 

@@ -87,7 +87,10 @@ size_t StackOf(std::function<OrvaStatus()> call) {
 }
 
 TEST(Environment, NoCallTakesMoreThan16KBOfStack) {
-  for (const Operation& operation : Operations()) {
+  std::vector<Operation> calls = Operations();
+  for (const auto& [name, make] : tzm_bench::AllStates())
+    for (int32_t points : {143, 173, 288, 440, 2000}) calls.push_back({name, make(points).run});  // other work areas
+  for (const Operation& operation : calls) {
     operation.run();  // the first call of a program may resolve names
     const size_t alone = StackOf([] { return ORVA_STS_NO_ERR; });
     EXPECT_LE(StackOf(operation.run) - alone, 16u << 10) << operation.name;
