@@ -17,7 +17,7 @@ TZM_INLINE Angle ArctanOfRatio(V n, V d) {
   // Four intervals for each power of two of the ratio, by the difference of the bits; what lies below is the first.
   const V least = OfBits(hn::Sub(BitsOf(d), SetBits(uint64_t{63} << 48)));
   const I difference = hn::Sub(BitsOf(MaxOrSecond(n, least)), hn::Add(BitsOf(d), SetBits(1)));
-  const auto [c, arc, arcRest] = Lookup<kAtanTable>(ShiftRightLogical<50>(difference)).number;
+  const auto [c, arc, arcRest] = Lookup<kAtanTable, 50>(difference).number;
 
   const V below = Fma(c, n, d), belowRest = Fma(c, n, hn::Sub(d, below)), inverse = hn::Div(C(1), below);
   V above, productRest;
@@ -31,7 +31,7 @@ TZM_INLINE Angle ArctanOfRatio(V n, V d) {
   const V t = hn::Mul(above, inverse), t2 = hn::Mul(t, t);
   V error = Fnma(t, belowRest, Fnma(t, below, above));
   if constexpr (!kOneIsOne) error = hn::Sub(error, productRest);
-  return {arc, t, Fma(hn::Mul(t, t2), Polynomial(kAtanPoly, t2), Fma(error, inverse, arcRest))};
+  return {arc, t, Fma(hn::Mul(t, t2), Polynomial<kAtanPoly>(t2), Fma(error, inverse, arcRest))};
 }
 // base + angle, or base - angle where `sign` is negative; base is 0 or above the angle, of 43 fraction bits and a rest.
 TZM_INLINE V Turn(V base, V baseRest, Angle angle, V sign) {
@@ -103,7 +103,7 @@ constexpr double kTanOfPiBy8 = 0.41421356237309503;
 // The arctangent of q, |q| < sqrt(2) - 1: to 2^-44.
 TZM_INLINE V SmallArctan(V q) {
   const V q2 = hn::Mul(q, q);
-  return hn::Mul(q, PolynomialInTwo(kAtanPoly32, q2, hn::Mul(q2, q2)));
+  return hn::Mul(q, PolynomialInTwo<kAtanPoly32>(q2, hn::Mul(q2, q2)));
 }
 constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
 struct Atan32 {

@@ -100,7 +100,7 @@ inline constexpr double kPiBy16Short[] = {0x1.921fb54442d18p-3, 0x1.1a6263300000
 inline constexpr double kPiBy16[] = {0x1.921fb54442d18p-3, 0x1.1a62633145c07p-57, -0x1.f1976b7ed8fbcp-113};
 inline constexpr double kByPi = 0x1.45f306dc9c883p-2;
 // of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost
-inline constexpr Table<4> kTurnTable = {{
+inline constexpr Table<4, true> kTurnTable = {{
     {-0x0.0p+0, 0x1.8f8b83c69a60bp-3, 0x1.87de2a6aea963p-2, 0x1.1c73b39ae68c8p-1, 0x1.6a09e667f3bcdp-1,
      0x1.a9b66290ea1a3p-1, 0x1.d906bcf328d46p-1, 0x1.f6297cff75cb0p-1, 0x1.0000000000000p+0, 0x1.f6297cff75cb0p-1,
      0x1.d906bcf328d46p-1, 0x1.a9b66290ea1a3p-1, 0x1.6a09e667f3bcdp-1, 0x1.1c73b39ae68c8p-1, 0x1.87de2a6aea963p-2,

@@ -23,7 +23,7 @@ TZM_INLINE Exponential ExpParts(V x, Rest... rest) {
   ((f = hn::Add(f, rest)), ...);
   const V f2 = hn::Mul(f, f);
   const auto [root, lost] = Lookup<kExpTable>(BitsOf(shifted)).number;
-  return {root, hn::Add(f, Fma(f2, PolynomialInTwo(kExpPoly, f, f2), lost)), BitsOf(shifted)};
+  return {root, hn::Add(f, Fma(f2, PolynomialInTwo<kExpPoly>(f, f2), lost)), BitsOf(shifted)};
 }
 
 // Arguments whose result is certainly normal.
@@ -67,7 +67,7 @@ struct Exp32 {
     const F root = Lookup32<kExpTable32, 0>(BitsOf(shifted)), lost = Lookup32<kExpTable32, 1>(BitsOf(shifted));
     const F f = Fnma(k, C32(kLn2Of32[0]), x);  // exact
     const F fRest = Fnma(k, C32(kLn2Of32[1]), lost), both = hn::Add(f, fRest);
-    const F p = Fma(hn::Mul(both, both), Polynomial(kExpPoly32, both), fRest);
+    const F p = Fma(hn::Mul(both, both), Polynomial<kExpPoly32>(both), fRest);
     const F sum = Fma(root, f, root), rest = Fma(root, p, Fma(root, f, hn::Sub(root, sum)));
     const F y = hn::Add(sum, hn::Add(rest, C32(kError))), least = hn::Add(sum, hn::Sub(rest, C32(kError)));
     const M32 sure = hn::And(hn::Eq(y, least), hn::Lt(hn::Abs(x), C32(kNormal)));

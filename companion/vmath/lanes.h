@@ -62,20 +62,54 @@ constexpr float kToInteger32 = 0x1.8p23f;
 // x with its sign inverted where the lowest bit of `odd` is set.
 TZM_INLINE F NegateIfOdd(F x, I32 odd) { return OfBits(hn::Xor(BitsOf(x), hn::ShiftLeft<31>(odd))); }
 
+// Constants that fused steps on x add to. AArch64's steps overwrite the addend: a constant that stays in a register is
+// copied for each of them, which takes as long as the step; loads take nothing beside arithmetic.
+template <const auto& kConstants, class Vector>
+class Addends {
+ public:
+#if HWY_ARCH_ARM_A64
+  explicit TZM_INLINE Addends(Vector x) {
+    const auto raw = x.raw;
+    const auto* from = kFilled.number;
+    asm("" : "+r"(from) : "w"(raw));  // so that the loads stay in the loop
+    from_ = from;
+  }
+  TZM_INLINE Vector operator[](size_t i) const { return hn::Load(kTag, from_ + i * kWidth); }
+
+ private:
+  static constexpr hn::DFromV<Vector> kTag{};
+  static constexpr size_t kWidth = hn::MaxLanes(kTag);
+  static constexpr auto kFilled = [] {
+    struct {
+      alignas(16) hn::TFromV<Vector> number[std::size(kConstants) * kWidth];
+    } filled{};
+    for (size_t i = 0; i < std::size(filled.number); ++i) filled.number[i] = kConstants[i / kWidth];
+    return filled;
+  }();
+  const hn::TFromV<Vector>* from_;
+#else
+  explicit TZM_INLINE Addends(Vector) {}
+  TZM_INLINE Vector operator[](size_t i) const { return hn::Set(hn::DFromV<Vector>(), kConstants[i]); }
+#endif
+};
+
 // c[0] + c[1] x + c[2] x^2 ...: by Horner's rule, and in two chains, of the even and of the odd powers.
-template <class T, size_t N, class Vector>
-TZM_INLINE Vector Polynomial(const T (&c)[N], Vector x) {
-  const hn::DFromV<Vector> d;
-  Vector p = hn::Set(d, c[N - 1]);
-  Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, hn::Set(d, c[N - 2 - i])); });
+template <const auto& c, class Vector>
+TZM_INLINE Vector Polynomial(Vector x) {
+  constexpr size_t N = std::size(c);
+  const Addends<c, Vector> addend(x);
+  Vector p = hn::Set(hn::DFromV<Vector>(), c[N - 1]);
+  Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, addend[N - 2 - i]); });
   return p;
 }
-template <size_t N>
-TZM_INLINE V PolynomialInTwo(const double (&c)[N], V x, V x2) {
+template <const auto& c>
+TZM_INLINE V PolynomialInTwo(V x, V x2) {
+  constexpr size_t N = std::size(c);
+  const Addends<c, V> addend(x2);
   V last = C(c[N - 1]), before = C(c[N - 2]);
   Unrolled<N - 2>([&](auto i) TZM_LAMBDA {
     V& chain = i % 2 == 0 ? last : before;
-    chain = Fma(chain, x2, C(c[N - 3 - i]));
+    chain = Fma(chain, x2, addend[N - 3 - i]);
   });
   return N % 2 == 0 ? Fma(last, x, before) : Fma(before, x, last);
 }
@@ -192,23 +226,31 @@ TZM_INLINE F Lookup32(I32 index) {
 }
 
 // Sixteen entries of a few numbers each. Registers that hold eight numbers hold a column in two and permute it; the
-// others load whole rows and transpose. No gathers: many machines run them in microcode.
-template <size_t kColumns>
+// others load whole rows and transpose. No gathers: many machines run them in microcode. Where kOdd, sixteen more
+// entries follow, the negated ones: in rows they are there, registers negate what becomes of an entry.
+template <size_t kColumns, bool kOdd = false>
 struct Table {
   alignas(64) double column[kColumns][16];
 };
-template <size_t kColumns>
+template <size_t kColumns, bool kOdd>
 struct Rows {
-  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns;
-  alignas(64) double row[16][kWidth];
+  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns, kCount = kOdd ? 32 : 16;
+  alignas(64) double row[kCount][kWidth];
 };
-template <size_t kColumns>
-constexpr Rows<kColumns> Transposed(const Table<kColumns>& table) {
-  Rows<kColumns> rows{};
+template <size_t kColumns, bool kOdd>
+constexpr Rows<kColumns, kOdd> Transposed(const Table<kColumns, kOdd>& table) {
+  Rows<kColumns, kOdd> rows{};
   for (size_t c = 0; c < kColumns; ++c)
-    for (size_t r = 0; r < 16; ++r) rows.row[r][c] = table.column[c][r];
+    for (size_t r = 0; r < rows.kCount; ++r) rows.row[r][c] = r < 16 ? table.column[c][r] : -table.column[c][r - 16];
   return rows;
 }
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+TZM_INLINE V WithSignOf(I entry, V y) {
+  return OfBits(hn::Xor(BitsOf(y), hn::And(hn::ShiftLeft<59>(entry), BitsOf(C(-0.0)))));
+}
+#else
+TZM_INLINE V WithSignOf(I, V y) { return y; }
+#endif
 template <const auto& kTable>
 constexpr auto kRows = Transposed(kTable);
 
@@ -216,12 +258,13 @@ template <size_t kColumns>
 struct Entry {
   V number[kColumns];
 };
-// The entries of which the low four bits of the lanes are the numbers.
-template <const auto& kTable>
-TZM_INLINE auto Lookup(I index) {
+// The entries of which four bits of the lanes, from bit kFrom on, are the numbers, or five where kOdd.
+template <const auto& kTable, int kFrom = 0>
+TZM_INLINE auto Lookup(I lanes) {
   constexpr size_t kColumns = sizeof(kTable) / (16 * sizeof(double));
   Entry<kColumns> entry;
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  const I index = ShiftRightLogical<kFrom>(lanes);
   Unrolled<kColumns>([&](auto c) TZM_LAMBDA {
     const double* column = kTable.column[c];
     entry.number[c] = V{_mm512_permutex2var_pd(_mm512_load_pd(column), index.raw, _mm512_load_pd(column + 8))};
@@ -229,10 +272,10 @@ TZM_INLINE auto Lookup(I index) {
 #elif HWY_ARCH_X86
   constexpr auto& rows = kRows<kTable>;
   constexpr size_t kWidth = rows.kWidth;
-  const I row = hn::And(index, SetBits(15));
-  const __m128i low = _mm256_castsi256_si128(row.raw), high = _mm256_extracti128_si256(row.raw, 1);
-  const double* lane[] = {rows.row[_mm_cvtsi128_si64(low)], rows.row[_mm_extract_epi64(low, 1)],
-                          rows.row[_mm_cvtsi128_si64(high)], rows.row[_mm_extract_epi64(high, 1)]};
+  const auto row = [](int64_t bits) TZM_LAMBDA { return rows.row[bits >> kFrom & (rows.kCount - 1)]; };
+  const __m128i low = _mm256_castsi256_si128(lanes.raw), high = _mm256_extracti128_si256(lanes.raw, 1);
+  const double* lane[] = {row(_mm_cvtsi128_si64(low)), row(_mm_extract_epi64(low, 1)), row(_mm_cvtsi128_si64(high)),
+                          row(_mm_extract_epi64(high, 1))};
   const auto pair = [&](size_t a, size_t b, size_t c) TZM_LAMBDA {
     return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(lane[a] + c)), _mm_load_pd(lane[b] + c), 1);
   };
@@ -250,8 +293,13 @@ TZM_INLINE auto Lookup(I index) {
 #else
   constexpr auto& rows = kRows<kTable>;
   constexpr size_t kWidth = rows.kWidth;
-  const I row = hn::And(index, SetBits(15));
-  const double *first = rows.row[vgetq_lane_s64(row.raw, 0)], *second = rows.row[vgetq_lane_s64(row.raw, 1)];
+  // Both numbers leave the vector registers at once.
+  constexpr int kHalf = kFrom < 32 ? 0 : 32;
+  const uint32x2_t halves = kHalf == 0 ? vmovn_u64(vreinterpretq_u64_s64(lanes.raw))
+                                       : vshrn_n_u64(vreinterpretq_u64_s64(lanes.raw), 32);
+  const uint64_t both = vget_lane_u64(vreinterpret_u64_u32(halves), 0);
+  const double *first = rows.row[both >> (kFrom - kHalf) & (rows.kCount - 1)];
+  const double* second = rows.row[both >> (kFrom - kHalf + 32) & (rows.kCount - 1)];
   if constexpr (kWidth == 1) {
     entry.number[0] = V(vcombine_f64(vld1_f64(first), vld1_f64(second)));
   } else {

@@ -5,7 +5,8 @@
 
 namespace vmath {
 
-// x = 2^k fraction, `index` the number of c in its low bits; for positive normal x.
+// x = 2^k fraction, kLogIndex the first of the bits of `index` that number c; for positive normal x.
+constexpr int kLogIndex = 48;
 struct LogArgument {
   V k, fraction;
   I index;
@@ -14,7 +15,7 @@ TZM_INLINE LogArgument SplitForLog(V x) {
   const I one = SetBits(uint64_t{1023} << 52), shifted = hn::Add(BitsOf(x), hn::Sub(one, SetBits(kLogStart)));
   const V biased = OfBits(hn::Or(ShiftRightLogical<52>(shifted), SetBits(uint64_t{0x433} << 52)));  // 2^52 + 1023 + k
   const I exponent = hn::And(hn::Sub(shifted, one), SetBits(0xfff0000000000000));
-  return {hn::Sub(biased, C(0x1p52 + 1023)), OfBits(hn::Sub(BitsOf(x), exponent)), ShiftRightLogical<48>(shifted)};
+  return {hn::Sub(biased, C(0x1p52 + 1023)), OfBits(hn::Sub(BitsOf(x), exponent)), shifted};
 }
 
 struct Natural {
@@ -59,19 +60,19 @@ struct Log64 {
   static TZM_INLINE V OfNormal(V x, V shift) {
     const LogArgument a = SplitForLog(x);
     const V k = hn::Sub(a.k, shift);
-    const auto [inverse, log] = Lookup<Base::kTable>(a.index).number;
+    const auto [inverse, log] = Lookup<Base::kTable, kLogIndex>(a.index).number;
     const V product = hn::Mul(a.fraction, inverse), r = hn::Sub(product, C(1));
     const V rRest = Fms(a.fraction, inverse, product);
     const V exact = Fma(k, C(Base::kOf2[0]), log), r2 = hn::Mul(r, r);
     if constexpr (std::is_same_v<Base, Natural>) {
       const Sum sum = FastTwoSum(exact, r);
       const V low = Fma(k, C(Base::kOf2[1]), hn::Add(Fnma(rRest, r, rRest), sum.rest));
-      return hn::Add(sum.sum, Fma(r2, PolynomialInTwo(kLogPoly, r, r2), low));
+      return hn::Add(sum.sum, Fma(r2, PolynomialInTwo<kLogPoly>(r, r2), low));
     } else {
       const V first = hn::Mul(r, C(kLog10E)), firstRest = Fma(rRest, C(kLog10E), Fms(r, C(kLog10E), first));
       const Sum sum = FastTwoSum(exact, first);
       const V low = Fma(k, C(Base::kOf2[1]), hn::Add(Fnma(firstRest, r, firstRest), sum.rest));
-      return hn::Add(sum.sum, Fma(r, PolynomialInTwo(kLog10Poly, r, r2), low));
+      return hn::Add(sum.sum, Fma(r, PolynomialInTwo<kLog10Poly>(r, r2), low));
     }
   }
   static __attribute__((noinline)) V OfOther(V x) {
@@ -96,7 +97,7 @@ struct Log32 {
     const F firstRest = hn::Add(hn::Sub(exact, first), r);
     F sum = Fnma(r2, C32(0.5f), first), rest = Fnma(r2, C32(0.5f), hn::Sub(first, sum));
     const F low = Fma(k, C32(kLn2Of32Short[1]), logRest), series = Fnma(r2Rest, C32(0.5f), low);
-    rest = hn::Add(hn::Add(rest, firstRest), Fma(hn::Mul(r2, r), Polynomial(kLogPoly32, r), series));
+    rest = hn::Add(hn::Add(rest, firstRest), Fma(hn::Mul(r2, r), Polynomial<kLogPoly32>(r), series));
     if constexpr (std::is_same_v<Base, Decimal>) {
       const F product = hn::Mul(sum, C32(kLog10E32[0]));
       const F productRest = Fma(sum, C32(kLog10E32[1]), Fms(sum, C32(kLog10E32[0]), product));

@@ -11,8 +11,8 @@ namespace vmath {
 TZM_INLINE Sum LogInTwo(V x, V shift) {
   const LogArgument a = SplitForLog(x);
   const V k = hn::Sub(a.k, shift);
-  const auto [inverse, log] = Lookup<kLogTable>(a.index).number;
-  const auto [logRest] = Lookup<kLogRest>(a.index).number;
+  const auto [inverse, log] = Lookup<kLogTable, kLogIndex>(a.index).number;
+  const auto [logRest] = Lookup<kLogRest, kLogIndex>(a.index).number;
   const V product = hn::Mul(a.fraction, inverse);
   const Sum r = FastTwoSum(hn::Sub(product, C(1)), Fms(a.fraction, inverse, product));
 
@@ -21,7 +21,7 @@ TZM_INLINE Sum LogInTwo(V x, V shift) {
   const V cubeRest = Fma(square, r.rest, Fma(squareRest, r.sum, Fms(square, r.sum, cube)));
   const V third = hn::Mul(cube, C(kThird[0]));
   const V thirdRest = Fma(cubeRest, C(kThird[0]), Fma(cube, C(kThird[1]), Fms(cube, C(kThird[0]), third)));
-  const V others = hn::Mul(hn::Mul(cube, r.sum), PolynomialInTwo(kPowLogPoly, r.sum, square));
+  const V others = hn::Mul(hn::Mul(cube, r.sum), PolynomialInTwo<kPowLogPoly>(r.sum, square));
 
   const Sum first = FastTwoSum(Fma(k, C(kLn2[0]), log), r.sum);
   const Sum second = FastTwoSum(first.sum, hn::Mul(square, C(-0.5))), sum = FastTwoSum(second.sum, third);
@@ -33,10 +33,10 @@ TZM_INLINE Sum LogInTwo(V x, V shift) {
 // The same to 2^-56 of it, of numbers of binary32.
 TZM_INLINE Sum LogInTwo32(V x) {
   const LogArgument a = SplitForLog(x);
-  const auto [inverse, log] = Lookup<kLogTable>(a.index).number;
+  const auto [inverse, log] = Lookup<kLogTable, kLogIndex>(a.index).number;
   const V r = Fms(a.fraction, inverse, C(1)), r2 = hn::Mul(r, r);
   const Sum sum = FastTwoSum(Fma(a.k, C(kLn2[0]), log), r);
-  return FastTwoSum(sum.sum, Fma(r2, PolynomialInTwo(kLogPoly, r, r2), Fma(a.k, C(kLn2[1]), sum.rest)));
+  return FastTwoSum(sum.sum, Fma(r2, PolynomialInTwo<kLogPoly>(r, r2), Fma(a.k, C(kLn2[1]), sum.rest)));
 }
 
 TZM_INLINE Sum Times(V y, Sum log) {

@@ -101,9 +101,8 @@ struct OfAngle {
 TZM_INLINE V Turned(V sine, V cosine, V sineRest, const Reduced& a, I k) {
   const V r2 = hn::Mul(a.r, a.r), sum = Fma(cosine, a.r, sine), first = hn::Sub(sum, sine);  // cosine r, rounded
   const V lost = Fma(cosine, a.excess, hn::Sub(Fnma(cosine, a.r, first), sineRest));
-  const V series = Fnma(first, Polynomial(kSinPoly, r2), hn::Mul(sine, Polynomial(kMinusCosPoly, r2)));
-  const V y = hn::Sub(sum, Fma(r2, series, lost));
-  return OfBits(hn::Xor(BitsOf(y), hn::And(hn::ShiftLeft<59>(k), BitsOf(C(-0.0)))));
+  const V series = Fnma(first, Polynomial<kSinPoly>(r2), hn::Mul(sine, Polynomial<kMinusCosPoly>(r2)));
+  return WithSignOf(k, hn::Sub(sum, Fma(r2, series, lost)));
 }
 template <int kTurn>
 struct Sine {
@@ -130,7 +129,7 @@ struct Tangent {
   TZM_INLINE V operator()(const Reduced& a) const {
     const auto [sine, cosine] = Lookup<kTanTable>(a.k).number;
     const V r2 = hn::Mul(a.r, a.r);
-    const Sum t = FastTwoSum(a.r, Fms(hn::Mul(r2, a.r), Polynomial(kTanPoly, r2), a.excess));
+    const Sum t = FastTwoSum(a.r, Fms(hn::Mul(r2, a.r), Polynomial<kTanPoly>(r2), a.excess));
     const V n = Fma(cosine, t.sum, sine), d = Fnma(sine, t.sum, cosine);
     const V nRest = Fma(cosine, t.rest, Fma(cosine, t.sum, hn::Sub(sine, n)));
     const V dRest = Fnma(sine, t.rest, Fnma(sine, t.sum, hn::Sub(cosine, d)));
@@ -176,7 +175,7 @@ TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
 }
 
 // The sine of r, |r| <= pi/2, to 2^-43 of it.
-TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial(kSinPoly32, hn::Mul(r, r))); }
+TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial<kSinPoly32>(hn::Mul(r, r))); }
 struct Sin32 {
   TZM_INLINE F operator()(F x) const {
     const Reduced32 a = Reduce32<2, false>(x);
@@ -196,7 +195,7 @@ struct Tan32 {
     const Reduced32 a = Reduce32<1, false>(x);
     const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
     const auto tangent = [](V r, V odd) TZM_LAMBDA {
-      const V r2 = hn::Mul(r, r), s = hn::Mul(r, Polynomial(kTanSinPoly32, r2)), c = Polynomial(kTanCosPoly32, r2);
+      const V r2 = hn::Mul(r, r), s = hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), c = Polynomial<kTanCosPoly32>(r2);
       const M swap = hn::RebindMask(D(), hn::TestBit(BitsOf(odd), SetBits(uint64_t{1} << 63)));
       return hn::Div(hn::IfThenElse(swap, c, s), hn::IfThenElse(swap, s, c));
     };

@@ -65,9 +65,9 @@ def array(kind, name, size, values, comment):
     print(line.rstrip(", ") + "};")
 
 
-def table(name, columns, comment, kind="Table"):
+def table(name, columns, comment, kind="Table", odd=False):
     print(f"// {comment}")
-    size = f"<{len(columns)}, {len(columns[0])}>" if kind == "Table32" else f"<{len(columns)}>"
+    size = f"<{len(columns)}, {len(columns[0])}>" if kind == "Table32" else f"<{len(columns)}{', true' * odd}>"
     print(f"inline constexpr {kind}{size} {name} = {{{{")
     for column in columns:
         line = "    {"
@@ -266,7 +266,7 @@ array("double", "kPiBy16Short", "[]", pi16, "pi/16, in parts of which the second
 array("double", "kPiBy16", "[]", parts(PI / 16, 3), "the same in whole parts")
 constant("kByPi", 1 / PI)
 table("kTurnTable", turn_table(),
-      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost")
+      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost", odd=True)
 table("kTanTable", tangent_table(), "numbers of which the first is tan(k pi/16) times the second")
 digits = int(mp.floor(mp.ldexp(2 / PI, 64 * 20)))
 array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2**64 - 1) for i in range(20)],
