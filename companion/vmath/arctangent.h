@@ -1,4 +1,4 @@
-// Arctangents. In binary64 that of a ratio n/d <= 1 is arctan c + arctan((n - c d)/(d + c n)) with c one of 16.
+// Arctangents: in binary64 arctan c + arctan((x - c)/(1 + c x)) with c one of 32, of a ratio n/d <= 1 with one of 16.
 #pragma once
 
 #include "constants.h"
@@ -6,32 +6,47 @@
 
 namespace vmath {
 
+// arctan t = t + t^3 p(t^2), without the first t; `rest` belongs to the result as well.
+TZM_INLINE V ArctanRest(V t, V rest) {
+  const V t2 = hn::Mul(t, t);
+  return Fma(hn::Mul(t, t2), Polynomial<kAtanPoly>(t2), rest);
+}
+
+// Within 0.56 ulp. Four intervals for each power of two between 1/16 and 16; the first holds all below, with c = 0, the
+// last all above, with a c beside which x and 1 do not count.
+struct Atan64 {
+  TZM_INLINE V operator()(V x) const {
+    const V a = MinOrSecond(C(0x1p100), hn::Abs(x)), one = C(1);  // no angle differs beyond
+    const Bits32 d32;  // of whose lanes every second counts
+    const I32 upper = hn::Min(hn::Max(hn::BitCast(d32, a), hn::Set(d32, 0x3fb00000)), hn::Set(d32, 0x402fffff));
+    const auto [c, arcMost, arcMore, arcRest] = Lookup<kAtanTable, 50>(hn::BitCast(Bits(), upper)).number;
+
+    const V below = Fma(c, a, one), belowRest = Fma(c, a, hn::Sub(one, below)), inverse = hn::Div(one, below);
+    const V above = hn::Sub(a, c), t = hn::Mul(above, inverse);
+    const V error = Fnma(t, belowRest, Fnma(t, below, above));
+    const Sum sum = FastTwoSum(hn::Add(arcMost, arcMore), t);
+    const V rest = ArctanRest(t, Fma(error, inverse, arcRest));
+    return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, rest)), x);
+  }
+};
+
 // arctan(n/d) = most + more + rest, most of 44 fraction bits, the rest so small that its sums' roundings do not count;
-// 0 <= n <= d, and the products of both far from the ends of the range. Where one of them is 1, that of d and the
-// table's c need not be exact: where it is not, n/d is the tangent of the complement of a larger angle.
+// 0 <= n <= d, and the products of both far from the ends of the range.
 struct Angle {
   V most, more, rest;
 };
-template <bool kOneIsOne>
 TZM_INLINE Angle ArctanOfRatio(V n, V d) {
   // Four intervals for each power of two of the ratio, by the difference of the bits; what lies below is the first.
   const V least = OfBits(hn::Sub(BitsOf(d), SetBits(uint64_t{63} << 48)));
   const I difference = hn::Sub(BitsOf(MaxOrSecond(n, least)), hn::Add(BitsOf(d), SetBits(1)));
-  const auto [c, arc, arcRest] = Lookup<kAtanTable, 50>(difference).number;
+  const auto [c, arc, arcRest] = Lookup<kRatioTable, 50>(difference).number;
 
   const V below = Fma(c, n, d), belowRest = Fma(c, n, hn::Sub(d, below)), inverse = hn::Div(C(1), below);
-  V above, productRest;
-  if constexpr (kOneIsOne) {
-    above = Fnma(c, d, n);
-  } else {
-    const V product = hn::Mul(c, d);
-    productRest = Fms(c, d, product);
-    above = hn::Sub(n, product);  // less productRest
-  }
-  const V t = hn::Mul(above, inverse), t2 = hn::Mul(t, t);
-  V error = Fnma(t, belowRest, Fnma(t, below, above));
-  if constexpr (!kOneIsOne) error = hn::Sub(error, productRest);
-  return {arc, t, Fma(hn::Mul(t, t2), Polynomial<kAtanPoly>(t2), Fma(error, inverse, arcRest))};
+  const V product = hn::Mul(c, d), productRest = Fms(c, d, product);
+  const V above = hn::Sub(n, product);  // less productRest
+  const V t = hn::Mul(above, inverse);
+  const V error = hn::Sub(Fnma(t, belowRest, Fnma(t, below, above)), productRest);
+  return {arc, t, ArctanRest(t, Fma(error, inverse, arcRest))};
 }
 // base + angle, or base - angle where `sign` is negative; base is 0 or above the angle, of 43 fraction bits and a rest.
 TZM_INLINE V Turn(V base, V baseRest, Angle angle, V sign) {
@@ -40,24 +55,13 @@ TZM_INLINE V Turn(V base, V baseRest, Angle angle, V sign) {
   return hn::Add(sum.sum, hn::Add(sum.rest, hn::Add(baseRest, hn::Xor(angle.rest, signs))));
 }
 
-// Within 0.56 ulp.
-struct Atan64 {
-  TZM_INLINE V operator()(V x) const {
-    const V a = MinOrSecond(C(0x1p100), hn::Abs(x)), one = C(1);  // no angle differs beyond
-    const M steep = hn::Gt(a, one);
-    const V n = hn::IfThenElse(steep, one, a), d = hn::IfThenElse(steep, a, one);
-    const V base = hn::IfThenElseZero(steep, C(kPiShort[0] / 2)), rest = hn::IfThenElseZero(steep, C(kPiShort[1] / 2));
-    return hn::CopySign(Turn(base, rest, ArctanOfRatio<true>(n, d), hn::Sub(one, a)), x);
-  }
-};
-
 // Within 0.56 ulp: the angle of the first octant, and from it that of the others.
 struct Atan2_64 {
   TZM_INLINE V operator()(V y, V x) const {
     const V ay = hn::Abs(y), ax = hn::Abs(x);
     const M steep = hn::Gt(ay, ax);
     const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
-    const V result = FromOctant(y, x, steep, ArctanOfRatio<false>(n, d));
+    const V result = FromOctant(y, x, steep, ArctanOfRatio(n, d));
     const M usual = hn::And(hn::Gt(n, C(kLeast)), hn::Lt(d, C(kMost)));
     if (NotAll(usual)) return hn::IfThenElse(usual, result, OfAny(y, x));
     return result;
@@ -89,7 +93,7 @@ struct Atan2_64 {
     const M small = hn::Lt(ratio, C(0x1p-60));
     n = hn::IfThenElse(small, zero, hn::Mul(n, scale));
     d = hn::IfThenElse(small, one, hn::Mul(d, scale));
-    Angle angle = ArctanOfRatio<false>(n, d);
+    Angle angle = ArctanOfRatio(n, d);
     angle.more = hn::IfThenElse(small, ratio, angle.more);
     const V result = FromOctant(y, x, steep, angle);
     return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(y)), C(kNaN), result);

@@ -6,6 +6,8 @@
 
 #include "frame/vector.h"
 
+#include <bit>
+
 namespace vmath {
 
 using namespace tzm;
@@ -225,54 +227,76 @@ TZM_INLINE F Lookup32(I32 index) {
 #endif
 }
 
-// Sixteen entries of a few numbers each. Registers that hold eight numbers hold a column in two and permute it; the
-// others load whole rows and transpose. No gathers: many machines run them in microcode. Where kOdd, sixteen more
-// entries follow, the negated ones: in rows they are there, registers negate what becomes of an entry.
-template <size_t kColumns, bool kOdd = false>
+// Sixteen entries of a few numbers each, or 32 of numbers whose last 32 bits are zero. Registers that hold eight numbers
+// hold a column, or its upper halves, in two and permute it; the others load whole rows and transpose. No gathers: many
+// machines run them in microcode. With twice as many entries as are stored, the negated ones follow: in rows they are
+// there, where columns are permuted what becomes of an entry is negated.
+template <size_t kColumns, size_t kStored = 16, size_t kEntries = kStored>
 struct Table {
-  alignas(64) double column[kColumns][16];
+  alignas(64) double column[kColumns][kStored];
 };
-template <size_t kColumns, bool kOdd>
+template <size_t kColumns, size_t kEntries>
 struct Rows {
-  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns, kCount = kOdd ? 32 : 16;
-  alignas(64) double row[kCount][kWidth];
+  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns, kLast = kEntries - 1;
+  alignas(64) double row[kEntries][kWidth];
 };
-template <size_t kColumns, bool kOdd>
-constexpr Rows<kColumns, kOdd> Transposed(const Table<kColumns, kOdd>& table) {
-  Rows<kColumns, kOdd> rows{};
+template <size_t kColumns, size_t kStored, size_t kEntries>
+constexpr auto Transposed(const Table<kColumns, kStored, kEntries>& table) {
+  Rows<kColumns, kEntries> rows{};
   for (size_t c = 0; c < kColumns; ++c)
-    for (size_t r = 0; r < rows.kCount; ++r) rows.row[r][c] = r < 16 ? table.column[c][r] : -table.column[c][r - 16];
+    for (size_t r = 0; r < kEntries; ++r)
+      rows.row[r][c] = r < kStored ? table.column[c][r] : -table.column[c][r - kStored];
   return rows;
 }
+template <const auto& kTable>
+constexpr auto kRows = Transposed(kTable);
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+template <const auto& kTable>
+constexpr auto kUpperHalves = [] {
+  constexpr size_t kColumns = std::size(kTable.column), kStored = std::size(kTable.column[0]);
+  struct {
+    alignas(64) uint32_t column[kColumns][kStored];
+  } halves{};
+  for (size_t c = 0; c < kColumns; ++c)
+    for (size_t r = 0; r < kStored; ++r)
+      halves.column[c][r] = static_cast<uint32_t>(std::bit_cast<uint64_t>(kTable.column[c][r]) >> 32);
+  return halves;
+}();
 TZM_INLINE V WithSignOf(I entry, V y) {
   return OfBits(hn::Xor(BitsOf(y), hn::And(hn::ShiftLeft<59>(entry), BitsOf(C(-0.0)))));
 }
 #else
 TZM_INLINE V WithSignOf(I, V y) { return y; }
 #endif
-template <const auto& kTable>
-constexpr auto kRows = Transposed(kTable);
 
 template <size_t kColumns>
 struct Entry {
   V number[kColumns];
 };
-// The entries of which four bits of the lanes, from bit kFrom on, are the numbers, or five where kOdd.
+// The entries whose numbers are in the lanes from bit kFrom on.
 template <const auto& kTable, int kFrom = 0>
 TZM_INLINE auto Lookup(I lanes) {
-  constexpr size_t kColumns = sizeof(kTable) / (16 * sizeof(double));
+  constexpr size_t kColumns = std::size(kTable.column);
   Entry<kColumns> entry;
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  const I index = ShiftRightLogical<kFrom>(lanes);
-  Unrolled<kColumns>([&](auto c) TZM_LAMBDA {
-    const double* column = kTable.column[c];
-    entry.number[c] = V{_mm512_permutex2var_pd(_mm512_load_pd(column), index.raw, _mm512_load_pd(column + 8))};
-  });
+  if constexpr (std::size(kTable.column[0]) == 16) {
+    const I index = ShiftRightLogical<kFrom>(lanes);
+    Unrolled<kColumns>([&](auto c) TZM_LAMBDA {
+      const double* column = kTable.column[c];
+      entry.number[c] = V{_mm512_permutex2var_pd(_mm512_load_pd(column), index.raw, _mm512_load_pd(column + 8))};
+    });
+  } else {
+    const __m512i index = _mm512_srli_epi32(lanes.raw, kFrom - 32);
+    Unrolled<kColumns>([&](auto c) TZM_LAMBDA {
+      const uint32_t* column = kUpperHalves<kTable>.column[c];
+      const __m512i first = _mm512_load_si512(column), second = _mm512_load_si512(column + 16);
+      entry.number[c] = V{_mm512_castsi512_pd(_mm512_maskz_permutex2var_epi32(0xaaaa, first, index, second))};
+    });
+  }
 #elif HWY_ARCH_X86
   constexpr auto& rows = kRows<kTable>;
   constexpr size_t kWidth = rows.kWidth;
-  const auto row = [](int64_t bits) TZM_LAMBDA { return rows.row[bits >> kFrom & (rows.kCount - 1)]; };
+  const auto row = [](int64_t bits) TZM_LAMBDA { return rows.row[bits >> kFrom & rows.kLast]; };
   const __m128i low = _mm256_castsi256_si128(lanes.raw), high = _mm256_extracti128_si256(lanes.raw, 1);
   const double* lane[] = {row(_mm_cvtsi128_si64(low)), row(_mm_extract_epi64(low, 1)), row(_mm_cvtsi128_si64(high)),
                           row(_mm_extract_epi64(high, 1))};
@@ -298,8 +322,8 @@ TZM_INLINE auto Lookup(I lanes) {
   const uint32x2_t halves = kHalf == 0 ? vmovn_u64(vreinterpretq_u64_s64(lanes.raw))
                                        : vshrn_n_u64(vreinterpretq_u64_s64(lanes.raw), 32);
   const uint64_t both = vget_lane_u64(vreinterpret_u64_u32(halves), 0);
-  const double *first = rows.row[both >> (kFrom - kHalf) & (rows.kCount - 1)];
-  const double* second = rows.row[both >> (kFrom - kHalf + 32) & (rows.kCount - 1)];
+  const double *first = rows.row[both >> (kFrom - kHalf) & rows.kLast];
+  const double* second = rows.row[both >> (kFrom - kHalf + 32) & rows.kLast];
   if constexpr (kWidth == 1) {
     entry.number[0] = V(vcombine_f64(vld1_f64(first), vld1_f64(second)));
   } else {

@@ -65,9 +65,9 @@ def array(kind, name, size, values, comment):
     print(line.rstrip(", ") + "};")
 
 
-def table(name, columns, comment, kind="Table", odd=False):
+def table(name, columns, comment, kind="Table", size=()):
     print(f"// {comment}")
-    size = f"<{len(columns)}, {len(columns[0])}>" if kind == "Table32" else f"<{len(columns)}{', true' * odd}>"
+    size = f"<{', '.join(map(str, size or (len(columns), len(columns[0]))))}>"
     print(f"inline constexpr {kind}{size} {name} = {{{{")
     for column in columns:
         line = "    {"
@@ -191,7 +191,33 @@ def tangent_table():
     return a + [1.0] + [-x for x in a[:0:-1]], b + [0.0] + b[:0:-1]
 
 
+def short(x):
+    """x in 21 bits, so that the last 32 of binary64 are zero."""
+    return float(rounded(x, 21 - mp.frexp(x)[1])) if x else 0.0
+
+
 def atan_table():
+    """Of the numbers between 1/16 and 16 with the exponent and two more bits that are the entry's number modulo 32:
+    the tangent of the middle angle and its arctangent, in parts. Zero for the first, a huge one for the last. And the
+    largest remainder (x - c)/(1 + c x)."""
+    columns, most = [[0.0] * 32 for _ in range(4)], 0
+    for i in range(bits(1 / 16) >> 50, bits(16.0) >> 50):
+        low, high = value(i << 50), value(i + 1 << 50)
+        a, b = mp.atan(low), mp.atan(high)
+        c, arc = short(mp.tan((a + b) / 2)), mp.atan(short(mp.tan((a + b) / 2)))
+        if i == bits(1 / 16) >> 50:
+            c, arc, a = 0.0, mp.mpf(0), mp.mpf(0)
+        elif high == 16:
+            c, arc, b = 2.0**500, PI / 2, PI / 2
+        most = max(most, mp.tan(b - arc), mp.tan(arc - a))
+        columns[0][i % 32] = c
+        for column in columns[1:]:
+            column[i % 32] = short(arc)
+            arc -= mp.mpf(column[i % 32])
+    return columns, float(most)
+
+
+def ratio_table():
     """Where log2 of the ratio, taken as the difference of two numbers' bits, lies in [(i - 16)/4, (i - 15)/4): the
     middle of the interval's ends and its arctangent, in 44 fraction bits and the rest; for i = 0, which holds all
     below, zero. And the largest remainder (q - c)/(1 + c q)."""
@@ -266,7 +292,7 @@ array("double", "kPiBy16Short", "[]", pi16, "pi/16, in parts of which the second
 array("double", "kPiBy16", "[]", parts(PI / 16, 3), "the same in whole parts")
 constant("kByPi", 1 / PI)
 table("kTurnTable", turn_table(),
-      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost", odd=True)
+      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost", size=(4, 16, 32))
 table("kTanTable", tangent_table(), "numbers of which the first is tan(k pi/16) times the second")
 digits = int(mp.floor(mp.ldexp(2 / PI, 64 * 20)))
 array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2**64 - 1) for i in range(20)],
@@ -274,10 +300,12 @@ array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2*
 
 print("\n// ---- Arctangent ----")
 atan, atan_most = atan_table()
-table("kAtanTable", atan, f"c, arctan c to 44 fraction bits and the rest; remainders are below {atan_most:.5f}")
+table("kAtanTable", atan, f"c and arctan c, in three parts; remainders are below {atan_most:.5f}")
+ratio, ratio_most = ratio_table()
+table("kRatioTable", ratio, f"c, arctan c to 44 fraction bits and the rest; remainders are below {ratio_most:.5f}")
 array("double", "kPiShort", "[]", [float(rounded(PI, 43)), float(PI - rounded(PI, 43))],
       "pi to 43 fraction bits, so that its sums with those are exact, and the rest")
 
 print("\n// ---- Polynomials, the coefficient of the least power first ----")
-polynomials(log10e=log10e.hex(), atan_most=atan_most)
+polynomials(log10e=log10e.hex(), atan_most=max(atan_most, ratio_most))
 print("\n}  // namespace vmath")
