@@ -189,13 +189,21 @@ struct Cos32 {
     return RoundedOrSecond<0x800, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
   }
 };
-// The quotient of the sine and the cosine of r, |r| <= pi/4: to 2^-36 of it.
+// The sine and the cosine of r, |r| <= pi/4: to 2^-37 of them.
+struct Both {
+  V sine, cosine;
+};
+TZM_INLINE Both BothOf(V r) {
+  const V r2 = hn::Mul(r, r);
+  return {hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), Polynomial<kTanCosPoly32>(r2)};
+}
+// Their quotient: to 2^-36 of it.
 struct Tan32 {
   TZM_INLINE F operator()(F x) const {
     const Reduced32 a = Reduce32<1, false>(x);
     const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
     const auto tangent = [](V r, V odd) TZM_LAMBDA {
-      const V r2 = hn::Mul(r, r), s = hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), c = Polynomial<kTanCosPoly32>(r2);
+      const auto [s, c] = BothOf(r);
       const M swap = hn::RebindMask(D(), hn::TestBit(BitsOf(odd), SetBits(uint64_t{1} << 63)));
       return hn::Div(hn::IfThenElse(swap, c, s), hn::IfThenElse(swap, s, c));
     };
@@ -203,5 +211,18 @@ struct Tan32 {
     return RoundedOrSecond<0x20000, Tan64>(x, y, a.k);
   }
 };
+TZM_INLINE void SineAndCosine(F x, F& s, F& c) {
+  const Reduced32 a = Reduce32<1, false>(x);
+  const Both low = BothOf(a.r.low), high = BothOf(a.r.high);
+  const M32 sure = hn::And(IsSureWithin<0x20000>({low.sine, high.sine}), IsSureWithin<0x20000>({low.cosine, high.cosine}));
+  if (NotAll(hn::And(sure, hn::Lt(hn::Abs(x), C32(kNear))))) {
+    s = SecondStep<Sin64, kSinMiddles>(x), c = SecondStep<Cos64, kCosMiddles>(x);
+    return;
+  }
+  const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
+  const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));
+  s = NegateIfOdd(hn::IfThenElse(swap, cosine, sine), hn::ShiftRight<1>(a.k));
+  c = NegateIfOdd(hn::IfThenElse(swap, sine, cosine), hn::ShiftRight<1>(hn::Add(a.k, hn::Set(Bits32(), 1))));
+}
 
 }  // namespace vmath

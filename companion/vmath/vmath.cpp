@@ -22,6 +22,18 @@ TZM_INLINE void Map(int32_t n, Function function, T* r, const Source*... a) {
     hn::StoreU(function(hn::LoadU(d, from)...), d, to);
   }, r, a...);
 }
+// s[i] and c[i], of one reduction.
+template <class T>
+TZM_INLINE void MapBoth(int32_t n, const T* a, T* s, T* c) {
+  if (n < 1) return;
+  const Full<T> d;
+  ForEach<hn::MaxLanes(d), 1>(n, [=](const T* from, T* sine, T* cosine) TZM_LAMBDA {
+    Vec<Full<T>> ofSine, ofCosine;
+    SineAndCosine(hn::LoadU(d, from), ofSine, ofCosine);
+    hn::StoreU(ofSine, d, sine);
+    hn::StoreU(ofCosine, d, cosine);
+  }, a, s, c);
+}
 // A function of two arguments for binary32: its steps on halves in binary64, rounded once.
 template <class Function>
 struct InSteps {
@@ -74,21 +86,5 @@ TWO_SOURCES(Orva64f, vdpow, Pow64())
 #undef TWO_SOURCES
 #undef ONE_SOURCE
 
-void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c) {
-  if (n < 1) return;
-  const Full<float> d;
-  ForEach<hn::MaxLanes(d), 1>(n, [=](const Orva32f* from, Orva32f* sine, Orva32f* cosine) TZM_LAMBDA {
-    const F x = hn::LoadU(d, from);
-    hn::StoreU(Sin32()(x), d, sine);
-    hn::StoreU(Cos32()(x), d, cosine);
-  }, a, s, c);
-}
-void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c) {
-  if (n < 1) return;
-  ForEach<kLanes, 1>(n, [=](const Orva64f* from, Orva64f* sine, Orva64f* cosine) TZM_LAMBDA {
-    V ofSine, ofCosine;
-    SineAndCosine(hn::LoadU(D(), from), ofSine, ofCosine);
-    hn::StoreU(ofSine, D(), sine);
-    hn::StoreU(ofCosine, D(), cosine);
-  }, a, s, c);
-}
+void vssincos(int32_t n, const Orva32f* a, Orva32f* s, Orva32f* c) { MapBoth(n, a, s, c); }
+void vdsincos(int32_t n, const Orva64f* a, Orva64f* s, Orva64f* c) { MapBoth(n, a, s, c); }
