@@ -227,10 +227,10 @@ TZM_INLINE F Lookup32(I32 index) {
 #endif
 }
 
-// Sixteen entries of a few numbers each, or 32 of numbers whose last 32 bits are zero. Registers that hold eight numbers
-// hold a column, or its upper halves, in two and permute it; the others load whole rows and transpose. No gathers: many
-// machines run them in microcode. With twice as many entries as are stored, the negated ones follow: in rows they are
-// there, where columns are permuted what becomes of an entry is negated.
+// Sixteen entries of a few numbers each, or 32 of numbers whose last 32 bits are zero. Registers that hold eight
+// numbers hold a column, or its upper halves, in two and permute it; the others load whole rows and transpose. No
+// gathers: many machines run them in microcode. With twice as many entries as are stored, the negated ones follow: in
+// rows they are there, where columns are permuted what becomes of an entry is negated.
 template <size_t kColumns, size_t kStored = 16, size_t kEntries = kStored>
 struct Table {
   alignas(64) double column[kColumns][kStored];

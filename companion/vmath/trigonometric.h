@@ -190,10 +190,10 @@ struct Cos32 {
   }
 };
 // The sine and the cosine of r, |r| <= pi/4: to 2^-37 of them.
-struct Both {
+struct SineCosine {
   V sine, cosine;
 };
-TZM_INLINE Both BothOf(V r) {
+TZM_INLINE SineCosine SineCosineOf(V r) {
   const V r2 = hn::Mul(r, r);
   return {hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), Polynomial<kTanCosPoly32>(r2)};
 }
@@ -203,7 +203,7 @@ struct Tan32 {
     const Reduced32 a = Reduce32<1, false>(x);
     const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
     const auto tangent = [](V r, V odd) TZM_LAMBDA {
-      const auto [s, c] = BothOf(r);
+      const auto [s, c] = SineCosineOf(r);
       const M swap = hn::RebindMask(D(), hn::TestBit(BitsOf(odd), SetBits(uint64_t{1} << 63)));
       return hn::Div(hn::IfThenElse(swap, c, s), hn::IfThenElse(swap, s, c));
     };
@@ -213,9 +213,9 @@ struct Tan32 {
 };
 TZM_INLINE void SineAndCosine(F x, F& s, F& c) {
   const Reduced32 a = Reduce32<1, false>(x);
-  const Both low = BothOf(a.r.low), high = BothOf(a.r.high);
-  const M32 sure = hn::And(IsSureWithin<0x20000>({low.sine, high.sine}), IsSureWithin<0x20000>({low.cosine, high.cosine}));
-  if (NotAll(hn::And(sure, hn::Lt(hn::Abs(x), C32(kNear))))) {
+  const SineCosine low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
+  const M32 sureSine = hn::And(IsSureWithin<0x20000>({low.sine, high.sine}), hn::Lt(hn::Abs(x), C32(kNear)));
+  if (NotAll(hn::And(sureSine, IsSureWithin<0x20000>({low.cosine, high.cosine})))) {
     s = SecondStep<Sin64, kSinMiddles>(x), c = SecondStep<Cos64, kCosMiddles>(x);
     return;
   }

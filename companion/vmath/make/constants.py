@@ -292,7 +292,8 @@ array("double", "kPiBy16Short", "[]", pi16, "pi/16, in parts of which the second
 array("double", "kPiBy16", "[]", parts(PI / 16, 3), "the same in whole parts")
 constant("kByPi", 1 / PI)
 table("kTurnTable", turn_table(),
-      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost", size=(4, 16, 32))
+      "of k pi/16 sine, cosine, and what their rounding lost, each with most of what the other's lost",
+      size=(4, 16, 32))
 table("kTanTable", tangent_table(), "numbers of which the first is tan(k pi/16) times the second")
 digits = int(mp.floor(mp.ldexp(2 / PI, 64 * 20)))
 array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2**64 - 1) for i in range(20)],
