@@ -1,4 +1,4 @@
-// Arctangents: in binary64 arctan c + arctan((x - c)/(1 + c x)) with c one of 32, of a ratio n/d <= 1 with one of 16.
+// Arctangents. In binary64 that of a ratio n/d is arctan c + arctan((n - c d)/(d + c n)) with c one of 32.
 #pragma once
 
 #include "constants.h"
@@ -6,96 +6,77 @@
 
 namespace vmath {
 
-// arctan t = t + t^3 p(t^2), without the first t; `rest` belongs to the result as well.
-TZM_INLINE V ArctanRest(V t, V rest) {
-  const V t2 = hn::Mul(t, t);
-  return Fma(hn::Mul(t, t2), Polynomial<kAtanPoly>(t2), rest);
-}
-
-// Within 0.56 ulp. Four intervals for each power of two between 1/16 and 16; the first holds all below, with c = 0, the
-// last all above, with a c beside which x and 1 do not count.
-struct Atan64 {
-  TZM_INLINE V operator()(V x) const {
-    const V a = MinOrSecond(C(0x1p100), hn::Abs(x)), one = C(1);  // no angle differs beyond
-    const Bits32 d32;  // of whose lanes every second counts
-    const I32 upper = hn::Min(hn::Max(hn::BitCast(d32, a), hn::Set(d32, 0x3fb00000)), hn::Set(d32, 0x402fffff));
-    const auto [c, arcMost, arcMore, arcRest] = Lookup<kAtanTable, 50>(hn::BitCast(Bits(), upper)).number;
-
-    const V below = Fma(c, a, one), belowRest = Fma(c, a, hn::Sub(one, below)), inverse = hn::Div(one, below);
-    const V above = hn::Sub(a, c), t = hn::Mul(above, inverse);
-    const V error = Fnma(t, belowRest, Fnma(t, below, above));
-    const Sum sum = FastTwoSum(hn::Add(arcMost, arcMore), t);
-    const V rest = ArctanRest(t, Fma(error, inverse, arcRest));
-    return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, rest)), x);
-  }
-};
-
-// arctan(n/d) = most + more + rest, most of 44 fraction bits, the rest so small that its sums' roundings do not count;
-// 0 <= n <= d, and the products of both far from the ends of the range.
+// arctan(n/d) = most + more + rest, most of 42 fraction bits, the rest so small that its sums' roundings do not count;
+// products of the three in range. `near` has the bits of a number near to the ratio: four intervals
+// for each power of two of it between 1/16 and 16; the first holds all below, with c = 0, the last all above, with a c
+// beside which n and d do not count. Steep angles lose 0.04 ulp to the rounding of d - below, which is exact for
+// others; where d is 1, that and c d are exact.
 struct Angle {
   V most, more, rest;
 };
-TZM_INLINE Angle ArctanOfRatio(V n, V d) {
-  // Four intervals for each power of two of the ratio, by the difference of the bits; what lies below is the first.
-  const V least = OfBits(hn::Sub(BitsOf(d), SetBits(uint64_t{63} << 48)));
-  const I difference = hn::Sub(BitsOf(MaxOrSecond(n, least)), hn::Add(BitsOf(d), SetBits(1)));
-  const auto [c, arc, arcRest] = Lookup<kRatioTable, 50>(difference).number;
+template <bool kOne = false>
+TZM_INLINE Angle ArctanOfRatio(V n, V d, I near) {
+  const Bits32 d32;  // of whose lanes every second counts
+  const I32 clamped = hn::Min(hn::Max(hn::BitCast(d32, near), hn::Set(d32, 0x3fb00000)), hn::Set(d32, 0x402fffff));
+  const auto [c, arcMost, arcMore, arcRest] = Lookup<kAtanTable, 50>(hn::BitCast(Bits(), clamped)).number;
 
   const V below = Fma(c, n, d), belowRest = Fma(c, n, hn::Sub(d, below)), inverse = hn::Div(C(1), below);
-  const V product = hn::Mul(c, d), productRest = Fms(c, d, product);
-  const V above = hn::Sub(n, product);  // less productRest
-  const V t = hn::Mul(above, inverse);
-  const V error = hn::Sub(Fnma(t, belowRest, Fnma(t, below, above)), productRest);
-  return {arc, t, ArctanRest(t, Fma(error, inverse, arcRest))};
-}
-// base + angle, or base - angle where `sign` is negative; base is 0 or above the angle, of 43 fraction bits and a rest.
-TZM_INLINE V Turn(V base, V baseRest, Angle angle, V sign) {
-  const V signs = hn::And(sign, C(-0.0));
-  const Sum sum = FastTwoSum(hn::Add(base, hn::Xor(angle.most, signs)), hn::Xor(angle.more, signs));
-  return hn::Add(sum.sum, hn::Add(sum.rest, hn::Add(baseRest, hn::Xor(angle.rest, signs))));
+  const V product = kOne ? c : hn::Mul(c, d), above = hn::Sub(n, product), t = hn::Mul(above, inverse);
+  V error = Fnma(t, belowRest, Fnma(t, below, above));
+  if constexpr (!kOne) error = hn::Sub(error, Fms(c, d, product));
+  const V t2 = hn::Mul(t, t), rest = Fma(hn::Mul(t, t2), Polynomial<kAtanPoly>(t2), Fma(error, inverse, arcRest));
+  return {hn::Add(arcMost, arcMore), t, rest};
 }
 
-// Within 0.56 ulp: the angle of the first octant, and from it that of the others.
+// Within 0.56 ulp.
+struct Atan64 {
+  TZM_INLINE V operator()(V x) const {
+    const V a = MinOrSecond(C(0x1p100), hn::Abs(x));  // no angle differs beyond
+    const Angle angle = ArctanOfRatio<true>(a, C(1), BitsOf(a));
+    const Sum sum = FastTwoSum(angle.most, angle.more);
+    return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, angle.rest)), x);
+  }
+};
+
+// Within 0.58 ulp.
 struct Atan2_64 {
   TZM_INLINE V operator()(V y, V x) const {
-    const V ay = hn::Abs(y), ax = hn::Abs(x);
-    const M steep = hn::Gt(ay, ax);
-    const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
-    const V result = FromOctant(y, x, steep, ArctanOfRatio(n, d));
-    const M usual = hn::And(hn::Gt(n, C(kLeast)), hn::Lt(d, C(kMost)));
+    const V ay = hn::Abs(y), ax = hn::Abs(x), result = FromQuadrant(y, x, OfQuadrant(ay, ax));
+    const V least = MinOrSecond(ax, ay), most = MaxOrSecond(ay, ax);  // one of them is NaN if any is
+    const M usual = hn::And(hn::Gt(least, C(0x1p-240)), hn::Lt(most, C(0x1p240)));
     if (NotAll(usual)) return hn::IfThenElse(usual, result, OfAny(y, x));
     return result;
   }
 
  private:
-  static constexpr double kLeast = 0x1p-400, kMost = 0x1p500;
-
-  static TZM_INLINE V FromOctant(V y, V x, M steep, Angle angle) {
-    const M left = hn::Lt(hn::CopySign(C(1), x), hn::Zero(D()));
-    const auto base = [&](int part) TZM_LAMBDA {
-      return hn::IfThenElse(steep, C(kPiShort[part] / 2), hn::IfThenElseZero(left, C(kPiShort[part])));
-    };
-    // Steep angles are measured from the axis of y, and those on the left from the other side.
-    const V sign = hn::Xor(hn::IfThenElseZero(steep, C(-0.0)), x);
-    return hn::CopySign(Turn(base(0), base(1), angle, sign), y);
+  static TZM_INLINE Angle OfQuadrant(V ay, V ax) {
+    return ArctanOfRatio(ay, ax, hn::Sub(BitsOf(ay), hn::Sub(BitsOf(ax), BitsOf(C(1)))));
+  }
+  // On the left from the other side.
+  static TZM_INLINE V FromQuadrant(V y, V x, Angle angle) {
+    const V sign = hn::And(x, C(-0.0));
+    const M left = hn::Lt(hn::Or(sign, C(1)), hn::Zero(D()));
+    const V base = hn::IfThenElseZero(left, C(kPiShort[0])), baseRest = hn::IfThenElseZero(left, C(kPiShort[1]));
+    const Sum sum = FastTwoSum(hn::Add(base, hn::Xor(angle.most, sign)), hn::Xor(angle.more, sign));
+    return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, hn::Add(baseRest, hn::Xor(angle.rest, sign)))), y);
   }
   // Numbers near the ends of the range are scaled; of ratios below 2^-60 the angle is the ratio, rounded once.
   static __attribute__((noinline)) V OfAny(V y, V x) {
-    const V ay = hn::Abs(y), ax = hn::Abs(x), one = C(1), zero = hn::Zero(D());
+    const V one = C(1), zero = hn::Zero(D());
+    V ay = hn::Abs(y), ax = hn::Abs(x);
+    const M bothInfinite = hn::And(hn::IsInf(ay), hn::IsInf(ax)), bothZero = hn::Eq(hn::Add(ay, ax), zero);
+    ay = hn::IfThenElse(bothInfinite, one, ay);
+    ax = hn::IfThenElse(hn::Or(bothInfinite, bothZero), one, ax);
     const M steep = hn::Gt(ay, ax);
-    V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
-    const M bothInfinite = hn::Eq(n, C(kInfinity)), bothZero = hn::Eq(d, zero);
-    n = hn::IfThenElse(bothInfinite, one, n);
-    d = hn::IfThenElse(hn::Or(bothInfinite, bothZero), one, d);
-    const V ratio = hn::Div(n, d);
+    const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax), ratio = hn::Div(n, d);
     const V up = hn::IfThenElse(hn::Lt(d, C(0x1p-300)), C(0x1p600), one);
-    const V scale = hn::IfThenElse(hn::Ge(d, C(kMost)), C(0x1p-600), up);
+    const V scale = hn::IfThenElse(hn::Ge(d, C(0x1p300)), C(0x1p-700), up);
     const M small = hn::Lt(ratio, C(0x1p-60));
-    n = hn::IfThenElse(small, zero, hn::Mul(n, scale));
-    d = hn::IfThenElse(small, one, hn::Mul(d, scale));
-    Angle angle = ArctanOfRatio(n, d);
-    angle.more = hn::IfThenElse(small, ratio, angle.more);
-    const V result = FromOctant(y, x, steep, angle);
+    ay = hn::IfThenElse(small, hn::IfThenElseZero(steep, one), hn::Mul(ay, scale));
+    ax = hn::IfThenElse(small, hn::IfThenZeroElse(steep, one), hn::Mul(ax, scale));
+    Angle angle = OfQuadrant(ay, ax);
+    angle.more = hn::IfThenElse(hn::AndNot(steep, small), ratio, angle.more);
+    const V result = FromQuadrant(y, x, angle);
     return hn::IfThenElse(hn::Or(hn::IsNaN(x), hn::IsNaN(y)), C(kNaN), result);
   }
 };

@@ -5,17 +5,26 @@
 
 namespace vmath {
 
-// x = 2^k fraction, kLogIndex the first of the bits of `index` that number c; for positive normal x.
+// x = 2^k fraction, kLogIndex the first of the bits of `index` that number c; for x from kLeastForLog on.
 constexpr int kLogIndex = 48;
+constexpr double kLeastForLog = 0x1p-1000;
 struct LogArgument {
   V k, fraction;
   I index;
 };
 TZM_INLINE LogArgument SplitForLog(V x) {
-  const I one = SetBits(uint64_t{1023} << 52), shifted = hn::Add(BitsOf(x), hn::Sub(one, SetBits(kLogStart)));
+  const I one = SetBits(uint64_t{1023} << 52), toOne = hn::Sub(one, SetBits(kLogStart));
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  const I shifted = hn::Add(BitsOf(x), hn::Sub(toOne, SetBits(uint64_t{1} << 52)));  // 2^(k - 1), a fraction from 1 on
+  const __m512d number = OfBits(shifted).raw;
+  const V k{_mm512_getexp_pd(number)}, fraction{_mm512_getmant_pd(number, _MM_MANT_NORM_1_2, _MM_MANT_SIGN_zero)};
+  return {hn::Add(k, C(1)), OfBits(hn::Sub(BitsOf(fraction), toOne)), shifted};
+#else
+  const I shifted = hn::Add(BitsOf(x), toOne);
   const V biased = OfBits(hn::Or(ShiftRightLogical<52>(shifted), SetBits(uint64_t{0x433} << 52)));  // 2^52 + 1023 + k
   const I exponent = hn::And(hn::Sub(shifted, one), SetBits(0xfff0000000000000));
   return {hn::Sub(biased, C(0x1p52 + 1023)), OfBits(hn::Sub(BitsOf(x), exponent)), shifted};
+#endif
 }
 
 struct Natural {
@@ -31,10 +40,11 @@ struct Decimal {
   static constexpr auto& kOf2 = kLog10Of2;
 };
 
-// By the bits as integers: with one added to the exponent, what is no such number is less than the least, or negative.
-TZM_INLINE M IsPositiveNormal(V x) {
-  const uint64_t one = uint64_t{1} << 52;
-  return hn::RebindMask(D(), hn::Gt(hn::Add(BitsOf(x), SetBits(one)), SetBits(2 * one - 1)));
+// Positive and finite, but neither subnormal nor little above. By the bits as integers: with one added to the exponent,
+// what is no such number is less than the least, or negative.
+TZM_INLINE M IsForLog(V x) {
+  const I one = SetBits(uint64_t{1} << 52), least = hn::Add(BitsOf(C(kLeastForLog)), one);
+  return hn::RebindMask(D(), hn::Gt(hn::Add(BitsOf(x), one), hn::Sub(least, SetBits(1))));
 }
 TZM_INLINE M32 IsPositiveNormal(F x) {
   const int32_t one = 1 << 23;
@@ -51,7 +61,7 @@ template <class Base>
 struct Log64 {
   TZM_INLINE V operator()(V x) const {
     const V y = OfNormal(x, hn::Zero(D()));
-    const M usual = IsPositiveNormal(x);
+    const M usual = IsForLog(x);
     if (NotAll(usual)) return hn::IfThenElse(usual, y, OfOther(x));
     return y;
   }
@@ -76,9 +86,9 @@ struct Log64 {
     }
   }
   static __attribute__((noinline)) V OfOther(V x) {
-    const M subnormal = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(0x1p-1022)));
+    const M small = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(kLeastForLog)));
     const V y = OfNormal(hn::Mul(x, C(0x1p54)), C(54));
-    return hn::IfThenElse(subnormal, y, LogOfOther(x));
+    return hn::IfThenElse(small, y, LogOfOther(x));
   }
 };
 

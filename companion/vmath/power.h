@@ -7,7 +7,7 @@
 
 namespace vmath {
 
-// ln x, x positive and normal, less shift ln 2: to 2^-67 of it.
+// ln x, x as IsForLog(), less shift ln 2: to 2^-67 of it.
 TZM_INLINE Sum LogInTwo(V x, V shift) {
   const LogArgument a = SplitForLog(x);
   const V k = hn::Sub(a.k, shift);
@@ -69,7 +69,7 @@ struct Pow64 {
   TZM_INLINE V operator()(V x, V y) const {
     const Sum product = Times(y, LogInTwo(x, hn::Zero(D())));
     const V power = ExpParts(product.sum, product.rest).Normal();
-    const M usual = hn::And(IsPositiveNormal(x), hn::Lt(hn::Abs(product.sum), C(kExpNormal)));
+    const M usual = hn::And(IsForLog(x), hn::Lt(hn::Abs(product.sum), C(kExpNormal)));
     if (NotAll(usual)) return hn::IfThenElse(usual, power, OfAny(x, y));
     return power;
   }
@@ -77,9 +77,9 @@ struct Pow64 {
  private:
   static __attribute__((noinline)) V OfAny(V x, V y) {
     const V a = hn::Abs(x);
-    const M subnormal = hn::Lt(a, C(0x1p-1022));
-    const V scaled = hn::IfThenElse(subnormal, hn::Mul(a, C(0x1p54)), a);
-    const Sum product = ProductOfAny(a, y, LogInTwo(scaled, hn::IfThenElseZero(subnormal, C(54))));
+    const M small = hn::Lt(a, C(kLeastForLog));
+    const V scaled = hn::IfThenElse(small, hn::Mul(a, C(0x1p54)), a);
+    const Sum product = ProductOfAny(a, y, LogInTwo(scaled, hn::IfThenElseZero(small, C(54))));
     return PowerOfAny(x, y, ExpOfAny(product.sum, product.rest));
   }
 };
@@ -91,7 +91,7 @@ struct Pow32 {
     const Sum product = Times(y, LogInTwo32(x));
     const V power = ExpParts(product.sum, product.rest).Normal();
     // Of greater logarithms results may be no normal numbers of binary32.
-    const M normal = hn::And(IsPositiveNormal(x), hn::Lt(hn::Abs(product.sum), C(87)));
+    const M normal = hn::And(IsForLog(x), hn::Lt(hn::Abs(product.sum), C(87)));
     return {power, hn::AndNot(IsOpenWithin<0x100>(power), normal)};
   }
   static __attribute__((noinline)) V Second(V, V x, V y) {

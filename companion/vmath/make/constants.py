@@ -197,47 +197,28 @@ def short(x):
 
 
 def atan_table():
-    """Of the numbers between 1/16 and 16 with the exponent and two more bits that are the entry's number modulo 32:
-    the tangent of the middle angle and its arctangent, in parts. Zero for the first, a huge one for the last. And the
-    largest remainder (x - c)/(1 + c x)."""
+    """Of ratios between 1/16 and 16 by the bits of a number near to them, the exponent and two more, which are modulo
+    32 the entry's number: the tangent of the middle angle and its arctangent, the first two parts together of 42
+    fraction bits. Zero for the first, a huge one for the last. And the largest remainder (q - c)/(1 + c q)."""
     columns, most = [[0.0] * 32 for _ in range(4)], 0
-    for i in range(bits(1 / 16) >> 50, bits(16.0) >> 50):
-        low, high = value(i << 50), value(i + 1 << 50)
-        a, b = mp.atan(low), mp.atan(high)
-        c, arc = short(mp.tan((a + b) / 2)), mp.atan(short(mp.tan((a + b) / 2)))
-        if i == bits(1 / 16) >> 50:
-            c, arc, a = 0.0, mp.mpf(0), mp.mpf(0)
-        elif high == 16:
-            c, arc, b = 2.0**500, PI / 2, PI / 2
-        most = max(most, mp.tan(b - arc), mp.tan(arc - a))
-        columns[0][i % 32] = c
-        for column in columns[1:]:
-            column[i % 32] = short(arc)
-            arc -= mp.mpf(column[i % 32])
-    return columns, float(most)
-
-
-def ratio_table():
-    """Where log2 of the ratio, taken as the difference of two numbers' bits, lies in [(i - 16)/4, (i - 15)/4): the
-    middle of the interval's ends and its arctangent, in 44 fraction bits and the rest; for i = 0, which holds all
-    below, zero. And the largest remainder (q - c)/(1 + c q)."""
-    middle, arcs, ends = [0.0], [mp.mpf(0)], []
-    for i in range(16):
-        # pseudo-logarithms of q = n/d for all d: the extremes are at d = 1 and where d's fraction is just wrong
+    first, last = bits(1 / 16) >> 50, (bits(16.0) >> 50) - 1
+    for i in range(first, last + 1):
+        # The number has the bits of n, less those of d, plus those of 1: the ratio n/d is furthest from it where d's
+        # fraction is zero or just wrong.
         low, high = [], []
         for d in np.linspace(1, 2, 257)[:-1]:
-            low.append(value(bits(d) + ((i - 16) << 50)) / d)
-            high.append(value(bits(d) + ((i - 15) << 50)) / d)
-        ends.append((min(low), min(max(high), 1.0)))
-    most = ends[0][1]
-    for low, high in ends[1:]:
-        a, b = mp.atan(low), mp.atan(high)
-        c = float(rounded(mp.tan((a + b) / 2), 12))
-        middle.append(c)
-        most = max(most, float(mp.tan(b - mp.atan(c))), float(mp.tan(mp.atan(c) - a)))
-        arcs.append(mp.atan(c))
-    short = [float(rounded(a, 44)) for a in arcs]
-    return [middle, short, [float(a - mp.mpf(b)) for a, b in zip(arcs, short)]], most * 1.001
+            low.append(value((i << 50) + bits(d) - bits(1.0)) / d)
+            high.append(value((i + 1 << 50) + bits(d) - bits(1.0)) / d)
+        a, b = mp.atan(min(low)) if i > first else mp.mpf(0), mp.atan(max(high)) if i < last else PI / 2
+        c = 0.0 if i == first else 2.0**600 if i == last else short(mp.tan((a + b) / 2))
+        arc = mp.atan(c)
+        most = max(most, mp.tan(b - arc), mp.tan(arc - a))
+        parts_of_arc = [short(arc)]
+        parts_of_arc.append(short(rounded(arc - parts_of_arc[0], 42)))
+        parts_of_arc.append(short(arc - parts_of_arc[0] - parts_of_arc[1]))
+        for column, x in zip(columns, [c, *parts_of_arc]):
+            column[i % 32] = x
+    return columns, float(most * 1.001)
 
 
 LOG_START = bits(1.0) - round((9 + 2 / 3) * 2**48)
@@ -302,11 +283,9 @@ array("uint64_t", "kTwoByPiBits", "[]", [0] + [(digits >> (64 * (19 - i))) & (2*
 print("\n// ---- Arctangent ----")
 atan, atan_most = atan_table()
 table("kAtanTable", atan, f"c and arctan c, in three parts; remainders are below {atan_most:.5f}")
-ratio, ratio_most = ratio_table()
-table("kRatioTable", ratio, f"c, arctan c to 44 fraction bits and the rest; remainders are below {ratio_most:.5f}")
 array("double", "kPiShort", "[]", [float(rounded(PI, 43)), float(PI - rounded(PI, 43))],
       "pi to 43 fraction bits, so that its sums with those are exact, and the rest")
 
 print("\n// ---- Polynomials, the coefficient of the least power first ----")
-polynomials(log10e=log10e.hex(), atan_most=max(atan_most, ratio_most))
+polynomials(log10e=log10e.hex(), atan_most=atan_most)
 print("\n}  // namespace vmath")
