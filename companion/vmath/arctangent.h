@@ -54,9 +54,8 @@ struct Atan2_64 {
   }
   // On the left from the other side.
   static TZM_INLINE V FromQuadrant(V y, V x, Angle angle) {
-    const V sign = hn::And(x, C(-0.0));
-    const M left = hn::Lt(hn::Or(sign, C(1)), hn::Zero(D()));
-    const V base = hn::IfThenElseZero(left, C(kPiShort[0])), baseRest = hn::IfThenElseZero(left, C(kPiShort[1]));
+    const V left = OfBits(hn::BroadcastSignBit(BitsOf(x))), sign = hn::And(left, C(-0.0));
+    const V base = hn::And(left, C(kPiShort[0])), baseRest = hn::And(left, C(kPiShort[1]));
     const Sum sum = FastTwoSum(hn::Add(base, hn::Xor(angle.most, sign)), hn::Xor(angle.more, sign));
     return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, hn::Add(baseRest, hn::Xor(angle.rest, sign)))), y);
   }
@@ -113,17 +112,18 @@ struct Atan32 {
 // The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-45 in the first step
 // (make/arctangent.gappa).
 struct Atan2_32 {
+  static constexpr int kUnits = 0x200;
   static TZM_INLINE FirstStep First(V y, V x) {
-    const V ay = hn::Abs(y), ax = hn::Abs(x), zero = hn::Zero(D());
-    const M steep = hn::Gt(ay, ax), left = hn::Lt(hn::CopySign(C(1), x), zero);
+    const V ay = hn::Abs(y), ax = hn::Abs(x), left = OfBits(hn::BroadcastSignBit(BitsOf(x)));
+    const M steep = hn::Gt(ay, ax);
     const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
     const M middle = hn::Gt(n, hn::Mul(d, C(kTanOfPiBy8)));
     const V sign = hn::And(hn::Xor(hn::IfThenElseZero(steep, C(-0.0)), x), C(-0.0));
-    const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::IfThenElseZero(left, C(kPi[0])));
+    const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::And(left, C(kPi[0])));
     const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
     const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
     const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
-    return {hn::CopySign(angle, y), hn::AndNot(IsOpenWithin<0x200>(angle), hn::Gt(angle, C(0x1p-120)))};
+    return {hn::CopySign(angle, y), hn::Gt(angle, C(0x1p-120))};
   }
   // Zeros, infinities and NaN too.
   static __attribute__((noinline)) V Second(V first, V y, V x) {

@@ -163,10 +163,11 @@ inline __attribute__((noinline)) F SecondStep(F x) {
   return NarrowPair(S(), settled(wide.low), settled(wide.high));
 }
 
-// The first step of a function of two arguments, and where it is sure.
+// The first step of a function of two arguments, and where it holds: there the result is known but for as many units
+// as the function says.
 struct FirstStep {
   V value;
-  M sure;
+  M holds;
 };
 
 // Whether a normal number of binary32, known in binary64 but for kUnits units, a power of two, might lie on either side

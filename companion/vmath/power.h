@@ -87,12 +87,13 @@ struct Pow64 {
 // Correctly rounded to binary32, of numbers of that type: the first step is good to 2^-49 (make/logarithm.gappa); one
 // power in a million goes to the second.
 struct Pow32 {
+  static constexpr int kUnits = 0x100;
   static TZM_INLINE FirstStep First(V x, V y) {
     const Sum product = Times(y, LogInTwo32(x));
     const V power = ExpParts(product.sum, product.rest).Normal();
     // Of greater logarithms results may be no normal numbers of binary32.
     const M normal = hn::And(IsForLog(x), hn::Lt(hn::Abs(product.sum), C(87)));
-    return {power, hn::AndNot(IsOpenWithin<0x100>(power), normal)};
+    return {power, normal};
   }
   static __attribute__((noinline)) V Second(V, V x, V y) {
     const V a = hn::Abs(x);

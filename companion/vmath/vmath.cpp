@@ -40,9 +40,13 @@ struct InSteps {
   TZM_INLINE F operator()(F x, F y) const {
     const Halves a = Widen(x), b = Widen(y);
     FirstStep low = Function::First(a.low, b.low), high = Function::First(a.high, b.high);
-    if (NotAll(hn::And(low.sure, high.sure))) {
-      low.value = hn::IfThenElse(low.sure, low.value, Function::Second(low.value, a.low, b.low));
-      high.value = hn::IfThenElse(high.sure, high.value, Function::Second(high.value, a.high, b.high));
+    if (NotAll(IsSureWithin<Function::kUnits>({low.value, high.value})) || NotAll(hn::And(low.holds, high.holds))) {
+      const auto second = [](FirstStep& first, V x, V y) TZM_LAMBDA {
+        const M sure = hn::AndNot(IsOpenWithin<Function::kUnits>(first.value), first.holds);
+        first.value = hn::IfThenElse(sure, first.value, Function::Second(first.value, x, y));
+      };
+      second(low, a.low, b.low);
+      second(high, a.high, b.high);
     }
     return NarrowPair(S(), low.value, high.value);
   }
