@@ -193,9 +193,9 @@ inline constexpr double kLog10Poly[] = {0x1.979a3cb32be17p-57, -0x1.bcb7b1526e50
 inline constexpr double kPowLogPoly[] = {-0x1.0000000000000p-2, 0x1.99999999998f2p-3, -0x1.5555555555407p-3,
     0x1.249249262e926p-3, -0x1.00000002688a3p-3, 0x1.c71c4a61ad881p-4, -0x1.9999697b393a2p-4, 0x1.751af0569591ap-4,
     -0x1.561c523cd631bp-4};
-// sin x = x p(x^2), |x| < pi/2: within 2^-44.2
-inline constexpr double kSinPoly32[] = {0x1.ffffffffffe39p-1, -0x1.5555555543b0ep-3, 0x1.11111109ea238p-7,
-    -0x1.a019fd465bcf1p-13, 0x1.71dcf786ef9e6p-19, -0x1.ae0428cdce3c8p-26, 0x1.52e302d6a5113p-33};
+// sin x = x p(x^2), |x| < pi/2: within 2^-35.8
+inline constexpr double kSinPoly32[] = {0x1.ffffffffda6fbp-1, -0x1.55555544308dep-3, 0x1.11110bfe9cd14p-7,
+    -0x1.a017cf53eabe2p-13, 0x1.7170025404597p-19, -0x1.9a675c9553bf8p-26};
 // sin x = x + x^3 p(x^2) of the remainder, relative to x: within 2^-67.2
 inline constexpr double kSinPoly[] = {-0x1.5555555555555p-3, 0x1.111111110f5ccp-7, -0x1.a01a0109f9780p-13,
     0x1.71cade3966308p-19};

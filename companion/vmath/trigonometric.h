@@ -174,19 +174,19 @@ TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
-// The sine of r, |r| <= pi/2, to 2^-43 of it.
+// The sine of r, |r| <= pi/2, to 2^-35 of it.
 TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial<kSinPoly32>(hn::Mul(r, r))); }
 struct Sin32 {
   TZM_INLINE F operator()(F x) const {
     const Reduced32 a = Reduce32<2, false>(x);
-    return RoundedOrSecond<0x800, Sin64, kSinMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, a.k);
+    return RoundedOrSecond<0x40000, Sin64, kSinMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, a.k);
   }
 };
 // cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
 struct Cos32 {
   TZM_INLINE F operator()(F x) const {
     const Reduced32 a = Reduce32<2, true>(x);
-    return RoundedOrSecond<0x800, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
+    return RoundedOrSecond<0x40000, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
   }
 };
 // The sine and the cosine of r, |r| <= pi/4: to 2^-37 of them.

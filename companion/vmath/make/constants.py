@@ -92,7 +92,7 @@ POLYNOMIALS = [
      "log10(1 + x) = x (kLog10E + p(x)), relative to x"),
     ("kPowLogPoly", "double", " + ".join(f"(-1)^{k + 1}*x^{k - 3}/{k}" for k in range(4, 40)), 1, 9,
      "[-1/32.2, 1/32.2]", "ln(1 + x) = x - x^2/2 + x^3/3 + x^4 p(x), relative to x^3"),
-    ("kSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 6, "[1b-30, (pi/2)^2*1.001]", "sin x = x p(x^2), |x| < pi/2"),
+    ("kSinPoly32", "double", "sin(sqrt(x))/sqrt(x)", 0, 5, "[1b-30, (pi/2)^2*1.001]", "sin x = x p(x^2), |x| < pi/2"),
     ("kSinPoly", "double", "sin(sqrt(x))/sqrt(x) - 1", 1, 4, "[1b-30, (pi/32*1.00001)^2]",
      "sin x = x + x^3 p(x^2) of the remainder, relative to x"),
     ("kMinusCosPoly", "double", "1 - cos(sqrt(x))", 1, 4, "[1b-30, (pi/32*1.00001)^2]",
