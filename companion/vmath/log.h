@@ -79,10 +79,9 @@ struct Log64 {
       const V low = Fma(k, C(Base::kOf2[1]), hn::Add(Fnma(rRest, r, rRest), sum.rest));
       return hn::Add(sum.sum, Fma(r2, PolynomialInTwo<kLogPoly>(r, r2), low));
     } else {
-      const V first = hn::Mul(r, C(kLog10E)), firstRest = Fma(rRest, C(kLog10E), Fms(r, C(kLog10E), first));
-      const Sum sum = FastTwoSum(exact, first);
-      const V low = Fma(k, C(Base::kOf2[1]), hn::Add(Fnma(firstRest, r, firstRest), sum.rest));
-      return hn::Add(sum.sum, Fma(r, PolynomialInTwo<kLog10Poly>(r, r2), low));
+      const V sum = Fma(r, C(kLog10E), exact), sumRest = Fma(r, C(kLog10E), hn::Sub(exact, sum));
+      const V low = Fma(k, C(Base::kOf2[1]), Fma(Fnma(rRest, r, rRest), C(kLog10E), sumRest));
+      return hn::Add(sum, Fma(r, PolynomialInTwo<kLog10Poly>(r, r2), low));
     }
   }
   static __attribute__((noinline)) V OfOther(V x) {
