@@ -56,7 +56,7 @@ TZM_INLINE V LogOfOther(V x) {
   return hn::IfThenElse(hn::Eq(x, hn::Zero(D())), C(-kInfinity), negative);
 }
 
-// Within 0.54 ulp. k log 2 + log c is exact; r comes with the rest of its rounding, and so does the sum of the two.
+// Within 0.54 ulp. k log 2 + log c is exact; r comes with the excess of its rounding, the sum of the two with the rest.
 template <class Base>
 struct Log64 {
   TZM_INLINE V operator()(V x) const {
@@ -72,15 +72,15 @@ struct Log64 {
     const V k = hn::Sub(a.k, shift);
     const auto [inverse, log] = Lookup<Base::kTable, kLogIndex>(a.index).number;
     const V product = hn::Mul(a.fraction, inverse), r = hn::Sub(product, C(1));
-    const V rRest = Fms(a.fraction, inverse, product);
+    const V excess = Fnma(a.fraction, inverse, product);
     const V exact = Fma(k, C(Base::kOf2[0]), log), r2 = hn::Mul(r, r);
     if constexpr (std::is_same_v<Base, Natural>) {
       const Sum sum = FastTwoSum(exact, r);
-      const V low = Fma(k, C(Base::kOf2[1]), hn::Add(Fnma(rRest, r, rRest), sum.rest));
+      const V low = Fma(k, C(Base::kOf2[1]), hn::Sub(sum.rest, Fnma(excess, r, excess)));
       return hn::Add(sum.sum, Fma(r2, PolynomialInTwo<kLogPoly>(r, r2), low));
     } else {
       const V sum = Fma(r, C(kLog10E), exact), sumRest = Fma(r, C(kLog10E), hn::Sub(exact, sum));
-      const V low = Fma(k, C(Base::kOf2[1]), Fma(Fnma(rRest, r, rRest), C(kLog10E), sumRest));
+      const V low = Fma(k, C(Base::kOf2[1]), Fnma(Fnma(excess, r, excess), C(kLog10E), sumRest));
       return hn::Add(sum, Fma(r, PolynomialInTwo<kLog10Poly>(r, r2), low));
     }
   }
@@ -101,11 +101,11 @@ struct Log32 {
     const F k = hn::ConvertTo(S(), hn::ShiftRight<23>(exponent)), fraction = OfBits(hn::Sub(BitsOf(x), exponent));
     const I32 index = hn::ShiftRight<20>(shifted);
     const F log = Lookup32<kLogTable32, 1>(index), logRest = Lookup32<kLogTable32, 2>(index);
-    const F r = Fms(fraction, Lookup32<kLogTable32, 0>(index), C32(1)), r2 = hn::Mul(r, r), r2Rest = Fms(r, r, r2);
+    const F r = Fms(fraction, Lookup32<kLogTable32, 0>(index), C32(1)), r2 = hn::Mul(r, r), r2Excess = Fnma(r, r, r2);
     const F exact = Fma(k, C32(kLn2Of32Short[0]), log), first = hn::Add(exact, r);
     const F firstRest = hn::Add(hn::Sub(exact, first), r);
     F sum = Fnma(r2, C32(0.5f), first), rest = Fnma(r2, C32(0.5f), hn::Sub(first, sum));
-    const F low = Fma(k, C32(kLn2Of32Short[1]), logRest), series = Fnma(r2Rest, C32(0.5f), low);
+    const F low = Fma(k, C32(kLn2Of32Short[1]), logRest), series = Fma(r2Excess, C32(0.5f), low);
     rest = hn::Add(hn::Add(rest, firstRest), Fma(hn::Mul(r2, r), Polynomial<kLogPoly32>(r), series));
     if constexpr (std::is_same_v<Base, Decimal>) {
       const F product = hn::Mul(sum, C32(kLog10E32[0]));

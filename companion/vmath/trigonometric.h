@@ -134,8 +134,8 @@ struct Tangent {
     const V nRest = Fma(cosine, t.rest, Fma(cosine, t.sum, hn::Sub(sine, n)));
     const V dRest = Fnma(sine, t.rest, Fnma(sine, t.sum, hn::Sub(cosine, d)));
     const V inverse = hn::Div(C(1), d), quotient = hn::Mul(n, inverse);
-    const V excess = hn::Sub(Fma(quotient, dRest, Fms(quotient, d, n)), nRest);
-    return Fnma(excess, inverse, quotient);
+    const V rest = hn::Add(Fnma(quotient, dRest, Fnma(quotient, d, n)), nRest);
+    return Fma(rest, inverse, quotient);
   }
 };
 // Within 0.52 ulp.
