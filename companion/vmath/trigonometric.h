@@ -131,11 +131,11 @@ struct Tangent {
     const V r2 = hn::Mul(a.r, a.r);
     const Sum t = FastTwoSum(a.r, Fms(hn::Mul(r2, a.r), Polynomial<kTanPoly>(r2), a.excess));
     const V n = Fma(cosine, t.sum, sine), d = Fnma(sine, t.sum, cosine);
-    const V nRest = Fma(cosine, t.rest, Fma(cosine, t.sum, hn::Sub(sine, n)));
+    const V nExcess = Fnma(cosine, t.rest, Fnma(cosine, t.sum, hn::Sub(n, sine)));
     const V dRest = Fnma(sine, t.rest, Fnma(sine, t.sum, hn::Sub(cosine, d)));
     const V inverse = hn::Div(C(1), d), quotient = hn::Mul(n, inverse);
-    const V rest = hn::Add(Fnma(quotient, dRest, Fnma(quotient, d, n)), nRest);
-    return Fma(rest, inverse, quotient);
+    const V excess = hn::Sub(nExcess, Fnma(quotient, dRest, Fnma(quotient, d, n)));
+    return Fnma(excess, inverse, quotient);
   }
 };
 // Within 0.52 ulp.
