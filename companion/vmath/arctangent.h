@@ -7,10 +7,10 @@
 namespace vmath {
 
 // arctan(n/d) = most + more + rest, most of 42 fraction bits, the rest so small that its sums' roundings do not count;
-// products of the three in range. `near` has the bits of a number near to the ratio: four intervals
-// for each power of two of it between 1/16 and 16; the first holds all below, with c = 0, the last all above, with a c
-// beside which n and d do not count. Steep angles lose 0.04 ulp to the rounding of d - below, which is exact for
-// others; where d is 1, that and c d are exact.
+// products of n, d and c in range. `near` has the bits of a number near to the ratio: four intervals for each power of
+// two of it between 1/16 and 16; the first holds all below, with c = 0, the last all above, with a c beside which n and
+// d do not count. The rounding of d - below, which is exact for angles that are not steep, takes 0.04 ulp at most;
+// where d is 1, as kOne says, that and c d are exact.
 struct Angle {
   V most, more, rest;
 };
