@@ -43,7 +43,7 @@ struct Atan2_64 {
   TZM_INLINE V operator()(V y, V x) const {
     const V ay = hn::Abs(y), ax = hn::Abs(x), result = FromQuadrant(y, x, OfQuadrant(ay, ax));
     const V least = MinOrSecond(ax, ay), most = MaxOrSecond(ay, ax);  // one of them is NaN if any is
-    const M usual = hn::And(hn::Gt(least, C(0x1p-240)), hn::Lt(most, C(0x1p240)));
+    const M usual = LessWhere(hn::Gt(least, C(0x1p-240)), most, C(0x1p240));
     if (NotAll(usual)) return hn::IfThenElse(usual, result, OfAny(y, x));
     return result;
   }

@@ -70,7 +70,7 @@ struct Exp32 {
     const F p = Fma(hn::Mul(both, both), Polynomial<kExpPoly32>(both), fRest);
     const F sum = Fma(root, f, root), rest = Fma(root, p, Fma(root, f, hn::Sub(root, sum)));
     const F y = hn::Add(sum, hn::Add(rest, C32(kError))), least = hn::Add(sum, hn::Sub(rest, C32(kError)));
-    const M32 sure = hn::And(hn::Eq(y, least), hn::Lt(hn::Abs(x), C32(kNormal)));
+    const M32 sure = EqualWhere(hn::Lt(hn::Abs(x), C32(kNormal)), y, least);
     if (NotAll(sure)) return SecondStep<Exp64>(x);
     return OfBits(hn::Add(BitsOf(y), hn::ShiftLeft<23>(hn::ShiftRight<4>(BitsOf(shifted)))));
   }

@@ -57,6 +57,24 @@ TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
   return hn::NegMulAdd(a, b, c);
 }
 
+// Lanes of `where` with a < b, or with a = b: AVX-512 compares under a mask.
+template <class Mask, class Vector>
+TZM_INLINE Mask LessWhere(Mask where, Vector a, Vector b) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  if constexpr (sizeof(hn::TFromV<Vector>) == 4) return {_mm512_mask_cmp_ps_mask(where.raw, a.raw, b.raw, _CMP_LT_OQ)};
+  else return {_mm512_mask_cmp_pd_mask(where.raw, a.raw, b.raw, _CMP_LT_OQ)};
+#else
+  return hn::And(where, hn::Lt(a, b));
+#endif
+}
+TZM_INLINE M32 EqualWhere(M32 where, F a, F b) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return {_mm512_mask_cmp_ps_mask(where.raw, a.raw, b.raw, _CMP_EQ_OQ)};
+#else
+  return hn::And(where, hn::Eq(a, b));
+#endif
+}
+
 // Added to a number below 2^51, in binary32 2^22, it leaves the nearest integer in the low bits of the sum.
 constexpr double kToInteger = 0x1.8p52;
 constexpr float kToInteger32 = 0x1.8p23f;
@@ -177,9 +195,10 @@ TZM_INLINE M IsOpenWithin(V y) {
   const I fromMiddle = hn::And(hn::Add(BitsOf(y), SetBits(kUnits - 0x10000000)), SetBits(0x20000000 - 2 * kUnits));
   return hn::RebindMask(D(), hn::Eq(fromMiddle, hn::Zero(Bits())));
 }
-// Whether it may not, of both halves at once: each number in some lane.
-template <int32_t kUnits>
-TZM_INLINE M32 IsSureWithin(Halves y) {
+// Whether it may not, of both halves at once: each number in some lane, together with some lane of the mask in `also`,
+// where there is one.
+template <int32_t kUnits, class... Also>
+TZM_INLINE M32 IsSureWithin(Halves y, Also... also) {
   const F low = hn::BitCast(S(), y.low), high = hn::BitCast(S(), y.high);
 #if HWY_ARCH_X86
   const F ends{TZM_X86(shuffle_ps)(low.raw, high.raw, 0x88)};  // in other lanes than there, for one instruction
@@ -187,8 +206,14 @@ TZM_INLINE M32 IsSureWithin(Halves y) {
   const F ends = hn::ConcatEven(S(), high, low);
 #endif
   const I32 fromMiddle = hn::Add(BitsOf(ends), hn::Set(Bits32(), kUnits - 0x10000000));
-  const I32 far = hn::And(fromMiddle, hn::Set(Bits32(), 0x20000000 - 2 * kUnits));
-  return hn::RebindMask(S(), hn::Gt(far, hn::Zero(Bits32())));
+  const I32 bits = hn::Set(Bits32(), 0x20000000 - 2 * kUnits);
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return {_mm512_mask_test_epi32_mask((__mmask16{0xffff} & ... & also.raw), fromMiddle.raw, bits.raw)};
+#else
+  M32 sure = hn::RebindMask(S(), hn::Gt(hn::And(fromMiddle, bits), hn::Zero(Bits32())));
+  ((sure = hn::And(sure, also)), ...);
+  return sure;
+#endif
 }
 
 // Eight or sixteen entries of a few binary32 numbers each, in columns that registers permute: for registers of sixteen

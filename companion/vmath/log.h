@@ -115,7 +115,7 @@ struct Log32 {
     }
     const F error = Fma(r2, C32(0x1p-27f), hn::Mul(hn::Abs(sum), C32(0x1p-36f)));
     const F y = hn::Add(sum, hn::Add(rest, error));
-    const M32 sure = hn::And(hn::Eq(y, hn::Add(sum, hn::Sub(rest, error))), IsPositiveNormal(x));
+    const M32 sure = EqualWhere(IsPositiveNormal(x), y, hn::Add(sum, hn::Sub(rest, error)));
     if (NotAll(sure)) return SecondStep<Log64<Base>, Base::kMiddles>(x);
     return y;
   }

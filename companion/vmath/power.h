@@ -69,7 +69,7 @@ struct Pow64 {
   TZM_INLINE V operator()(V x, V y) const {
     const Sum product = Times(y, LogInTwo(x, hn::Zero(D())));
     const V power = ExpParts(product.sum, product.rest).Normal();
-    const M usual = hn::And(IsForLog(x), hn::Lt(hn::Abs(product.sum), C(kExpNormal)));
+    const M usual = LessWhere(IsForLog(x), hn::Abs(product.sum), C(kExpNormal));
     if (NotAll(usual)) return hn::IfThenElse(usual, power, OfAny(x, y));
     return power;
   }
@@ -92,7 +92,7 @@ struct Pow32 {
     const Sum product = Times(y, LogInTwo32(x));
     const V power = ExpParts(product.sum, product.rest).Normal();
     // Of greater logarithms results may be no normal numbers of binary32.
-    const M normal = hn::And(IsForLog(x), hn::Lt(hn::Abs(product.sum), C(87)));
+    const M normal = LessWhere(IsForLog(x), hn::Abs(product.sum), C(87));
     return {power, normal};
   }
   static __attribute__((noinline)) V Second(V, V x, V y) {

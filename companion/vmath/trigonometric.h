@@ -169,8 +169,7 @@ TZM_INLINE Reduced32 Reduce32(F x) {
 // The results of both halves, negative where k is odd; the second step where a lane is far or open.
 template <int32_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
-  const M32 sure = hn::And(IsSureWithin<kUnits>(y), hn::Lt(hn::Abs(x), C32(kNear)));
-  if (NotAll(sure)) return SecondStep<Function, kMiddles...>(x);
+  if (NotAll(IsSureWithin<kUnits>(y, hn::Lt(hn::Abs(x), C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
@@ -214,8 +213,8 @@ struct Tan32 {
 TZM_INLINE void SineAndCosine(F x, F& s, F& c) {
   const Reduced32 a = Reduce32<1, false>(x);
   const SineCosine low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
-  const M32 sureSine = hn::And(IsSureWithin<0x20000>({low.sine, high.sine}), hn::Lt(hn::Abs(x), C32(kNear)));
-  if (NotAll(hn::And(sureSine, IsSureWithin<0x20000>({low.cosine, high.cosine})))) {
+  const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, hn::Lt(hn::Abs(x), C32(kNear)));
+  if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine))) {
     s = SecondStep<Sin64, kSinMiddles>(x), c = SecondStep<Cos64, kCosMiddles>(x);
     return;
   }
