@@ -58,11 +58,9 @@ TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
 }
 
 // Lanes of `where` with a < b, or with a = b: AVX-512 compares under a mask.
-template <class Mask, class Vector>
-TZM_INLINE Mask LessWhere(Mask where, Vector a, Vector b) {
+TZM_INLINE M LessWhere(M where, V a, V b) {
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  if constexpr (sizeof(hn::TFromV<Vector>) == 4) return {_mm512_mask_cmp_ps_mask(where.raw, a.raw, b.raw, _CMP_LT_OQ)};
-  else return {_mm512_mask_cmp_pd_mask(where.raw, a.raw, b.raw, _CMP_LT_OQ)};
+  return {_mm512_mask_cmp_pd_mask(where.raw, a.raw, b.raw, _CMP_LT_OQ)};
 #else
   return hn::And(where, hn::Lt(a, b));
 #endif
@@ -263,8 +261,8 @@ struct Table {
 };
 template <size_t kColumns, size_t kEntries>
 struct Rows {
-  static constexpr size_t kWidth = kColumns == 3 ? 4 : kColumns, kLast = kEntries - 1;
-  alignas(64) double row[kEntries][kWidth];
+  static constexpr size_t kLast = kEntries - 1;
+  alignas(64) double row[kEntries][kColumns];
 };
 template <size_t kColumns, size_t kStored, size_t kEntries>
 constexpr auto Transposed(const Table<kColumns, kStored, kEntries>& table) {
@@ -299,7 +297,7 @@ template <size_t kColumns>
 struct Entry {
   V number[kColumns];
 };
-// The entries whose numbers are in the lanes from bit kFrom on.
+// The entries whose numbers are in the lanes from bit kFrom on; where 32 are stored, it is in the upper half.
 template <const auto& kTable, int kFrom = 0>
 TZM_INLINE auto Lookup(I lanes) {
   constexpr size_t kColumns = std::size(kTable.column);
@@ -321,7 +319,6 @@ TZM_INLINE auto Lookup(I lanes) {
   }
 #elif HWY_ARCH_X86
   constexpr auto& rows = kRows<kTable>;
-  constexpr size_t kWidth = rows.kWidth;
   const auto row = [](int64_t bits) TZM_LAMBDA { return rows.row[bits >> kFrom & rows.kLast]; };
   const __m128i low = _mm256_castsi256_si128(lanes.raw), high = _mm256_extracti128_si256(lanes.raw, 1);
   const double* lane[] = {row(_mm_cvtsi128_si64(low)), row(_mm_extract_epi64(low, 1)), row(_mm_cvtsi128_si64(high)),
@@ -329,20 +326,19 @@ TZM_INLINE auto Lookup(I lanes) {
   const auto pair = [&](size_t a, size_t b, size_t c) TZM_LAMBDA {
     return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(lane[a] + c)), _mm_load_pd(lane[b] + c), 1);
   };
-  if constexpr (kWidth == 1) {
+  if constexpr (kColumns == 1) {
     const auto two = [&](size_t a) TZM_LAMBDA { return _mm_loadh_pd(_mm_load_sd(lane[a]), lane[a + 1]); };
     entry.number[0] = V{_mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1)};
   } else {
-    Unrolled<kWidth / 2>([&](auto half) TZM_LAMBDA {
+    Unrolled<kColumns / 2>([&](auto half) TZM_LAMBDA {
       constexpr size_t c = 2 * half;
       const __m256d even = pair(0, 2, c), odd = pair(1, 3, c);
       entry.number[c] = V{_mm256_unpacklo_pd(even, odd)};
-      if constexpr (c + 1 < kColumns) entry.number[c + 1] = V{_mm256_unpackhi_pd(even, odd)};
+      entry.number[c + 1] = V{_mm256_unpackhi_pd(even, odd)};
     });
   }
 #else
   constexpr auto& rows = kRows<kTable>;
-  constexpr size_t kWidth = rows.kWidth;
   // Both numbers leave the vector registers at once.
   constexpr int kHalf = kFrom < 32 ? 0 : 32;
   const uint32x2_t halves = kHalf == 0 ? vmovn_u64(vreinterpretq_u64_s64(lanes.raw))
@@ -350,14 +346,14 @@ TZM_INLINE auto Lookup(I lanes) {
   const uint64_t both = vget_lane_u64(vreinterpret_u64_u32(halves), 0);
   const double *first = rows.row[both >> (kFrom - kHalf) & rows.kLast];
   const double* second = rows.row[both >> (kFrom - kHalf + 32) & rows.kLast];
-  if constexpr (kWidth == 1) {
+  if constexpr (kColumns == 1) {
     entry.number[0] = V(vcombine_f64(vld1_f64(first), vld1_f64(second)));
   } else {
-    Unrolled<kWidth / 2>([&](auto half) TZM_LAMBDA {
+    Unrolled<kColumns / 2>([&](auto half) TZM_LAMBDA {
       constexpr size_t c = 2 * half;
       const float64x2_t even = vld1q_f64(first + c), odd = vld1q_f64(second + c);
       entry.number[c] = V(vtrn1q_f64(even, odd));
-      if constexpr (c + 1 < kColumns) entry.number[c + 1] = V(vtrn2q_f64(even, odd));
+      entry.number[c + 1] = V(vtrn2q_f64(even, odd));
     });
   }
 #endif
