@@ -31,18 +31,19 @@ OrvaStatus Divide(const T* divisor, const T* dividend, T* dst, int32_t len) {
 }
 
 // Loops over complex elements with their parts apart, in registers of tag `real`: kernel(c, d, a, b, re, im) of c + di,
-// the divisor, and a + bi, the dividend.
+// the divisor, and a + bi, the dividend, gives what warns where it is zero.
 template <class Real, class Complex, class Kernel>
-TZM_INLINE void ForEachParts(Real real, size_t len, Kernel kernel, const Complex* divisor, const Complex* dividend,
-                             Complex* dst) {
-  using V = Vec<Real>;
+TZM_INLINE bool DivideParts(Real real, size_t len, Kernel kernel, const Complex* divisor, const Complex* dividend,
+                            Complex* dst) {
+  AnyLane<Real> zero;
   ForEach<hn::MaxLanes(real), 2>(len, [&](const Complex* divisors, const Complex* dividends, Complex* to) TZM_LAMBDA {
-    V c, d, a, b, re, im;
+    Vec<Real> c, d, a, b, re, im;
     LoadParts(real, Parts(divisors), c, d);
     LoadParts(real, Parts(dividends), a, b);
-    kernel(c, d, a, b, re, im);
+    zero.See(hn::Eq(kernel(c, d, a, b, re, im), hn::Zero(real)));
     StoreParts(re, im, real, Parts(to));
   }, divisor, dividend, dst);
+  return zero.Seen();
 }
 
 // Body and tail deliberately differ in what is fused and in what warns: in the tail a real numerator of
@@ -50,19 +51,15 @@ TZM_INLINE void ForEachParts(Real real, size_t len, Kernel kernel, const Complex
 template <bool kBody>
 TZM_INLINE bool DivideComplex32(size_t len, const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst) {
   using Real = std::conditional_t<kBody, Full<float>, hn::FixedTag<float, 4>>;  // few elements: narrow registers
-  const Real real32;
   using V = Vec<Real>;
-  AnyLane<Real> zero;
-  ForEachParts(real32, len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
+  return DivideParts(Real(), len, [](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
     const V squares = hn::Mul(d, d), product = hn::Mul(d, a);
     const V denominator = kBody ? hn::Add(hn::Mul(c, c), squares) : hn::MulAdd(c, c, squares);
     const V real = hn::MulAdd(c, a, hn::Mul(d, b));
-    const V imaginary = kBody ? hn::Sub(hn::Mul(b, c), product) : hn::MulSub(c, b, product);
-    zero.See(hn::Eq(kBody ? denominator : real, hn::Zero(real32)));
     re = hn::Div(real, denominator);
-    im = hn::Div(imaginary, denominator);
+    im = hn::Div(kBody ? hn::Sub(hn::Mul(b, c), product) : hn::MulSub(c, b, product), denominator);
+    return kBody ? denominator : real;
   }, divisor, dividend, dst);
-  return zero.Seen();
 }
 
 // ---- Integers of 8 and 16 bits, and 32 by 16, in binary32 ----
@@ -234,17 +231,15 @@ OrvaStatus ORVAS_Div_32fc_I(const Orva32fc* src, Orva32fc* srcDst, int32_t len) 
 
 OrvaStatus ORVAS_Div_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
-  using V = Vec<Full<double>>;
   const Full<double> real;
-  AnyLane<Full<double>> zero;
-  ForEachParts(Full<double>(), len, [&](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {  // deliberately nothing fused
+  using V = Vec<Full<double>>;
+  return Status(DivideParts(real, len, [=](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {  // deliberately nothing fused
     const V denominator = hn::Add(hn::Mul(c, c), hn::Mul(d, d));
-    zero.See(hn::Eq(denominator, hn::Zero(real)));
     const V reciprocal = hn::Div(hn::Set(real, 1.0), denominator);
     re = hn::Mul(hn::Add(hn::Mul(c, a), hn::Mul(d, b)), reciprocal);
     im = hn::Mul(hn::Sub(hn::Mul(c, b), hn::Mul(d, a)), reciprocal);
-  }, src1, src2, dst);
-  return Status(zero.Seen());
+    return denominator;
+  }, src1, src2, dst));
 }
 
 OrvaStatus ORVAS_Div_64fc_I(const Orva64fc* src, Orva64fc* srcDst, int32_t len) {
