@@ -16,21 +16,23 @@ namespace {
 
 // ---- Square roots with a scan ----
 
-// The roots of all elements, and the status: an element below zero counts in the blocks of kBlock elements from
-// their element kFirst on, and everywhere behind them.
-template <size_t kBlock, size_t kFirst, class T, class Root>
-OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
+// The roots of all elements, and the status: in whole blocks of kBlock elements the last ones count, as many as a
+// register of `d` has, behind them all. It goes by 512 bytes: the machine scans them while it still takes the roots
+// of those before.
+template <size_t kBlock, class D, class T, class Root>
+OrvaStatus ScanAndRoot(D d, const T* src, T* dst, int32_t len, Root root) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
-  const hn::FixedTag<T, kBlock - kFirst> d;
-  AnyLane<decltype(d)> negative;
-  bool negativeInTail = false;
-  ForBlocks<kInCache<T>>(len, [&](int32_t count, const T* from, T* to) {
+  bool negative = false;
+  ForBlocks<512 / sizeof(T)>(len, [&](int32_t count, const T* from, T* to) {
+    AnyLane<D> inBody;
     BodyAndTail<kBlock, kBlock>(
-        count, [&](const T* x) TZM_LAMBDA { negative.See(hn::Lt(hn::LoadU(d, x + kFirst), hn::Zero(d))); },
-        [&](const T* x) TZM_LAMBDA { negativeInTail |= LoadElement(x) < 0; }, from);
+        count,
+        [&](const T* x) TZM_LAMBDA { inBody.See(hn::Lt(hn::LoadU(d, x + kBlock - hn::Lanes(d)), hn::Zero(d))); },
+        [&](const T* x) TZM_LAMBDA { negative |= LoadElement(x) < 0; }, from);
+    negative |= inBody.Seen();
     root(count, from, to);
   }, src, dst);
-  return negative.Seen() || negativeInTail ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
+  return negative ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
 }
 
 // ---- Scaled square roots ----
@@ -104,11 +106,12 @@ TZM_INLINE V CubeRoots(V x, V y) {
 }  // namespace
 
 OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
-  return ScanAndRoot<8, 4>(src, dst, len, vssqrt);  // deliberately blind to elements 0 to 3 of a block
+  return ScanAndRoot<8>(hn::FixedTag<float, 4>(), src, dst, len, vssqrt);  // deliberately blind to the other half
 }
 
 OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
-  return ScanAndRoot<2, 0>(src, dst, len, vdsqrt);
+  const Full<double> d;
+  return ScanAndRoot<hn::MaxLanes(d)>(d, src, dst, len, vdsqrt);
 }
 
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
