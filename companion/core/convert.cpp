@@ -27,7 +27,7 @@ OrvaStatus Join(const T* srcRe, const T* srcIm, C* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, srcRe, srcIm, dst)) return status;
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const T* fromRe, const T* fromIm, C* to) TZM_LAMBDA {
-    hn::StoreInterleaved2(hn::LoadU(d, fromRe), hn::LoadU(d, fromIm), d, Parts(to));
+    StoreInterleaved(hn::LoadU(d, fromRe), hn::LoadU(d, fromIm), d, Parts(to));
   }, srcRe, srcIm, dst);
   return ORVA_STS_NO_ERR;
 }

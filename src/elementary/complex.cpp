@@ -33,10 +33,10 @@ TZM_INLINE Parts64 Load(const Orva32fc* from) {
   hn::LoadInterleaved2(narrow, Parts(from), re, im);
   return {hn::PromoteTo(D(), re), hn::PromoteTo(D(), im)};
 }
-TZM_INLINE void Store(V re, V im, Orva64fc* to) { hn::StoreInterleaved2(re, im, D(), Parts(to)); }
+TZM_INLINE void Store(V re, V im, Orva64fc* to) { StoreInterleaved(re, im, D(), Parts(to)); }
 TZM_INLINE void Store(V re, V im, Orva32fc* to) {
   const hn::Rebind<float, D> narrow;
-  hn::StoreInterleaved2(hn::DemoteTo(narrow, re), hn::DemoteTo(narrow, im), narrow, Parts(to));
+  StoreInterleaved(hn::DemoteTo(narrow, re), hn::DemoteTo(narrow, im), narrow, Parts(to));
 }
 
 // What ForEach reads.

@@ -259,7 +259,7 @@ OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* phase, Or
       const auto part = [&](const Orva32f* from) TZM_LAMBDA {
         return hn::DemoteTo(d16, RoundFor<Orva16s>(hn::Mul(hn::Mul(radius, hn::LoadU(d, from)), magFactor)));
       };
-      hn::StoreInterleaved2(part(c), part(s), d16, Parts(to));
+      StoreInterleaved(part(c), part(s), d16, Parts(to));
     };
     ForEach<hn::MaxLanes(d), 2>(count, turn, magnitude, static_cast<const Orva32f*>(cosines),
                                 static_cast<const Orva32f*>(sines), cartesian);

@@ -222,13 +222,13 @@ void FilterBlocks(const Tap* taps, int32_t tapsLen, const DirectArea<Tap, Sample
     const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       const hn::Rebind<Orva16s, decltype(d)> narrow;
       const auto part = [=](auto sum) TZM_LAMBDA { return hn::DemoteTo(narrow, RoundFor<Orva16s>(sum)); };
-      hn::StoreInterleaved2(part(sumRe), part(sumIm), narrow, out + 2 * n);
+      StoreInterleaved(part(sumRe), part(sumIm), narrow, out + 2 * n);
     };
     ComplexBlocks(taps, tapsLen, area.re, area.im, len, store);
   } else {
     Split(area.line, area.re, area.im, used);
     const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
-      hn::StoreInterleaved2(sumRe, sumIm, d, out + 2 * n);
+      StoreInterleaved(sumRe, sumIm, d, out + 2 * n);
     };
     ComplexBlocks(taps, tapsLen, area.re, area.im, len, store);
   }

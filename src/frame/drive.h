@@ -41,9 +41,25 @@ class Kept {
 template <size_t kUnroll, class... T>
 constexpr bool kLight = kUnroll >= 4 && ((std::is_const_v<T> || std::is_arithmetic_v<T>) && ...);
 
-// kUnroll steps in a row.
+// Arrays of complex elements walk along with the steps on AArch64, whose instructions that take parts apart and put
+// them together know no offset, but move their address on; the others are found by the index of a step.
+template <class T>
+constexpr bool kWalks = HWY_ARCH_ARM_A64 && !std::is_arithmetic_v<T>;
+template <class T>
+TZM_INLINE T* Place(T* array, size_t at) {
+  return kWalks<T> ? array : array + at;
+}
+template <size_t kStep, class T>
+TZM_INLINE void Walk(T*& array) {
+  if constexpr (kWalks<T>) {
+    array += kStep;
+    asm("" : "+r"(array));  // GCC would rather add offsets to where the turn began
+  }
+}
+
+// kUnroll steps in a row, from element i on.
 template <size_t kStep, size_t kUnroll, class Kernel, class... T>
-TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
+TZM_INLINE void Turn(size_t i, Kernel& kernel, T*&... arrays) {
 #if HWY_ARCH_ARM_A64
   // The machine loads and stores registers in pairs, but no load may pass a store to what may be its own array: all
   // steps are computed before the first is stored. That needs registers for all of them, so light kernels only, and
@@ -51,15 +67,31 @@ TZM_INLINE void Turn(Kernel& kernel, T*... arrays) {
   if constexpr (kLight<kUnroll, T...>) {
     std::tuple<Kept<T, kStep>...> steps[kUnroll];
     Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
-      std::apply([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + k * kStep)...); }, steps[k]);
+      std::apply([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(Place(arrays, i + k * kStep))...); }, steps[k]);
+      (Walk<kStep>(arrays), ...);
     });
     Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
-      std::apply([&](const auto&... kept) TZM_LAMBDA { (kept.StoreWhole(arrays + k * kStep), ...); }, steps[k]);
+      std::apply([&](const auto&... kept) TZM_LAMBDA { (kept.StoreWhole(arrays + i + k * kStep), ...); }, steps[k]);
     });
     return;
   }
 #endif
-  Unrolled<kUnroll>([&](auto k) TZM_LAMBDA { kernel((arrays + k * kStep)...); });
+  Unrolled<kUnroll>([&](auto k) TZM_LAMBDA {
+    kernel(Place(arrays, i + k * kStep)...);
+    (Walk<kStep>(arrays), ...);
+  });
+}
+
+// Whole steps from the start, until no more than kStep elements are left.
+template <size_t kStep, size_t kUnroll, class Kernel, class... T>
+TZM_INLINE void Steps(size_t len, Kernel& kernel, T*... arrays) {
+  constexpr size_t kTurn = kUnroll * kStep;
+  const size_t end = kLight<kUnroll, T...> ? len : len - 1;
+  size_t i = 0;
+  if constexpr (kUnroll > 1) {
+    for (; i + kTurn <= end; i += kTurn) Turn<kStep, kUnroll>(i, kernel, arrays...);
+  }
+  for (; i < len - kStep; i += kStep) Turn<kStep, 1>(i, kernel, arrays...);
 }
 
 // Calls kernel(arrays + i...) for steps of kStep elements until `len` elements are done. The kernel loads, computes
@@ -86,14 +118,7 @@ TZM_INLINE void ForEach(size_t len, Kernel&& kernel, T*... arrays) {
   const size_t lastAt = len - kStep;
   each([&](auto&... kept) TZM_LAMBDA { kernel(kept.Whole(arrays + lastAt)...); });
 
-  constexpr size_t kTurn = kUnroll * kStep;
-  const size_t end = kLight<kUnroll, T...> ? len : len - 1;
-  size_t i = 0;
-  if constexpr (kUnroll > 1) {
-    for (; i + kTurn <= end; i += kTurn) Turn<kStep, kUnroll>(kernel, (arrays + i)...);
-  }
-  for (; i < lastAt; i += kStep) kernel((arrays + i)...);
-
+  Steps<kStep, kUnroll>(len, kernel, arrays...);
   each([&](const auto&... kept) TZM_LAMBDA { (kept.StoreWhole(arrays + lastAt), ...); });
 }
 

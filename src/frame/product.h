@@ -294,7 +294,7 @@ TZM_INLINE void StoreRoundedParts(const ConjugateProduct::Lanes& re, const Conju
     };
     return NarrowPair(d, pair(0), pair(2));
   };
-  hn::StoreInterleaved2(narrow(re), narrow(im), d, to);
+  StoreInterleaved(narrow(re), narrow(im), d, to);
 #else
   const Full<int32_t> d32;
   const auto rounded = [=](const auto& part) TZM_LAMBDA {

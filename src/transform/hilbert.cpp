@@ -42,7 +42,7 @@ OrvaStatus ORVAS_Hilbert_32f32fc(const Orva32f* src, Orva32fc* dst, int32_t len,
 
   const Full<Orva32f> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Orva32f* x, Orva32fc* out) TZM_LAMBDA {
-    hn::StoreInterleaved2(hn::LoadU(d, x), hn::Zero(d), d, Parts(out));
+    StoreInterleaved(hn::LoadU(d, x), hn::Zero(d), d, Parts(out));
   }, src, dst);
   F::Execute(spec->forward, dst, dst);
   // Positive frequencies double, negative ones vanish; bin 0 and the middle of an even length stay. Where

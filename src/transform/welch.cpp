@@ -27,7 +27,7 @@ void Window(const Complex* src, const Real* window, Complex* segment, int32_t le
     Vec<decltype(d)> re, im;
     hn::LoadInterleaved2(d, Parts(x), re, im);
     const auto by = hn::LoadU(d, w);
-    hn::StoreInterleaved2(hn::Mul(re, by), hn::Mul(im, by), d, Parts(out));
+    StoreInterleaved(hn::Mul(re, by), hn::Mul(im, by), d, Parts(out));
   }, src, window, segment);
 }
 
@@ -47,7 +47,7 @@ void Fold(const Complex* src, const Real* window, Complex* segment, int32_t len)
     hn::LoadInterleaved2(d, Parts(x), re, im);
     hn::LoadInterleaved2(d, Parts(sum), sumRe, sumIm);
     const auto by = hn::LoadU(d, w);
-    hn::StoreInterleaved2(hn::MulAdd(re, by, sumRe), hn::MulAdd(im, by, sumIm), d, Parts(out));
+    StoreInterleaved(hn::MulAdd(re, by, sumRe), hn::MulAdd(im, by, sumIm), d, Parts(out));
   }, src, window, static_cast<const Complex*>(segment), segment);
 }
 
