@@ -4,45 +4,12 @@
 #include <signal_tzm/companion.h>
 #include <volk/volk.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstring>
+#include "turns.h"
 
 namespace {
 
 constexpr int kLengths[] = {8, 31, 32, 33, 100, 1000, 4096, 100000};
 constexpr size_t kMost = 100000;
-constexpr int kRounds = 150;
-
-template <class Call>
-double Nanoseconds(const Call& call, int calls) {
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < calls; ++i) {
-    call();
-    asm volatile("" : : : "memory");
-  }
-  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count() / calls;
-}
-
-const char* wanted = "";
-
-template <class Ours, class Volk>
-void Row(const char* name, Ours ours, Volk volk) {
-  if (std::strstr(name, wanted) == nullptr) return;
-  std::printf("%-18s", name);
-  for (int len : kLengths) {
-    const int calls = 2 + 20000 / len;
-    double least_ours = 1e9, least_volk = 1e9;
-    for (int round = 0; round < kRounds; ++round) {
-      least_ours = std::min(least_ours, Nanoseconds([&] { ours(len); }, calls));
-      least_volk = std::min(least_volk, Nanoseconds([&] { volk(len); }, calls));
-    }
-    std::printf(" %6.1f %6.1f %5.2f", least_ours, least_volk, least_ours / least_volk);
-    std::fflush(stdout);
-  }
-  std::printf("\n");
-}
 
 // Values between 1 and 2, 64 bytes aligned for VOLK's sake, each array in another place of its page.
 template <class T>
@@ -57,7 +24,8 @@ T* Values(int step) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc > 1) wanted = argv[1];
+  const char* const wanted = argc > 1 ? argv[1] : "";
+  const auto Row = [=](const char* name, auto ours, auto volk) { tzm_bench::Row(name, wanted, kLengths, ours, volk); };
   float *const a = Values<float>(1), *const b = Values<float>(7), *const to = Values<float>(1);
   double *const a64 = Values<double>(1), *const b64 = Values<double>(7), *const to64 = Values<double>(1);
   int16_t* const a16 = Values<int16_t>(1);
@@ -66,9 +34,7 @@ int main(int argc, char** argv) {
   auto *const va = reinterpret_cast<lv_32fc_t*>(a), *const vb = reinterpret_cast<lv_32fc_t*>(b);
   auto* const vto = reinterpret_cast<lv_32fc_t*>(to);
 
-  std::printf("%-18s", "ns: ours, VOLK's, ratio");
-  for (int len : kLengths) std::printf(" %20d", len);
-  std::printf("\n");
+  tzm_bench::Head("VOLK's", kLengths);
   Row("Mul_32f", [=](int n) { ORVAS_Mul_32f(a, b, to, n); }, [=](int n) { volk_32f_x2_multiply_32f(to, a, b, n); });
   Row("Mul_64f", [=](int n) { ORVAS_Mul_64f(a64, b64, to64, n); },
       [=](int n) { volk_64f_x2_multiply_64f(to64, a64, b64, n); });
