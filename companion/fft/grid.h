@@ -4,60 +4,9 @@
 // points, and the last register of a side begins where it ends with it, over what the one before has done.
 #pragma once
 
-#include "matrix.h"
-
-#include <bit>
+#include "pairs.h"
 
 namespace tzm::fft {
-
-// The levels of radix A and then of radix B; None are no levels.
-template <class A, class B>
-struct Chain {
-  static constexpr size_t kRadix = A::kRadix * B::kRadix;
-  static constexpr size_t kTwiddles = A::kTwiddles + A::kRadix * B::kTwiddles;
-
-  // load(x, part) brings the points part + B i to x[i], first(get, put) takes these through A, second(k, get, put) the
-  // results k of all parts through B, and store(x, k) takes the results k + A t from x[t].
-  template <class D>
-  static TZM_INLINE void Run(auto load, auto first, auto second, auto store) {
-    const auto get = [](const Cx<D>* x) TZM_LAMBDA { return [x](auto i) TZM_LAMBDA { return x[i]; }; };
-    const auto put = [](Cx<D>* x) TZM_LAMBDA {
-      return [x](auto t, const Cx<D>& result) TZM_LAMBDA { Copy(result, x[t]); };
-    };
-    Cx<D> x[A::kRadix];
-    if constexpr (B::kRadix == 1) {
-      load(x, Constant<0>());
-      first(get(x), put(x));
-      store(x, Constant<0>());
-    } else {
-      Cx<D> middle[kRadix], y[B::kRadix];
-      Repeat<B::kRadix>([&](auto part) TZM_LAMBDA {
-        load(x, part);
-        first(get(x), put(middle + part * A::kRadix));
-      });
-      Repeat<A::kRadix>([&](auto k) TZM_LAMBDA {
-        second(k, [&](auto part) TZM_LAMBDA {
-          const Cx<D>& number = middle[part * A::kRadix + k];
-          return Cx<D>{number.re, number.im};
-        }, put(y));
-        store(y, k);
-      });
-    }
-  }
-  // f(0) ... f(kCount - 1), written out where a side has few points: the processor mispredicts short loops.
-  template <size_t kCount, class F>
-  static TZM_INLINE void Repeat(F&& f) {
-    if constexpr (kRadix <= 15) Unrolled<kCount>(f);
-    else for (size_t k = 0; k < kCount; ++k) f(k);
-  }
-  static constexpr size_t kApart = B::kRadix == 1 ? 1 : A::kRadix;  // results that are stored together
-};
-
-using None = PowerOfTwo<0>;
-using Two = PowerOfTwo<1>;
-using Four = PowerOfTwo<2>;
-using Eight = PowerOfTwo<3>;
-using Sixteen = PowerOfTwo<4>;
 
 // The transforms of the columns, V at once, transposed: number k of column j goes to lane k of the block j of the row
 // block of k.
@@ -197,7 +146,9 @@ constexpr bool Fits(size_t points, size_t lanes, size_t most) {
 template <size_t kMost>
 constexpr Cut BestCut(size_t n) {
   Cut best;
-  if (std::has_single_bit(n)) return best;
+  bool taken = std::has_single_bit(n) || n <= 20;  // other passes have these
+  WithWoven(n, [&](auto) { taken = true; });
+  if (taken) return best;
   size_t least = SIZE_MAX, rows = 1;
   for (size_t factor = 2; factor <= 13; ++factor) {
     while (n / rows % factor == 0) {
@@ -223,11 +174,11 @@ constexpr Cut BestCut(size_t n) {
 
 // The sides that occur in the cut of any length.
 template <size_t kMost>
-struct Sides {
+struct Cuts {
   static constexpr size_t kLongest = 40;
   bool columns[kMost + 1][kLongest + 1] = {}, rows[kMost + 1][kLongest + 1] = {};
 
-  constexpr Sides() {
+  constexpr Cuts() {
     for (size_t a = 2; a <= kLongest; ++a) {
       for (size_t b = 2; b <= kLongest; ++b) {
         const Cut cut = BestCut<kMost>(a * b);
@@ -237,7 +188,7 @@ struct Sides {
   }
 };
 template <size_t kMost>
-constexpr Sides<kMost> kSides;
+constexpr Cuts<kMost> kCuts;
 
 template <class T>
 class Grid final : public Complex<T> {
@@ -276,11 +227,11 @@ class Grid final : public Complex<T> {
     plan.order = InOrder<hn::CappedTag<T, kLane>>;
     WithColumns(cut.rows, [&]<class A, class B>(Chain<A, B>) {
       plan.columnRadices[0] = A::kRadix, plan.columnRadices[1] = B::kRadix;
-      if constexpr (kSides<kMost>.columns[kLane][A::kRadix * B::kRadix]) plan.columnPass = GridColumns<T, kLane, A, B>;
+      if constexpr (kCuts<kMost>.columns[kLane][A::kRadix * B::kRadix]) plan.columnPass = GridColumns<T, kLane, A, B>;
     });
     WithRows(cut.columns, [&]<class A, class B>(Chain<A, B>) {
       plan.rowRadices[0] = A::kRadix, plan.rowRadices[1] = B::kRadix;
-      if constexpr (kSides<kMost>.rows[kLane][A::kRadix * B::kRadix]) plan.rowPass = GridRows<T, kLane, A, B>;
+      if constexpr (kCuts<kMost>.rows[kLane][A::kRadix * B::kRadix]) plan.rowPass = GridRows<T, kLane, A, B>;
     });
   }
 

@@ -18,6 +18,17 @@ template <class D>
 TZM_INLINE Cx<D> QuarterProduct(const Cx<D>& w, const Cx<D>& x) {
   return {hn::MulAdd(w.re, x.im, hn::Mul(w.im, x.re)), hn::NegMulAdd(w.re, x.re, hn::Mul(w.im, x.im))};
 }
+// By a number that the compiler knows, and by -i times it.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> Times(T re, T im, const Cx<D>& x) {
+  const D d;
+  return Product({hn::Set(d, re), hn::Set(d, im)}, x);
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> QuarterTimes(T re, T im, const Cx<D>& x) {
+  const D d;
+  return QuarterProduct({hn::Set(d, re), hn::Set(d, im)}, x);
+}
 template <size_t kValue>
 using Constant = std::integral_constant<size_t, kValue>;
 
@@ -85,11 +96,10 @@ struct PowerOfTwo {
 
   // The first levels of the graph.
   template <class D>
-  static TZM_INLINE void First(D d, auto load, auto store) {
+  static TZM_INLINE void First(D, auto load, auto store) {
     using T = hn::TFromD<D>;
     constexpr T kCos = static_cast<T>(0.92387953251128675613), kSin = static_cast<T>(0.38268343236508977173);
     constexpr T kHalf = static_cast<T>(0.7071067811865475244);
-    const auto w = [=](T re, T im) TZM_LAMBDA { return Cx<D>{hn::Set(d, re), hn::Set(d, -im)}; };
     const auto combine = [&](auto half, auto i, auto* x) TZM_LAMBDA {
       if constexpr (half == 1) {
         Combine(x[0], x[1]);
@@ -98,9 +108,9 @@ struct PowerOfTwo {
         CombineQuarter(x[half / 2], x[half / 2 + half]);
       } else {
         constexpr T kRe[] = {1, kCos, kHalf, kSin}, kIm[] = {0, kSin, kHalf, kCos};
-        const Cx<D> turn = w(kRe[i * 8 / half], kIm[i * 8 / half]);
-        Combine(x[i], x[i + half], Product(turn, x[i + half]));
-        Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(turn, x[i + half / 2 + half]));
+        constexpr T kTurn[] = {kRe[i * 8 / half], -kIm[i * 8 / half]};
+        Combine(x[i], x[i + half], Times(kTurn[0], kTurn[1], x[i + half]));
+        Combine(x[i + half / 2], x[i + half / 2 + half], QuarterTimes(kTurn[0], kTurn[1], x[i + half / 2 + half]));
       }
     };
     Loaded<decltype(load)> x[kRadix];
@@ -110,13 +120,13 @@ struct PowerOfTwo {
   // Later levels: `twiddle` is a function of the number, of kTwiddles.
   template <class D>
   static TZM_INLINE void Next(D, auto load, auto twiddle, auto store) {
-    const auto combine = [&](auto half, auto i, Cx<D>* x) TZM_LAMBDA {
-      const Cx<D> w = twiddle(half / 2 + i);
+    const auto combine = [&](auto half, auto i, auto* x) TZM_LAMBDA {
+      const auto w = twiddle(half / 2 + i);
       Combine(x[i], x[i + half], Product(w, x[i + half]));
       if constexpr (half > 1)
         Combine(x[i + half / 2], x[i + half / 2 + half], QuarterProduct(w, x[i + half / 2 + half]));
     };
-    Cx<D> x[kRadix];
+    Loaded<decltype(load)> x[kRadix];
     Walk(x, load, combine, store);
   }
 
@@ -236,6 +246,91 @@ struct Odd {
     First(d, turned, store);
   }
 };
+
+// The levels of radix A and then of radix B; None are no levels.
+template <class A, class B = PowerOfTwo<0>>
+struct Chain {
+  static constexpr size_t kRadix = A::kRadix * B::kRadix;
+  static constexpr size_t kTwiddles = A::kTwiddles + A::kRadix * B::kTwiddles;
+
+  // load(x, part) brings the points part + B i to x[i], first(get, put) takes these through A, second(k, get, put) the
+  // results k of all parts through B, and store(x, k) takes the results k + A t from x[t].
+  template <class D>
+  static TZM_INLINE void Run(auto load, auto first, auto second, auto store) {
+    const auto get = [](const Cx<D>* x) TZM_LAMBDA { return [x](auto i) TZM_LAMBDA { return x[i]; }; };
+    const auto put = [](Cx<D>* x) TZM_LAMBDA {
+      return [x](auto t, const Cx<D>& result) TZM_LAMBDA { Copy(result, x[t]); };
+    };
+    Cx<D> x[A::kRadix];
+    if constexpr (B::kRadix == 1) {
+      load(x, Constant<0>());
+      first(get(x), put(x));
+      store(x, Constant<0>());
+    } else {
+      Cx<D> middle[kRadix], y[B::kRadix];
+      Repeat<B::kRadix>([&](auto part) TZM_LAMBDA {
+        load(x, part);
+        first(get(x), put(middle + part * A::kRadix));
+      });
+      Repeat<A::kRadix>([&](auto k) TZM_LAMBDA {
+        second(k, [&](auto part) TZM_LAMBDA {
+          const Cx<D>& number = middle[part * A::kRadix + k];
+          return Cx<D>{number.re, number.im};
+        }, put(y));
+        store(y, k);
+      });
+    }
+  }
+  // f(0) ... f(kCount - 1), written out where a side has few points: the processor mispredicts short loops.
+  template <size_t kCount, class F>
+  static TZM_INLINE void Repeat(F&& f) {
+    if constexpr (kRadix <= 15) Unrolled<kCount>(f);
+    else for (size_t k = 0; k < kCount; ++k) f(k);
+  }
+
+  // The same in one straight line: load(i), twiddle(q) and store(t, x) of constants.
+  template <class N, class D>
+  static TZM_INLINE void Straight(D d, auto load, auto twiddle, auto store) {
+    if constexpr (B::kRadix == 1) {
+      A::Next(d, load, twiddle, store);
+    } else {
+      N middle[B::kRadix][A::kRadix];
+#pragma GCC unroll 16
+      for (size_t part = 0; part < B::kRadix; ++part) {
+        A::Next(d, [&](auto i) TZM_LAMBDA { return load(part + B::kRadix * i); }, twiddle,
+                [&](auto t, const N& x) TZM_LAMBDA { Copy(x, middle[part][t]); });
+      }
+#pragma GCC unroll 16
+      for (size_t k = 0; k < A::kRadix; ++k) {
+        B::Next(d, [&](auto part) TZM_LAMBDA { return Same(middle[part][k]); },
+                [&](size_t q) TZM_LAMBDA { return twiddle(A::kTwiddles + k * B::kTwiddles + q); },
+                [&](auto t, const N& x) TZM_LAMBDA { store(k + A::kRadix * t, x); });
+      }
+    }
+  }
+
+  // The factors of a chain that takes transforms of s points each, in the order of their use.
+  template <class F>
+  static void ForEachFactor(size_t s, F&& f) {
+    const auto with = [&](size_t k) {
+      return [&f, k](size_t order, size_t times, size_t plus) { f(order, times, plus, k); };
+    };
+    ForEachTwiddle(A::kRadix, s, with(0));
+    for (size_t k = 0; k < A::kRadix && B::kRadix > 1; ++k) ForEachTwiddle(B::kRadix, s * A::kRadix, with(k));
+  }
+  static constexpr size_t kApart = B::kRadix == 1 ? 1 : A::kRadix;  // results that are stored together
+};
+
+using None = PowerOfTwo<0>;
+using Two = PowerOfTwo<1>;
+using Four = PowerOfTwo<2>;
+using Eight = PowerOfTwo<3>;
+using Sixteen = PowerOfTwo<4>;
+using Three = Odd<3>;
+using Five = Odd<5>;
+using Seven = Odd<7>;
+using Eleven = Odd<11>;
+using Thirteen = Odd<13>;
 
 // Where a pass finds its data, from an array T* of blocks or a View of the caller's, in elements of the array:
 // x[j] of butterfly (p, k) of transform b at (p + j count) inRow + k inStep + b inGroup, and its result t at

@@ -126,7 +126,8 @@ class Real {
       using D = decltype(d);
       constexpr size_t kLane = kLanes<D>;
       const size_t rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
-      const auto mirror = [&](size_t k) TZM_LAMBDA { return 2 * (half_ - k - kLane); };
+      const size_t mirrored = half_ - kLane;  // by itself: a store to `out` might change a member
+      const auto mirror = [=](size_t k) TZM_LAMBDA { return 2 * (mirrored - k); };
       const auto load = [&](size_t k, const T* w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
         a = LoadPairs(d, in + 2 + 2 * k);
         b = LoadPairs(d, in + mirror(k));
