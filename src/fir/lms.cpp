@@ -109,7 +109,13 @@ float Sum(const Orva32f* taps, size_t tapsLen, const Sample* window) {
 }
 template <class Sample>
 void MoveTaps(Orva32f* taps, size_t tapsLen, const Sample* window, float error) {
-  for (size_t j = 0; j < tapsLen; ++j) taps[j] = Fma(error, float(LoadElement(window + j)), taps[j]);
+  constexpr size_t kStep = hn::MaxLanes(Full<float>());  // GCC 12 for AArch64 breaks down over two registers a step
+  using Register = LaneArray<float, kStep>;
+  const Register by = Register::Set(error);
+  const Orva32f* const before = taps;
+  ForEach<kStep>(tapsLen, [=](const Orva32f* from, const Sample* sample, Orva32f* to) TZM_LAMBDA {
+    MulAdd(by, LoadLanes<Register>(sample), Register::Load(from)).Store(to);
+  }, before, window, taps);
 }
 
 template <class Sample>
