@@ -104,7 +104,8 @@ TZM_INLINE Pairs<D> GetPairs(D d, const Array<kForm, const T>& from, size_t at) 
   const hn::Half<D> half;
   if constexpr (kOneLess) {
     const hn::Half<decltype(half)> one;
-    const auto low = GetPairs(half, from, at), high = GetPairs(one, from, at + kNumbers<D> / 2);
+    const auto low = GetPairs(half, from, at);
+    const auto high = GetPairs(one, from, at + kNumbers<D> / 2);
     return {hn::Combine(d, hn::ZeroExtendVector(half, high.parts), low.parts)};
   } else if constexpr (kForm == Form::kPairs) {
     return {hn::LoadU(d, from.re + 2 * at)};
