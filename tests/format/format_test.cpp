@@ -112,7 +112,7 @@ TEST(Format, Refusals) {
   EXPECT_EQ(5, count);
   EXPECT_TRUE(refused("%s", static_cast<const char*>(nullptr)));
   EXPECT_TRUE(refused("%ls", L"wide"));
-  for (const char* format : {"%y", "%", "%Ld", "%2147483647d", "%99999999999d"})
+  for (const char* format : {"%y", "%", "%lc", "%hp", "%Ld", "%2147483647d", "%99999999999d"})
     EXPECT_TRUE(refused(format, 1)) << format;
   EXPECT_TRUE(refused("%.2147483647f", 1.0));
   EXPECT_TRUE(refused("%*d", INT_MIN, 1));
