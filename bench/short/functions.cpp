@@ -3,6 +3,7 @@
 #include <signal_tzm/companion.h>
 #include <sleef.h>
 
+#include <cstring>
 #include <type_traits>
 
 #include "turns.h"
@@ -65,7 +66,7 @@ int main(int argc, char** argv) {
       else ours(n, a, b, to);
     }, ByRegisters(peer, to, a, b));
   };
-#define ROW(function, sleef)                             \
+#define ROW(function, sleef)                           \
   row("vs" #function, vs##function, SINGLE(sleef), f); \
   row("vd" #function, vd##function, DOUBLE(sleef), d);
   ROW(exp, exp) ROW(ln, log) ROW(log10, log10) ROW(sin, sin) ROW(cos, cos) ROW(tan, tan) ROW(atan, atan)
