@@ -97,15 +97,15 @@ std::function<void()> Convolution(int32_t len1, int32_t len2, int32_t kind) {
 
 template <class T>
 struct Correlations;
-#define CORRELATIONS(type)                                     \
-  template <>                                                  \
-  struct Correlations<Orva##type> {                            \
-    static constexpr char kName[] = #type;                     \
+#define CORRELATIONS(type)                                        \
+  template <>                                                     \
+  struct Correlations<Orva##type> {                               \
+    static constexpr char kName[] = #type;                        \
     static constexpr auto AutoInit = ORVAS_AutoCorrInit_##type;   \
-    static constexpr auto Auto = ORVAS_AutoCorrNorm_##type;    \
+    static constexpr auto Auto = ORVAS_AutoCorrNorm_##type;       \
     static constexpr auto CrossInit = ORVAS_CrossCorrInit_##type; \
-    static constexpr auto Cross = ORVAS_CrossCorrNorm_##type;  \
-    static constexpr auto Release = ORVAS_CorrRelease_##type;  \
+    static constexpr auto Cross = ORVAS_CrossCorrNorm_##type;     \
+    static constexpr auto Release = ORVAS_CorrRelease_##type;     \
   };
 CORRELATIONS(32f)
 CORRELATIONS(64f)

@@ -20,8 +20,8 @@ using namespace tzm_test;
 
 template <class T, class State>
 Make TimeNoise(OrvaStatus (*init)(State**, T, T, uint32_t),
-                                        OrvaStatus (*generate)(T*, int32_t, const State*),
-                                        OrvaStatus (*release)(State*)) {
+               OrvaStatus (*generate)(T*, int32_t, const State*),
+               OrvaStatus (*release)(State*)) {
   return [=](int32_t len) {
     State* made = nullptr;
     init(&made, 100, 20, 1);

@@ -137,14 +137,16 @@ int64_t AudioReader::Promised() const {
     const size_t at = log.find(name);
     if (at == std::string::npos) continue;
     char* rest;
-    const int64_t promised = std::strtoll(log.data() + at + std::strlen(name), &rest, 10);
+    const int64_t promised = std::max(0LL, std::strtoll(log.data() + at + std::strlen(name), &rest, 10));
     if (IsPlaceholder(promised)) return 0;
     int64_t there = 0;
     const bool told = std::sscanf(rest, " (should be %" SCNd64, &there) == 1;
     if (!told && (IsStandard(path_) || log.rfind("(should be", at) != std::string::npos)) there = more + frames * width;
+    there = std::max(there, int64_t{0});
     if (width > 0 && (there - more) / width == frames) return std::max(frames, (promised - more) / width);
     if (there <= more) break;
-    return std::max(frames, int64_t(std::round(double(promised - more) / double(there - more) * double(frames))));
+    const double all = std::round(double(promised - more) / double(there - more) * double(frames));
+    return std::max(frames, int64_t(std::min(all, 0x1p62)));
   }
   return frames;
 }

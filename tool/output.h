@@ -21,7 +21,6 @@ using Table = std::vector<Column>;
 void PrintText(const Table& table);
 void PrintCsv(const Table& table);
 
-
 /** The bytes of an NPY file: a one-dimensional array with a named field of binary64 for each column. */
 std::string NpyTable(const Table& table);
 /** The same of a plain array of binary64 of any shape, the last index changing fastest. */

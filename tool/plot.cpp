@@ -6,10 +6,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "command.h"
@@ -387,9 +384,10 @@ void WritePlots(const std::vector<Plot>& plots, const std::string& path) {
     Drawing(cairo.get(), plot).Draw();
     cairo_translate(cairo.get(), 0, kHeight);
   }
-  if (!svg) cairo_surface_write_to_png_stream(surface.get(), Append, &bytes);
+  cairo_status_t status = cairo_status(cairo.get());
+  if (status == CAIRO_STATUS_SUCCESS && !svg) status = cairo_surface_write_to_png_stream(surface.get(), Append, &bytes);
   cairo_surface_finish(surface.get());
-  const cairo_status_t status = cairo_status(cairo.get());
+  if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(surface.get());
   if (status != CAIRO_STATUS_SUCCESS) throw Failure(Format("drawing the plot: %s", cairo_status_to_string(status)));
   WriteFile(path, bytes);
 }

@@ -3,7 +3,6 @@
 #include <signal_tzm/generate.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 

@@ -139,13 +139,13 @@ TZM_API OrvaStatus ORVAS_CorrRelease_64fc(CorrState* state);
  * kind directly. Directly, all lags are summed as the single lags of autocorrelation, from the first product
  * on. By FFT, src1 and, for each block of P - src1Len + 1 lags, a piece of src2 are transformed at length P,
  * the smallest power of two not below src1Len + chunk - 1. Any arguments with the same P may use the state,
- * even such without a lag; a call deliberately writes the `count` of Init, for which `dst` must have room from
- * firstLag on.
+ * even such without a lag, unless src1Len is above P; a call deliberately writes the `count` of Init, for which
+ * `dst` must have room from firstLag on.
  *
  * Status of Init: 1 null `state`; 2 a length below 1; 9 no memory or no plan; 202 FFT route with
  * src1Len + chunk above 0x8000001 (64f, 32fc: 0x4000001; 64fc: 0x2000001). `*state` is written on success
  * only. Of the correlation: 1 null pointer; 2 a length below 1; 204 on the FFT route, arguments of another P
- * (nothing is written). Release is ORVAS_CorrRelease of the same type. @{ */
+ * or src1Len above it (nothing is written). Release is ORVAS_CorrRelease of the same type. @{ */
 TZM_API OrvaStatus ORVAS_CrossCorrInit_32f(int32_t src1Len, int32_t src2Len, int32_t dstLen, int32_t lowLag,
                                            int32_t kind, CorrState** state);
 TZM_API OrvaStatus ORVAS_CrossCorrInit_64f(int32_t src1Len, int32_t src2Len, int32_t dstLen, int32_t lowLag,

@@ -139,7 +139,7 @@ TZM_API OrvaStatus ORVAS_FFTShift_64fc(const Orva64fc* src, Orva64fc* dst, int32
  * `dstLen`. With a = 1 and w = exp(-2 pi i / srcLen) it is the discrete Fourier transform; with
  * a = exp(2 pi i low/rate) and w = exp(-2 pi i step/rate) it looks at the frequencies low + k*step of a
  * signal at `rate`, as close as you like. The powers are recurrences in the sample's type: their error grows
- * with the lengths.
+ * with the lengths. `src` and `dst` must not overlap.
  * The call plans and allocates, and frees all of it before it returns. A `w` or `a` of 0, or values that
  * overflow, give NaN or infinities without a status.
  *
@@ -175,8 +175,8 @@ TZM_API OrvaStatus ORVAS_Goertz_64fc(const Orva64fc* src, int32_t len, Orva64fc*
 
 /** @name Hilbert transform
  * The analytic signal of `src`: real part the input (up to rounding), imaginary part its Hilbert
- * transform, `len` complex elements in `dst`. Init makes a spec for one length, which any number of
- * threads may use at once, on separate arrays, until Release (null allowed) gives it back.
+ * transform, `len` complex elements in `dst`, which must not overlap `src`. Init makes a spec for one length,
+ * which any number of threads may use at once, on separate arrays, until Release (null allowed) gives it back.
  *
  * Status of Init: 1 null `specOut`; 2 `len < 1`; 9 no memory, or no plan: none beyond 2^27 samples
  * (`*specOut` unchanged). Of the transform: 1 null array or spec; 2 `len < 1`; 204 `len` is not what it
@@ -203,7 +203,8 @@ TZM_API OrvaStatus ORVAS_HilbertRelease_32f32fc(OrvaHilbertSpec* spec);
  * segment is folded onto the transform (added modulo n), not cut. `dst` receives n/2 + 1 values for real
  * samples, one-sided (c is 2 for bins 1 to (n-1)/2 and 1 for bin 0 and the middle of an even n), and n
  * values for complex ones, two-sided (c = 1). The remainder of the signal that fills no segment is not
- * used, and nothing is detrended. A window of zeros leaves the sum undivided.
+ * used, and nothing is detrended. A window of zeros leaves the sum undivided. `dst` must not
+ * overlap the sources.
  *
  * The call plans and allocates, and frees all of it before it returns.
  *

@@ -104,7 +104,7 @@ void Direct(const Sample* src, size_t len, size_t lags, Sample* dst) {
 // Real members keep their spectrum apart; complex ones transform in place.
 template <class Sample>
 constexpr int kNeeded = kIsComplex<Sample> ? 1 : 2;
-// srcLen + lags from which the transforms are too long.
+// The most that srcLen and lags may be together.
 template <class Sample>
 constexpr int32_t kLimit = 0x40000000 / sizeof(Sample) + 1;
 

@@ -210,16 +210,12 @@ void Chains(const Pair<T>& pair, int64_t first, int64_t end, T* dst) {
 
 template <class T>
 bool AllFinite(const T* src, int64_t len) {
-  using Word = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
   const Full<T> d;
-  const hn::RebindToUnsigned<decltype(d)> du;
-  const auto infinity = hn::BitCast(du, hn::Set(d, std::numeric_limits<T>::infinity()));
-  auto found = hn::Zero(du);
+  AnyLane<decltype(d)> met;
   ForEach<hn::MaxLanes(d)>(len, [&](const T* from) TZM_LAMBDA {
-    const auto exponent = hn::And(hn::BitCast(du, hn::LoadU(d, from)), infinity);
-    found = hn::Or(found, hn::VecFromMask(du, hn::Eq(exponent, infinity)));
+    met.See(hn::Not(hn::IsFinite(hn::LoadU(d, from))));
   }, src);
-  return hn::AllTrue(du, hn::Eq(found, hn::Set(du, Word{0})));
+  return !met.Seen();
 }
 
 // What the zeros beyond the ends of src2 change in the blocks from 0 to `end`, where all samples are finite:

@@ -75,7 +75,7 @@ void ByTransforms(const Correlation<Sample>& state, const Sample* src1, int32_t 
 
 // ---- State ----
 
-// src1Len + chunk from which the transforms are too long.
+// The most that src1Len and chunk may be together.
 template <class Sample>
 constexpr int32_t kLimit = 0x20000000 / sizeof(Sample) + 1;
 
@@ -112,7 +112,9 @@ OrvaStatus Run(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t 
   const LagRange lags(src1Len, src2Len, dstLen, lowLag);
   Sample* const computed = dst + lags.skip;
   if (state.route == ORVA_ROUTE_FFT) {
-    if (TransformLength(src1Len + lags.chunk - 1) != state.fftLen) return ORVA_STS_LEN_MISMATCH_ERR;
+    // Without a lag the length says nothing of src1, which has to fit all the same.
+    if (src1Len > state.fftLen || TransformLength(src1Len + lags.chunk - 1) != state.fftLen)
+      return ORVA_STS_LEN_MISMATCH_ERR;
     if (!state.area.Has(Correlation<Sample>::kBuffers)) return ORVA_STS_NULL_PTR_ERR;
     Zero(dst, dstLen);
     ByTransforms(state, src1, src1Len, src2, src2Len, lags, computed);

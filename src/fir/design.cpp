@@ -94,7 +94,7 @@ void FillHalf(Orva64f* taps, int32_t tapsLen, FIRGenState* buffer, double centre
 
 // Scales so that `total`, the gain at one frequency, becomes 1 or -1.
 void Normalise(Orva64f* taps, int32_t tapsLen, double total) {
-  const double by = total < 0 ? -total : total;
+  const double by = total < 0 ? -total : total;  // a zero keeps its sign
   ORVAS_DivC_64f(taps, by, taps, tapsLen / 2);
   if (tapsLen % 2 != 0) StoreElement(LoadElement(taps + tapsLen / 2) / by, taps + tapsLen / 2);
 }
@@ -139,6 +139,7 @@ void Mirror(Orva64f* taps, int32_t tapsLen, bool odd) {
 OrvaStatus ORVAS_FIRGenInit_64f(int32_t tapsLen, FIRGenState** buffer) {
   if (OrvaStatus status = CheckPointers(buffer)) return status;
   if (tapsLen < kFewestTaps) return ORVA_STS_SIZE_ERR;
+  // The size of the block is fixed, and with it the limit of the length; only the window's part of it is used.
   const int64_t len = tapsLen, windowBytes = (8 * len + 15) / 16 * 16, tableBytes = 16 * len;
   if (len > 0x7FFFFFE || tableBytes >= 0x7FFFFFFF - windowBytes) return ORVA_STS_OVERFLOW_ERR;
   Orva8u* const block = ORVAS_Malloc_8u(static_cast<int32_t>(windowBytes + tableBytes));

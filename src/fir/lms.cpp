@@ -6,6 +6,8 @@
 #include "frame/scale.h"
 #include "frame/sum.h"
 
+#include <algorithm>
+
 using namespace tzm;
 
 // One block: the fields, T taps in reversed order, and a line of up to 3T - 1 samples.
@@ -134,7 +136,7 @@ template <class Sample>
 OrvaStatus Run(FIRLMSState* state, const Sample* src, const Sample* ref, Sample* dst, int32_t len, Orva32f mu) {
   if (OrvaStatus status = CheckArrays(len, state, src, ref, dst)) return status;
   if (OrvaStatus status = CheckState<Sample>(state)) return status;
-  const int32_t tapsLen = state->tapsLen, first = len < tapsLen ? len : tapsLen;
+  const int32_t tapsLen = state->tapsLen, first = std::min(len, tapsLen);
   Sample* const line = Line<Sample>(state);
   const float step = 2 * mu;
   // The first windows reach back into the line, the others lie in the source as they are.

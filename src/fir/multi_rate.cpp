@@ -7,6 +7,7 @@
 #include "frame/scale.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace tzm;
 
@@ -208,7 +209,7 @@ struct Tile {
     Narrow all[kReals * kPeriods];
     StoreAll(sum, all, kReals);
     for (int64_t k = 0; k < valid; ++k)
-      memcpy(dst + k * stride, all + kReals * k, static_cast<size_t>(phases) * sizeof(Sample));
+      std::memcpy(dst + k * stride, all + kReals * k, static_cast<size_t>(phases) * sizeof(Sample));
   }
 
   // Blocks of 128 bits to places `stride` apart.

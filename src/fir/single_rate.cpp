@@ -195,8 +195,8 @@ struct DirectArea {
         narrowIm(narrowRe + copied) {}
 };
 
-// Its bytes for T + (longest call) samples, of whatever type a call has: at most a tap's size each in the line and in
-// the copy, and 15 taps more, as many as a block of 16 outputs may read ahead.
+// Its bytes for T + (longest call) samples, of whatever type a call has: at most twice a tap's size a sample in line
+// and copies together, and 15 taps for what is rounded up between them.
 template <class Tap>
 constexpr int64_t DirectBytes(int64_t samples) {
   return RoundUp16((2 * samples + 15) * int64_t{sizeof(Tap)});

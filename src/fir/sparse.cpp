@@ -5,6 +5,9 @@
 #include "frame/call.h"
 #include "frame/vector.h"
 
+#include <algorithm>
+#include <limits>
+
 using namespace tzm;
 
 // One block. Taps and delays are held largest delay first; the line holds the delay line, oldest sample
@@ -104,7 +107,7 @@ OrvaStatus ORVAS_FIRSparse_32f(const Orva32f* src, Orva32f* dst, int32_t len, FI
   if (OrvaStatus status = CheckPointers(state)) return status;
   if (OrvaStatus status = CheckPointers(state->taps, state->positions, state->line, state->quadTaps)) return status;
   // The first outputs reach back into the line, the others find all their samples in the source.
-  const int32_t order = state->order, reach = (order + 15) / 16 * 16, first = len < reach ? len : reach;
+  const int32_t order = state->order, reach = (order + 15) / 16 * 16, first = std::min(len, reach);
   Orva32f* const line = state->line;
   if (first > 0) {
     ORVAS_Copy_32f(src, line + order, first);

@@ -2,6 +2,8 @@
 // from scratch so that the library depends on no formatting of the system's.
 #include <signal_tzm/format.h>
 
+#include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <climits>
 #include <cstdint>
@@ -38,7 +40,7 @@ class Output {
   int Finish(bool valid) {
     if (!valid || overflow_ || used_ > INT_MAX) used_ = 0, valid = false;
     buffer_[used_] = 0;
-    return valid && !overflow_ ? static_cast<int>(used_) : -1;
+    return valid ? static_cast<int>(used_) : -1;
   }
 
  private:
@@ -102,7 +104,7 @@ void Integer(Output& out, const Conversion& c, std::string_view prefix, uint64_t
   const int64_t count = end - first;
   int64_t least = c.precision < 0 ? 1 : c.precision;
   if (base == 8 && c.alternate && least <= count) least = count + 1;
-  const int64_t zeros = least > count ? least - count : 0;
+  const int64_t zeros = std::max<int64_t>(least - count, 0);
   Field(out, c, prefix, zeros + count, c.zero && c.precision < 0, [&] {
     out.Repeat('0', zeros);
     out.Put(first, count);
@@ -140,8 +142,7 @@ struct Binary {
 };
 
 Binary Split(double value) {
-  uint64_t bits;
-  std::memcpy(&bits, &value, sizeof bits);
+  const auto bits = std::bit_cast<uint64_t>(value);
   const int biased = static_cast<int>(bits >> 52 & 0x7ff);
   const uint64_t fraction = bits & ((uint64_t{1} << 52) - 1);
   const bool special = biased == 0x7ff;
@@ -160,8 +161,7 @@ Binary Split(long double value) {
   return {mantissa, (biased != 0 ? biased : 1) - 16446, 64, top >> 15 != 0, special && !fraction, special && fraction};
 #else
   static_assert(LDBL_MANT_DIG == 113);
-  UInt128 bits;
-  std::memcpy(&bits, &value, sizeof bits);
+  const auto bits = std::bit_cast<UInt128>(value);
   const int biased = static_cast<int>(bits >> 112) & 0x7fff;
   const UInt128 one = static_cast<UInt128>(1) << 112, fraction = bits & (one - 1);
   const bool special = biased == 0x7fff;
@@ -258,7 +258,7 @@ class Decimal {
 };
 
 void Fixed(Output& out, const Conversion& c, std::string_view sign, const Decimal& value, int64_t precision) {
-  const int64_t top = value.Exponent() > 0 ? value.Exponent() : 0;
+  const int64_t top = std::max(value.Exponent(), 0);
   const bool point = precision > 0 || c.alternate;
   Field(out, c, sign, top + 1 + point + precision, c.zero, [&] {
     for (int64_t place = top; place >= 0; --place) out.Put(value.At(place));
@@ -299,11 +299,11 @@ void General(Output& out, const Conversion& c, std::string_view sign, Decimal& v
   const int64_t last = -value.LastPlace();  // digits after the point that are not trailing zeros
   if (exponent < -4 || exponent >= digits) {
     int64_t precision = digits - 1;
-    if (!c.alternate) precision = last + exponent > 0 ? last + exponent : 0;
+    if (!c.alternate) precision = std::max<int64_t>(last + exponent, 0);
     Scientific(out, c, sign, value, precision);
   } else {
     int64_t precision = digits - 1 - exponent;
-    if (!c.alternate) precision = last > 0 ? last : 0;
+    if (!c.alternate) precision = std::max<int64_t>(last, 0);
     Fixed(out, c, sign, value, precision);
   }
 }

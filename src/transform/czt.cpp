@@ -6,6 +6,8 @@
 #include "frame/calls.h"
 #include "frame/fft.h"
 
+#include <algorithm>
+
 using namespace tzm;
 
 namespace {
@@ -30,7 +32,7 @@ OrvaStatus Czt(const Sample* src, int32_t srcLen, Complex* dst, int32_t dstLen, 
   if (OrvaStatus status = CheckPointers(src, dst)) return status;
   if (srcLen < 1 || dstLen < 1) return ORVA_STS_SIZE_ERR;
   if (static_cast<int64_t>(srcLen) + dstLen >= 0x40000000) return ORVA_STS_OVERFLOW_ERR;
-  const int32_t convolved = srcLen + dstLen - 1, longer = srcLen > dstLen ? srcLen : dstLen;
+  const int32_t convolved = srcLen + dstLen - 1, longer = std::max(srcLen, dstLen);
   int32_t n = 1;
   while (n < convolved) n *= 2;
   if (n > kLongestTransform<Real>) return ORVA_STS_OVERFLOW_ERR;

@@ -201,6 +201,7 @@ const auto kPowersOfAll = []<class T>(T, auto run) {
   }
   for (T pole : {T(0), T(-0.0)}) run(Case(std::vector<T>{2, pole}).With({-0.5}));  // beside no negative number
 };
+
 // ---- Magnitudes and angles ----
 
 // value(re, im, At) for parts in two arrays, or in one.

@@ -5,7 +5,6 @@
 #include <signal_tzm/status.h>
 #include <signal_tzm/types.h>
 
-#include <array>
 #include <functional>
 #include <initializer_list>
 #include <string>

@@ -46,12 +46,12 @@ void BetweenRates(Digest& digest, OrvaStatus (*run)(const Sample*, P...), auto i
   }
 }
 
-#define FACTORS(type)                                                                                             \
-  SCENARIO(ByFactors, ORVAS_ResamplePolyphase_##type, ORVAS_ResamplePolyphaseInit_##type,                        \
+#define FACTORS(type)                                                                     \
+  SCENARIO(ByFactors, ORVAS_ResamplePolyphase_##type, ORVAS_ResamplePolyphaseInit_##type, \
            ORVAS_ResamplePolyphaseRelease_##type)
-#define RATES(type)                                                                                               \
-  SCENARIO(BetweenRates, ORVAS_ResamplePolyphaseFixed_##type, ORVAS_ResamplePolyphaseFixedInit_##type,           \
-           ORVAS_ResamplePolyphaseFixedSetFilter_##type, ORVAS_ResamplePolyphaseFixedGetFilter_##type,           \
+#define RATES(type)                                                                                    \
+  SCENARIO(BetweenRates, ORVAS_ResamplePolyphaseFixed_##type, ORVAS_ResamplePolyphaseFixedInit_##type, \
+           ORVAS_ResamplePolyphaseFixedSetFilter_##type, ORVAS_ResamplePolyphaseFixedGetFilter_##type, \
            ORVAS_ResamplePolyphaseFixedRelease_##type)
 
 const Rows rows("resample", {FACTORS(16s), FACTORS(32f), RATES(16s), RATES(32f)});

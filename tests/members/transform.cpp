@@ -146,7 +146,7 @@ void ThreadCount(Digest& digest, auto get, auto set) {
 
 #define SPEC(run, kind, type) \
   SCENARIO(run, ORVAS_##kind##_##type, ORVAS_##kind##Init_##type, ORVAS_##kind##Release_##type)
-#define SPECS(run, kind)                                                                                         \
+#define SPECS(run, kind)                                                                                            \
   SPEC(run, kind##CToC, 32fc), SPEC(run, kind##CToC, 64fc), SPEC(run, kind##CToC, 32f), SPEC(run, kind##CToC, 64f), \
       SPEC(run, kind##RToC, 32f), SPEC(run, kind##RToC, 64f), SPEC(run, kind##CToR, 32f), SPEC(run, kind##CToR, 64f)
 
