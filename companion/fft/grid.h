@@ -40,16 +40,12 @@ void GridColumns(const View<const T>& in, T* matrix, size_t columns, const T* tw
         });
     Unrolled<(kRows + kLane - 1) / kLane>([&](auto block) TZM_LAMBDA {
       constexpr size_t kFirst = std::min(block * kLane, kRows - kLane);
-      T* const to = matrix + (block * columns + at) * kNumber;
-      // In whole registers: the other pass soon loads them, and would wait for halves.
       Vec<D> re[kLane], im[kLane];
       Unrolled<kLane>([&](auto t) TZM_LAMBDA {
         re[t] = y[kFirst + InOrder<D>(t)].re;
         im[t] = y[kFirst + InOrder<D>(t)].im;
       });
-      Transpose(d, re);
-      Transpose(d, im);
-      Unrolled<kLane>([&](auto t) TZM_LAMBDA { StoreBlock(d, {re[t], im[t]}, to + InOrder<D>(t) * kNumber); });
+      StoreTransposed<true>(d, re, im, matrix + (block * columns + at) * kNumber);
     });
   }
 }

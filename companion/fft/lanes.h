@@ -17,14 +17,41 @@ constexpr size_t kLanes = hn::MaxLanes(D());
 template <class D>
 constexpr size_t kBlock = 2 * kLanes<D>;
 
+#if HWY_ARCH_ARM_A64 && !defined(__clang__)
+// GCC 12 leaves most loads and stores of neighbours single. "Ump" is its constraint for the address of a pair.
+#define TZM_PAIRED_MOVES 1
+template <class D>
+using Unaligned __attribute__((aligned(4), may_alias)) = decltype(Vec<D>().raw);
+#endif
+
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> LoadBlock(D d, const T* from) {
   return {InRegister(hn::LoadU(d, from)), InRegister(hn::LoadU(d, from + kLanes<D>))};
 }
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreBlock(D d, const Cx<D>& x, T* to) {
+#if TZM_PAIRED_MOVES
+  if constexpr (sizeof(x.re.raw) == 16) {
+    auto* const both = reinterpret_cast<Unaligned<D>*>(to);
+    asm("stp %q2, %q3, %0" : "=Ump"(both[0]), "=m"(both[1]) : "w"(x.re.raw), "w"(x.im.raw));
+    return;
+  }
+#endif
   hn::StoreU(x.re, d, to);
   hn::StoreU(x.im, d, to + kLanes<D>);
+}
+// The same of a block that is loaded once, and not again where a register is wanting.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadOnce(D d, const T* from) {
+#if TZM_PAIRED_MOVES
+  if constexpr (sizeof(Vec<D>().raw) == 16) {
+    Cx<D> x;
+    const auto* const both = reinterpret_cast<const Unaligned<D>*>(from);
+    asm("ldp %q0, %q1, %2" : "=w"(x.re.raw), "=w"(x.im.raw) : "Ump"(both[0]), "m"(both[1]));
+    return x;
+  }
+#endif
+  return LoadBlock(d, from);
 }
 
 // The caller's complex numbers: pairs; pairs with the parts exchanged, which make a forward transform an inverse one;
@@ -193,7 +220,7 @@ TZM_INLINE Cx<D> Load(D d, const Array<kForm, const T>& from, size_t at) {
 }
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> Load(D d, const T* from, size_t at) {
-  return LoadBlock(d, from + at);
+  return LoadOnce(d, from + at);
 }
 template <Form kForm, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Store(D d, const Cx<D>& x, const Array<kForm, T>& to, size_t at) {
@@ -292,22 +319,28 @@ TZM_INLINE void Transpose(D d, Vec<D>* x) {
 #endif
 }
 
-// Stores V registers as columns: lane t of x[k] goes to element k of the register at to + InOrder(t) * step.
-template <class D, class T = hn::TFromD<D>>
-TZM_INLINE void StoreTransposed(D d, Vec<D>* x, T* to, size_t step) {
+// Stores V numbers, whose parts are given, as columns: lane t of number k goes to lane k of block InOrder(t) at `to`.
+// By halves where that costs no shuffle, unless what soon loads whole registers would wait for them.
+template <bool kWhole = false, class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreTransposed(D d, Vec<D>* re, Vec<D>* im, T* to) {
   constexpr size_t kLane = kLanes<D>, kPart = 16 / sizeof(T);
-  const auto place = [=](size_t t) TZM_LAMBDA { return to + InOrder<D>(t) * step; };
-  if constexpr (kLane == 2 * kPart) {  // by halves, which costs no shuffle
-    TransposeParts(d, x);
-    const hn::Half<D> half;
-    Unrolled<kLane>([&](auto t) TZM_LAMBDA {
-      constexpr size_t kRow = t % kPart, kHalf = t / kPart * kPart;
-      hn::StoreU(hn::LowerHalf(half, x[t]), half, place(kRow) + kHalf);
-      hn::StoreU(hn::UpperHalf(half, x[t]), half, place(kRow + kPart) + kHalf);
-    });
+  const auto place = [=](size_t t) TZM_LAMBDA { return to + InOrder<D>(t) * kBlock<D>; };
+  if constexpr (kLane == 2 * kPart && !kWhole) {
+    const auto store = [&](Vec<D>* x, size_t at) TZM_LAMBDA {
+      TransposeParts(d, x);
+      const hn::Half<D> half;
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA {
+        constexpr size_t kRow = t % kPart, kHalf = t / kPart * kPart;
+        hn::StoreU(hn::LowerHalf(half, x[t]), half, place(kRow) + at + kHalf);
+        hn::StoreU(hn::UpperHalf(half, x[t]), half, place(kRow + kPart) + at + kHalf);
+      });
+    };
+    store(re, 0);
+    store(im, kLane);
   } else {
-    Transpose(d, x);
-    Unrolled<kLane>([&](auto t) TZM_LAMBDA { hn::StoreU(x[t], d, place(t)); });
+    Transpose(d, re);
+    Transpose(d, im);
+    Unrolled<kLane>([&](auto t) TZM_LAMBDA { StoreBlock(d, {re[t], im[t]}, place(t)); });
   }
 }
 

@@ -278,14 +278,13 @@ class Matrix final : public Complex<T> {
     for (size_t block = 0; block < blocks_; ++block) {
       for (size_t q = 0; q < count; ++q) {
         T* const to = job.matrix + block * part_ + (column + q * kLane) * kNumber;
-        Unrolled<2>([&](auto half) TZM_LAMBDA {
-          Vec<D> y[kLane];
-          Unrolled<kLane>([&](auto t) TZM_LAMBDA {
-            const size_t k = std::min(BlockStart(block) + InOrder<D>(t), n1_ - 1);
-            y[t] = hn::LoadU(d, a + k * row + q * kNumber + half * kLane);
-          });
-          StoreTransposed(d, y, to + half * kLane, kNumber);  // there is room for V columns
+        Vec<D> re[kLane], im[kLane];
+        Unrolled<kLane>([&](auto t) TZM_LAMBDA {
+          const Cx<D> x = LoadBlock(d, a + std::min(BlockStart(block) + InOrder<D>(t), n1_ - 1) * row + q * kNumber);
+          re[t] = x.re;
+          im[t] = x.im;
         });
+        StoreTransposed(d, re, im, to);  // there is room for V columns
       }
     }
   }

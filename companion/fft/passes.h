@@ -385,11 +385,12 @@ TZM_INLINE void PassTransposed(D d, const auto& in, T* out, size_t columns, size
     Levels::First(d, [&](auto i) TZM_LAMBDA { return Load(d, source, at + i * columns); },
                   [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; });
     Unrolled<kRadix / kLane>([&](auto g) TZM_LAMBDA {
-      Vec<D> y[kLane];
-      Unrolled<kLane>([&](auto t) TZM_LAMBDA { y[t] = x[g * kLane + InOrder<D>(t)].re; });
-      StoreTransposed(d, y, out + g * part + at * kBlock<D>, kBlock<D>);
-      Unrolled<kLane>([&](auto t) TZM_LAMBDA { y[t] = x[g * kLane + InOrder<D>(t)].im; });
-      StoreTransposed(d, y, out + g * part + at * kBlock<D> + kLane, kBlock<D>);
+      Vec<D> re[kLane], im[kLane];
+      Unrolled<kLane>([&](auto t) TZM_LAMBDA {
+        re[t] = x[g * kLane + InOrder<D>(t)].re;
+        im[t] = x[g * kLane + InOrder<D>(t)].im;
+      });
+      StoreTransposed(d, re, im, out + g * part + at * kBlock<D>);
     });
   }
 }

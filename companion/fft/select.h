@@ -8,8 +8,9 @@
 namespace tzm::fft {
 
 // Sixteen rows where registers are wide; in 128 bits eight, transposed as soon as they are there, take less.
+constexpr bool kNarrow = hn::MaxLanes(Full<double>()) == 2;
 template <class Wide, class Narrow>
-using Either = std::conditional_t<(hn::MaxLanes(Full<double>()) > 2), Wide, Narrow>;
+using Either = std::conditional_t<kNarrow, Narrow, Wide>;
 
 extern template std::unique_ptr<Complex<float>> MakeComplex(size_t n, size_t workers);
 extern template std::unique_ptr<Complex<double>> MakeComplex(size_t n, size_t workers);
@@ -43,7 +44,9 @@ std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
     case 1024: return Result(new Either<Fixed<T, 4, 3, 3>, Fixed<T, 3, 4, 3>>);
     case 2048: return Result(new Either<Fixed<T, 4, 3, 2, 2>, Fixed<T, 3, 4, 4>>);
     case 4096: return Result(new Either<Fixed<T, 4, 3, 3, 2>, Fixed<T, 3, 3, 3, 3>>);
+    case 16384: return Result(new Either<Fixed<T, 4, 3, 3, 2, 2>, Fixed<T, 3, 3, 4, 4>>);
   }
+  if constexpr (kNarrow) if (n == 8192) return Result(new Fixed<T, 3, 3, 3, 4>);  // others are as fast as matrices
   Result woven;
   WithWoven(n, [&]<class A, class B>(Sides<A, B>) { woven.reset(new Woven<T, A, B>); });
   if (woven != nullptr) return woven;

@@ -1,4 +1,4 @@
-// Complex transforms of lengths whose passes the compiler knows: powers of two from 8 to 4,096, and primes.
+// Complex transforms of lengths whose passes the compiler knows: powers of two from 8 to 16,384, and primes.
 #pragma once
 
 #include "matrix.h"
