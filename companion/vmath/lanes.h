@@ -73,6 +73,27 @@ TZM_INLINE M32 EqualWhere(M32 where, F a, F b) {
 #endif
 }
 
+// Lanes in which none of the bits is set, and whether any is in some lane; the bits are of the upper half.
+template <uint64_t kBits>
+TZM_INLINE M NoneOf(I i) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return {_mm512_testn_epi64_mask(i.raw, SetBits(kBits).raw)};
+#else
+  return hn::RebindMask(D(), hn::Eq(hn::And(i, SetBits(kBits)), hn::Zero(Bits())));
+#endif
+}
+template <uint64_t kBits>
+TZM_INLINE bool AnyOf(I i) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return NotAll(NoneOf<kBits>(i));
+#elif HWY_ARCH_X86
+  return HWY_UNLIKELY(!_mm256_testz_si256(i.raw, SetBits(kBits).raw));
+#else
+  const uint64_t upper = vget_lane_u64(vreinterpret_u64_u32(vshrn_n_u64(vreinterpretq_u64_s64(i.raw), 32)), 0);
+  return HWY_UNLIKELY((upper & (kBits | kBits >> 32)) != 0);
+#endif
+}
+
 // Added to a number below 2^51, in binary32 2^22, it leaves the nearest integer in the low bits of the sum.
 constexpr double kToInteger = 0x1.8p52;
 constexpr float kToInteger32 = 0x1.8p23f;

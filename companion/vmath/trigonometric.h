@@ -6,10 +6,11 @@
 
 namespace vmath {
 
-// x = k pi/16 + r - excess, k in the low bits.
+// x = k pi/16 + most - less, k in the low bits, r the difference rounded.
 struct Reduced {
-  V r, excess;
+  V r, most, less;
   I k;
+  TZM_INLINE V Excess() const { return hn::Add(hn::Sub(r, most), less); }
 };
 // Lane by lane in integers: the 192 bits of 2/pi that matter, times the 53 of x, modulo 4. NaN for what is below 2^27,
 // infinite or NaN.
@@ -58,7 +59,7 @@ inline __attribute__((noinline)) Reduced ReduceHuge(V x) {
   const V h = hn::Load(D(), high), l = hn::Load(D(), low), r = hn::Mul(h, C(kPiBy16[0]));
   const V rest = Fma(l, C(kPiBy16[0]), Fma(h, C(kPiBy16[1]), Fms(h, C(kPiBy16[0]), r)));
   const V sum = hn::Add(r, rest);
-  return {sum, hn::Sub(hn::Sub(sum, r), rest), hn::Load(Bits(), k)};
+  return {sum, sum, hn::Sub(hn::Sub(sum, r), rest), hn::Load(Bits(), k)};
 }
 
 // The same where |x| < 2^27, k being below 2^30: r has 2^-130, where no number comes nearer to a multiple of pi/2 than
@@ -70,46 +71,54 @@ inline __attribute__((noinline)) Reduced ReduceFar(V x) {
   const V productRest = Fma(k, C(kPiBy16[2]), Fms(k, C(kPiBy16[1]), product));
   const V excess = hn::Add(hn::Sub(product, hn::Sub(most, r)), productRest);
   const M large = hn::Lt(hn::Abs(x), C(0x1p27));
-  if (hn::AllTrue(D(), large)) return {r, excess, BitsOf(shifted)};
+  if (hn::AllTrue(D(), large)) return {r, r, excess, BitsOf(shifted)};
   const Reduced huge = ReduceHuge(x);
-  return {hn::IfThenElse(large, r, huge.r), hn::IfThenElse(large, excess, huge.excess),
+  const V either = hn::IfThenElse(large, r, huge.r);
+  return {either, either, hn::IfThenElse(large, excess, huge.less),
           BitsOf(hn::IfThenElse(large, shifted, OfBits(huge.k)))};
 }
-// The same where |x| < 2^20, k being below 2^23: all is exact but the last product, in 2^-118.
-TZM_INLINE M IsNear(V x) { return hn::Lt(hn::Abs(x), C(0x1p20)); }
+// The same to 2^-107 of x.
+template <int kTurn>
 TZM_INLINE Reduced Reduce(V x) {
-  const V shifted = Fma(x, C(16 * kByPi), C(kToInteger)), k = hn::Sub(shifted, C(kToInteger));
-  const V most = Fnma(k, C(kPiBy16Short[0]), x), product = hn::Mul(k, C(kPiBy16Short[1]));
-  const V r = hn::Sub(most, product);
-  return {r, Fma(k, C(kPiBy16Short[2]), hn::Add(hn::Sub(r, most), product)), BitsOf(shifted)};
+  const V big = C(kToInteger + kTurn), shifted = Fma(x, C(16 * kByPi), big), k = hn::Sub(shifted, big);
+  const V most = Fnma(k, C(kPiBy16[0]), x), less = hn::Mul(k, C(kPiBy16[1]));
+  return {hn::Sub(most, less), most, less, BitsOf(shifted)};
 }
+// Which is enough where x is below 2^32 r, and so below 2^29: then the bits differ by less than 2^57, signs apart.
+constexpr uint64_t kFarBits = uint64_t{63} << 57;
+TZM_INLINE I Distance(V x, const Reduced& a) { return hn::Sub(BitsOf(x), BitsOf(a.r)); }
 template <class Function>
 struct OfAngle {
   TZM_INLINE V operator()(V x) const {
-    const V y = Function()(Reduce(x));
-    const M near = IsNear(x);
-    if (NotAll(near)) return hn::IfThenElse(near, y, Far(x));
+    const Reduced a = Reduce<Function::kTurn>(x);
+    const V y = Function()(a);
+    const I distance = Distance(x, a);
+    if (AnyOf<kFarBits>(distance)) return hn::IfThenElse(NoneOf<kFarBits>(distance), y, Far(x));
     return y;
   }
 
  private:
-  static __attribute__((noinline)) V Far(V x) { return Function()(ReduceFar(x)); }
+  static __attribute__((noinline)) V Far(V x) {
+    Reduced a = ReduceFar(x);
+    a.k = hn::Add(a.k, SetBits(Function::kTurn));
+    return Function()(a);
+  }
 };
 
 // The sine of the angle whose sine and cosine these are and r: the sum's first two terms come with what their rounding
 // lost. Zeros are subtracted, so that -0 stays -0.
-TZM_INLINE V Turned(V sine, V cosine, V sineRest, const Reduced& a, I k) {
+TZM_INLINE V Turned(V sine, V cosine, V sineRest, const Reduced& a) {
   const V r2 = hn::Mul(a.r, a.r), sum = Fma(cosine, a.r, sine), first = hn::Sub(sum, sine);  // cosine r, rounded
-  const V lost = Fma(cosine, a.excess, hn::Sub(Fnma(cosine, a.r, first), sineRest));
+  const V lost = Fma(cosine, a.less, hn::Sub(Fnma(cosine, a.most, first), sineRest));
   const V series = Fnma(first, Polynomial<kSinPoly>(r2), hn::Mul(sine, Polynomial<kMinusCosPoly>(r2)));
-  return WithSignOf(k, hn::Sub(sum, Fma(r2, series, lost)));
+  return WithSignOf(a.k, hn::Sub(sum, Fma(r2, series, lost)));
 }
-template <int kTurn>
+template <int kTurns>
 struct Sine {
+  static constexpr int kTurn = kTurns;
   TZM_INLINE V operator()(const Reduced& a) const {
-    const I k = hn::Add(a.k, SetBits(kTurn));
-    const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(k).number;
-    return Turned(sine, cosine, sineRest, a, k);
+    const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(a.k).number;
+    return Turned(sine, cosine, sineRest, a);
   }
 };
 // Within 0.58 ulp each: half for the last rounding, 0.07 for what the table leaves out.
@@ -117,19 +126,21 @@ using Sin64 = OfAngle<Sine<0>>;
 using Cos64 = OfAngle<Sine<8>>;
 // The same bits, of one reduction.
 TZM_INLINE void SineAndCosine(V x, V& s, V& c) {
-  const Reduced a = Reduce(x);
+  const Reduced a = Reduce<0>(x);
   const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(a.k).number;
-  s = Turned(sine, cosine, sineRest, a, a.k);
-  c = Turned(cosine, hn::Neg(sine), cosineRest, a, a.k);
-  if (NotAll(IsNear(x))) s = Sin64()(x), c = Cos64()(x);
+  s = Turned(sine, cosine, sineRest, a);
+  c = Turned(cosine, hn::Neg(sine), cosineRest, a);
+  if (AnyOf<kFarBits>(Distance(x, a))) s = Sin64()(x), c = Cos64()(x);
 }
 
 // tan(c + t) = (sin c + t cos c)/(cos c - t sin c), t the tangent of r: the quotient of two sums of two, refined.
 struct Tangent {
+  static constexpr int kTurn = 0;
   TZM_INLINE V operator()(const Reduced& a) const {
     const auto [sine, cosine] = Lookup<kTanTable>(a.k).number;
     const V r2 = hn::Mul(a.r, a.r);
-    const Sum t = FastTwoSum(a.r, Fms(hn::Mul(r2, a.r), Polynomial<kTanPoly>(r2), a.excess));
+    const V bend = Fnma(hn::Mul(r2, a.r), Polynomial<kTanPoly>(r2), a.Excess()), tangent = hn::Sub(a.r, bend);
+    const Sum t = {tangent, hn::Sub(hn::Sub(a.r, tangent), bend)};
     const V n = Fma(cosine, t.sum, sine), d = Fnma(sine, t.sum, cosine);
     const V nExcess = Fnma(cosine, t.rest, Fnma(cosine, t.sum, hn::Sub(n, sine)));
     const V dRest = Fnma(sine, t.rest, Fnma(sine, t.sum, hn::Sub(cosine, d)));
