@@ -53,7 +53,7 @@ inline __attribute__((noinline)) V ExpOfAny(V x, V rest) {
 struct Exp64 {
   TZM_INLINE V operator()(V x) const {
     const V y = ExpParts(x).Normal();
-    const M usual = hn::Lt(hn::Abs(x), C(kExpNormal));
+    const M usual = AbsLess(x, C(kExpNormal));
     if (NotAll(usual)) return hn::IfThenElse(usual, y, ExpOfAny(x, hn::Zero(D())));
     return y;
   }
@@ -70,7 +70,7 @@ struct Exp32 {
     const F p = Fma(hn::Mul(both, both), Polynomial<kExpPoly32>(both), fRest);
     const F sum = Fma(root, f, root), rest = Fma(root, p, Fma(root, f, hn::Sub(root, sum)));
     const F y = hn::Add(sum, hn::Add(rest, C32(kError))), least = hn::Add(sum, hn::Sub(rest, C32(kError)));
-    const M32 sure = EqualWhere(hn::Lt(hn::Abs(x), C32(kNormal)), y, least);
+    const M32 sure = EqualWhere(AbsLess(x, C32(kNormal)), y, least);
     if (NotAll(sure)) return SecondStep<Exp64>(x);
     return OfBits(hn::Add(BitsOf(y), hn::ShiftLeft<23>(hn::ShiftRight<4>(BitsOf(shifted)))));
   }

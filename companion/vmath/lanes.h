@@ -57,6 +57,18 @@ TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
   return hn::NegMulAdd(a, b, c);
 }
 
+// Lanes with |a| < b: AArch64 compares magnitudes.
+template <class Vector>
+TZM_INLINE auto AbsLess(Vector a, Vector b) {
+#if HWY_ARCH_ARM_A64
+  Mask<hn::DFromV<Vector>> less;  // the compiler's intrinsic is two instructions where b is a constant
+  if constexpr (std::is_same_v<Vector, V>) asm("facgt %0.2d, %1.2d, %2.2d" : "=w"(less.raw) : "w"(b.raw), "w"(a.raw));
+  else asm("facgt %0.4s, %1.4s, %2.4s" : "=w"(less.raw) : "w"(b.raw), "w"(a.raw));
+  return less;
+#else
+  return hn::Lt(hn::Abs(a), b);
+#endif
+}
 // Lanes of `where` with a < b, or with a = b: AVX-512 compares under a mask.
 TZM_INLINE M LessWhere(M where, V a, V b) {
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
@@ -73,6 +85,15 @@ TZM_INLINE M32 EqualWhere(M32 where, F a, F b) {
 #endif
 }
 
+#if HWY_ARCH_ARM_A64
+// The halves of both lanes, which leave the vector registers at once.
+TZM_INLINE uint64_t LowerHalves(I i) {
+  return vget_lane_u64(vreinterpret_u64_u32(vmovn_u64(vreinterpretq_u64_s64(i.raw))), 0);
+}
+TZM_INLINE uint64_t UpperHalves(I i) {
+  return vget_lane_u64(vreinterpret_u64_u32(vshrn_n_u64(vreinterpretq_u64_s64(i.raw), 32)), 0);
+}
+#endif
 // Lanes in which none of the bits is set, and whether any is in some lane; the bits are of the upper half.
 template <uint64_t kBits>
 TZM_INLINE M NoneOf(I i) {
@@ -89,8 +110,7 @@ TZM_INLINE bool AnyOf(I i) {
 #elif HWY_ARCH_X86
   return HWY_UNLIKELY(!_mm256_testz_si256(i.raw, SetBits(kBits).raw));
 #else
-  const uint64_t upper = vget_lane_u64(vreinterpret_u64_u32(vshrn_n_u64(vreinterpretq_u64_s64(i.raw), 32)), 0);
-  return HWY_UNLIKELY((upper & (kBits | kBits >> 32)) != 0);
+  return HWY_UNLIKELY((UpperHalves(i) & (kBits | kBits >> 32)) != 0);
 #endif
 }
 
@@ -225,13 +245,16 @@ TZM_INLINE M32 IsSureWithin(Halves y, Also... also) {
   const F ends = hn::ConcatEven(S(), high, low);
 #endif
   const I32 fromMiddle = hn::Add(BitsOf(ends), hn::Set(Bits32(), kUnits - 0x10000000));
-  const I32 bits = hn::Set(Bits32(), 0x20000000 - 2 * kUnits);
+  I32 bits = hn::Set(Bits32(), 0x20000000 - 2 * kUnits);
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
   return {_mm512_mask_test_epi32_mask((__mmask16{0xffff} & ... & also.raw), fromMiddle.raw, bits.raw)};
 #else
-  M32 sure = hn::RebindMask(S(), hn::Gt(hn::And(fromMiddle, bits), hn::Zero(Bits32())));
-  ((sure = hn::And(sure, also)), ...);
-  return sure;
+  ((bits = hn::And(bits, BitsOf(hn::VecFromMask(S(), also)))), ...);
+#if HWY_ARCH_ARM_A64
+  return M32(vtstq_s32(fromMiddle.raw, bits.raw));
+#else
+  return hn::RebindMask(S(), hn::Gt(hn::And(fromMiddle, bits), hn::Zero(Bits32())));
+#endif
 #endif
 }
 
@@ -360,11 +383,8 @@ TZM_INLINE auto Lookup(I lanes) {
   }
 #else
   constexpr auto& rows = kRows<kTable>;
-  // Both numbers leave the vector registers at once.
   constexpr int kHalf = kFrom < 32 ? 0 : 32;
-  const uint32x2_t halves = kHalf == 0 ? vmovn_u64(vreinterpretq_u64_s64(lanes.raw))
-                                       : vshrn_n_u64(vreinterpretq_u64_s64(lanes.raw), 32);
-  const uint64_t both = vget_lane_u64(vreinterpret_u64_u32(halves), 0);
+  const uint64_t both = kHalf == 0 ? LowerHalves(lanes) : UpperHalves(lanes);
   const double *first = rows.row[both >> (kFrom - kHalf) & rows.kLast];
   const double* second = rows.row[both >> (kFrom - kHalf + 32) & rows.kLast];
   if constexpr (kColumns == 1) {

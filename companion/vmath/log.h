@@ -46,6 +46,22 @@ TZM_INLINE M IsForLog(V x) {
   const I one = SetBits(uint64_t{1} << 52), least = hn::Add(BitsOf(C(kLeastForLog)), one);
   return hn::RebindMask(D(), hn::Gt(hn::Add(BitsOf(x), one), hn::Sub(least, SetBits(1))));
 }
+// Whether any lane is none of those of `usual`. AArch64 looks at the upper halves of both numbers, which it takes out
+// for the table anyway, at once: less the least one's, a half that is too small, or with so much more too large, has
+// the highest bit. Of halves next to the limits it takes a usual one for another.
+TZM_INLINE bool AnyNotForLog(const LogArgument& a, M usual) {
+#if HWY_ARCH_ARM_A64
+  (void)usual;
+  constexpr uint64_t kBoth = 0x100000001, kToIndex = (uint64_t{1023} << 52) - kLogStart;
+  constexpr uint64_t kLeast = ((std::bit_cast<uint64_t>(kLeastForLog) + kToIndex) >> 32) + 1;
+  constexpr uint64_t kEnd = ((uint64_t{0x7ff} << 52) + kToIndex) >> 32;
+  const uint64_t halves = UpperHalves(a.index) - kLeast * kBoth;
+  return HWY_UNLIKELY(((halves | (halves + (0x80000000 - (kEnd - kLeast)) * kBoth)) & 0x80000000 * kBoth) != 0);
+#else
+  (void)a;
+  return NotAll(usual);
+#endif
+}
 TZM_INLINE M32 IsPositiveNormal(F x) {
   const int32_t one = 1 << 23;
   return hn::RebindMask(S(), hn::Gt(hn::Add(BitsOf(x), hn::Set(Bits32(), one)), hn::Set(Bits32(), 2 * one - 1)));
@@ -60,16 +76,15 @@ TZM_INLINE V LogOfOther(V x) {
 template <class Base>
 struct Log64 {
   TZM_INLINE V operator()(V x) const {
-    const V y = OfNormal(x, hn::Zero(D()));
+    const LogArgument a = SplitForLog(x);
+    const V y = Of(a, a.k);
     const M usual = IsForLog(x);
-    if (NotAll(usual)) return hn::IfThenElse(usual, y, OfOther(x));
+    if (AnyNotForLog(a, usual)) return hn::IfThenElse(usual, y, OfOther(x));
     return y;
   }
 
  private:
-  static TZM_INLINE V OfNormal(V x, V shift) {
-    const LogArgument a = SplitForLog(x);
-    const V k = hn::Sub(a.k, shift);
+  static TZM_INLINE V Of(const LogArgument& a, V k) {
     const auto [inverse, log] = Lookup<Base::kTable, kLogIndex>(a.index).number;
     const V product = hn::Mul(a.fraction, inverse), r = hn::Sub(product, C(1));
     const V excess = Fnma(a.fraction, inverse, product);
@@ -86,7 +101,8 @@ struct Log64 {
   }
   static __attribute__((noinline)) V OfOther(V x) {
     const M small = hn::And(hn::Gt(x, hn::Zero(D())), hn::Lt(x, C(kLeastForLog)));
-    const V y = OfNormal(hn::Mul(x, C(0x1p54)), C(54));
+    const LogArgument a = SplitForLog(hn::Mul(x, C(0x1p54)));
+    const V y = Of(a, hn::Sub(a.k, C(54)));
     return hn::IfThenElse(small, y, LogOfOther(x));
   }
 };

@@ -80,7 +80,8 @@ inline __attribute__((noinline)) Reduced ReduceFar(V x) {
 // The same to 2^-107 of x.
 template <int kTurn>
 TZM_INLINE Reduced Reduce(V x) {
-  const V big = C(kToInteger + kTurn), shifted = Fma(x, C(16 * kByPi), big), k = hn::Sub(shifted, big);
+  constexpr double kBig = kToInteger + kTurn;
+  const V shifted = Fma(x, C(16 * kByPi), C(kBig)), k = hn::Sub(shifted, C(kBig));
   const V most = Fnma(k, C(kPiBy16[0]), x), less = hn::Mul(k, C(kPiBy16[1]));
   return {hn::Sub(most, less), most, less, BitsOf(shifted)};
 }
@@ -169,7 +170,7 @@ template <int kHalfPis, bool kBetween>
 TZM_INLINE Reduced32 Reduce32(F x) {
   constexpr double kUnit[] = {kHalfPi[0] * kHalfPis, kHalfPi[1] * kHalfPis};
   const F inverse = C32(static_cast<float>(2 * kByPi / kHalfPis)), big = C32(kToInteger32);
-  const F shifted = kBetween ? hn::Add(Fms(x, inverse, C32(0.5f)), big) : Fma(x, inverse, big);
+  const F shifted = kBetween ? hn::Add(Fma(x, inverse, C32(-0.5f)), big) : Fma(x, inverse, big);
   const F whole = hn::Sub(shifted, big);
   const Halves k = Widen(kBetween ? hn::Add(whole, C32(0.5f)) : whole), wide = Widen(x);
   const auto rest = [&](V half, V count) TZM_LAMBDA {
@@ -180,7 +181,7 @@ TZM_INLINE Reduced32 Reduce32(F x) {
 // The results of both halves, negative where k is odd; the second step where a lane is far or open.
 template <int32_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
-  if (NotAll(IsSureWithin<kUnits>(y, hn::Lt(hn::Abs(x), C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
+  if (NotAll(IsSureWithin<kUnits>(y, AbsLess(x, C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
@@ -224,7 +225,7 @@ struct Tan32 {
 TZM_INLINE void SineAndCosine(F x, F& s, F& c) {
   const Reduced32 a = Reduce32<1, false>(x);
   const SineCosine low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
-  const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, hn::Lt(hn::Abs(x), C32(kNear)));
+  const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
   if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine))) {
     s = SecondStep<Sin64, kSinMiddles>(x), c = SecondStep<Cos64, kCosMiddles>(x);
     return;
