@@ -82,7 +82,8 @@ AudioReader::AudioReader(const std::string& path, const SoundOptions& options, s
     file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
   }
   if (!file_) {
-    const char* const hint = IsStandard(path) ? " (from a pipe WAV, AIFF, AU and Ogg can be read)" : "";
+    const char* const hint = IsStandard(path) ? " (from a pipe WAV, AIFF, AU and Ogg can be read)"
+                                                : " (--raw reads samples without a header)";
     throw Failure(Format("'%s' is no sound file that can be read: %s%s", shown_.c_str(), sf_strerror(nullptr), hint));
   }
   for (const int32_t channel : channels_) {

@@ -241,8 +241,8 @@ void Print(const Settings& settings, const AudioReader& reader, const Spectrum& 
 void Settle(Settings& settings, AudioReader& reader) {
   const size_t ahead = reader.Ahead();
   if (ahead < size_t(kShortestSegment)) {
-    throw Failure(Format("'%s' holds %zu samples, and the shortest segment is %d", ShownName(settings.file).c_str(),
-                         ahead, kShortestSegment));
+    throw Failure(Format("'%s' holds %zu sample%s, and the shortest segment is %d", ShownName(settings.file).c_str(),
+                         ahead, ahead == 1 ? "" : "s", kShortestSegment));
   }
   if (settings.segment == 0) settings.segment = int32_t(std::min(kUsualSegment, std::bit_floor(ahead)));
   if (std::ceil(settings.segment * settings.overlap) >= settings.segment) {

@@ -265,8 +265,8 @@ def call(f, sources, constants, out, scales, dtype, axis, kind=None):
         shape = first.shape
         scaled = scales != () and scales[0] is not None
         member = f.plans[kind, dtype, scaled, out is None or out.dtype, first.dtype, last.dtype]
-        if (last.shape != shape or axis is not None and len(shape) != 1 or type(first) is not _Array
-                or type(last) is not _Array):
+        if (last.shape != shape or axis is not None and (len(shape) != 1 or axis not in (0, -1))
+                or type(first) is not _Array or type(last) is not _Array):
             raise ValueError
         result = out
         if out is None:

@@ -4,7 +4,9 @@ from __future__ import annotations
 import ctypes
 import functools
 import os
+import re
 import tempfile
+import warnings
 from typing import Any, Iterator
 
 import numpy as np
@@ -13,6 +15,7 @@ from numpy.typing import ArrayLike, DTypeLike, NDArray
 _CONTAINERS = {".wav": 0x10000, ".aiff": 0x20000, ".aif": 0x20000, ".au": 0x30000, ".w64": 0xB0000, ".flac": 0x170000,
                ".caf": 0x180000, ".rf64": 0x220000}
 _BITS = {1: 8, 2: 16, 3: 24, 4: 32, 5: 8}  # of integers
+_WIDTHS = {code: bits // 8 for code, bits in _BITS.items()} | {6: 4, 7: 8, 0x10: 1, 0x11: 1}  # bytes of a sample
 _FORMATS = {"PCM_S8": 1, "PCM_16": 2, "PCM_24": 3, "PCM_32": 4, "PCM_U8": 5, "FLOAT": 6, "DOUBLE": 7}
 _NATURAL = {"i2": "PCM_16", "i4": "PCM_32", "f4": "FLOAT", "f8": "DOUBLE"}
 _CALLS = {"i2": "short", "i4": "int", "f4": "float", "f8": "double"}
@@ -52,8 +55,9 @@ class _File:
         self._handle = _library().sf_open(os.fsencode(path), mode, ctypes.byref(info))
         if not self._handle:
             reason = _library().sf_strerror(None).decode(errors="replace").rstrip(".\n ")
-            missing = mode == _READ and not os.path.exists(path)
-            raise OSError(f"{os.fspath(path)}: {'no such file' if missing else reason}")
+            if mode == _READ:  # a missing file, a folder, no right to read: in Python's own words
+                open(path, "rb").close()
+            raise OSError(f"{os.fspath(path)}: {reason}")
 
     def __enter__(self) -> _File:
         return self
@@ -63,6 +67,26 @@ class _File:
 
     def call(self, name: str, *values: Any) -> int:
         return int(getattr(_library(), f"sf_{name}")(ctypes.c_void_p(self._handle), *values))
+
+    def promised(self) -> int:
+        """The samples of a channel that the header tells: libsndfile counts what is there, but logs both."""
+        log = ctypes.create_string_buffer(1 << 14)
+        self.call("command", 0x1001, log, len(log))
+        told = re.search(rb"(Data size|data|SSND|Data Size) *: (\d+)", log.value)
+        width = _WIDTHS.get(self.info.format & 0xFFFF, 0) * self.info.channels
+        if not told or not width:
+            return self.info.frames
+        size = int(told[2])
+        if any(top - 4096 < size <= top for top in (2**31 - 1, 2**32 - 1, 2**63 - 1)):  # a stream has no end
+            return self.info.frames
+        wave64 = self.info.format & 0xFFF0000 == _CONTAINERS[".w64"]
+        return (size - (8 if told[1] == b"SSND" else 24 if wave64 else 0)) // width  # less what is no samples
+
+
+def _tell_cut(path: Any, there: int, promised: int) -> None:
+    if there < promised:
+        warnings.warn(f"{os.fspath(path)} is cut off: it holds {there} of the {promised} samples that it promises",
+                      stacklevel=3)
 
 
 class blocks:
@@ -76,7 +100,8 @@ class blocks:
         self._path, self._size, self._kind = path, size, _kind(dtype)
         with _File(path, _READ, _Info()) as file:
             self.rate, self.channels, self.frames = file.info.rate, file.info.channels, file.info.frames
-            bits = _BITS.get(file.info.format & 0xFFFF)
+            bits, promised = _BITS.get(file.info.format & 0xFFFF), file.promised()
+        _tell_cut(path, self.frames, promised)
         if self._kind[0] == "i" and (bits is None or bits > 8 * int(self._kind[1])):
             raise TypeError(f"{os.fspath(path)}: its samples do not fit {np.dtype(dtype)}: read them as floating ones")
 
@@ -92,8 +117,9 @@ class blocks:
                 frames = np.empty((self._size, self.channels), self._kind)
                 count = file.call(f"readf_{_CALLS[self._kind]}", ctypes.c_void_p(frames.ctypes.data),
                                   ctypes.c_int64(self._size))
+                frame += count
                 if count == 0:
-                    return
+                    return _tell_cut(self._path, frame, self.frames)
                 yield np.ascontiguousarray(frames[:count].T) if self.channels > 1 else frames[:count, 0]
 
 
@@ -128,12 +154,15 @@ def write(path: str | os.PathLike[str], x: ArrayLike, rate: int, *, format: str 
             raise ValueError(f"{os.fspath(path)}: samples that are not finite have no integer")
         full = 2.0**(bits - 1)
         x, kind = np.rint(np.clip(x * np.float64(full), -full, full - 1)).astype("i4") << (32 - bits), "i4"
+    if not 1 <= rate < 2**31:
+        raise ValueError(f"{os.fspath(path)}: rate must be 1 or more, not {rate}")
     frames = np.ascontiguousarray(x.T if x.ndim == 2 else x)
     info = _Info(0, rate, 1 if x.ndim == 1 else x.shape[0], container | sample)
     folder = os.path.dirname(os.path.abspath(path))
-    handle, place = tempfile.mkstemp(dir=folder, suffix=".part")
-    os.close(handle)
+    place = ""
     try:
+        handle, place = tempfile.mkstemp(dir=folder, suffix=".part")
+        os.close(handle)
         with _File(place, _WRITE, info) as file:
             if file.call(f"writef_{_CALLS[kind]}", ctypes.c_void_p(frames.ctypes.data),
                          ctypes.c_int64(frames.shape[0])) != frames.shape[0]:
@@ -143,7 +172,9 @@ def write(path: str | os.PathLike[str], x: ArrayLike, rate: int, *, format: str 
         os.chmod(place, 0o666 & ~mask)
         os.replace(place, path)
     except OSError as error:
-        raise OSError(str(error).replace(place, os.fspath(path))) from None
+        if error.errno is None:
+            raise OSError(str(error).replace(place, os.fspath(path))) from None
+        raise OSError(error.errno, error.strerror, os.fspath(path)) from None
     finally:
         if os.path.exists(place):
             os.remove(place)

@@ -29,6 +29,10 @@ SHORTEST = 128  # normalisation takes another form for shorter arrays
 def cut(x: Any, size: int = 1 << 20) -> Any:
     """A row in chunks of `size` samples, a multiple of 96; the last one is longer than the others, so that no chunk is
     short: the same cuts for every chunking that the row came with."""
+    if not isinstance(x, da.Array):
+        raise TypeError(f"cut: a dask array wanted, not {type(x).__name__}: dask.array.from_array(x) makes one")
+    if size < 1:
+        raise ValueError(f"cut: size must be 1 or more, not {size}")
     if x.ndim != 1:
         raise ValueError(f"cut: one row wanted, not shape {x.shape}")
     size = max(size // BLOCK, 2) * BLOCK

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Holds the built library against the public headers: what it exports, what it leaves unresolved, what it
-# needs, and whether the table of members knows every operation. The companions beside it export what their header
-# declares, the tool nothing of ours.
+# needs, whether the table of members knows every operation, and README.md their number. The companions beside it
+# export what their header declares, the tool nothing of ours.
 #   exports.sh LIBRARY TOOL INCLUDE_DIR CC NM READELF PROGRAM...   (PROGRAM --names lists the table; TOOL may be empty)
 set -euo pipefail
 library=$1 tool=$2 include=$3 cc=$4 nm=$5 readelf=$6
@@ -38,6 +38,12 @@ declared *.h | comm -23 - "$dir/companion" > "$dir/declared"
 exported "$library" > "$dir/exported"
 none_beyond "$dir/exported" "$dir/declared" "exported but not declared"
 none_beyond "$dir/declared" "$dir/exported" "declared but not exported"
+
+told=$(awk -F'|' '$4 ~ /^ *[0-9]+ *$/ {sum += $4} END {print sum}' "$include/../README.md")
+if [ "$told" != "$(wc -l <"$dir/declared")" ]; then
+  echo "README.md counts $told operations, the headers declare $(wc -l <"$dir/declared")"
+  failed=1
+fi
 
 companions=("${library%/*}"/libtzm_*.so)
 exported "${companions[@]}" > "$dir/provided"

@@ -119,6 +119,7 @@ class Refusals(Case):
             (lambda: tz.mul(A, B[:, :3]), ValueError, "differ"),
             (lambda: tz.mul(A, B[:2], axis=-1), ValueError, "do not fit"),
             (lambda: tz.sum(A, axis=2), ValueError, "axis 2"),
+            (lambda: (tz.exp(A[0]), tz.exp(A[0], axis=1)), ValueError, "axis 1"),  # after a call that is remembered
             (lambda: tz.mul(A, B, out=A[0].copy()), ValueError, "out has shape"),
             (lambda: tz.exp(ONE, out=np.ones(8, F4)[::2]), ValueError, "not contiguous"),
             (lambda: tz.exp(ONE, out=LOCKED), ValueError, "read-only"),
@@ -128,7 +129,7 @@ class Refusals(Case):
             (lambda: tz.mul(A, "a"), TypeError, "no constant of type float32"),
             (lambda: tz.cart_to_polar(pairs((1, 2)), mag_scale=1), TypeError, "go together"),
             (lambda: tz.agg_sum(I, np.zeros(3)), TypeError, "nulls must be bool"),
-            (lambda: tz.sum(A[:0]), ValueError, "below 1"), (lambda: tz.tone(-3, 1.0, 0.1), tz.Error, "below 1"),
+            (lambda: tz.sum(A[:0]), ValueError, "begin at 1"), (lambda: tz.tone(-3, 1.0, 0.1), tz.Error, "begin at 1"),
             (lambda: tz.mul(I, I, scale=-1), ValueError, "ORVA_STS_SCALE_ERR, 20"),
             (lambda: tz.div(A, 0), ZeroDivisionError, "ORVA_STS_DIV_BY_ZERO_ERR, 3"),
             (lambda: tz.convert(I, round_mode=2), tz.ArgumentError, "ROUND_MODE"),

@@ -58,5 +58,7 @@ class Dask(Case):
         self.refuses((lambda: tzd.elementwise(tz.win_hann, row), TypeError, "by its place"),
                      (lambda: tzd.elementwise(tz.sum, row), TypeError, "no element-wise"),
                      (lambda: tzd.cut(da.ones((2, 2))), ValueError, "one row"),
+                     (lambda: tzd.sum(np.ones(9)), TypeError, "a dask array wanted, not ndarray"),
+                     (lambda: tzd.cut(row, 0), ValueError, "1 or more"),
                      (lambda: tzd.ordered_sum(row.astype("f4")), TypeError, "float64"),
                      (lambda: tzd.pwelch(row, win_len=11), ValueError, "in 10"))

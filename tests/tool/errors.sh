@@ -72,7 +72,7 @@ script -qec "yes | head -c 20000000 | '$tzm' filter --raw --rate 48000 -f 100 - 
   'hann hamming spectrogram' ] || wrong 'completion for bash'
 "$tzm" --completion zsh >_tzm
 grep -q -- "--segment=,-s}'\[samples in a segment" _tzm || wrong 'completion for zsh'
-refuses 2 "the shell 'fish'" --completion fish
+refuses 2 "bash or zsh, not 'fish'" --completion fish
 
 for command in '' $("$tzm" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p'); do
   "$tzm" ${command:+"$command"} --help | grep -q '^Examples:' || wrong "$command --help"
