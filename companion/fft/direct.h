@@ -46,10 +46,9 @@ class Prime {
   std::vector<T> cos_, sin_;
 };
 
-// The transform of one array. `scratch` has room for 2 p numbers.
-template <class T>
-void TransformPrime(const Prime<T>& prime, const View<const T>& in, const View<T>& out, T* scratch) {
-  const Full<T> d;
+// The transform of one array, as many results at once as there are lanes. `scratch` has room for 2 p numbers.
+template <class D, class T = hn::TFromD<D>>
+void TransformPrime(D d, const Prime<T>& prime, const View<const T>& in, const View<T>& out, T* scratch) {
   const size_t pairs = prime.pairs();
   const Number<T> first = in.Get(0);
   Number<T> total = first;
@@ -61,7 +60,7 @@ void TransformPrime(const Prime<T>& prime, const View<const T>& in, const View<T
   }
   out.Put(0, total);
   for (size_t a = 0; a < pairs; a += hn::Lanes(d)) {
-    Cx<Full<T>> even = {hn::Set(d, first.re), hn::Set(d, first.im)}, odd;
+    Cx<D> even = {hn::Set(d, first.re), hn::Set(d, first.im)}, odd;
     for (size_t i = 0; i < pairs; ++i) {
       const T* const pair = scratch + 4 * i;
       const auto c = hn::LoadU(d, prime.cos() + a + i), s = hn::LoadU(d, prime.sin() + a + i);
@@ -71,7 +70,7 @@ void TransformPrime(const Prime<T>& prime, const View<const T>& in, const View<T
       else odd = {hn::MulAdd(s, re, odd.re), hn::MulAdd(s, im, odd.im)};
     }
     CombineQuarter(even, odd);
-    HWY_ALIGN T part[4][kLanes<Full<T>>];
+    HWY_ALIGN T part[4][kLanes<D>];
     hn::Store(even.re, d, part[0]);
     hn::Store(even.im, d, part[1]);
     hn::Store(odd.re, d, part[2]);
@@ -80,6 +79,37 @@ void TransformPrime(const Prime<T>& prime, const View<const T>& in, const View<T
       const size_t place = prime.place(a + lane);
       out.Put(place, {part[0][lane], part[1][lane]});
       out.Put(prime.p() - place, {part[2][lane], part[3][lane]});
+    }
+  }
+}
+
+// The same of real numbers, to the pairs 0 ... p/2. All imaginary parts before the last sums are +0.
+template <class D, class T = hn::TFromD<D>>
+void TransformRealPrime(D d, const Prime<T>& prime, const T* in, T* out, T* scratch) {
+  const size_t pairs = prime.pairs();
+  const T first = LoadElement(in);
+  T total = first;
+  for (size_t i = 0; i < pairs; ++i) {
+    const T x = LoadElement(in + prime.place(i)), y = LoadElement(in + prime.p() - prime.place(i));
+    scratch[2 * i] = x + y, scratch[2 * i + 1] = x - y;
+    total += scratch[2 * i];
+  }
+  StoreElement(total, out);
+  for (size_t a = 0; a < pairs; a += hn::Lanes(d)) {
+    auto even = hn::Set(d, first), odd = hn::Zero(d);
+    for (size_t i = 0; i < pairs; ++i) {
+      const auto s = hn::LoadU(d, prime.sin() + a + i), difference = hn::Set(d, scratch[2 * i + 1]);
+      even = hn::MulAdd(hn::LoadU(d, prime.cos() + a + i), hn::Set(d, scratch[2 * i]), even);
+      odd = i == 0 ? hn::Mul(s, difference) : hn::MulAdd(s, difference, odd);
+    }
+    HWY_ALIGN T part[2][kLanes<D>];
+    hn::Store(even, d, part[0]);
+    hn::Store(odd, d, part[1]);
+    for (size_t lane = 0; lane < std::min(hn::Lanes(d), pairs - a); ++lane) {
+      const size_t place = prime.place(a + lane);
+      T* const to = out + 2 * std::min(place, prime.p() - place);
+      StoreElement(place <= pairs ? part[0][lane] + 0 : part[0][lane], to);
+      StoreElement(place <= pairs ? 0 - part[1][lane] : 0 + part[1][lane], to + 1);
     }
   }
 }

@@ -15,9 +15,6 @@ using namespace tzm::fft;
 
 namespace {
 
-// Below this many points a second thread costs more than it saves (measured on two cores).
-constexpr size_t kThreadedPoints = size_t{1} << 15;
-
 // Plans that nobody holds are kept for the next caller of the same length, since the one-shot
 // operations plan on every call: so many at most, of so many points together, in each precision.
 constexpr int kIdlePlans = 32;
@@ -185,7 +182,7 @@ typename Record<T>::Plan* PlanLine(Kind kind, int32_t n, bool exchanged) {
   const auto length = static_cast<size_t>(n);
   auto& state = planner<T>;
   const std::lock_guard guard(state.lock);
-  const size_t workers = WorkersFor<T>(length);
+  const size_t workers = WorkersFor<T>(kind == Kind::kReal ? length / 2 : length);
   Record<T>* record = state.Find(kind, length, workers);
   if (record == nullptr) {
     record = kind == Kind::kReal ? new Record<T>(length, workers, std::make_unique<Real<T>>(length, workers))

@@ -89,42 +89,42 @@ void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddle
 template <class F>
 constexpr void WithColumns(size_t points, F&& f) {
   switch (points) {
-    case 2: return f(Chain<Two, None>());
-    case 3: return f(Chain<Odd<3>, None>());
-    case 4: return f(Chain<Four, None>());
-    case 5: return f(Chain<Odd<5>, None>());
-    case 6: return f(Chain<Two, Odd<3>>());
-    case 7: return f(Chain<Odd<7>, None>());
-    case 8: return f(Chain<Eight, None>());
-    case 9: return f(Chain<Odd<3>, Odd<3>>());
-    case 10: return f(Chain<Two, Odd<5>>());
-    case 12: return f(Chain<Four, Odd<3>>());
-    case 15: return f(Chain<Odd<3>, Odd<5>>());
-    case 16: return f(Chain<Sixteen, None>());
-    case 20: return f(Chain<Four, Odd<5>>());
-    case 24: return f(Chain<Eight, Odd<3>>());
-    case 25: return f(Chain<Odd<5>, Odd<5>>());
+    case 2: return f(Chain<Two>());
+    case 3: return f(Chain<Three>());
+    case 4: return f(Chain<Four>());
+    case 5: return f(Chain<Five>());
+    case 6: return f(Chain<Two, Three>());
+    case 7: return f(Chain<Seven>());
+    case 8: return f(Chain<Eight>());
+    case 9: return f(Chain<Three, Three>());
+    case 10: return f(Chain<Two, Five>());
+    case 12: return f(Chain<Four, Three>());
+    case 15: return f(Chain<Three, Five>());
+    case 16: return f(Chain<Sixteen>());
+    case 20: return f(Chain<Four, Five>());
+    case 24: return f(Chain<Eight, Three>());
+    case 25: return f(Chain<Five, Five>());
     case 32: return f(Chain<Eight, Four>());
-    case 40: return f(Chain<Eight, Odd<5>>());
+    case 40: return f(Chain<Eight, Five>());
   }
 }
 template <class F>
 constexpr void WithRows(size_t points, F&& f) {
   switch (points) {
-    case 3: return f(Chain<Odd<3>, None>());
-    case 5: return f(Chain<Odd<5>, None>());
-    case 6: return f(Chain<Two, Odd<3>>());
-    case 7: return f(Chain<Odd<7>, None>());
-    case 9: return f(Chain<Odd<3>, Odd<3>>());
-    case 10: return f(Chain<Two, Odd<5>>());
-    case 11: return f(Chain<Odd<11>, None>());
-    case 12: return f(Chain<Four, Odd<3>>());
-    case 13: return f(Chain<Odd<13>, None>());
-    case 15: return f(Chain<Odd<3>, Odd<5>>());
-    case 20: return f(Chain<Four, Odd<5>>());
-    case 21: return f(Chain<Odd<3>, Odd<7>>());
-    case 25: return f(Chain<Odd<5>, Odd<5>>());
-    case 35: return f(Chain<Odd<5>, Odd<7>>());
+    case 3: return f(Chain<Three>());
+    case 5: return f(Chain<Five>());
+    case 6: return f(Chain<Two, Three>());
+    case 7: return f(Chain<Seven>());
+    case 9: return f(Chain<Three, Three>());
+    case 10: return f(Chain<Two, Five>());
+    case 11: return f(Chain<Eleven>());
+    case 12: return f(Chain<Four, Three>());
+    case 13: return f(Chain<Thirteen>());
+    case 15: return f(Chain<Three, Five>());
+    case 20: return f(Chain<Four, Five>());
+    case 21: return f(Chain<Three, Seven>());
+    case 25: return f(Chain<Five, Five>());
+    case 35: return f(Chain<Five, Seven>());
   }
 }
 

@@ -256,6 +256,10 @@ TZM_INLINE void Copy(const Cx<D>& from, Cx<D>& to) {
   to.re = from.re;
   to.im = from.im;
 }
+template <class D>
+TZM_INLINE Cx<D> Same(const Cx<D>& x) {
+  return {x.re, x.im};
+}
 
 // Rows become columns in each 128-bit part of V registers, which brings the right parts together where there is one.
 template <class D>

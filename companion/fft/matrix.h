@@ -24,11 +24,14 @@ inline std::vector<size_t> Factors(size_t n) {
   return factors;
 }
 
-// Levels that one pass takes: a power of two, or an odd factor. The first pass takes three where there are three.
+// Levels that one pass takes: a power of two, an odd factor, or two of 3. The first pass takes three of 2 where there
+// are three, and one of 3.
 inline std::vector<size_t> Radices(size_t n, bool first) {
   std::vector<size_t> radices;
   while (n % 8 == 0 && (n % 32 != 16 || (first && radices.empty()))) radices.push_back(8), n /= 8;
   for (size_t most : {4, 2}) for (; n % most == 0; n /= most) radices.push_back(most);
+  if (n % 9 == 0 && first && radices.empty()) radices.push_back(3), n /= 3;
+  for (; n % 9 == 0; n /= 9) radices.push_back(9);
   for (size_t factor : Factors(n)) radices.push_back(factor);
   return radices;
 }
@@ -40,14 +43,15 @@ struct AnyPrime {};
 template <class F>
 void WithLevels(size_t radix, F&& f) {
   switch (radix) {
-    case 2: return f(PowerOfTwo<1>());
-    case 4: return f(PowerOfTwo<2>());
-    case 8: return f(PowerOfTwo<3>());
-    case 3: return f(Odd<3>());
-    case 5: return f(Odd<5>());
-    case 7: return f(Odd<7>());
-    case 11: return f(Odd<11>());
-    case 13: return f(Odd<13>());
+    case 2: return f(Two());
+    case 4: return f(Four());
+    case 8: return f(Eight());
+    case 3: return f(Three());
+    case 9: return f(Chain<Three, Three>());
+    case 5: return f(Five());
+    case 7: return f(Seven());
+    case 11: return f(Eleven());
+    case 13: return f(Thirteen());
     default: return f(AnyPrime());
   }
 }
@@ -75,27 +79,28 @@ class Matrix final : public Complex<T> {
   using D = Full<T>;
   static constexpr size_t kLane = kLanes<D>, kNumber = kBlock<D>;
   static constexpr size_t kStrip = std::max<size_t>(1, 256 / (kNumber * sizeof(T)));  // blocks side by side
+  static constexpr size_t kNear = size_t{1} << 14;  // bytes in the nearest cache, from where all may go at once
   static constexpr size_t kPad = 256 / sizeof(T);  // against arrays in the same sets of a cache
-  static constexpr size_t kCached = size_t{1} << 21;  // bytes that a cache holds
 
  public:
   Matrix(size_t n, size_t workers) : n_(n), workers_(workers) {
-    n1_ = Rows(n, workers > 1 || 2 * n * sizeof(T) > kCached);
+    n1_ = Rows(n);
     n2_ = n / n1_;
     blocks_ = (n1_ + kLane - 1) / kLane;
     strips_ = (n2_ + kLane - 1) / kLane;
+    group_ = 2 * n * sizeof(T) <= kNear ? std::max(blocks_, strips_) : kStrip;
     part_ = std::max(n2_, kLane) * kNumber + kPad;
     if (!IsFused()) for (size_t radix : Radices(n1_, true)) columnSteps_.push_back({radix, 0});
     for (size_t radix : Radices(n2_, false)) rowSteps_.push_back({radix, 0});
     Tabulate(Roots<T>(n));
 
     narrow_ = n2_ < kLane ? 2 * (n + kLane) : 0;
-    const size_t columns = IsFused() ? 0 : 2 * n1_ * std::min(kStrip, strips_) * kNumber;
+    const size_t columns = IsFused() ? 0 : 2 * n1_ * std::min(group_, strips_) * kNumber;
     for (size_t p : Factors(n)) {
       if (p > 13 && (primes_.empty() || primes_.back().p() != p)) primes_.emplace_back(p);
     }
     const size_t work = primes_.empty() ? 0 : primes_.back().p() * kNumber;
-    worker_ = std::max(columns, part_ * std::min(kStrip, blocks_)) + work + kPad / 2;
+    worker_ = std::max(columns, part_ * std::min(group_, blocks_)) + work + kPad / 2;
     this->scratch_ = RoundUp(narrow_) + RoundUp(blocks_ * part_) + workers_ * RoundUp(worker_);
   }
 
@@ -130,19 +135,19 @@ class Matrix final : public Complex<T> {
   T* Worker(T* matrix, size_t worker) const {
     return matrix + RoundUp(blocks_ * part_) + worker * RoundUp(worker_);
   }
-  // The strips or the blocks, in groups of kStrip.
+  // The strips or the blocks, in groups.
   template <auto kWork>
   void ForEach(const Job& job, size_t count, Helpers& helpers) const {
     const auto work = [](const void* context, size_t group, size_t worker) {
       const Job& job = *static_cast<const Job*>(context);
       (job.self.*kWork)(job, group, job.self.Worker(job.matrix, worker));
     };
-    helpers.Run((count + kStrip - 1) / kStrip, workers_, work, &job, experience_);
+    helpers.Run((count + group_ - 1) / group_, workers_, work, &job, experience_);
   }
 
-  // The number of rows: what makes the fewest registers, or about as many as columns where the matrix leaves the cache.
-  // The first pass must take the levels without a table.
-  static size_t Rows(size_t n, bool large) {
+  // The number of rows: what makes the fewest registers, or about as many as columns where threads may share them, which
+  // serves one thread as well. The first pass must take the levels without a table.
+  static size_t Rows(size_t n) {
     size_t best = n, rows = 1;
     double least = HUGE_VAL;
     for (size_t factor : Factors(n)) {
@@ -152,7 +157,8 @@ class Matrix final : public Complex<T> {
       const auto filled = [](size_t count) { return static_cast<double>((count + kLane - 1) / kLane * kLane); };
       double cost = (filled(rows) / rows + filled(columns) / columns) * (rows == kFused ? 0.8 : 1);
       if (rows < kLane || columns < kLane) cost *= 1.5;
-      if (large) cost *= 1 + std::abs(std::log2(static_cast<double>(rows)) - std::log2(static_cast<double>(columns)));
+      const auto bits = [](size_t count) { return std::log2(static_cast<double>(count)); };
+      if (n >= kThreadedPoints) cost *= 1 + std::abs(bits(rows) - bits(columns));
       else cost *= 1 + 0.1 * Radices(rows, true).size();
       if (cost < least) least = cost, best = rows;
     }
@@ -236,10 +242,10 @@ class Matrix final : public Complex<T> {
     }
   }
 
-  // Columns of kStrip strips, and the transposition of what comes of them.
+  // Columns of a group of strips, and the transposition of what comes of them.
   void Columns(const Job& job, size_t group, T* scratch) const {
     const D d;
-    const size_t first = group * kStrip, end = std::min(first + kStrip, strips_);
+    const size_t first = group * group_, end = std::min(first + group_, strips_);
     if (IsFused()) {
       Open<false>(job.in, [&](const auto& from) {
         PassTransposed<Fused>(d, from, job.matrix, n2_, first * kLane, std::min(end * kLane, n2_), part_);
@@ -289,10 +295,10 @@ class Matrix final : public Complex<T> {
     }
   }
 
-  // kStrip blocks of rows. The last block, if it overlaps the one before, by itself.
+  // A group of blocks of rows. The last block, if it overlaps the one before, by itself.
   void RowsOf(const Job& job, size_t group, T* scratch) const {
     if (rowSteps_.empty()) return;
-    const size_t first = group * kStrip, end = std::min(first + kStrip, blocks_);
+    const size_t first = group * group_, end = std::min(first + group_, blocks_);
     const bool whole = n1_ % kLane == 0 || n1_ < kLane || end < blocks_;
     if (whole || end - first > 1) RowBlocks(job, first, end - first - !whole, scratch);
     if (!whole) RowBlocks(job, end - 1, 1, scratch);
@@ -300,7 +306,7 @@ class Matrix final : public Complex<T> {
 
   void RowBlocks(const Job& job, size_t first, size_t count, T* scratch) const {
     const T* const table = table_.get() + first * tableBlock_;
-    T* const work = scratch + std::min(kStrip, blocks_) * part_;
+    T* const work = scratch + std::min(group_, blocks_) * part_;
     const T* last = nullptr;
     size_t s = 1;
     for (size_t q = 0; q < count; ++q) {
@@ -335,7 +341,7 @@ class Matrix final : public Complex<T> {
         const auto prime = std::find_if(primes_.begin(), primes_.end(),
                                         [&](const auto& other) { return other.p() == step.radix; });
         PassPrime<kKind>(d, *prime, in, out, shape, twiddles, work);
-      } else {
+      } else if constexpr (kKind != Twiddles::kNone || Levels::kRadix != 9) {
         Open<Levels::kRadix % 2 == 1>(in, [&](const auto& from) {
           Open(out, [&](const auto& to) { Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles); });
         });
@@ -343,7 +349,7 @@ class Matrix final : public Complex<T> {
     });
   }
 
-  size_t n_, workers_, n1_, n2_, blocks_, strips_;
+  size_t n_, workers_, n1_, n2_, blocks_, strips_, group_;
   size_t part_;        // of a block of rows in the matrix
   size_t tableBlock_;  // of its twiddles
   size_t narrow_, worker_;

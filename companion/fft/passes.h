@@ -80,6 +80,11 @@ using Loaded = std::remove_cvref_t<decltype(std::declval<Load>()(Constant<0>()))
 constexpr size_t TwiddleCount(size_t radix) { return radix % 2 == 0 ? radix / 2 : radix - 1; }
 template <class F>
 void ForEachTwiddle(size_t radix, size_t s, F&& f) {
+  if (radix == 9) {  // two levels
+    ForEachTwiddle(3, s, f);
+    for (size_t k = 0; k < 3; ++k) for (size_t j = 1; j < 3; ++j) f(9 * s, j, j * k * s);
+    return;
+  }
   if (radix % 2 == 1) {
     for (size_t j = 1; j < radix; ++j) f(radix * s, j, 0);
     return;
@@ -174,9 +179,9 @@ struct PowerOfTwo {
 // cos and sin of 2 pi i / R.
 template <class T, size_t R>
 struct Circle;
-#define TZM_CIRCLE(R, ...)                        \
-  template <class T>                              \
-  struct Circle<T, R> {                           \
+#define TZM_CIRCLE(R, ...)                          \
+  template <class T>                                \
+  struct Circle<T, R> {                             \
     static constexpr T kParts[][2] = {__VA_ARGS__}; \
   };
 #define TZM_TURN(cos, sin) {static_cast<T>(cos), static_cast<T>(sin)}
@@ -307,6 +312,11 @@ struct Chain {
                 [&](auto t, const N& x) TZM_LAMBDA { store(k + A::kRadix * t, x); });
       }
     }
+  }
+
+  template <class D>
+  static TZM_INLINE void Next(D d, auto load, auto twiddle, auto store) {
+    Straight<Cx<D>>(d, load, twiddle, store);
   }
 
   // The factors of a chain that takes transforms of s points each, in the order of their use.

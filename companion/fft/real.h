@@ -40,7 +40,7 @@ class Real {
   void Forward(const T* in, T* out, T* scratch, Helpers& helpers) const {
     if (!IsHalved()) {
       if (!complex_->StoresHalf()) TakeHalf(in, out, scratch, helpers);
-      else complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, nullptr, helpers);
+      else complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, scratch, helpers);
       StoreElement(T{0}, out + 1);
       if (n_ % 2 == 0) StoreElement(T{0}, out + n_ + 1);
       return;

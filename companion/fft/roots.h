@@ -4,6 +4,7 @@
 #include "lanes.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <numeric>
 #include <vector>
@@ -70,11 +71,9 @@ inline Turn<double> TurnBy(size_t whole) {
 template <class T>
 T Rounded(double hi, double lo) {
   if constexpr (sizeof(T) == 8) return hi;
-  int64_t bits;
-  std::memcpy(&bits, &hi, sizeof bits);
+  auto bits = std::bit_cast<int64_t>(hi);
   if (lo != 0 && bits % 2 == 0) bits += (lo > 0) == (hi > 0) ? 1 : -1;
-  std::memcpy(&hi, &bits, sizeof bits);
-  return static_cast<T>(hi);
+  return static_cast<T>(std::bit_cast<double>(bits));
 }
 
 // exp(-2 pi i j / n) for all j. An eighth of the circle is stored; turns by quarters of the circle and the reflection

@@ -52,11 +52,9 @@ std::unique_ptr<Complex<T>> MakeComplex(size_t n, size_t workers) {
   if (woven != nullptr) return woven;
   const size_t largest = Factors(n).back();
   if (largest == n && n <= kLargestFactor) return Result(new Lone<T>(n));
-  if (largest <= kLargestFactor && workers == 1) {
-    if (Result grid = Grid<T>::Make(n)) return grid;
-  }
-  if (largest <= kLargestFactor) return Result(new Matrix<T>(n, workers));
-  return Result(new Chirp<T>(n, workers));
+  if (largest > kLargestFactor) return Result(new Chirp<T>(n, workers));
+  if (Result grid = Grid<T>::Make(n)) return grid;
+  return Result(new Matrix<T>(n, workers));
 }
 
 }  // namespace tzm::fft

@@ -130,9 +130,17 @@ class Fixed final : public Complex<T> {
 template <class T>
 class Lone final : public Complex<T> {
  public:
-  explicit Lone(size_t p) : prime_(p) { this->scratch_ = 2 * p; }
+  explicit Lone(size_t p) : prime_(p) {
+    this->scratch_ = 2 * p;
+    this->storesHalf_ = true;
+  }
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
-    TransformPrime(prime_, in, out, scratch);
+    const auto run = [&](auto d) {
+      if (in.form == Form::kReal) TransformRealPrime(d, prime_, in.re, out.re, scratch);
+      else TransformPrime(d, prime_, in, out, scratch);
+    };
+    if (prime_.pairs() <= 8) run(hn::CappedTag<T, 8>());
+    else run(Full<T>());
   }
 
  private:

@@ -15,6 +15,9 @@ constexpr size_t kLine = 64;  // bytes
 // Real transforms of longer even lengths are complex ones of half the length, all others complex ones of real parts.
 constexpr size_t kLongestWhole = 16;
 
+// Below this many complex points a second thread costs more than it saves (measured on two cores).
+constexpr size_t kThreadedPoints = size_t{1} << 15;
+
 // Aligned memory that is not initialised.
 template <class T>
 class Table {
