@@ -44,7 +44,8 @@ static inline Recording ReadRecording(int argc, char** argv, int index) {
   }
   file = sf_open(argv[index], SFM_READ, &info);
   if (file == NULL || info.channels != 1 || info.frames < 1 || info.frames > INT32_MAX) {
-    fprintf(stderr, "%s: %s\n", argv[index], file == NULL ? sf_strerror(NULL) : "not a recording of one channel with samples");
+    fprintf(stderr, "%s: %s\n", argv[index],
+            file == NULL ? sf_strerror(NULL) : "not a recording of one channel with samples");
     exit(1);
   }
   recording.len = (int32_t)info.frames;

@@ -45,7 +45,9 @@ void PrintHelp() {
 // A script for bash or zsh: the commands from here, what follows them from each command's own table of options.
 void PrintCompletion(const char* shell) {
   const bool zsh = std::strcmp(shell, "zsh") == 0;
-  if (!zsh && std::strcmp(shell, "bash") != 0) throw UsageError(Format("--completion takes bash or zsh, not '%s'", shell));
+  if (!zsh && std::strcmp(shell, "bash") != 0) {
+    throw UsageError(Format("--completion takes bash or zsh, not '%s'", shell));
+  }
   std::string names, described;
   for (const auto& [name, command] : Commands()) {
     names.append(name).append(" ");

@@ -11,7 +11,7 @@ typedef int32_t OrvaStatus; /**< One of the values below. */
 enum {
   ORVA_STS_NO_ERR = 0,            /**< Success. */
   ORVA_STS_NULL_PTR_ERR = 1,      /**< A required pointer is null. */
-  ORVA_STS_SIZE_ERR = 2,          /**< A length, count, overlap or filter frequency out of its range; lengths begin at 1. */
+  ORVA_STS_SIZE_ERR = 2,          /**< A length, count, overlap or frequency is out of its range; lengths begin at 1. */
   ORVA_STS_DIV_BY_ZERO_ERR = 3,   /**< A divisor given as a parameter is zero. */
   ORVA_STS_THRESH_ORDER_ERR = 5,  /**< The low level lies above the high level. */
   ORVA_STS_THRESH_NEG_ERR = 6,    /**< A negative level where a magnitude is compared. */

@@ -186,7 +186,8 @@ TYPED_TEST(Correlation, ArgumentsOtherThanThoseOfInit) {
   std::vector<T> dst = src;
   for (auto [made, call] : {std::pair{Auto(40, 20), Auto(33, 33)}, {Auto(40, 20), Auto(20, 9)},
                             {Auto(40, 20), Auto(INT32_MAX, INT32_MAX)}, {Cross(30, 90, 30, -4), Cross(30, 90, 36, -4)},
-                            {Cross(30, 90, 30, -4), Cross(30, 90, 30, 90)}, {Cross(30, 90, 30, -4), Cross(65, 90, 30, 90)}}) {
+                            {Cross(30, 90, 30, -4), Cross(30, 90, 30, 90)},
+                            {Cross(30, 90, 30, -4), Cross(65, 90, 30, 90)}}) {
     CorrState* state = nullptr;
     ASSERT_EQ(made.template Init<T>(2, &state), ORVA_STS_NO_ERR);
     EXPECT_EQ(call.Run(src.data(), src.data(), dst.data(), 0, state), ORVA_STS_LEN_MISMATCH_ERR);
