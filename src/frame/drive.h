@@ -15,10 +15,7 @@ class Kept {
   Kept() {}  // without a value yet
   // Where the kernel finds the array of fewer elements: filled up with the first of them.
   TZM_INLINE T* Few(T* array, size_t count) {
-    if constexpr (std::is_const_v<T>) {
-      Fill<kStep>(array, element_);
-      TakeFew<kStep>(array, element_, count);
-    }
+    if constexpr (std::is_const_v<T>) TakeFew<kStep>(array, element_, count, array);
     return element_;
   }
   // Where it finds a whole step.
@@ -101,8 +98,8 @@ TZM_INLINE void Steps(size_t len, Kernel& kernel, T*... arrays) {
 // The steps go from the start; the last one ends with the array, and overlaps the one before where kStep does not
 // divide `len`. It is computed first, from sources that nothing has overwritten yet, and stored last. So a kernel
 // may see an element twice; a value does not depend on its position, and nothing outside the arrays is touched.
-// An array shorter than a step runs on copies, filled up with its own first element, so that the kernel never sees a
-// value that is not data (no false warnings). kUnroll steps make a turn of the loop: four of a light kernel, where the
+// An array shorter than a step is filled up to one with its own first element, so that the kernel never sees a value
+// that is not data (no false warnings). kUnroll steps make a turn of the loop: four of a light kernel, where the
 // last turn is a whole one even if it leaves nothing for the last step, which costs less than three steps one by one;
 // two of a kernel that has work for many instructions, or one.
 template <size_t kStep, size_t kUnroll = 4, class Kernel, class... T>

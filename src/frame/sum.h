@@ -88,10 +88,11 @@ TZM_INLINE Lanes LoadLanes(const T* from) {
 // Fewer elements than a step, and zeros behind them.
 template <class T, size_t kStep>
 struct ZeroFilled {
-  T element[kStep] = {};
+  T element[kStep];
 
   TZM_INLINE const T* Copy(const T* from, size_t count) {
-    TakeFew<kStep>(from, element, count);
+    constexpr T kZero = {};
+    TakeFew<kStep>(from, element, count, &kZero);
     return element;
   }
 };

@@ -21,18 +21,6 @@ TZM_INLINE void CopyElements(const T* from, T* to) {
   }
 }
 
-// Copies 1 to 2 * kPiece - 1 elements by two moves of constant size, which overlap; kPiece is a power of two.
-template <size_t kPiece, class T>
-TZM_INLINE void CopyFew(const T* from, T* to, size_t count) {
-  if (kPiece == 1 || count >= kPiece) {
-    CopyElements<kPiece>(from, to);
-    const size_t rest = count % kPiece;
-    CopyElements<kPiece>(from + rest, to + rest);
-  } else {
-    CopyFew<(kPiece + 1) / 2>(from, to, count);
-  }
-}
-
 // kCount copies of one element.
 template <size_t kCount, class T>
 TZM_INLINE void Fill(const T* from, T* to) {
@@ -49,55 +37,96 @@ TZM_INLINE void Fill(const T* from, T* to) {
   }
 }
 
-#if HWY_ARCH_X86
-// Masked moves: of bytes with AVX-512, of 32 bits with AVX2, whose masked stores are slow.
-using MaskLane = std::conditional_t<HWY_TARGET <= HWY_AVX3, uint8_t, uint32_t>;
-
-// Calls use(d, at, belongs) for each register of kStep elements of T: its tag, its place, and which of its lanes belong
-// to the first `count` elements.
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+// Calls use(d, at, belongs) for each register of kStep elements of T: the tag of its bytes, its place, and which of
+// them belong to the first `count` elements.
 template <class T, size_t kStep, class Use>
 TZM_INLINE void EachMask(size_t count, Use&& use) {
-  constexpr size_t kLanes = kStep * sizeof(T) / sizeof(MaskLane);
-  const hn::CappedTag<MaskLane, kLanes> d;
+  constexpr size_t kBytes = kStep * sizeof(T);
+  const hn::CappedTag<uint8_t, kBytes> d;
   constexpr size_t kWidth = hn::MaxLanes(d);
-  Unrolled<kLanes / kWidth>([&](auto i) TZM_LAMBDA {
-    const size_t lanes = count * sizeof(T) / sizeof(MaskLane);
-    const size_t few = lanes > i * kWidth ? std::min(lanes - i * kWidth, kWidth) : 0;
-#if HWY_TARGET <= HWY_AVX3
-    use(d, i * kWidth, hn::FirstN(d, few));
-#else
-    static constexpr uint32_t kBelongs[] = {~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u, 0, 0, 0, 0, 0, 0, 0, 0};
-    use(d, i * kWidth, hn::MaskFromVec(hn::LoadU(d, kBelongs + 8 - few)));
-#endif
+  Unrolled<kBytes / kWidth>([&](auto i) TZM_LAMBDA {
+    const size_t bytes = count * sizeof(T);
+    use(d, i * kWidth, hn::FirstN(d, bytes > i * kWidth ? std::min(bytes - i * kWidth, kWidth) : 0));
   });
+}
+#else
+// A register of bytes, or a part of one: the first `count` bytes in memory, whole elements, and behind them those of
+// `filler`. The bits of `count` tell which halves are loaded whole; what follows such a half is taken first, then moved
+// up.
+template <size_t kElement, class V>
+TZM_INLINE V TakeBytes(const uint8_t* from, size_t count, V filler) {
+  const hn::DFromV<V> d;
+  constexpr size_t kHalf = hn::MaxLanes(d) / 2;
+  if constexpr (kHalf < kElement) {
+    return filler;
+  } else {
+    const hn::Half<decltype(d)> half;
+    const auto low = hn::LowerHalf(half, filler);
+    const auto rest = TakeBytes<kElement>(from + (count & kHalf), count, low);
+    return count & kHalf ? hn::Combine(d, rest, hn::LoadU(half, from)) : hn::Combine(d, low, rest);
+  }
+}
+// The first `count` bytes to memory, by the same halves.
+template <size_t kElement, class V>
+TZM_INLINE void GiveBytes(V v, uint8_t* to, size_t count) {
+  const hn::DFromV<V> d;
+  constexpr size_t kHalf = hn::MaxLanes(d) / 2;
+  if constexpr (kHalf >= kElement) {
+    const hn::Half<decltype(d)> half;
+    auto rest = hn::LowerHalf(half, v);
+    if (count & kHalf) {
+      hn::StoreU(rest, half, to);
+      rest = hn::UpperHalf(half, v);
+    }
+    GiveBytes<kElement>(rest, to + (count & kHalf), count);
+  }
 }
 #endif
 
-// The first `count` elements, 1 to kStep - 1, of an array into an array of kStep, whose others stay, and back. Masked
-// moves leave the latter in registers.
+// The first `count` elements, below kStep, of an array into an array of kStep, whose others become *filler, and back.
+// The latter stays in registers.
 template <size_t kStep, class T>
-TZM_INLINE void TakeFew(const T* array, T* element, size_t count) {
-#if HWY_ARCH_X86
-  if constexpr (sizeof(T) >= sizeof(MaskLane)) {
-    EachMask<T, kStep>(count, [&](auto d, size_t at, auto belongs) TZM_LAMBDA {
-      MaskLane* const to = reinterpret_cast<MaskLane*>(element) + at;
-      const auto taken = hn::MaskedLoad(belongs, d, reinterpret_cast<const MaskLane*>(array) + at);
-      hn::StoreU(hn::IfThenElse(belongs, taken, hn::LoadU(d, to)), d, to);
-    });
-    return;
+TZM_INLINE void TakeFew(const T* array, T* element, size_t count, const T* filler) {
+  Fill<kStep>(filler, element);
+  const auto* const from = reinterpret_cast<const uint8_t*>(array);
+  auto* const to = reinterpret_cast<uint8_t*>(element);
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  EachMask<T, kStep>(count, [&](auto d, size_t at, auto belongs) TZM_LAMBDA {
+    hn::StoreU(hn::IfThenElse(belongs, hn::MaskedLoad(belongs, d, from + at), hn::LoadU(d, to + at)), d, to + at);
+  });
+#else
+  constexpr size_t kHalf = kStep / 2;
+  const hn::CappedTag<uint8_t, kStep * sizeof(T)> d;
+  if constexpr (kStep * sizeof(T) == hn::MaxLanes(d)) {
+    hn::StoreU(TakeBytes<sizeof(T)>(from, count * sizeof(T), hn::LoadU(d, to)), d, to);
+  } else if (count >= kHalf) {
+    TakeFew<kHalf>(array + kHalf, element + kHalf, count % kHalf, filler);
+    CopyElements<kHalf>(array, element);
+  } else {
+    TakeFew<kHalf>(array, element, count, filler);
   }
 #endif
-  CopyFew<kStep / 2>(array, element, count);
 }
 template <size_t kStep, class T>
 TZM_INLINE void GiveFew(const T* element, T* array, size_t count) {
+  const auto* const from = reinterpret_cast<const uint8_t*>(element);
+  auto* const to = reinterpret_cast<uint8_t*>(array);
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
   EachMask<T, kStep>(count, [&](auto d, size_t at, auto belongs) TZM_LAMBDA {
-    const auto given = hn::LoadU(d, reinterpret_cast<const MaskLane*>(element) + at);
-    hn::BlendedStore(given, belongs, d, reinterpret_cast<MaskLane*>(array) + at);
+    hn::BlendedStore(hn::LoadU(d, from + at), belongs, d, to + at);
   });
 #else
-  CopyFew<kStep / 2>(element, array, count);
+  constexpr size_t kHalf = kStep / 2;
+  const hn::CappedTag<uint8_t, kStep * sizeof(T)> d;
+  if constexpr (kStep * sizeof(T) == hn::MaxLanes(d)) {
+    GiveBytes<sizeof(T)>(hn::LoadU(d, from), to, count * sizeof(T));
+  } else if (count >= kHalf) {
+    CopyElements<kHalf>(element, array);
+    GiveFew<kHalf>(element + kHalf, array + kHalf, count % kHalf);
+  } else {
+    GiveFew<kHalf>(element, array, count);
+  }
 #endif
 }
 
