@@ -7,6 +7,7 @@
 #include "frame/estimate.h"
 #include "frame/float_lanes.h"
 #include "frame/scale.h"
+#include "frame/sum.h"
 
 #include <cmath>
 
@@ -16,20 +17,30 @@ namespace {
 
 // ---- Square roots with a scan ----
 
-// The roots of all elements, and the status: in whole blocks of kBlock elements the last ones count, as many as a
-// register of `d` has, behind them all. It goes by 512 bytes: the machine scans them while it still takes the roots
-// of those before.
-template <size_t kBlock, class D, class T, class Root>
-OrvaStatus ScanAndRoot(D d, const T* src, T* dst, int32_t len, Root root) {
+// Whether the least number that each lane has met, zero at first, is negative in any of them.
+struct AnyNegative {
+  template <class Lanes>
+  TZM_INLINE bool operator()(const Lanes& least) const {
+    const typename Lanes::D d;
+    return !hn::AllFalse(d, hn::Lt(least.v[0], hn::Zero(d)));
+  }
+};
+
+// The roots of all elements, and the status: in whole blocks of kBlock elements the last kLanes ones count, a register
+// of them, behind them all. It goes by 512 bytes: the machine scans them while it still takes the roots of those
+// before.
+template <size_t kBlock, size_t kLanes, class T, class Root>
+OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  using Lanes = LaneArray<T, kLanes>;
   bool negative = false;
-  ForBlocks<512 / sizeof(T)>(len, [&](int32_t count, const T* from, T* to) {
-    AnyLane<D> inBody;
-    BodyAndTail<kBlock, kBlock>(
-        count,
-        [&](const T* x) TZM_LAMBDA { inBody.See(hn::Lt(hn::LoadU(d, x + kBlock - hn::Lanes(d)), hn::Zero(d))); },
-        [&](const T* x) TZM_LAMBDA { negative |= LoadElement(x) < 0; }, from);
-    negative |= inBody.Seen();
+  ForBlocks<512 / sizeof(T)>(len, [&](int32_t count, const T* from, T* to) TZM_LAMBDA {
+    const auto see = [=](size_t i, Lanes& least) TZM_LAMBDA {
+      const auto counted = hn::LoadU(typename Lanes::D(), from + i + (kBlock - kLanes));
+      least.v[0] = MinOrSecond(counted, least.v[0]);  // past a NaN
+    };
+    const auto seeTail = [=](size_t i, bool& any) TZM_LAMBDA { any |= LoadElement(from + i) < 0; };
+    negative |= OrderedSum<Lanes, kBlock, AnyNegative>::template Of<kBlock>(count, see, seeTail);
     root(count, from, to);
   }, src, dst);
   return negative ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
@@ -106,12 +117,12 @@ TZM_INLINE V CubeRoots(V x, V y) {
 }  // namespace
 
 OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
-  return ScanAndRoot<8>(hn::FixedTag<float, 4>(), src, dst, len, vssqrt);  // deliberately blind to the other half
+  return ScanAndRoot<8, 4>(src, dst, len, vssqrt);  // deliberately blind to the other half
 }
 
 OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
-  const Full<double> d;
-  return ScanAndRoot<hn::MaxLanes(d)>(d, src, dst, len, vdsqrt);
+  constexpr size_t kLanes = hn::MaxLanes(Full<double>());
+  return ScanAndRoot<kLanes, kLanes>(src, dst, len, vdsqrt);
 }
 
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {
