@@ -15,9 +15,9 @@ OrvaStatus Split(const C* src, T* dstRe, T* dstIm, int32_t len) {
   const Full<T> d;
   ForEach<hn::MaxLanes(d)>(len, [=](const C* from, T* toRe, T* toIm) TZM_LAMBDA {
     Vec<Full<T>> re, im;
-    hn::LoadInterleaved2(d, Parts(from), re, im);
-    hn::StoreU(re, d, toRe);
-    hn::StoreU(im, d, toIm);
+    LoadParts(d, Parts(from), re, im);
+    hn::StoreU(PartsInOrder(re), d, toRe);
+    hn::StoreU(PartsInOrder(im), d, toIm);
   }, src, dstRe, dstIm);
   return ORVA_STS_NO_ERR;
 }
