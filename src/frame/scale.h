@@ -5,6 +5,7 @@
 
 #include "frame/vector.h"
 
+#include <bit>
 #include <cmath>
 
 namespace tzm {
@@ -26,9 +27,7 @@ Real ExponentFactor(int exponent) {
   Bits bits = 0;
   if (field > 0) bits = static_cast<Bits>(field) << kFraction;
   else if (field > -kFraction) bits = Bits{1} << (kFraction - 1 + field);
-  Real factor;
-  std::memcpy(&factor, &bits, sizeof factor);
-  return factor;
+  return std::bit_cast<Real>(bits);
 }
 
 // What the scale multiplies by, in binary64 and in binary32: above 1 it shrinks, below 1 it enlarges.

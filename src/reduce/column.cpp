@@ -5,6 +5,8 @@
 #include "frame/call.h"
 #include "frame/sum.h"
 
+#include <bit>
+
 using namespace tzm;
 
 namespace {
@@ -124,9 +126,7 @@ void AddRows(const Orva64f* src, const Orva8u* nulls, size_t len, FloatTotal& to
     // A null row adds +0, which changes no sum that started at +0; no branch can be mispredicted.
     for (size_t i = 0; i < len; ++i) {
       const auto bits = LoadElement(reinterpret_cast<const uint64_t*>(src) + i) & -static_cast<uint64_t>(nulls[i] == 0);
-      double value;
-      std::memcpy(&value, &bits, sizeof value);
-      sum += value;
+      sum += std::bit_cast<double>(bits);
     }
   }
   total.sum = sum;

@@ -79,10 +79,10 @@ TZM_INLINE auto SquaredMagnitude(const X& x, size_t i) {
 
 // ---- Greatest magnitudes ----
 
-// The greatest of the magnitudes that register(d, x, i) gives of the elements from i on, in any order; NaN if any of
-// them is.
-template <class T, class Register, class... Src>
-T BodyMaximum(size_t len, Register magnitudes, const Src*... src) {
+// The greatest of the magnitudes; NaN if any of them is. magnitudes(d, x, i) gives a register of them, of the elements
+// of x from i on, in any order.
+template <class T, class Magnitudes, class... Src>
+T BodyMaximum(size_t len, Magnitudes magnitudes, const Src*... src) {
   const Full<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d), kUnroll = 4;
   const auto zero = hn::Zero(d);
@@ -102,8 +102,8 @@ T BodyMaximum(size_t len, Register magnitudes, const Src*... src) {
 }
 
 // A NaN of the body of whole steps stays, one of the tail is passed over. element(x, i) gives one magnitude.
-template <size_t kStep, class Register, class Element, class... Src>
-auto Maximum(size_t len, Register magnitudes, Element element, const Src*... src) {
+template <size_t kStep, class Magnitudes, class Element, class... Src>
+auto Maximum(size_t len, Magnitudes magnitudes, Element element, const Src*... src) {
   using T = decltype(Of(src...).At(0));
   T result = 0;
   BodyAndTail<kStep>(
@@ -304,8 +304,6 @@ OrvaStatus GiveScaled(double value, double factor, T* norm) {
   return Give(TruncateSaturate<T>(value * factor), norm);
 }
 
-double Factor(double scale) { return ScaleFactor(scale); }
-
 }  // namespace
 
 // ---- Norms ----
@@ -336,7 +334,7 @@ OrvaStatus ORVAS_Norm_Inf_64fc64f(const Orva64fc* src, int32_t len, Orva64f* nor
 OrvaStatus ORVAS_Norm_Inf_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(IntegerMaximum(len, src), Factor(scale), norm);
+  return GiveScaled(IntegerMaximum(len, src), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_16s32f(const Orva16s* src, int32_t len, Orva32f* norm) {
@@ -367,13 +365,13 @@ OrvaStatus ORVAS_Norm_L1_64fc64f(const Orva64fc* src, int32_t len, Orva64f* norm
 OrvaStatus ORVAS_Norm_L1_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(Wrapped(IntegerMagnitudeSum(len, src)), Factor(scale), norm);
+  return GiveScaled(Wrapped(IntegerMagnitudeSum(len, src)), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_Norm_L1_16s64s_S(const Orva16s* src, int32_t len, Orva64s* norm, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(static_cast<double>(IntegerMagnitudeSum(len, src)), Factor(scale), norm);
+  return GiveScaled(static_cast<double>(IntegerMagnitudeSum(len, src)), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2_16s32f(const Orva16s* src, int32_t len, Orva32f* norm) {
@@ -405,14 +403,13 @@ OrvaStatus ORVAS_Norm_L2_16s32s_S(const Orva16s* src, int32_t len, Orva32s* norm
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
   // Deliberately a binary32 factor, which beyond that range is infinite or zero.
-  const Orva32f factor = static_cast<Orva32f>(Factor(scale));
-  return GiveScaled(sqrt(static_cast<double>(IntegerSquareSum(len, src))), factor, norm);
+  return GiveScaled(sqrt(static_cast<double>(IntegerSquareSum(len, src))), FloatFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_Norm_L2Sqr_16s64s_S(const Orva16s* src, int32_t len, Orva64s* norm, double scale) {
   if (OrvaStatus status = CheckArrays(len, src, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(static_cast<double>(IntegerSquareSum(len, src)), Factor(scale), norm);
+  return GiveScaled(static_cast<double>(IntegerSquareSum(len, src)), ScaleFactor(scale), norm);
 }
 
 // ---- Norm differences ----
@@ -448,7 +445,7 @@ OrvaStatus ORVAS_NormDiff_Inf_16s32s_S(const Orva16s* src1, const Orva16s* src2,
   if (OrvaStatus status = CheckScale(scale)) return status;
   // Deliberately all in binary32.
   const Orva32f maximum = static_cast<Orva32f>(IntegerMaximum(len, src1, src2));
-  return Give(TruncateSaturate<Orva32s>(maximum * static_cast<Orva32f>(Factor(scale))), norm);
+  return Give(TruncateSaturate<Orva32s>(maximum * FloatFactor(scale)), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_16s32f(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva32f* norm) {
@@ -480,14 +477,14 @@ OrvaStatus ORVAS_NormDiff_L1_16s32s_S(const Orva16s* src1, const Orva16s* src2, 
                                       double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(Wrapped(IntegerMagnitudeSum(len, src1, src2)), Factor(scale), norm);
+  return GiveScaled(Wrapped(IntegerMagnitudeSum(len, src1, src2)), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L1_16s64s_S(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva64s* norm,
                                       double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(static_cast<double>(IntegerMagnitudeSum(len, src1, src2)), Factor(scale), norm);
+  return GiveScaled(static_cast<double>(IntegerMagnitudeSum(len, src1, src2)), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2_16s32f(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva32f* norm) {
@@ -519,12 +516,12 @@ OrvaStatus ORVAS_NormDiff_L2_16s32s_S(const Orva16s* src1, const Orva16s* src2, 
                                       double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(sqrt(static_cast<double>(IntegerSquareSum(len, src1, src2))), Factor(scale), norm);
+  return GiveScaled(sqrt(static_cast<double>(IntegerSquareSum(len, src1, src2))), ScaleFactor(scale), norm);
 }
 
 OrvaStatus ORVAS_NormDiff_L2Sqr_16s64s_S(const Orva16s* src1, const Orva16s* src2, int32_t len, Orva64s* norm,
                                          double scale) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, norm)) return status;
   if (OrvaStatus status = CheckScale(scale)) return status;
-  return GiveScaled(static_cast<double>(IntegerSquareSum(len, src1, src2)), Factor(scale), norm);
+  return GiveScaled(static_cast<double>(IntegerSquareSum(len, src1, src2)), ScaleFactor(scale), norm);
 }

@@ -5,6 +5,8 @@
 #include "frame/call.h"
 #include "frame/result.h"
 
+#include <bit>
+
 using namespace tzm;
 
 namespace {
@@ -45,14 +47,6 @@ constexpr float kOffset[2] = {0, -0x1p-9f};
 
 // ---- One logarithm ----
 
-template <class To, class From>
-TZM_INLINE To Bits(From from) {
-  static_assert(sizeof(To) == sizeof(From));
-  To to;
-  std::memcpy(&to, &from, sizeof(to));
-  return to;
-}
-
 struct Reduced {
   double recipHead;
   float offset;
@@ -70,9 +64,9 @@ enum class Remainder { kTwice, kOnce };
 
 template <Remainder kRemainder>
 TZM_INLINE float Ln32(float x) {
-  const uint32_t bits = Bits<uint32_t>(x);
+  const uint32_t bits = std::bit_cast<uint32_t>(x);
   const Reduced reduced = Reduce((bits >> 23 & 0xff) - 127, bits >> 15 & 0xff);
-  const double r = Bits<float>(0x3f800000 | (bits & 0x7fff)) - 1.0f;
+  const double r = std::bit_cast<float>(0x3f800000 | (bits & 0x7fff)) - 1.0f;
   float t;
   if constexpr (kRemainder == Remainder::kTwice) t = static_cast<float>(r * reduced.recipHead) + reduced.offset;
   else t = static_cast<float>(Fma(r, reduced.recipHead, double(reduced.offset)));
@@ -86,9 +80,9 @@ TZM_INLINE Reduced Reduce64(uint64_t bits) {
 
 // The remainder keeps only binary32 precision.
 TZM_INLINE double Ln64(double x) {
-  const uint64_t bits = Bits<uint64_t>(x);
+  const uint64_t bits = std::bit_cast<uint64_t>(x);
   const Reduced reduced = Reduce64(bits);
-  const double r = static_cast<float>(Bits<double>(0x3ff0000000000000 | (bits & 0xfffffffffff))) - 1.0f;
+  const double r = static_cast<float>(std::bit_cast<double>(0x3ff0000000000000 | (bits & 0xfffffffffff))) - 1.0f;
   const double t = Fma(r, reduced.recipHead, double(reduced.offset)), u = t * t;
   // The series of ln(1 + t); the first coefficient is deliberately one unit above the nearest to 1/7.
   const double p = Fma(u, Fma(u, Fma(u, 0.14285714285714288, 0.2), 0.3333333333333333), 1.0);
@@ -136,8 +130,9 @@ OrvaStatus ORVAS_SumLn_32f64f(const Orva32f* src, int32_t len, Orva64f* sum) {
   if (wide == nullptr) return ORVA_STS_NULL_PTR_ERR;
   // The one failure after which the block stays behind, as this member's contract has it.
   if (OrvaStatus status = ORVAS_Convert_32f64f(src, wide, len)) return status;
-  const OrvaStatus status =
-      SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA { return Reduce64(Bits<uint64_t>(LoadElement(wide + i))).head; });
+  const OrvaStatus status = SumLn(src, len, sum, [=](size_t i) TZM_LAMBDA {
+    return Reduce64(std::bit_cast<uint64_t>(LoadElement(wide + i))).head;
+  });
   ORVAS_Free(wide);
   return status;
 }

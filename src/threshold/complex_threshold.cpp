@@ -125,7 +125,7 @@ OrvaStatus GtVal(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
   return Replace(src, dst, len, level, value, [](auto square, auto limit) TZM_LAMBDA { return hn::Gt(square, limit); });
 }
 
-// The reciprocal, limited in magnitude to 1/level. In the body (steps of 4) `parts` are multiplied by
+// The reciprocal, limited in magnitude to 1/level. In the body (steps of 4) parts are multiplied by
 // reciprocals, in the tail divided. A NaN magnitude gives NaN by way of the plain reciprocal.
 OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
   if (OrvaStatus status = Check(src, dst, len, level)) return status;
@@ -133,7 +133,7 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
   using V = Vec<decltype(dStep)>;
   const V limit = hn::Set(dStep, level), one = hn::Set(dStep, 1.0f), zero = hn::Zero(dStep);
   const bool limited = level > 0;
-  V met = zero;  // lanes where the body or the tail met a zero, at level 0
+  bool met = false;  // a zero, at level 0
 
   // `plain` and `scaled` give one part (of the conjugate) over the square, and at the limit.
   const auto rule = [&](V& re, V& im, V magnitude, auto plain, auto scaled) TZM_LAMBDA {
@@ -156,14 +156,14 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
     // Deliberately coarse: a zero real part and a zero imaginary part anywhere in one step raise the
     // status, an element whose square underflows does not.
     const auto zeroRe = hn::Eq(re, zero), zeroIm = hn::Eq(im, zero);
-    if (!limited && !hn::AllFalse(d, zeroRe) && !hn::AllFalse(d, zeroIm)) met = one;
+    if (!limited && !hn::AllFalse(d, zeroRe) && !hn::AllFalse(d, zeroIm)) met = true;
     const V reciprocal = hn::Div(one, square), mostReciprocal = hn::Div(one, limit);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Mul(part, reciprocal); },
          [&](V part) TZM_LAMBDA { return hn::Mul(hn::Mul(magnitude, hn::Mul(part, reciprocal)), mostReciprocal); });
   };
   const auto tail = [&](auto d, V& re, V& im) TZM_LAMBDA {
     const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
-    if (!limited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = one;
+    if (!limited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = true;
     const V ratio = hn::Div(magnitude, square);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Div(part, square); },
          [&](V part) TZM_LAMBDA { return hn::Div(hn::Mul(ratio, part), limit); });
@@ -171,7 +171,7 @@ OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level)
   BodyAndTail<4>(
       len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, body, at...); },
       [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, tail, at...); }, src, dst);
-  return hn::GetLane(met) == 0 ? ORVA_STS_NO_ERR : ORVA_STS_INV_ZERO_ERR;
+  return met ? ORVA_STS_INV_ZERO_ERR : ORVA_STS_NO_ERR;
 }
 
 }  // namespace

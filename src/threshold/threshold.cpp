@@ -38,7 +38,10 @@ template <class T, class Body, class Tail>
 TZM_INLINE OrvaStatus Limit(const T* src, T* dst, int32_t len, T level, const Body& body, const Tail& tail) {
   if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
   if constexpr (std::is_floating_point_v<T>) {
-    if (!(level < 0 || level > 0)) return ApplyBodyAndTail(len, body, tail, src, dst), ORVA_STS_NO_ERR;
+    if (!(level < 0 || level > 0)) {
+      ApplyBodyAndTail(len, body, tail, src, dst);
+      return ORVA_STS_NO_ERR;
+    }
   }
   Apply(len, tail, src, dst);
   return ORVA_STS_NO_ERR;
