@@ -25,7 +25,7 @@ T* Values(int step) {
 
 int main(int argc, char** argv) {
   const char* const wanted = argc > 1 ? argv[1] : "";
-  const auto Row = [=](const char* name, auto ours, auto volk) { tzm_bench::Row(name, wanted, kLengths, ours, volk); };
+  const auto row = [=](const char* name, auto ours, auto volk) { tzm_bench::Row(name, wanted, kLengths, ours, volk); };
   float *const a = Values<float>(1), *const b = Values<float>(7), *const to = Values<float>(1);
   double *const a64 = Values<double>(1), *const b64 = Values<double>(7), *const to64 = Values<double>(1);
   int16_t* const a16 = Values<int16_t>(1);
@@ -35,41 +35,41 @@ int main(int argc, char** argv) {
   auto* const vto = reinterpret_cast<lv_32fc_t*>(to);
 
   tzm_bench::Head("VOLK's", kLengths);
-  Row("Mul_32f", [=](int n) { ORVAS_Mul_32f(a, b, to, n); }, [=](int n) { volk_32f_x2_multiply_32f(to, a, b, n); });
-  Row("Mul_64f", [=](int n) { ORVAS_Mul_64f(a64, b64, to64, n); },
+  row("Mul_32f", [=](int n) { ORVAS_Mul_32f(a, b, to, n); }, [=](int n) { volk_32f_x2_multiply_32f(to, a, b, n); });
+  row("Mul_64f", [=](int n) { ORVAS_Mul_64f(a64, b64, to64, n); },
       [=](int n) { volk_64f_x2_multiply_64f(to64, a64, b64, n); });
-  Row("MulC_32f", [=](int n) { ORVAS_MulC_32f(a, 1.5f, to, n); },
+  row("MulC_32f", [=](int n) { ORVAS_MulC_32f(a, 1.5f, to, n); },
       [=](int n) { volk_32f_s32f_multiply_32f(to, a, 1.5f, n); });
-  Row("DivC_32f", [=](int n) { ORVAS_DivC_32f(a, 1.5f, to, n); },
+  row("DivC_32f", [=](int n) { ORVAS_DivC_32f(a, 1.5f, to, n); },
       [=](int n) { volk_32f_s32f_multiply_32f(to, a, 1 / 1.5f, n); });
-  Row("Sqr_32f", [=](int n) { ORVAS_Sqr_32f(a, to, n); }, [=](int n) { volk_32f_x2_multiply_32f(to, a, a, n); });
-  Row("Div_32f", [=](int n) { ORVAS_Div_32f(b, a, to, n); }, [=](int n) { volk_32f_x2_divide_32f(to, a, b, n); });
-  Row("Sqrt_32f", [=](int n) { ORVAS_Sqrt_32f(a, to, n); }, [=](int n) { volk_32f_sqrt_32f(to, a, n); });
-  Row("Threshold_LT_32f", [=](int n) { ORVAS_Threshold_LT_32f(a, to, n, 1.5f); },
+  row("Sqr_32f", [=](int n) { ORVAS_Sqr_32f(a, to, n); }, [=](int n) { volk_32f_x2_multiply_32f(to, a, a, n); });
+  row("Div_32f", [=](int n) { ORVAS_Div_32f(b, a, to, n); }, [=](int n) { volk_32f_x2_divide_32f(to, a, b, n); });
+  row("Sqrt_32f", [=](int n) { ORVAS_Sqrt_32f(a, to, n); }, [=](int n) { volk_32f_sqrt_32f(to, a, n); });
+  row("Threshold_LT_32f", [=](int n) { ORVAS_Threshold_LT_32f(a, to, n, 1.5f); },
       [=](int n) { volk_32f_x2_max_32f(to, a, b, n); });
-  Row("Add_32f_I", [=](int n) { ORVAS_Add_32f_I(a, to, n); }, [=](int n) { volk_32f_x2_add_32f(to, a, to, n); });
-  Row("Mul_32fc", [=](int n) { ORVAS_Mul_32fc(ca, cb, cto, n); },
+  row("Add_32f_I", [=](int n) { ORVAS_Add_32f_I(a, to, n); }, [=](int n) { volk_32f_x2_add_32f(to, a, to, n); });
+  row("Mul_32fc", [=](int n) { ORVAS_Mul_32fc(ca, cb, cto, n); },
       [=](int n) { volk_32fc_x2_multiply_32fc(vto, va, vb, n); });
-  Row("MulC_32fc", [=](int n) { ORVAS_MulC_32fc(ca, {1, 2}, cto, n); },
+  row("MulC_32fc", [=](int n) { ORVAS_MulC_32fc(ca, {1, 2}, cto, n); },
       [=](int n) { volk_32fc_s32fc_multiply_32fc(vto, va, lv_cmake(1.0f, 2.0f), n); });
-  Row("Div_32fc", [=](int n) { ORVAS_Div_32fc(cb, ca, cto, n); },
+  row("Div_32fc", [=](int n) { ORVAS_Div_32fc(cb, ca, cto, n); },
       [=](int n) { volk_32fc_x2_divide_32fc(vto, va, vb, n); });
-  Row("Mul_32f32fc", [=](int n) { ORVAS_Mul_32f32fc(b, ca, cto, n); },
+  row("Mul_32f32fc", [=](int n) { ORVAS_Mul_32f32fc(b, ca, cto, n); },
       [=](int n) { volk_32fc_32f_multiply_32fc(vto, va, b, n); });
-  Row("Magnitude_32fc", [=](int n) { ORVAS_Magnitude_32fc(ca, to, n); },
+  row("Magnitude_32fc", [=](int n) { ORVAS_Magnitude_32fc(ca, to, n); },
       [=](int n) { volk_32fc_magnitude_32f(to, va, n); });
-  Row("PowerSpectr_32fc", [=](int n) { ORVAS_PowerSpectr_32fc(ca, to, n); },
+  row("PowerSpectr_32fc", [=](int n) { ORVAS_PowerSpectr_32fc(ca, to, n); },
       [=](int n) { volk_32fc_magnitude_squared_32f(to, va, n); });
-  Row("MulC_Low_32f16s", [=](int n) { ORVAS_MulC_Low_32f16s(a, 100, a16, n); },
+  row("MulC_Low_32f16s", [=](int n) { ORVAS_MulC_Low_32f16s(a, 100, a16, n); },
       [=](int n) { volk_32f_s32f_convert_16i(a16, a, 100, n); });
-  Row("Convert_16s32f", [=](int n) { ORVAS_Convert_16s32f(a16, to, n); },
+  row("Convert_16s32f", [=](int n) { ORVAS_Convert_16s32f(a16, to, n); },
       [=](int n) { volk_16i_s32f_convert_32f(to, a16, 1, n); });
-  Row("Convert_32f64f", [=](int n) { ORVAS_Convert_32f64f(a, to64, n); },
+  row("Convert_32f64f", [=](int n) { ORVAS_Convert_32f64f(a, to64, n); },
       [=](int n) { volk_32f_convert_64f(to64, a, n); });
-  Row("Convert_64f32f", [=](int n) { ORVAS_Convert_64f32f(a64, to, n); },
+  row("Convert_64f32f", [=](int n) { ORVAS_Convert_64f32f(a64, to, n); },
       [=](int n) { volk_64f_convert_32f(to, a64, n); });
-  Row("CplxToReal_32fc", [=](int n) { ORVAS_CplxToReal_32fc(ca, to, b, n); },
+  row("CplxToReal_32fc", [=](int n) { ORVAS_CplxToReal_32fc(ca, to, b, n); },
       [=](int n) { volk_32fc_deinterleave_32f_x2(to, b, va, n); });
-  Row("RealToCplx_32f", [=](int n) { ORVAS_RealToCplx_32f(a, b, cto, n); },
+  row("RealToCplx_32f", [=](int n) { ORVAS_RealToCplx_32f(a, b, cto, n); },
       [=](int n) { volk_32f_x2_interleave_32fc(vto, a, b, n); });
 }
