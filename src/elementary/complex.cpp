@@ -39,9 +39,6 @@ TZM_INLINE void Store(V re, V im, Orva32fc* to) {
   StoreInterleaved(hn::DemoteTo(narrow, re), hn::DemoteTo(narrow, im), narrow, Parts(to));
 }
 
-// What ForEach reads.
-const double* Read(const double* block) { return block; }
-
 // ---- Sine and cosine ----
 // sin z = sin x cosh y + i cos x sinh y, cos z = cos x cosh y - i sin x sinh y: single products, so both
 // parts keep their relative accuracy everywhere.
@@ -90,7 +87,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
       const V shift = hn::IfThenElseZero(IsLarge(magnitude), Constant(kShift));
       hn::StoreU(z.re, D(), x);
       hn::StoreU(hn::Sub(magnitude, shift), D(), e);
-    }, source, &angle[0], &power[0]);
+    }, source, angle, power);
     vdsincos(count, angle, sine, cosine);
     vdexp(count, power, power);
     const auto combine = [&](const Complex* from, const double* s, const double* c, const double* e,
@@ -111,7 +108,7 @@ OrvaStatus SinCos(const Complex* src, Complex* dst, int32_t len) {
       if constexpr (kFunction == Function::kSin) Store(Product(sin, cosh, large), Product(cos, sinh, large), to);
       else Store(Product(cos, cosh, large), hn::Neg(Product(sin, sinh, large)), to);
     };
-    ForEach<kStep, 2>(count, combine, source, Read(sine), Read(cosine), Read(power), result);
+    ForEach<kStep, 2>(count, combine, source, std::as_const(sine), std::as_const(cosine), std::as_const(power), result);
   }, src, dst);
   return ORVA_STS_NO_ERR;
 }
@@ -180,14 +177,14 @@ OrvaStatus Log10(const Complex* src, Complex* dst, int32_t len) {
       hn::StoreU(z.im, D(), y);
       hn::StoreU(square.high, D(), high);
       hn::StoreU(hn::MulAdd(square.ratio, Constant(kLog10OfE / 2), square.logOfScale), D(), low);
-    }, source, &re[0], &angle[0], &magnitude[0], &rest[0]);
+    }, source, re, angle, magnitude, rest);
     vdatan2(count, angle, re, angle);
     vdlog10(count, magnitude, magnitude);
     ForEach<kStep, 2>(count, [&](const double* high, const double* low, const double* phi, Complex* to) TZM_LAMBDA {
       const V y = hn::LoadU(D(), phi);
       const V logarithm = hn::MulAdd(hn::LoadU(D(), high), Constant(0.5), hn::LoadU(D(), low));
       Store(logarithm, hn::MulAdd(y, Constant(kLog10OfE), hn::Mul(y, Constant(kLog10OfELow))), to);
-    }, Read(magnitude), Read(rest), Read(angle), result);
+    }, std::as_const(magnitude), std::as_const(rest), std::as_const(angle), result);
   }, src, dst);
   return zero.Seen() ? ORVA_STS_SINGULARITY_ERR : ORVA_STS_NO_ERR;
 }

@@ -252,7 +252,7 @@ OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* phase, Or
   ForBlocks<kOnStack>(len, [&](int32_t count, const Orva16s* magnitude, const Orva16s* angle, Orva16sc* cartesian) {
     ForEach<hn::MaxLanes(d)>(count, [=](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
       hn::StoreU(hn::Mul(LoadAsFloat(d, from), phaseFactor), d, to);
-    }, angle, &angles[0]);
+    }, angle, angles);
     vssincos(count, angles, sines, cosines);
     const auto turn = [=](const Orva16s* m, const Orva32f* c, const Orva32f* s, Orva16sc* to) TZM_LAMBDA {
       const auto radius = LoadAsFloat(d, m);
@@ -261,8 +261,7 @@ OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* phase, Or
       };
       StoreInterleaved(part(c), part(s), d16, Parts(to));
     };
-    ForEach<hn::MaxLanes(d), 2>(count, turn, magnitude, static_cast<const Orva32f*>(cosines),
-                                static_cast<const Orva32f*>(sines), cartesian);
+    ForEach<hn::MaxLanes(d), 2>(count, turn, magnitude, std::as_const(cosines), std::as_const(sines), cartesian);
   }, mag, phase, dst);
   return ORVA_STS_NO_ERR;
 }

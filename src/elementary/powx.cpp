@@ -67,11 +67,11 @@ OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
   ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {
     ForEach<kStep>(count, [&](const T* from, double* to) TZM_LAMBDA {
       hn::StoreU(hn::Abs(LoadAsDouble(from)), D(), to);
-    }, source, &block[0]);
+    }, source, block);
     ORVAS_Ln_64f(block, block, count);
     ForEach<kStep>(count, [&](const double* from, double* to) TZM_LAMBDA {
       hn::StoreU(hn::Mul(hn::LoadU(D(), from), exponent), D(), to);
-    }, static_cast<const double*>(block), &block[0]);
+    }, std::as_const(block), block);
     ORVAS_Exp_64f(block, block, count);
     ForEach<kStep, 2>(count, [&](const T* from, const double* power, T* to) TZM_LAMBDA {
       const V x = LoadAsDouble(from);
@@ -82,7 +82,7 @@ OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
       if (y.odd) value = hn::CopySign(value, x);
       if (y.value == 0) value = one;
       StoreDouble(value, to);
-    }, source, static_cast<const double*>(block), result);
+    }, source, std::as_const(block), result);
   }, src, dst);
   return status;
 }

@@ -42,12 +42,12 @@ OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*functi
       const auto x = LoadAsDouble(from);
       notPositive.See(hn::Le(x, hn::Zero(F64())));
       hn::StoreU(x, F64(), to);
-    }, source, &value[0]);
+    }, source, value);
     if (notPositive.Seen()) status = see(source, count, status);
     function(count, value, value);
     ForEach<hn::MaxLanes(F64())>(count, [&](const double* from, T* to) TZM_LAMBDA {
       StoreSaturated(RoundToInt32(hn::Mul(hn::LoadU(F64(), from), factor)), to);
-    }, static_cast<const double*>(value), result);
+    }, std::as_const(value), result);
   }, src, dst);
   return status;
 }
