@@ -90,22 +90,33 @@ TZM_INLINE V SmallArctan(V q) {
   return hn::Mul(q, PolynomialInTwo<kAtanPoly32>(q2, hn::Mul(q2, q2)));
 }
 constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
-struct Atan32 {
-  TZM_INLINE F operator()(F x) const {
-    const Halves a = Widen(hn::Abs(x)), y = {OfPositive(a.low), OfPositive(a.high)};
+struct Atan32 : InStages<Atan32> {
+  struct Part {
+    V base, q;
+    TZM_INLINE V Angle() const { return hn::Add(base, SmallArctan(q)); }
+  };
+  struct Stage {
+    Part low, high;
+  };
+  static TZM_INLINE Stage Begin(F x) {
+    const Halves a = Widen(hn::Abs(x));
+    return {OfPositive(a.low), OfPositive(a.high)};
+  }
+  static TZM_INLINE F End(F x, const Stage& stage) {
+    const Halves y = {stage.low.Angle(), stage.high.Angle()};
     F angle = NarrowPair(S(), y.low, y.high);
     if (NotAll(IsSureWithin<0x200>(y))) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
     return hn::CopySign(angle, x);
   }
 
  private:
-  static TZM_INLINE V OfPositive(V a) {
+  static TZM_INLINE Part OfPositive(V a) {
     const V one = C(1);
     const M steep = hn::Gt(a, C(1 / kTanOfPiBy8)), middle = hn::Gt(a, C(kTanOfPiBy8));
     const V n = hn::IfThenElse(steep, C(-1), hn::IfThenElse(middle, hn::Sub(a, one), a));
     const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
     const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
-    return hn::Add(base, SmallArctan(hn::Div(n, d)));
+    return {base, hn::Div(n, d)};
   }
 };
 

@@ -173,6 +173,15 @@ TZM_INLINE V PolynomialInTwo(V x, V x2) {
   return N % 2 == 0 ? Fma(last, x, before) : Fma(before, x, last);
 }
 
+// A function in two stages: the second takes the argument and what the first made of it.
+template <class Function>
+struct InStages {
+  template <class Vector>
+  TZM_INLINE auto operator()(Vector x) const {
+    return Function::End(x, Function::Begin(x));
+  }
+};
+
 // a + b and what its rounding lost; for the second of them |a| >= |b|, or a is 0.
 struct Sum {
   V sum, rest;

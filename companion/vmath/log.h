@@ -110,14 +110,21 @@ struct Log64 {
 // Correctly rounded: k ln 2 + ln c + r - r^2/2 + r^3 p(r), |r| < 1/16, 1/c of so few bits that r is exact. The first
 // step is good to 2^-27 of r^2 and 2^-36 of the result.
 template <class Base>
-struct Log32 {
-  TZM_INLINE F operator()(F x) const {
+struct Log32 : InStages<Log32<Base>> {
+  struct Stage {
+    F r, k, log, logRest;
+  };
+  static TZM_INLINE Stage Begin(F x) {
     const I32 one = BitsOf(C32(1)), shifted = hn::Add(BitsOf(x), hn::Sub(one, hn::Set(Bits32(), kLogStart32)));
     const I32 exponent = hn::Sub(hn::And(shifted, hn::Set(Bits32(), 0x7f800000)), one);
     const F k = hn::ConvertTo(S(), hn::ShiftRight<23>(exponent)), fraction = OfBits(hn::Sub(BitsOf(x), exponent));
     const I32 index = hn::ShiftRight<20>(shifted);
     const F log = Lookup32<kLogTable32, 1>(index), logRest = Lookup32<kLogTable32, 2>(index);
-    const F r = Fms(fraction, Lookup32<kLogTable32, 0>(index), C32(1)), r2 = hn::Mul(r, r), r2Excess = Fnma(r, r, r2);
+    return {Fms(fraction, Lookup32<kLogTable32, 0>(index), C32(1)), k, log, logRest};
+  }
+  static TZM_INLINE F End(F x, const Stage& stage) {
+    const auto [r, k, log, logRest] = stage;
+    const F r2 = hn::Mul(r, r), r2Excess = Fnma(r, r, r2);
     const F exact = Fma(k, C32(kLn2Of32Short[0]), log), first = hn::Add(exact, r);
     const F firstRest = hn::Add(hn::Sub(exact, first), r);
     F sum = Fnma(r2, C32(0.5f), first), rest = Fnma(r2, C32(0.5f), hn::Sub(first, sum));

@@ -89,9 +89,9 @@ TZM_INLINE Reduced Reduce(V x) {
 constexpr uint64_t kFarBits = uint64_t{63} << 57;
 TZM_INLINE I Distance(V x, const Reduced& a) { return hn::Sub(BitsOf(x), BitsOf(a.r)); }
 template <class Function>
-struct OfAngle {
-  TZM_INLINE V operator()(V x) const {
-    const Reduced a = Reduce<Function::kTurn>(x);
+struct OfAngle : InStages<OfAngle<Function>> {
+  static TZM_INLINE Reduced Begin(V x) { return Reduce<Function::kTurn>(x); }
+  static TZM_INLINE V End(V x, const Reduced& a) {
     const V y = Function()(a);
     const I distance = Distance(x, a);
     if (AnyOf<kFarBits>(distance)) return hn::IfThenElse(NoneOf<kFarBits>(distance), y, Far(x));
@@ -125,14 +125,19 @@ struct Sine {
 // Within 0.58 ulp each: half for the last rounding, 0.07 for what the table leaves out.
 using Sin64 = OfAngle<Sine<0>>;
 using Cos64 = OfAngle<Sine<8>>;
+template <class Vector>
+struct SineCosine {
+  Vector sine, cosine;
+};
 // The same bits, of one reduction.
-TZM_INLINE void SineAndCosine(V x, V& s, V& c) {
-  const Reduced a = Reduce<0>(x);
-  const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(a.k).number;
-  s = Turned(sine, cosine, sineRest, a);
-  c = Turned(cosine, hn::Neg(sine), cosineRest, a);
-  if (AnyOf<kFarBits>(Distance(x, a))) s = Sin64()(x), c = Cos64()(x);
-}
+struct SinCos64 : InStages<SinCos64> {
+  static TZM_INLINE Reduced Begin(V x) { return Reduce<0>(x); }
+  static TZM_INLINE SineCosine<V> End(V x, const Reduced& a) {
+    if (AnyOf<kFarBits>(Distance(x, a))) return {Sin64()(x), Cos64()(x)};
+    const auto [sine, cosine, sineRest, cosineRest] = Lookup<kTurnTable>(a.k).number;
+    return {Turned(sine, cosine, sineRest, a), Turned(cosine, hn::Neg(sine), cosineRest, a)};
+  }
+};
 
 // tan(c + t) = (sin c + t cos c)/(cos c - t sin c), t the tangent of r: the quotient of two sums of two, refined.
 struct Tangent {
@@ -187,31 +192,28 @@ TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
 
 // The sine of r, |r| <= pi/2, to 2^-35 of it.
 TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial<kSinPoly32>(hn::Mul(r, r))); }
-struct Sin32 {
-  TZM_INLINE F operator()(F x) const {
-    const Reduced32 a = Reduce32<2, false>(x);
+struct Sin32 : InStages<Sin32> {
+  static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<2, false>(x); }
+  static TZM_INLINE F End(F x, const Reduced32& a) {
     return RoundedOrSecond<0x40000, Sin64, kSinMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, a.k);
   }
 };
 // cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
-struct Cos32 {
-  TZM_INLINE F operator()(F x) const {
-    const Reduced32 a = Reduce32<2, true>(x);
+struct Cos32 : InStages<Cos32> {
+  static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<2, true>(x); }
+  static TZM_INLINE F End(F x, const Reduced32& a) {
     return RoundedOrSecond<0x40000, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
   }
 };
 // The sine and the cosine of r, |r| <= pi/4: to 2^-37 of them.
-struct SineCosine {
-  V sine, cosine;
-};
-TZM_INLINE SineCosine SineCosineOf(V r) {
+TZM_INLINE SineCosine<V> SineCosineOf(V r) {
   const V r2 = hn::Mul(r, r);
   return {hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), Polynomial<kTanCosPoly32>(r2)};
 }
 // Their quotient: to 2^-36 of it.
-struct Tan32 {
-  TZM_INLINE F operator()(F x) const {
-    const Reduced32 a = Reduce32<1, false>(x);
+struct Tan32 : InStages<Tan32> {
+  static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<1, false>(x); }
+  static TZM_INLINE F End(F x, const Reduced32& a) {
     const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
     const auto tangent = [](V r, V odd) TZM_LAMBDA {
       const auto [s, c] = SineCosineOf(r);
@@ -222,18 +224,18 @@ struct Tan32 {
     return RoundedOrSecond<0x20000, Tan64>(x, y, a.k);
   }
 };
-TZM_INLINE void SineAndCosine(F x, F& s, F& c) {
-  const Reduced32 a = Reduce32<1, false>(x);
-  const SineCosine low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
-  const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
-  if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine))) {
-    s = SecondStep<Sin64, kSinMiddles>(x), c = SecondStep<Cos64, kCosMiddles>(x);
-    return;
+struct SinCos32 : InStages<SinCos32> {
+  static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<1, false>(x); }
+  static TZM_INLINE SineCosine<F> End(F x, const Reduced32& a) {
+    const SineCosine<V> low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
+    const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
+    if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine)))
+      return {SecondStep<Sin64, kSinMiddles>(x), SecondStep<Cos64, kCosMiddles>(x)};
+    const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
+    const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));
+    return {NegateIfOdd(hn::IfThenElse(swap, cosine, sine), hn::ShiftRight<1>(a.k)),
+            NegateIfOdd(hn::IfThenElse(swap, sine, cosine), hn::ShiftRight<1>(hn::Add(a.k, hn::Set(Bits32(), 1))))};
   }
-  const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
-  const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));
-  s = NegateIfOdd(hn::IfThenElse(swap, cosine, sine), hn::ShiftRight<1>(a.k));
-  c = NegateIfOdd(hn::IfThenElse(swap, sine, cosine), hn::ShiftRight<1>(hn::Add(a.k, hn::Set(Bits32(), 1))));
-}
+};
 
 }  // namespace vmath
