@@ -34,9 +34,9 @@ TZM_INLINE void Store(SineCosine<Vec<Full<T>>> v, T* sine, T* cosine) {
   Store(v.cosine, cosine);
 }
 // The same of a function in stages, on x86-64: the first one of the next register stands before the second one of this,
-// so that the machine, which looks only so far ahead, finds work that waits for nothing. The last register ends with the
-// array; it is read before what it overlaps is written. (On AArch64 what is kept for the second stage would be moved
-// from register to register, by as many instructions as that saves.)
+// so that the machine, which looks only so far ahead, finds work that waits for nothing. The last register ends with
+// the array; it is read before what it overlaps is written. (On AArch64 what is kept for the second stage would be
+// moved from register to register, by as many instructions as that saves.)
 template <class T, class Function, class... To>
 TZM_INLINE void MapInStages(int32_t n, Function function, const T* a, To*... to) {
   if (n < 1) return;
