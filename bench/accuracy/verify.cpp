@@ -100,7 +100,8 @@ bool Verify(const Function& f) {
     }
   };
   std::vector<std::thread> threads;
-  for (unsigned i = 0; i < std::thread::hardware_concurrency(); ++i) threads.emplace_back(work);
+  const unsigned count = std::max(1u, std::thread::hardware_concurrency());
+  for (unsigned i = 0; i < count; ++i) threads.emplace_back(work);
   for (std::thread& thread : threads) thread.join();
   std::printf("%s: %llu numbers, %llu judged by MPFR, %llu wrong\n", f.name, static_cast<unsigned long long>(kNumbers),
               static_cast<unsigned long long>(judged), static_cast<unsigned long long>(wrong));
@@ -129,7 +130,8 @@ bool VerifyMultiples(const char* name, void (*ours)(int32_t, const Orva64f*, Orv
     mpfr_sub_d(value, value, y, MPFR_RNDN);
     mpfr_mul_2si(value, value, 53 - exponent, MPFR_RNDN);
     const double error = std::fabs(mpfr_get_d(value, MPFR_RNDN));
-    if (error > worst) worst = error, at = x;
+    if (!(error <= worst)) worst = error, at = x;  // NaN too
+    if (std::isnan(error)) break;
   }
   std::printf("%s next to multiples of pi/2: %.4f ulp at %a\n", name, worst, at);
   std::fflush(stdout);

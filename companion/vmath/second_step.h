@@ -3,6 +3,9 @@
 // binary64 numbers: a power to 2^-93 of it, an angle to 2^-97 (make/second_step.py).
 #pragma once
 
+#include <algorithm>
+#include <bit>
+
 #include "constants.h"
 
 namespace vmath {
@@ -39,15 +42,9 @@ inline Double operator-(Double a) { return {-a.high, -a.low}; }
 
 // The middle between two binary32 numbers that is nearest to y, positive and finite.
 inline double NearestMiddle(double y) {
-  uint64_t bits;
-  std::memcpy(&bits, &y, sizeof bits);
-  const int exponent = HWY_MAX(static_cast<int>(bits >> 52), 1023 - 126) - 23;  // of the unit in the last place
-  const auto power = [](int biased) {
-    const uint64_t field = static_cast<uint64_t>(biased) << 52;
-    double value;
-    std::memcpy(&value, &field, sizeof value);
-    return value;
-  };
+  const auto field = static_cast<int>(std::bit_cast<uint64_t>(y) >> 52);
+  const int exponent = std::max(field, 1023 - 126) - 23;  // of the unit in the last place
+  const auto power = [](int biased) { return std::bit_cast<double>(static_cast<uint64_t>(biased) << 52); };
   const double units = y * power(2 * 1023 - exponent);
   return (static_cast<double>(static_cast<int64_t>(units)) + 0.5) * power(exponent);
 }
@@ -82,12 +79,9 @@ inline __attribute__((noinline)) V Decided(V y, V a, V b, M open, Decide decide)
 
 // ln x, x positive: k ln 2 + 2 artanh((f - 1)/(f + 1)) with x = 2^k f, f between sqrt(1/2) and sqrt(2).
 inline Double LogOf(double x) {
-  uint64_t bits;
-  std::memcpy(&bits, &x, sizeof bits);
+  const auto bits = std::bit_cast<uint64_t>(x);
   const auto k = static_cast<int64_t>(bits - 0x3fe6a09e667f3bcd) >> 52;
-  bits -= static_cast<uint64_t>(k) << 52;
-  double f;
-  std::memcpy(&f, &bits, sizeof f);
+  const auto f = std::bit_cast<double>(bits - (static_cast<uint64_t>(k) << 52));
   const Double below = Normalised(f, 1);  // exact, as is the difference
   const double first = (f - 1) / below.high;
   const Double s = Normalised(first, (__builtin_fma(-first, below.high, f - 1) - first * below.low) / below.high);
@@ -101,8 +95,7 @@ inline Double LogOf(double x) {
 // Z, so Y and 2^j are below 16; the powers of two must agree too.
 inline bool IsPower(double x, double y, double m) {
   const auto odd = [](double v, int& exponent) {
-    uint64_t bits;
-    std::memcpy(&bits, &v, sizeof bits);
+    const auto bits = std::bit_cast<uint64_t>(v);
     uint64_t significand = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
     const int zeros = __builtin_ctzll(significand);
     exponent = static_cast<int>(bits >> 52) - 1075 + zeros;
