@@ -74,7 +74,7 @@ void GridRows(const T* matrix, const View<T>& out, size_t rows, const T* twiddle
           B::Next(d, get, [&](size_t q) TZM_LAMBDA { return LoadBlock(d, w + q * kNumber); }, put);
         },
         [&](const Cx<D>* x, auto k) TZM_LAMBDA {
-          Open(target, [&](const auto& to) TZM_LAMBDA {
+          Open<false>(target, [&](const auto& to) TZM_LAMBDA {
             Unrolled<Side::kRadix / Side::kApart>([&](auto t) TZM_LAMBDA {
               Store(d, x[t], to, at + (k + Side::kApart * t) * rows);
             });

@@ -55,8 +55,9 @@ TZM_INLINE Cx<D> LoadOnce(D d, const T* from) {
 }
 
 // The caller's complex numbers: pairs; pairs with the parts exchanged, which make a forward transform an inverse one;
-// two arrays; or real parts alone, whose results are the pairs 0 ... n/2. Of pairs, `re` is the array.
-enum class Form { kPairs, kExchanged, kSplit, kReal };
+// two arrays; or real parts alone, whose results are the pairs 0 ... n/2: kHalf, the pairs of all results before `im`.
+// Of pairs, `re` is the array.
+enum class Form { kPairs, kExchanged, kSplit, kReal, kHalf };
 template <class T>
 struct Number {
   T re, im;
@@ -68,7 +69,7 @@ struct View {
   T* re;
   T* im;
 
-  bool IsPairs() const { return form == Form::kPairs || form == Form::kExchanged; }
+  bool IsPairs() const { return form == Form::kPairs || form == Form::kExchanged || form == Form::kHalf; }
   View From(size_t first) const {
     return {form, re + first * (IsPairs() ? 2 : 1), form == Form::kSplit ? im + first : im};
   }
@@ -81,12 +82,13 @@ struct View {
     }
   }
   void Put(size_t k, Number<Real> x) const {
+    if (form == Form::kHalf && re + 2 * k >= im) return;
     if (form == Form::kSplit) {
       StoreElement(x.re, re + k);
       StoreElement(x.im, im + k);
     } else {
-      StoreElement(form == Form::kPairs ? x.re : x.im, re + 2 * k);
-      StoreElement(form == Form::kPairs ? x.im : x.re, re + 2 * k + 1);
+      StoreElement(form == Form::kExchanged ? x.im : x.re, re + 2 * k);
+      StoreElement(form == Form::kExchanged ? x.re : x.im, re + 2 * k + 1);
     }
   }
 };
@@ -183,7 +185,8 @@ template <Form kForm, class T>
 struct Array {
   T *re, *im;
 };
-// f(array) for a view, f(pointer) for the blocks of scratch memory. kReal: the view may be of real parts alone.
+// f(array) for a view, f(pointer) for the blocks of scratch memory. kReal: the view may be of real parts alone, or of
+// their results.
 template <bool kReal = true, class T, class F>
 TZM_INLINE void Open(const View<T>& view, F&& f) {
   switch (view.form) {
@@ -192,8 +195,11 @@ TZM_INLINE void Open(const View<T>& view, F&& f) {
     case Form::kSplit: return f(Array<Form::kSplit, T>{view.re, view.im});
     case Form::kReal:
       if constexpr (kReal && std::is_const_v<T>) return f(Array<Form::kReal, T>{view.re, view.im});
+      break;
+    case Form::kHalf:
+      if constexpr (kReal && !std::is_const_v<T>) return f(Array<Form::kHalf, T>{view.re, view.im});
   }
-  __builtin_unreachable();  // nobody writes to real parts alone
+  __builtin_unreachable();
 }
 template <bool kReal = true, class T, class F>
 TZM_INLINE void Open(T* blocks, F&& f) {
@@ -222,10 +228,21 @@ template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> Load(D d, const T* from, size_t at) {
   return LoadOnce(d, from + at);
 }
+// The first of them only, where the pairs that are wanted end: seldom, and then out of the way.
+template <class D, class T = hn::TFromD<D>>
+HWY_NOINLINE void StoreSome(D d, Vec<D> re, Vec<D> im, T* to, size_t count) {
+  HWY_ALIGN T pairs[kBlock<D>];
+  StorePairs(d, re, im, pairs);
+  std::memcpy(static_cast<void*>(to), pairs, count * sizeof(T));
+}
 template <Form kForm, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Store(D d, const Cx<D>& x, const Array<kForm, T>& to, size_t at) {
   if constexpr (kForm == Form::kPairs) {
     StorePairs(d, x.re, x.im, to.re + 2 * at);
+  } else if constexpr (kForm == Form::kHalf) {
+    T* const pairs = to.re + 2 * at;
+    if (pairs + kBlock<D> <= to.im) StorePairs(d, x.re, x.im, pairs);
+    else if (pairs < to.im) StoreSome(d, x.re, x.im, pairs, static_cast<size_t>(to.im - pairs));
   } else if constexpr (kForm == Form::kExchanged) {
     StorePairs(d, x.im, x.re, to.re + 2 * at);
   } else {

@@ -101,6 +101,7 @@ class Matrix final : public Complex<T> {
     }
     const size_t work = primes_.empty() ? 0 : primes_.back().p() * kNumber;
     worker_ = std::max(columns, part_ * std::min(group_, blocks_)) + work + kPad / 2;
+    this->storesHalf_ = n % 2 == 1;
     this->scratch_ = RoundUp(narrow_) + RoundUp(blocks_ * part_) + workers_ * RoundUp(worker_);
   }
 
@@ -108,7 +109,8 @@ class Matrix final : public Complex<T> {
     View<const T> from = in;
     if (narrow_ != 0) from = Widened(in, scratch);
     T* const matrix = scratch + RoundUp(narrow_);
-    const Job job = {*this, from, out, matrix};
+    const View<T> half = {Form::kHalf, out.re, out.re + n_ + 1};
+    const Job job = {*this, from, out.form == Form::kReal ? half : out, matrix};
     ForEach<&Matrix::Columns>(job, strips_, helpers);
     ForEach<&Matrix::RowsOf>(job, blocks_, helpers);
   }
@@ -145,8 +147,8 @@ class Matrix final : public Complex<T> {
     helpers.Run((count + group_ - 1) / group_, workers_, work, &job, experience_);
   }
 
-  // The number of rows: what makes the fewest registers, or about as many as columns where threads may share them, which
-  // serves one thread as well. The first pass must take the levels without a table.
+  // The number of rows: what makes the fewest registers, or about as many as columns where threads may share them,
+  // which serves one thread as well. The first pass must take the levels without a table.
   static size_t Rows(size_t n) {
     size_t best = n, rows = 1;
     double least = HUGE_VAL;
@@ -343,7 +345,9 @@ class Matrix final : public Complex<T> {
         PassPrime<kKind>(d, *prime, in, out, shape, twiddles, work);
       } else if constexpr (kKind != Twiddles::kNone || Levels::kRadix != 9) {
         Open<Levels::kRadix % 2 == 1>(in, [&](const auto& from) {
-          Open(out, [&](const auto& to) { Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles); });
+          Open<Levels::kRadix % 2 == 1>(out, [&](const auto& to) {
+            Pass<Levels, kKind, !kMiddle>(d, from, to, shape, twiddles);
+          });
         });
       }
     });

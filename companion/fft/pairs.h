@@ -114,7 +114,12 @@ TZM_INLINE Pairs<D> GetPairs(D d, const Array<kForm, const T>& from, size_t at) 
   } else if constexpr (kNumbers<D> > 1) {
     static_assert(kForm == Form::kReal);
     const auto re = hn::LoadU(half, from.re + at), im = hn::Zero(half);
-    return {hn::Combine(d, UpperInterleaved(half, re, im), hn::InterleaveLower(half, re, im))};
+    if constexpr (sizeof(T) == 4) {  // the number as the lower half of an integer
+      const hn::Repartition<uint64_t, D> pairs;
+      return {hn::BitCast(d, hn::PromoteTo(pairs, hn::BitCast(hn::RebindToUnsigned<decltype(half)>(), re)))};
+    } else {
+      return {hn::Combine(d, hn::InterleaveUpper(half, re, im), hn::InterleaveLower(half, re, im))};
+    }
   } else {
     const auto re = hn::Set(d, LoadElement(from.re + at));
     if constexpr (kForm == Form::kReal) return {hn::InterleaveLower(d, re, hn::Zero(d))};

@@ -92,7 +92,7 @@ class Chirp final : public Complex<T> {
     size_t k = 0;
     const Array<Form::kSplit, const T> chirp = {re, im};
     Open(from, [&](const auto& source) {
-      Open(to, [&](const auto& target) {
+      Open<false>(to, [&](const auto& target) {
         for (; k + kLane <= n_; k += kLane)
           Store(d, Product(Load(d, chirp, k), Load(d, source, k)), target, k);
       });

@@ -115,7 +115,7 @@ class Fixed final : public Complex<T> {
     };
     const T* const end = table + kNumber * Levels::kTwiddles * s;
     if constexpr (sizeof...(kOthers) == 0) {
-      Open(out, [&](const auto& to) TZM_LAMBDA { pass(to, kRows * s, kRows); });
+      Open<false>(out, [&](const auto& to) TZM_LAMBDA { pass(to, kRows * s, kRows); });
       return end;
     } else {
       pass(other, kRow, kNumber);
