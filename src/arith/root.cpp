@@ -17,12 +17,11 @@ namespace {
 
 // ---- Square roots with a scan ----
 
-// Whether the least number that each lane has met, zero at first, is negative in any of them.
-struct AnyNegative {
+// Whether any lane of what has been found is set.
+struct AnySet {
   template <class Lanes>
-  TZM_INLINE bool operator()(const Lanes& least) const {
-    const typename Lanes::D d;
-    return !hn::AllFalse(d, hn::Lt(least.v[0], hn::Zero(d)));
+  TZM_INLINE bool operator()(const Lanes& found) const {
+    return !hn::AllFalse(typename Lanes::D(), hn::MaskFromVec(found.v[0]));
   }
 };
 
@@ -35,12 +34,13 @@ OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
   using Lanes = LaneArray<T, kLanes>;
   bool negative = false;
   ForBlocks<512 / sizeof(T)>(len, [&](int32_t count, const T* from, T* to) TZM_LAMBDA {
-    const auto see = [=](size_t i, Lanes& least) TZM_LAMBDA {
-      const auto counted = hn::LoadU(typename Lanes::D(), from + i + (kBlock - kLanes));
-      least.v[0] = MinOrSecond(counted, least.v[0]);  // past a NaN
+    const auto see = [=](size_t i, Lanes& found) TZM_LAMBDA {
+      const typename Lanes::D d;
+      const auto counted = hn::LoadU(d, from + i + (kBlock - kLanes));
+      found.v[0] = hn::Or(found.v[0], hn::VecFromMask(d, hn::Lt(counted, hn::Zero(d))));
     };
     const auto seeTail = [=](size_t i, bool& any) TZM_LAMBDA { any |= LoadElement(from + i) < 0; };
-    negative |= OrderedSum<Lanes, kBlock, AnyNegative>::template Of<kBlock>(count, see, seeTail);
+    negative |= OrderedSum<Lanes, kBlock, AnySet>::template Of<kBlock>(count, see, seeTail);
     root(count, from, to);
   }, src, dst);
   return negative ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
