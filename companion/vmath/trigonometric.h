@@ -84,8 +84,9 @@ TZM_INLINE Reduced Reduce(V x) {
   return {hn::Sub(most, less), most, less, BitsOf(shifted)};
 }
 // Which is enough where x is below 2^32 r, and so below 2^29: then the bits differ by less than 2^57, signs apart.
+// A NaN is far too (r becomes 1), for near it would go on with a payload and a sign that differ between machines.
 constexpr uint64_t kFarBits = uint64_t{63} << 57;
-TZM_INLINE I Distance(V x, const Reduced& a) { return hn::Sub(BitsOf(x), BitsOf(a.r)); }
+TZM_INLINE I Distance(V x, const Reduced& a) { return hn::Sub(BitsOf(x), BitsOf(hn::Min(a.r, C(1)))); }
 template <class Function>
 struct OfAngle : InStages<OfAngle<Function>> {
   static TZM_INLINE Reduced Begin(V x) { return Reduce<Function::kTurn>(x); }
@@ -100,7 +101,8 @@ struct OfAngle : InStages<OfAngle<Function>> {
   static __attribute__((noinline)) V Far(V x) {
     Reduced a = ReduceFar(x);
     a.k = hn::Add(a.k, SetBits(Function::kTurn));
-    return Function()(a);
+    const V y = Function()(a);
+    return hn::IfThenElse(hn::IsNaN(y), C(kNaN), y);  // one everywhere
   }
 };
 
