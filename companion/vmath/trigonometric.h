@@ -183,15 +183,10 @@ TZM_INLINE Reduced32 Reduce32(F x) {
   };
   return {{rest(wide.low, k.low), rest(wide.high, k.high)}, BitsOf(shifted)};
 }
-// A function whose results for NaN are all the same NaN.
-template <class Function>
-struct OfNumbers {
-  TZM_INLINE V operator()(V x) const { return hn::IfThenElse(hn::Eq(x, x), Function()(x), C(kNaN)); }
-};
 // The results of both halves, negative where k is odd; the second step where a lane is far or open.
 template <int32_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
-  if (NotAll(IsSureWithin<kUnits>(y, AbsLess(x, C32(kNear))))) return SecondStep<OfNumbers<Function>, kMiddles...>(x);
+  if (NotAll(IsSureWithin<kUnits>(y, AbsLess(x, C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
@@ -235,7 +230,7 @@ struct SinCos32 : InStages<SinCos32> {
     const SineCosine<V> low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
     const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
     if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine)))
-      return {SecondStep<OfNumbers<Sin64>, kSinMiddles>(x), SecondStep<OfNumbers<Cos64>, kCosMiddles>(x)};
+      return {SecondStep<Sin64, kSinMiddles>(x), SecondStep<Cos64, kCosMiddles>(x)};
     const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
     const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));
     return {NegateIfOdd(hn::IfThenElse(swap, cosine, sine), hn::ShiftRight<1>(a.k)),
