@@ -31,7 +31,7 @@ TZM_INLINE Angle ArctanOfRatio(V n, V d, I near) {
 // Within 0.56 ulp.
 struct Atan64 {
   TZM_INLINE V operator()(V x) const {
-    const V a = MinOrSecond(C(0x1p100), hn::Abs(x));  // no angle differs beyond
+    const V a = InOrder(C(0x1p100), hn::Abs(x)).least;  // no angle differs beyond
     const Angle angle = ArctanOfRatio<true>(a, C(1), BitsOf(a));
     const Sum sum = FastTwoSum(angle.most, angle.more);
     return hn::CopySign(hn::Add(sum.sum, hn::Add(sum.rest, angle.rest)), x);
@@ -42,7 +42,7 @@ struct Atan64 {
 struct Atan2_64 {
   TZM_INLINE V operator()(V y, V x) const {
     const V ay = hn::Abs(y), ax = hn::Abs(x), result = FromQuadrant(y, x, OfQuadrant(ay, ax));
-    const V least = MinOrSecond(ax, ay), most = MaxOrSecond(ay, ax);  // one of them is NaN if any is
+    const auto [least, most] = InOrder(ax, ay);
     const M usual = LessWhere(hn::Gt(least, C(0x1p-240)), most, C(0x1p240));
     if (NotAll(usual)) return hn::IfThenElse(usual, result, OfAny(y, x));
     return result;
@@ -84,16 +84,16 @@ struct Atan2_64 {
 
 // arctan x = 0, pi/4 or pi/2 and the arctangent of x, (x - 1)/(x + 1) or -1/x, which is below sqrt(2) - 1.
 constexpr double kTanOfPiBy8 = 0.41421356237309503;
-// The arctangent of q, |q| < sqrt(2) - 1: to 2^-44.
-TZM_INLINE V SmallArctan(V q) {
+// The arctangent of q, |q| < sqrt(2) - 1, and an angle to which it is added: to 2^-44.
+TZM_INLINE V AddArctan(V base, V q) {
   const V q2 = hn::Mul(q, q);
-  return hn::Mul(q, PolynomialInTwo<kAtanPoly32>(q2, hn::Mul(q2, q2)));
+  return Fma(q, PolynomialInTwo<kAtanPoly32>(q2, hn::Mul(q2, q2)), base);
 }
 constexpr Middle kAtanMiddles[] = {{0x1.1a6385p-4, 0x1.1a6386p-4}};
 struct Atan32 : InStages<Atan32> {
   struct Part {
     V base, q;
-    TZM_INLINE V Angle() const { return hn::Add(base, SmallArctan(q)); }
+    TZM_INLINE V Angle() const { return AddArctan(base, q); }
   };
   struct Stage {
     Part low, high;
@@ -105,7 +105,7 @@ struct Atan32 : InStages<Atan32> {
   static TZM_INLINE F End(F x, const Stage& stage) {
     const Halves y = {stage.low.Angle(), stage.high.Angle()};
     F angle = NarrowPair(S(), y.low, y.high);
-    if (NotAll(IsSureWithin<0x200>(y))) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
+    if (AnyOpen<0x200>(y)) angle = SecondStep<Atan64, kAtanMiddles>(hn::Abs(x));
     return hn::CopySign(angle, x);
   }
 
@@ -113,28 +113,32 @@ struct Atan32 : InStages<Atan32> {
   static TZM_INLINE Part OfPositive(V a) {
     const V one = C(1);
     const M steep = hn::Gt(a, C(1 / kTanOfPiBy8)), middle = hn::Gt(a, C(kTanOfPiBy8));
-    const V n = hn::IfThenElse(steep, C(-1), hn::IfThenElse(middle, hn::Sub(a, one), a));
-    const V d = hn::IfThenElse(steep, a, hn::IfThenElse(middle, hn::Add(a, one), one));
-    const V base = hn::IfThenElseZero(middle, hn::IfThenElse(steep, C(kHalfPi[0]), C(kHalfPi[0] / 2)));
+    const V n = SubWhere(middle, hn::IfThenZeroElse(steep, a), one);
+    const V d = AddWhere(middle, hn::IfThenZeroElse(steep, one), a);
+    const V base = hn::IfThenElse(steep, C(kHalfPi[0]), hn::IfThenElseZero(middle, C(kHalfPi[0] / 2)));
     return {base, hn::Div(n, d)};
   }
 };
 
-// The same of n/d <= 1, with (n - d)/(n + d) in the middle, and the octants: good to 2^-45 in the first step
-// (make/arctangent.gappa).
+// The same of n/d <= 1, the lesser by the greater of |y| and |x|, with (n - d)/(n + d) in the middle: good to 2^-45 in
+// the first step (make/arctangent.gappa). The angle is that of n/d, less as many pi/2 as tells the octant: up to the
+// sign.
 struct Atan2_32 {
-  static constexpr int kUnits = 0x200;
-  static TZM_INLINE FirstStep First(V y, V x) {
-    const V ay = hn::Abs(y), ax = hn::Abs(x), left = OfBits(hn::BroadcastSignBit(BitsOf(x)));
-    const M steep = hn::Gt(ay, ax);
-    const V n = hn::IfThenElse(steep, ax, ay), d = hn::IfThenElse(steep, ay, ax);
-    const M middle = hn::Gt(n, hn::Mul(d, C(kTanOfPiBy8)));
-    const V sign = hn::And(hn::Xor(hn::IfThenElseZero(steep, C(-0.0)), x), C(-0.0));
-    const V fromAxis = hn::IfThenElse(steep, C(kHalfPi[0]), hn::And(left, C(kPi[0])));
-    const V base = hn::Add(fromAxis, hn::Or(sign, hn::IfThenElseZero(middle, C(kHalfPi[0] / 2))));
-    const V q = hn::Div(hn::IfThenElse(middle, hn::Sub(n, d), n), hn::IfThenElse(middle, hn::Add(n, d), d));
-    const V angle = hn::Add(base, hn::Xor(SmallArctan(q), sign));
-    return {hn::CopySign(angle, y), hn::Gt(angle, C(0x1p-120))};
+  static constexpr uint32_t kUnits = 0x200;
+  static TZM_INLINE F First(F y, F x, V& low, V& high, M32& holds) {
+    const F ay = hn::Abs(y), ax = hn::Abs(x), one = C32(1), side = hn::CopySign(one, x);
+    const auto [least, most] = InOrder(ay, ax);
+    const Halves n = Widen(least), d = Widen(most);
+    const Halves count = Widen(hn::IfThenElse(hn::Gt(ay, ax), side, hn::Sub(one, side)));
+    const auto angle = [](V n, V d, V count) TZM_LAMBDA {
+      const M middle = hn::Gt(n, hn::Mul(d, C(kTanOfPiBy8)));
+      const V q = hn::Div(SubWhere(middle, n, d), AddWhere(middle, d, n));
+      return Fnma(count, C(kHalfPi[0]), AddArctan(hn::IfThenElseZero(middle, C(kHalfPi[0] / 2)), q));
+    };
+    low = angle(n.low, d.low, count.low), high = angle(n.high, d.high, count.high);
+    const F rounded = NarrowPair(S(), low, high);
+    holds = AbsGreater(rounded, C32(0x1p-120f));
+    return hn::CopySign(rounded, y);
   }
   // Zeros, infinities and NaN too.
   static __attribute__((noinline)) V Second(V first, V y, V x) {

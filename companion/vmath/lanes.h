@@ -57,16 +57,37 @@ TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
   return hn::NegMulAdd(a, b, c);
 }
 
-// Lanes with |a| < b: AArch64 compares magnitudes.
+// Lanes with |a| > b, and with |a| < b, b being positive: AArch64 compares magnitudes.
+template <class Vector>
+TZM_INLINE auto AbsGreater(Vector a, Vector b) {
+#if HWY_ARCH_ARM_A64
+  Mask<hn::DFromV<Vector>> greater;  // the compiler's intrinsic is two instructions where one is a constant
+  if constexpr (std::is_same_v<Vector, V>) asm("facgt %0.2d, %1.2d, %2.2d" : "=w"(greater.raw) : "w"(a.raw), "w"(b.raw));
+  else asm("facgt %0.4s, %1.4s, %2.4s" : "=w"(greater.raw) : "w"(a.raw), "w"(b.raw));
+  return greater;
+#else
+  return hn::Gt(hn::Abs(a), b);
+#endif
+}
 template <class Vector>
 TZM_INLINE auto AbsLess(Vector a, Vector b) {
 #if HWY_ARCH_ARM_A64
-  Mask<hn::DFromV<Vector>> less;  // the compiler's intrinsic is two instructions where b is a constant
-  if constexpr (std::is_same_v<Vector, V>) asm("facgt %0.2d, %1.2d, %2.2d" : "=w"(less.raw) : "w"(b.raw), "w"(a.raw));
-  else asm("facgt %0.4s, %1.4s, %2.4s" : "=w"(less.raw) : "w"(b.raw), "w"(a.raw));
-  return less;
+  return AbsGreater(b, a);
 #else
   return hn::Lt(hn::Abs(a), b);
+#endif
+}
+// Two numbers in order, of which one is NaN if any is.
+template <class Vector>
+struct Ordered {
+  Vector least, most;
+};
+template <class Vector>
+TZM_INLINE Ordered<Vector> InOrder(Vector a, Vector b) {
+#if HWY_ARCH_X86
+  return {hn::Min(a, b), hn::Max(b, a)};
+#else
+  return {MinOrNaN(a, b), MaxOrNaN(a, b)};
 #endif
 }
 // Lanes of `where` with a < b, or with a = b: AVX-512 compares under a mask.
@@ -82,6 +103,21 @@ TZM_INLINE M32 EqualWhere(M32 where, F a, F b) {
   return {_mm512_mask_cmp_ps_mask(where.raw, a.raw, b.raw, _CMP_EQ_OQ)};
 #else
   return hn::And(where, hn::Eq(a, b));
+#endif
+}
+// a + b and a - b in the lanes of `where`, a in the others: AVX-512 adds under a mask.
+TZM_INLINE V AddWhere(M where, V a, V b) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return V{_mm512_mask_add_pd(a.raw, where.raw, a.raw, b.raw)};
+#else
+  return hn::Add(a, hn::IfThenElseZero(where, b));
+#endif
+}
+TZM_INLINE V SubWhere(M where, V a, V b) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return V{_mm512_mask_sub_pd(a.raw, where.raw, a.raw, b.raw)};
+#else
+  return hn::Sub(a, hn::IfThenElseZero(where, b));
 #endif
 }
 
@@ -229,31 +265,28 @@ inline __attribute__((noinline)) F SecondStep(F x) {
   return NarrowPair(S(), settled(wide.low), settled(wide.high));
 }
 
-// The first step of a function of two arguments, and where it holds: there the result is known but for as many units
-// as the function says.
-struct FirstStep {
-  V value;
-  M holds;
-};
-
-// Whether a normal number of binary32, known in binary64 but for kUnits units, a power of two, might lie on either side
-// of a middle: its last 29 bits tell.
-template <uint64_t kUnits>
-TZM_INLINE M IsOpenWithin(V y) {
-  const I fromMiddle = hn::And(hn::Add(BitsOf(y), SetBits(kUnits - 0x10000000)), SetBits(0x20000000 - 2 * kUnits));
-  return hn::RebindMask(D(), hn::Eq(fromMiddle, hn::Zero(Bits())));
-}
-// Whether it may not, of both halves at once: each number in some lane, together with some lane of the mask in `also`,
-// where there is one.
-template <int32_t kUnits, class... Also>
-TZM_INLINE M32 IsSureWithin(Halves y, Also... also) {
+// The lower or the upper 32 bits of both halves' lanes; on x86-64 in other lanes than there, for one instruction.
+template <bool kUpper>
+TZM_INLINE F WordsOf(Halves y) {
   const F low = hn::BitCast(S(), y.low), high = hn::BitCast(S(), y.high);
 #if HWY_ARCH_X86
-  const F ends{TZM_X86(shuffle_ps)(low.raw, high.raw, 0x88)};  // in other lanes than there, for one instruction
+  return F{TZM_X86(shuffle_ps)(low.raw, high.raw, kUpper ? 0xdd : 0x88)};
 #else
-  const F ends = hn::ConcatEven(S(), high, low);
+  return kUpper ? hn::ConcatOdd(S(), high, low) : hn::ConcatEven(S(), high, low);
 #endif
-  const I32 fromMiddle = hn::Add(BitsOf(ends), hn::Set(Bits32(), kUnits - 0x10000000));
+}
+// Whether they are below a limit whose last 32 bits are zero: the first 32, as binary32, keep the order of magnitudes,
+// or are NaN.
+TZM_INLINE M32 WordsBelow(Halves y, double limit) {
+  const auto upper = static_cast<uint32_t>(std::bit_cast<uint64_t>(limit) >> 32);
+  return AbsLess(WordsOf<true>(y), C32(std::bit_cast<float>(upper)));
+}
+// Whether normal numbers of binary32, known in binary64 but for kUnits units, a power of two, lie certainly on one side
+// of a middle, as the last 29 bits tell: those of both halves, each in some lane, together with some lane of the mask
+// in `also`, where there is one.
+template <uint32_t kUnits, class... Also>
+TZM_INLINE M32 IsSureWithin(Halves y, Also... also) {
+  const I32 fromMiddle = hn::Add(BitsOf(WordsOf<false>(y)), hn::Set(Bits32(), kUnits - 0x10000000));
   I32 bits = hn::Set(Bits32(), 0x20000000 - 2 * kUnits);
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
   return {_mm512_mask_test_epi32_mask((__mmask16{0xffff} & ... & also.raw), fromMiddle.raw, bits.raw)};
@@ -266,13 +299,33 @@ TZM_INLINE M32 IsSureWithin(Halves y, Also... also) {
 #endif
 #endif
 }
+// Whether any may lie on either side, or is not in a lane of a mask in `also`. AArch64 takes halves of the lanes that
+// tell out of the vector registers, where a carry from each says that it is not zero, and so knows no less than 2^15
+// units.
+template <uint32_t kUnits, class... Also>
+TZM_INLINE bool AnyOpen(Halves y, Also... also) {
+#if HWY_ARCH_ARM_A64
+  constexpr uint32_t kKnown = std::max<uint32_t>(kUnits, 0x8000);
+  constexpr uint64_t kEach = 0x0001000100010001, kLeast = 2 * kKnown >> 16, kSign = 0x8000;
+  const hn::RebindToUnsigned<S> d;
+  auto ends = hn::BitCast(d, WordsOf<false>(y));
+  ((ends = hn::IfThenElse(hn::RebindMask(d, also), ends, hn::Set(d, 0x10000000))), ...);
+  const auto fromMiddle = vaddhn_u32(ends.raw, vdupq_n_u32(kKnown - 0x10000000));
+  const uint64_t bits = vget_lane_u64(vreinterpret_u64_u16(fromMiddle), 0) & (0x2000 - kLeast) * kEach;
+  return HWY_UNLIKELY((~(bits + (kSign - kLeast) * kEach) & kSign * kEach) != 0);
+#else
+  return NotAll(IsSureWithin<kUnits>(y, also...));
+#endif
+}
 
 // Eight or sixteen entries of a few binary32 numbers each, in columns that registers permute: for registers of sixteen
-// eight entries stand twice.
+// eight entries stand twice. AArch64 permutes bytes: a column has the entries' third bytes, then the fourth, the first
+// and the second ones, of which the last two stay away where they are zero.
 template <size_t kColumns, size_t kEntries>
 struct Table32 {
   float column[kColumns][kEntries];
 };
+#if HWY_ARCH_X86
 template <const auto& kTable>
 constexpr auto kTwice = [] {
   constexpr size_t kEntries = std::size(kTable.column[0]);
@@ -283,24 +336,50 @@ constexpr auto kTwice = [] {
     for (size_t r = 0; r < 16; ++r) twice.column[c][r] = kTable.column[c][r % kEntries];
   return twice;
 }();
+#else
+template <const auto& kTable>
+constexpr auto kBytes = [] {
+  constexpr size_t kColumns = std::size(kTable.column), kEntries = std::size(kTable.column[0]);
+  struct {
+    alignas(16) uint8_t column[kColumns][4 * kEntries];
+    alignas(16) uint8_t lowest[16], start[16];  // of each byte of a lane: the lane's lowest one, where its column starts
+    bool isShort[kColumns];
+  } table{};
+  for (size_t byte = 0; byte < 16; ++byte) {
+    table.lowest[byte] = byte & ~3;
+    table.start[byte] = (byte + 2) % 4 * kEntries;
+  }
+  for (size_t c = 0; c < kColumns; ++c) {
+    uint32_t any = 0;
+    for (size_t r = 0; r < kEntries; ++r) {
+      const auto bits = std::bit_cast<uint32_t>(kTable.column[c][r]);
+      any |= bits;
+      for (size_t byte = 0; byte < 4; ++byte) table.column[c][table.start[byte] + r] = bits >> 8 * byte & 255;
+    }
+    table.isShort[c] = any << 16 == 0;
+  }
+  return table;
+}();
+#endif
 // A column's entries of which the low bits of the lanes are the numbers.
 template <const auto& kTable, size_t kColumn>
 TZM_INLINE F Lookup32(I32 index) {
   [[maybe_unused]] constexpr bool kSixteen = std::size(kTable.column[0]) == 16;
-  const float* column = kTwice<kTable>.column[kColumn];
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  return F{_mm512_permutexvar_ps(index.raw, _mm512_load_ps(column))};
+  return F{_mm512_permutexvar_ps(index.raw, _mm512_load_ps(kTwice<kTable>.column[kColumn]))};
 #elif HWY_ARCH_X86
+  const float* column = kTwice<kTable>.column[kColumn];
   const __m256 first = _mm256_permutevar8x32_ps(_mm256_load_ps(column), index.raw);
   if constexpr (!kSixteen) return F{first};
   const __m256 second = _mm256_permutevar8x32_ps(_mm256_load_ps(column + 8), index.raw);
   return F{_mm256_blendv_ps(first, second, hn::BitCast(S(), hn::ShiftLeft<28>(index)).raw)};
 #else
-  const I32 row = hn::And(index, hn::Set(Bits32(), kSixteen ? 15 : 7));
-  const uint8x16_t bytes = vreinterpretq_u8_s32(vmlaq_n_s32(vdupq_n_s32(0x03020100), row.raw, 0x04040404));
-  const auto* from = reinterpret_cast<const uint8_t*>(column);
-  if constexpr (kSixteen) return F(vreinterpretq_f32_u8(vqtbl4q_u8(vld1q_u8_x4(from), bytes)));
-  else return F(vreinterpretq_f32_u8(vqtbl2q_u8(vld1q_u8_x2(from), bytes)));
+  const auto& table = kBytes<kTable>;
+  const auto lowest = vqtbl1q_u8(vreinterpretq_u8_s32(index.raw), vld1q_u8(table.lowest));
+  const uint8x16_t bytes = vbslq_u8(vdupq_n_u8(kSixteen ? 15 : 7), lowest, vld1q_u8(table.start));
+  if constexpr (kSixteen && !table.isShort[kColumn])
+    return F(vreinterpretq_f32_u8(vqtbl4q_u8(vld1q_u8_x4(table.column[kColumn]), bytes)));
+  else return F(vreinterpretq_f32_u8(vqtbl2q_u8(vld1q_u8_x2(table.column[kColumn]), bytes)));
 #endif
 }
 

@@ -88,12 +88,19 @@ struct Pow64 {
 // power in a million goes to the second.
 struct Pow32 {
   static constexpr int kUnits = 0x100;
-  static TZM_INLINE FirstStep First(V x, V y) {
-    const Sum product = Times(y, LogInTwo32(x));
-    const V power = ExpParts(product.sum, product.rest).Normal();
+  static TZM_INLINE F First(F x, F y, V& low, V& high, M32& holds) {
+    const Halves a = Widen(x), b = Widen(y);
+    const auto power = [](V x, V y, V& product) TZM_LAMBDA {
+      const Sum both = Times(y, LogInTwo32(x));
+      product = both.sum;
+      return ExpParts(both.sum, both.rest).Normal();
+    };
+    V lowProduct, highProduct;
+    low = power(a.low, b.low, lowProduct);
+    high = power(a.high, b.high, highProduct);
     // Of greater logarithms results may be no normal numbers of binary32.
-    const M normal = LessWhere(IsForLog(x), hn::Abs(product.sum), C(87));
-    return {power, normal};
+    holds = hn::And(IsPositiveNormal(x), WordsBelow({lowProduct, highProduct}, 87));
+    return NarrowPair(S(), low, high);
   }
   static __attribute__((noinline)) V Second(V, V x, V y) {
     const V a = hn::Abs(x);

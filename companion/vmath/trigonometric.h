@@ -184,9 +184,9 @@ TZM_INLINE Reduced32 Reduce32(F x) {
   return {{rest(wide.low, k.low), rest(wide.high, k.high)}, BitsOf(shifted)};
 }
 // The results of both halves, negative where k is odd; the second step where a lane is far or open.
-template <int32_t kUnits, class Function, const auto&... kMiddles>
+template <uint32_t kUnits, class Function, const auto&... kMiddles>
 TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
-  if (NotAll(IsSureWithin<kUnits>(y, AbsLess(x, C32(kNear))))) return SecondStep<Function, kMiddles...>(x);
+  if (AnyOpen<kUnits>(y, AbsLess(x, C32(kNear)))) return SecondStep<Function, kMiddles...>(x);
   return NegateIfOdd(NarrowPair(S(), y.low, y.high), k);
 }
 
@@ -229,7 +229,7 @@ struct SinCos32 : InStages<SinCos32> {
   static TZM_INLINE SineCosine<F> End(F x, const Reduced32& a) {
     const SineCosine<V> low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
     const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
-    if (NotAll(IsSureWithin<0x20000>({low.cosine, high.cosine}, sureSine)))
+    if (AnyOpen<0x20000>({low.cosine, high.cosine}, sureSine))
       return {SecondStep<Sin64, kSinMiddles>(x), SecondStep<Cos64, kCosMiddles>(x)};
     const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
     const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));

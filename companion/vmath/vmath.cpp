@@ -64,21 +64,22 @@ TZM_INLINE void MapInStages(int32_t n, Function function, const T* a, To*... to)
     Store(function(hn::LoadU(d, from)), result...);
   }, a, to...);
 }
-// A function of two arguments for binary32: its steps on halves in binary64, rounded once.
+// A function of two arguments for binary32: where the first step, which gives halves in binary64 and tells where they
+// hold but for as many units as the function says, leaves a lane open, the second takes the register.
 template <class Function>
 struct InSteps {
   TZM_INLINE F operator()(F x, F y) const {
+    V low, high;
+    M32 holds;
+    const F result = Function::First(x, y, low, high, holds);
+    if (AnyOpen<Function::kUnits>({low, high}, holds)) return Second(low, high, x, y);
+    return result;
+  }
+
+ private:
+  static __attribute__((noinline)) F Second(V low, V high, F x, F y) {
     const Halves a = Widen(x), b = Widen(y);
-    FirstStep low = Function::First(a.low, b.low), high = Function::First(a.high, b.high);
-    if (NotAll(IsSureWithin<Function::kUnits>({low.value, high.value})) || NotAll(hn::And(low.holds, high.holds))) {
-      const auto second = [](FirstStep& first, V x, V y) TZM_LAMBDA {
-        const M sure = hn::AndNot(IsOpenWithin<Function::kUnits>(first.value), first.holds);
-        first.value = hn::IfThenElse(sure, first.value, Function::Second(first.value, x, y));
-      };
-      second(low, a.low, b.low);
-      second(high, a.high, b.high);
-    }
-    return NarrowPair(S(), low.value, high.value);
+    return NarrowPair(S(), Function::Second(low, a.low, b.low), Function::Second(high, a.high, b.high));
   }
 };
 

@@ -221,6 +221,24 @@ def atan_table():
     return columns, float(most * 1.001)
 
 
+def exp_table32():
+    """Of the numbers next to 2^(i/16) the one whose logarithm differs from ln 2 i/16 by most nearly a number of 8 bits,
+    and that difference, with EXP_ERROR_32 added."""
+    columns = [[], []]
+    for i in range(16):
+        exact = mp.mpf(2) ** (mp.mpf(i) / 16)
+        candidates = []
+        for units in range(-64, 65) if i else [0]:
+            root = mp.mpf(single(exact)) + units * mp.mpf(2) ** -23
+            difference = mp.log(exact / root) + EXP_ERROR_32
+            short = rounded(difference, 8 - mp.frexp(difference)[1])
+            candidates.append((abs(short - difference), float(root), float(short)))
+        for column, x in zip(columns, min(candidates)[1:]):
+            column.append(x)
+    return columns
+
+
+EXP_ERROR_32 = 1.625 * 2.0**-34
 LOG_START = bits(1.0) - round((9 + 2 / 3) * 2**48)
 LOG_START_32 = 0x3f800000 - round((4 + 11 / 16) * 2**20)
 log10e = float(1 / mp.log(10))
@@ -236,9 +254,10 @@ lo = [float(mp.mpf(2) ** (mp.mpf(i) / 16) / mp.mpf(h) - 1) for i, h in enumerate
 roots = [value((bits(h) - (i << 48)) & (2**64 - 1)) for i, h in enumerate(hi)]
 table("kExpTable", [roots, lo],
       "2^(i/16), less i in the bits that k is added to, and what its rounding lost, relative to it")
-roots32 = [parts(mp.mpf(2) ** (mp.mpf(i) / 16), 2, single) for i in range(16)]
-table("kExpTable32", [[r[0] for r in roots32], [single(r[1] / r[0]) for r in roots32]],
-      "2^(i/16), and what its rounding lost, relative to it", "Table32")
+table("kExpTable32", exp_table32(),
+      "numbers near to 2^(i/16), and ln 2 i/16 less their logarithms and with kExpError32, which make the result greater",
+      "Table32")
+print(f"inline constexpr float kExpError32 = {EXP_ERROR_32.hex()};")
 constant("kSixteenByLn2", float(16 / LN2))
 array("double", "kLn2By16", "[]", parts(LN2 / 16, 2), "ln 2/16, in parts")
 
