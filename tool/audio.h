@@ -39,6 +39,9 @@ struct CloseSound {
 };
 using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
+/** What the sound library says of a file, null for the last one that it could not open, as a part of a line. */
+std::string SoundError(SNDFILE* file);
+
 /** What the user says of samples that no file tells of. */
 struct SoundOptions {
   enum class Use { kReads, kWrites, kConverts };
@@ -70,6 +73,8 @@ class AudioReader {
   AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels, bool twice = false);
   AudioReader(const AudioReader&) = delete;
 
+  /** The file as messages name it. */
+  const std::string& Name() const { return shown_; }
   int32_t Rate() const { return info_.samplerate; }
   /** How many the file has, and how many of them are read. */
   int32_t FileChannels() const { return info_.channels; }

@@ -64,6 +64,13 @@ void TakeChannel(const T* src, size_t channels, size_t count, float scale, float
 
 }  // namespace
 
+std::string SoundError(SNDFILE* file) {
+  std::string said = sf_strerror(file);
+  if (said.starts_with("Error : ")) said.erase(0, 8);
+  if (said.ends_with('.')) said.pop_back();
+  return said;
+}
+
 AudioReader::AudioReader(const std::string& path, const SoundOptions& options, std::vector<int32_t> channels,
                          bool twice)
     : path_(path), shown_(ShownName(path)), channels_(std::move(channels)) {
@@ -84,7 +91,8 @@ AudioReader::AudioReader(const std::string& path, const SoundOptions& options, s
   if (!file_) {
     const char* const hint = IsStandard(path) ? " (from a pipe WAV, AIFF, AU and Ogg can be read)"
                                                 : " (--raw reads samples without a header)";
-    throw Failure(Format("'%s' is no sound file that can be read: %s%s", shown_.c_str(), sf_strerror(nullptr), hint));
+    throw Failure(Format("'%s' is no sound file that can be read: %s%s", shown_.c_str(), SoundError(nullptr).c_str(),
+                         hint));
   }
   for (const int32_t channel : channels_) {
     if (channel > info_.channels) {
@@ -166,7 +174,7 @@ void AudioReader::ReadBlock(Block& block) {
   block.count = size_t(std::max<sf_count_t>(0, got));
   block.used = 0;
   block.error.clear();
-  if (block.count < blockFrames_ && sf_error(file_.get())) block.error = sf_strerror(file_.get());
+  if (block.count < blockFrames_ && sf_error(file_.get())) block.error = SoundError(file_.get());
   const auto isBad = [](float v) {  // NaN has more bits than infinity, and that more than any number
     return (std::bit_cast<int32_t>(v) & INT32_MAX) > std::bit_cast<int32_t>(kLargestSample);
   };
@@ -251,7 +259,7 @@ void AudioReader::CheckEnd() {
 void AudioReader::Rewind() {
   if (next_.valid()) next_.get();
   if (sf_seek(file_.get(), 0, SEEK_SET) != 0) {
-    throw Failure(Format("reading '%s' again: %s", shown_.c_str(), sf_strerror(file_.get())));
+    throw Failure(Format("reading '%s' again: %s", shown_.c_str(), SoundError(file_.get()).c_str()));
   }
   frame_ = 0;
   block_ = {};

@@ -239,7 +239,7 @@ AudioWriter::AudioWriter(const std::string& path, int32_t rate, int32_t channels
     SF_VIRTUAL_IO stream{StreamPosition, StreamSeek, StreamRead, StreamWrite, StreamPosition};
     file_.reset(sf_open_virtual(&stream, SFM_WRITE, &info_, &streamed_));
   }
-  if (!file_) Fail(sf_strerror(nullptr));
+  if (!file_) Fail(SoundError(nullptr));
   sf_command(file_.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
 }
 
@@ -292,7 +292,7 @@ void AudioWriter::WriteBlock(size_t first, size_t count) {
   const bool good = bits_ == 0    ? WriteAs<T>(src, first, count)
                     : bits_ == 16 ? WriteAs<int16_t>(src, first, count)
                                   : WriteAs<int32_t>(src, first, count);
-  if (!good) Fail(place_ ? sf_strerror(file_.get()) : std::strerror(errno));
+  if (!good) Fail(place_ ? SoundError(file_.get()) : std::strerror(errno));
   written_ += int64_t(count);
 }
 

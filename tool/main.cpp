@@ -82,7 +82,7 @@ void Dispatch(int argc, char** argv) {
   const std::string_view word = argc > 1 ? argv[1] : "";
   if (word == "--help" || word == "-h") return PrintHelp();
   if (word == "--version" || word == "-V") return static_cast<void>(std::puts("tzm " TZM_VERSION));
-  if (word == "--completion" && argc == 3) return PrintCompletion(argv[2]);
+  if (word == "--completion" && argc < 4) return PrintCompletion(argc == 3 ? argv[2] : "");
   if (word.empty()) throw UsageError("which command?");
   const auto found = Commands().find(word);
   if (found == Commands().end()) throw UsageError(Format("unknown command '%s'", argv[1]));

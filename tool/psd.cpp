@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -30,7 +29,7 @@ constexpr std::array<std::string_view, 2> kScaleNames{"log", "linear"};
 enum { kLogarithmic, kLinear };
 
 constexpr int32_t kShortestSegment = 8, kLongestSegment = 0x7ffffff;
-constexpr size_t kUsualSegment = AudioReader::kAhead;
+constexpr int32_t kUsualSegment = AudioReader::kAhead;
 constexpr double kLargestOverlap = 0.95;
 constexpr double kLeastProminence = 3;  // dB; lesser maxima are the estimate's own roughness
 
@@ -84,10 +83,6 @@ Spectrum Estimate(AudioReader& reader, const Settings& settings) {
     ++counts[c];
   });
   result.segments = counts[0];
-  if (result.segments == 0) {
-    throw UsageError(Format("--segment %d is longer than '%s' with its %lld samples", settings.segment,
-                            ShownName(settings.file).c_str(), static_cast<long long>(result.samples)));
-  }
   double squares = 0;
   for (const float value : window) squares += double(value) * double(value);
   const double scale = 1 / (squares * reader.Rate() * double(result.segments));
@@ -237,20 +232,6 @@ void Print(const Settings& settings, const AudioReader& reader, const Spectrum& 
   object.Print();
 }
 
-// Chooses what was left open, and refuses what the sound or the estimate cannot give before any work is done.
-void Settle(Settings& settings, AudioReader& reader) {
-  const size_t ahead = reader.Ahead();
-  if (ahead < size_t(kShortestSegment)) {
-    throw Failure(Format("'%s' holds %zu sample%s, and the shortest segment is %d", ShownName(settings.file).c_str(),
-                         ahead, ahead == 1 ? "" : "s", kShortestSegment));
-  }
-  if (settings.segment == 0) settings.segment = int32_t(std::min(kUsualSegment, std::bit_floor(ahead)));
-  if (std::ceil(settings.segment * settings.overlap) >= settings.segment) {
-    throw UsageError(
-        Format("--overlap %g leaves no step between segments of %d samples", settings.overlap, settings.segment));
-  }
-}
-
 void Run(int argc, char** argv) {
   Settings settings;
   Options options("psd", "FILE",
@@ -277,7 +258,11 @@ void Run(int argc, char** argv) {
   settings.results.Settle(settings.file, "psd");
 
   AudioReader reader(settings.file, settings.sound, ChannelList(settings.channel));
-  Settle(settings, reader);
+  settings.segment = ChooseSegment(reader, settings.segment, kShortestSegment, kUsualSegment);
+  if (std::ceil(settings.segment * settings.overlap) >= settings.segment) {
+    throw UsageError(
+        Format("--overlap %g leaves no step between segments of %d samples", settings.overlap, settings.segment));
+  }
   const Spectrum spectrum = Estimate(reader, settings);
   const std::vector<Peak> peaks = FindPeaks(spectrum, size_t(settings.peaks));
   Print(settings, reader, spectrum, peaks);

@@ -6,10 +6,15 @@
 #include <signal_tzm/elementary.h>
 #include <signal_tzm/transform.h>
 
+#include <algorithm>
+#include <bit>
+
 #include "audio.h"
+#include "command.h"
 #include "handle.h"
 #include "progress.h"
 #include "stream.h"
+#include "text.h"
 
 namespace tzm {
 
@@ -21,12 +26,30 @@ inline ForwardTransform MakeForwardTransform(int32_t len) {
       "the transform", [&](auto** made) { return ORVAS_DFTRToCInit_32f(len, ORVA_DIVIDE_NONE, made); });
 }
 
+/** The segment that was asked for; if none was (0), the usual one, of a sound shorter than that the longest power of two
+ * that it holds. Throws Failure for a sound shorter than the shortest segment. */
+inline int32_t ChooseSegment(AudioReader& reader, int32_t asked, int32_t shortest, int32_t usual) {
+  const size_t ahead = reader.Ahead();
+  if (ahead < size_t(shortest)) {
+    throw Failure(Format("'%s' holds %zu sample%s, and the shortest segment is %d", reader.Name().c_str(), ahead,
+                         ahead == 1 ? "" : "s", shortest));
+  }
+  return asked > 0 ? asked : int32_t(std::min(size_t(usual), std::bit_floor(ahead)));
+}
+
 /** take(c, power): the squared magnitudes of half the spectrum of each full segment of channel c under the window, in
- * the order of the segments, which begin a step apart. Gives the count of samples read. */
+ * the order of the segments, which begin a step apart. Gives the count of samples read. Throws UsageError for a sound
+ * shorter than a segment, before any work where its file tells. */
 template <class Take>
 int64_t ForEachSegment(AudioReader& reader, const std::vector<float>& window, size_t step, const Take& take) {
   constexpr size_t kSamplesAtOnce = 1 << 16;
   const size_t len = window.size(), overlapped = len - step;
+  const auto require = [&](int64_t samples) {
+    if (samples >= int64_t(len)) return;
+    throw UsageError(Format("--segment %zu is longer than '%s' with its %lld samples", len, reader.Name().c_str(),
+                            static_cast<long long>(samples)));
+  };
+  if (reader.Length() > 0) require(reader.Length());
   const ForwardTransform transform = MakeForwardTransform(int32_t(len));
   Planes samples(reader.Channels(), std::vector<float>(overlapped + step * std::max<size_t>(1, kSamplesAtOnce / step)));
   Progress progress("reading", reader.Length());
@@ -45,7 +68,10 @@ int64_t ForEachSegment(AudioReader& reader, const std::vector<float>& window, si
       }
     });
     progress.Show(read += int64_t(got));
-    if (held < wanted) return read;
+    if (held < wanted) {
+      require(read);
+      return read;
+    }
     for (auto& channel : samples) std::copy(channel.end() - std::ptrdiff_t(overlapped), channel.end(), channel.begin());
     held = overlapped;
   }

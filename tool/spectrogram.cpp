@@ -19,12 +19,12 @@
 namespace tzm {
 namespace {
 
-constexpr int32_t kShortestSegment = 16, kLongestSegment = 1 << 16, kOverlaps = 4;
+constexpr int32_t kShortestSegment = 16, kUsualSegment = 1024, kLongestSegment = 1 << 16, kOverlaps = 4;
 constexpr size_t kMostColumns = 1700;  // as many as the plot has pixels
 
 struct Settings {
   std::string file;
-  int32_t channel = 1, segment = 1024;
+  int32_t channel = 1, segment = 0;
   double range = 90;
   SoundOptions sound;
   PlotOptions results;
@@ -94,10 +94,6 @@ std::vector<Spectrogram> Analyse(AudioReader& reader, const Settings& s, double*
   std::vector<Columns> columns(reader.Channels(), Columns(bins));
   const int64_t samples = ForEachSegment(
       reader, window, step, [&](size_t c, const std::vector<float>& power) { columns[c].Add(power); });
-  if (samples < s.segment) {
-    throw Failure(Format("'%s' holds %lld samples, fewer than a segment of %d: give a shorter --segment",
-                         ShownName(s.file).c_str(), static_cast<long long>(samples), s.segment));
-  }
   *soundSeconds = double(samples) / reader.Rate();
   std::vector<Spectrogram> results;
   for (size_t c = 0; c < columns.size(); ++c) {
@@ -179,7 +175,8 @@ void Run(int argc, char** argv) {
                   "-spectrogram.png in the current folder. Levels are in dB relative to full scale: a sine at\n"
                   "full scale has -3 dB. Segments overlap by three quarters, under a Hann window.",
                   "tzm spectrogram --segment 512 /usr/share/sounds/alsa/Front_Center.wav");
-  options.Number("segment", 's', "samples in a segment, a multiple of 4", s.segment, kShortestSegment, kLongestSegment);
+  options.Number("segment", 's', "samples in a segment, a multiple of 4 (default 1024, less for a short file)",
+                 s.segment, kShortestSegment, kLongestSegment);
   options.Number("range", 'r', "dB from the darkest to the brightest colour", s.range, 1, 300);
   options.Channel(s.channel, true);
   s.results.Declare(options, "print a line for each time, a level for each frequency, as CSV; plot only with --output",
@@ -193,6 +190,7 @@ void Run(int argc, char** argv) {
   if (s.segment % kOverlaps != 0) throw UsageError(Format("--segment is a multiple of 4, unlike %d", s.segment));
 
   AudioReader reader(s.file, s.sound, ChannelList(s.channel));
+  s.segment = ChooseSegment(reader, s.segment, kShortestSegment, kUsualSegment);
   double seconds = 0;
   const std::vector<Spectrogram> spectrograms = Analyse(reader, s, &seconds);
   const auto& loudest = *std::max_element(spectrograms.begin(), spectrograms.end(), [](const auto& a, const auto& b) {

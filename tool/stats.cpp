@@ -77,7 +77,9 @@ Table LevelTable(const std::vector<Levels>& levels) {
               {"minimum", "Minimum", 6, {}},           {"maximum", "Maximum", 6, {}}};
   for (size_t c = 0; c < levels.size(); ++c) {
     const Levels& l = levels[c];
-    const double cells[] = {double(c + 1), Decibels(l.Rms()), Decibels(l.peak), Decibels(l.peak / l.Rms()),
+    // Silence has no crest, and this NaN one sign on every machine.
+    const double crest = l.peak > 0 ? Decibels(l.peak / l.Rms()) : std::numeric_limits<double>::quiet_NaN();
+    const double cells[] = {double(c + 1), Decibels(l.Rms()), Decibels(l.peak), crest,
                             l.mean,        l.Deviation(),     l.lowest,         l.highest};
     for (size_t i = 0; i < table.size(); ++i) table[i].values.push_back(cells[i]);
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "audio.h"
@@ -18,9 +19,10 @@ namespace {
 
 constexpr int64_t kBlock = 1 << 16;
 constexpr double kToneSeconds = 1, kKeySeconds = 0.1;
+constexpr double kOpen = std::numeric_limits<double>::quiet_NaN();  // an option that was not given
 
 struct Settings {
-  double frequency = 1000, amplitude = 0.5, phase = 0, seconds = 0;
+  double frequency = kOpen, amplitude = 0.5, phase = kOpen, seconds = 0;
   int32_t rate = 48000;
   SoundOptions sound;
   std::string keys;
@@ -68,7 +70,7 @@ void Run(int argc, char** argv) {
                   "Writes a sine to a sound file of one channel, or with --keys the keypad tones of a telephone\n"
                   "number: for each key two tones of half the amplitude, and as long a pause.",
                   "tzm tone --frequency 440 --seconds 2 a.wav\n  tzm tone --keys 0123 number.wav");
-  options.Number("frequency", 'f', "frequency in Hz", s.frequency, 1e-6, 1e9);
+  options.Number("frequency", 'f', "frequency in Hz (default 1000)", s.frequency, 1e-6, 1e9);
   options.Number("amplitude", 'a', "peak value, full scale being 1", s.amplitude, 1e-9, 1);
   options.Number("phase", 'p', "phase in degrees of the sine at the first sample", s.phase, -360, 360);
   options.Number("seconds", 's', "length (default 1), of each key (default 0.1)", s.seconds, 1e-6, 1e6);
@@ -79,6 +81,11 @@ void Run(int argc, char** argv) {
   if (!operands) return;
 
   const bool keypad = !s.keys.empty();
+  if (keypad && !(std::isnan(s.frequency) && std::isnan(s.phase))) {
+    throw UsageError("--keys takes no --frequency and no --phase");
+  }
+  if (std::isnan(s.frequency)) s.frequency = 1000;
+  if (std::isnan(s.phase)) s.phase = 0;
   const double highest = keypad ? kKeypadColumns.back() : s.frequency;
   if (s.keys.find_first_not_of(kKeys) != std::string::npos) {
     throw UsageError(Format("--keys takes 0 to 9, *, #, A to D, not '%s'", s.keys.c_str()));
@@ -88,6 +95,7 @@ void Run(int argc, char** argv) {
   }
   const double seconds = s.seconds > 0 ? s.seconds : keypad ? kKeySeconds : kToneSeconds;
   const auto samples = int64_t(std::llround(seconds * s.rate));
+  if (samples < 1) throw UsageError(Format("--seconds %g is less than a sample at %d Hz", seconds, s.rate));
 
   AudioWriter writer(operands->front(), s.rate, 1, SF_FORMAT_PCM_16, s.sound);
   if (keypad) {

@@ -180,12 +180,12 @@ def _constant(kind, value):
     try:
         if dtype.kind in "cV":
             convert = _whole if dtype.names else float
-            pair = value if isinstance(value, (tuple, np.void)) else (value.real, value.imag)
-            value = (convert(pair[0]), convert(pair[1]))
-        elif dtype.kind != "f":
+            re, im = value if isinstance(value, (tuple, np.void)) else (value.real, value.imag)
+            value = (convert(re), convert(im))
+        elif dtype.kind != "f" or value is None:  # which cffi takes for zero
             value = operator.index(value)
         return ffi.new(_POINTERS[kind], value)
-    except (TypeError, AttributeError):
+    except (TypeError, ValueError, AttributeError):
         raise TypeError(f"{value!r} is no constant of type {dtype_name(dtype)}") from None
 
 
@@ -324,8 +324,8 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         raise TypeError(f"{f.name}: a mask would be lost: give the array's .data or .filled()")
     given = [np.asarray(a) for a in given]
     outs = () if out is None else tuple(out) if isinstance(out, (tuple, list)) else (out,)
-    if not all(type(a) is np.ndarray for a in outs):
-        raise TypeError(f"{f.name}: out must be an array")
+    if other := [type(a).__name__ for a in outs if type(a) is not np.ndarray]:
+        raise TypeError(f"{f.name}: out must be a numpy.ndarray itself, not {other[0]}")
     scaled = any(scale is not None for scale in scales)
     if scaled and None in scales:
         raise TypeError(f"{f.name}: {' and '.join(f.scales)} go together")
@@ -354,8 +354,10 @@ def _call_any(f, sources, constants, out, scales, dtype, axis, kind):
         if n > lib.tzm_longest:
             _finish(f, member, -2)
     moved = axis is not None and given and range(len(shape))[axis] != len(shape) - 1
+    if outs and len(outs) != len(member.outputs):
+        raise TypeError(f"{f.name}: out must be {len(member.outputs)} arrays, not {len(outs)}")
     for a in outs:
-        if len(outs) != len(member.outputs) or a.shape != shape:
+        if a.shape != shape:
             raise ValueError(f"{f.name}: out has shape {a.shape}, the result {shape}")
         if not a.flags.writeable or not (a.flags.c_contiguous or moved):
             raise ValueError(f"{f.name}: out is {'not contiguous' if a.flags.writeable else 'read-only'}")

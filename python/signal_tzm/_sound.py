@@ -5,7 +5,7 @@ import ctypes
 import functools
 import os
 import re
-import tempfile
+import secrets
 import warnings
 from typing import Any, Iterator
 
@@ -158,18 +158,16 @@ def write(path: str | os.PathLike[str], x: ArrayLike, rate: int, *, format: str 
         raise ValueError(f"{os.fspath(path)}: rate must be 1 or more, not {rate}")
     frames = np.ascontiguousarray(x.T if x.ndim == 2 else x)
     info = _Info(0, rate, 1 if x.ndim == 1 else x.shape[0], container | sample)
-    folder = os.path.dirname(os.path.abspath(path))
-    place = ""
+    if not _library().sf_format_check(ctypes.byref(info)):
+        code = next(name for name, code in _FORMATS.items() if code == sample)
+        raise ValueError(f"{os.fspath(path)}: such a file cannot hold {info.channels} channels of {code} at {rate} Hz")
+    place = os.path.join(os.path.dirname(os.path.abspath(path)), secrets.token_hex(8) + ".part")
     try:
-        handle, place = tempfile.mkstemp(dir=folder, suffix=".part")
-        os.close(handle)
+        os.close(os.open(place, os.O_CREAT | os.O_EXCL | os.O_WRONLY, 0o666))
         with _File(place, _WRITE, info) as file:
             if file.call(f"writef_{_CALLS[kind]}", ctypes.c_void_p(frames.ctypes.data),
                          ctypes.c_int64(frames.shape[0])) != frames.shape[0]:
                 raise OSError(f"{os.fspath(path)}: cannot write (disk full?)")
-        mask = os.umask(0)
-        os.umask(mask)
-        os.chmod(place, 0o666 & ~mask)
         os.replace(place, path)
     except OSError as error:
         if error.errno is None:

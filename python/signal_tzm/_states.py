@@ -6,6 +6,7 @@ import contextlib
 import functools
 import itertools
 import math
+import operator
 import re
 import threading
 import weakref
@@ -60,6 +61,8 @@ _from_buffer, _new, _KINDS = ffi.from_buffer, ffi.new, {
 
 def _pointer(value: Any, kind: str) -> Any:
     if kind:
+        if value is None:  # which cffi takes for zero
+            raise TypeError("None is no number")
         return _new(_KINDS[kind], value)
     if type(value) is np.ndarray:
         return _from_buffer(value)
@@ -127,6 +130,11 @@ def _given(result: Array, axis: int, out: Any = None) -> Array:
         return result
     out[...] = result
     return out
+
+
+def _same(what: str, dtype: Any, *arrays: Array) -> None:
+    if any(a.dtype != dtype for a in arrays):
+        raise TypeError(f"{what}: samples must be {dtype}, not {' and '.join(str(a.dtype) for a in arrays)}")
 
 
 def _length(x: Array, n: int, what: str) -> None:
@@ -313,7 +321,7 @@ class LMS(State):
         self.dtype = np.dtype(dtype)
         kind = TYPES.get(self.dtype, str(self.dtype))
         self._kind = "32f" if kind == "32f" else f"32f_{kind}"
-        first = np.zeros(taps, np.float32) if isinstance(taps, int) else np.ascontiguousarray(taps, np.float32)
+        first = np.ascontiguousarray(taps if np.ndim(taps) else np.zeros(operator.index(taps)), np.float32)
         line = None if delay_line is None else np.ascontiguousarray(delay_line, self.dtype)
         if line is not None:
             _length(line, first.size, "delay_line")
@@ -323,8 +331,7 @@ class LMS(State):
 
     def __call__(self, x: ArrayLike, ref: ArrayLike, mu: float) -> Array:
         src, ref = np.ascontiguousarray(x), np.ascontiguousarray(ref)
-        if src.dtype != self.dtype or ref.dtype != self.dtype:
-            raise TypeError(f"LMS: samples must be {self.dtype}, not {src.dtype} and {ref.dtype}")
+        _same("LMS", self.dtype, src, ref)
         if src.shape != ref.shape or src.ndim != 1:
             raise ValueError(f"LMS: x and ref must be two rows of one length, not {src.shape} and {ref.shape}")
         dst = np.empty_like(src)
@@ -360,8 +367,10 @@ class SparseFIR(State):
     give what one call gives; `f.delay_line` is settable, the most recent sample first."""
 
     def __init__(self, taps: ArrayLike, positions: ArrayLike, *, delay_line: ArrayLike | None = None) -> None:
-        taps, places = np.ascontiguousarray(taps, np.float32), np.ascontiguousarray(positions, np.int32)
-        if taps.shape != places.shape:
+        taps, places = np.ascontiguousarray(taps, np.float32), np.ascontiguousarray(positions).astype(np.int32)
+        if not np.array_equal(places, positions):
+            raise TypeError("SparseFIR: positions must be whole numbers below 2**31")
+        if taps.ndim != 1 or taps.shape != places.shape:
             raise ValueError("SparseFIR: there must be one position for each tap")
         self.reach = int(places[-1]) if places.size else 0
         line = None if delay_line is None else np.ascontiguousarray(delay_line, np.float32)
@@ -470,13 +479,17 @@ class Resampler(State):
         _do(_name("ResamplePolyphaseFixed", "SetFilter", self._kind), self._state(), taps, taps.size)
 
     def __call__(self, x: ArrayLike, *, norm: float = 1, axis: int = -1) -> Array:
-        return _given(np.concatenate(list(self.stream([_along(x, axis)], norm=norm)), axis=-1), axis)
+        parts = list(self.stream([_along(x, axis)], norm=norm))
+        if not parts:
+            raise ValueError("Resampler: no samples")
+        return _given(np.concatenate(parts, axis=-1), axis)
 
     def between(self, x: Array, n: int, time: int, *, norm: float = 1) -> tuple[Array, int]:
         """The outputs from `time` on, in 1/out_rate of a sample of `x`, up to `n` samples past the one there, and the
         time of the next; `x` has `reach - 1` samples before and `reach` behind."""
         name, lead = _name("ResamplePolyphaseFixed", "", self._kind), x.shape[:-1]
         x = np.ascontiguousarray(x)
+        _same("Resampler", self.dtype, x)
         if not self.reach - 1 <= time // self.out_rate <= x.shape[-1] - self.reach - n:
             raise ValueError(f"Resampler: {self.reach} samples are needed on both sides")
         dst = np.empty(lead + (n * self.out_rate // self.in_rate + 1,), self.dtype)
@@ -495,8 +508,7 @@ class Resampler(State):
                 more = np.zeros(held.shape[:-1] + (self.reach,), self.dtype)
             else:
                 raise ValueError("Resampler: no samples")
-            if more.dtype != self.dtype:
-                raise TypeError(f"Resampler: samples must be {self.dtype}, not {more.dtype}")
+            _same("Resampler", self.dtype, more)
             before = np.zeros(more.shape[:-1] + (self.reach - 1,), self.dtype) if held is None else held
             held = np.concatenate([before, more], axis=-1)
             n = held.shape[-1] - self.reach - time // self.out_rate
@@ -524,10 +536,9 @@ class VariableResampler(State):
 
     def __call__(self, x: ArrayLike, factor: float, *, norm: float = 1, axis: int = -1) -> Array:
         src = _along(x, axis)
-        if src.dtype != self.dtype:
-            raise TypeError(f"VariableResampler: samples must be {self.dtype}, not {src.dtype}")
-        if not factor > 0:
-            raise ValueError("VariableResampler: factor must be above 0")
+        _same("VariableResampler", self.dtype, src)
+        if not 0 < factor < math.inf:
+            raise ValueError("VariableResampler: factor must be above 0 and finite")
         n, lead = src.shape[-1], src.shape[:-1]
         reach = math.ceil((self.window / 2 + 1 / self.n_step) / min(1, factor)) + 1
         silence = np.zeros(lead + (reach,), src.dtype)
@@ -553,7 +564,8 @@ class FFT(State):
 
     def __init__(self, n: int, dtype: DTypeLike = np.complex64, *, inverse: bool = False, divide: int = 2,
                  split: bool = False) -> None:
-        self.n, self.dtype, self.split = n, np.dtype(dtype), split
+        self.n = n = operator.index(n)
+        self.dtype, self.split = np.dtype(dtype), split
         self._kind = TYPES.get(self.dtype, str(self.dtype))
         real = self.dtype.kind == "f" and not split
         power = n > 1 and n & (n - 1) == 0
@@ -569,15 +581,18 @@ class FFT(State):
         sources = [_along(part, axis) for part in ((x,) if im is None else (x, im))]
         if len(sources) != 1 + self.split:
             raise TypeError(f"FFT: {1 + self.split} array{'s' * self.split} wanted, {len(sources)} given")
+        _same("FFT", self._in, *sources)
         for src in sources:
-            if src.dtype != self._in:
-                raise TypeError(f"FFT: samples must be {self._in}, not {src.dtype}")
             _length(src, self._lengths[0], "the array")
         lead, rows = _stack("FFT", *sources)
         if self._prefix.endswith("CToR"):  # the transform spoils its source
             sources = [sources[0].copy()]
-        outs = out if isinstance(out, (tuple, list)) else [out] * len(sources)
+        outs = out if isinstance(out, (tuple, list)) else [out] if out is not None else [None] * len(sources)
+        if len(outs) != len(sources):
+            raise TypeError(f"FFT: out must be {len(sources)} array{'s' * self.split}, not {len(outs)}")
         results = [_target(lead + (self._lengths[1],), self._out, axis, o, *sources) for o in outs]
+        if self.split and all(o is not None for o in outs) and np.may_share_memory(*outs):
+            raise ValueError("FFT: the arrays of out overlap")
         _do(self._name, *sources, *results, self._state(), rows=rows)
         results = [_given(result, axis, o) for result, o in zip(results, outs)]
         return tuple(results) if self.split else results[0]
@@ -671,19 +686,14 @@ def pwelch(x: ArrayLike, window: ArrayLike | None = None, *, win_len: int | None
             raise TypeError(f"pwelch: window must be a row of {part}" + f", {win_len} long" * (win_len is not None))
         win_len = window.size
     n = src.shape[-1]
-    win_len = win_len or min(256, n)
+    win_len = min(256, n) if win_len is None else win_len
     points = nfft if 0 < nfft < win_len else win_len
-    dst = np.empty(src.shape[:-1] + (points if src.dtype.kind == "c" else points // 2 + 1,), part)
+    dst = np.empty(src.shape[:-1] + (max(points, 0) if src.dtype.kind == "c" else max(points, 0) // 2 + 1,), part)
     _do(name, src, window, dst, n, nfft, win_len, overlap, rows=math.prod(src.shape[:-1]))
     return _given(dst, axis)
 
 
 # ---- Convolution and correlation ----
-
-def _same(dtype: Any, *arrays: Array) -> None:
-    if any(a.dtype != dtype for a in arrays):
-        raise TypeError(f"samples must be {dtype}, not {' and '.join(str(a.dtype) for a in arrays)}")
-
 
 class _Pair(State):
     def __init__(self, prefix: str, release: str, dtype: DTypeLike, *values: int) -> None:
@@ -694,7 +704,7 @@ class _Pair(State):
     def _run(self, prefix: str, sources: list[tuple[ArrayLike, int]], size: int, axis: int,
              *values: int) -> Array:
         arrays = [_along(x, axis) for x, _ in sources]
-        _same(self.dtype, *arrays)
+        _same(type(self).__name__, self.dtype, *arrays)
         for a, (_, n) in zip(arrays, sources):
             _length(a, n, "the array")
         lead, rows = _stack(type(self).__name__, *arrays)
@@ -770,7 +780,7 @@ def crosscorr(a: ArrayLike, b: ArrayLike, lags: int, low_lag: int, *, normalisat
 def conv_biased(a: ArrayLike, b: ArrayLike, n: int, bias: int = 0, *, axis: int = -1) -> Array:
     """`n` outputs of a partial convolution of float32 samples; what a bias reads around `b` is zeros."""
     a, b = _along(a, axis), _along(b, axis)
-    _same(np.dtype(np.float32), a, b)
+    _same("conv_biased", np.dtype(np.float32), a, b)
     lead, rows = _stack("conv_biased", a, b)
     around = np.zeros(b.shape[:-1] + (abs(bias),), np.float32)
     dst = np.empty(lead + (max(n, 0),), np.float32)
@@ -784,7 +794,7 @@ def matmul(a: ArrayLike, b: ArrayLike) -> Array:
     """The product of two matrices of one type, or of stacks of them; a single matrix may go with all of a stack."""
     a, b = np.ascontiguousarray(a), np.ascontiguousarray(b)
     name = _name("MMul", "", _type(a))
-    _same(a.dtype, b)
+    _same("matmul", a.dtype, b)
     if a.ndim < 2 or b.ndim < 2 or a.shape[-1] != b.shape[-2]:
         raise ValueError(f"matmul: shapes {a.shape} and {b.shape} do not fit")
     flat = [x.reshape(x.shape[:-2] + (-1,)) for x in (a, b)]

@@ -49,6 +49,8 @@ def elementwise(function: Callable[..., Any], *arrays: Any, dtype: DTypeLike | N
     family = FAMILIES.get(function.__name__)
     if family is None or any(m.reduces or m.placed or not m.sources for m in family.members):
         raise TypeError(f"{function.__name__} is no element-wise operation: an element's value goes by its place")
+    if not any(isinstance(a, da.Array) for a in arrays):
+        raise TypeError(f"elementwise: one of the arrays must be dask's: tz.{function.__name__} is for NumPy's")
     rows = [cut(a, size) if isinstance(a, da.Array) else a for a in arrays]
     samples = [np.ones(2, a.dtype) if isinstance(a, da.Array) else a for a in rows]
     if dtype is not None:
@@ -169,7 +171,7 @@ def ordered_sum(x: Any, *, size: int = 1 << 20) -> Any:
 def _go_on(lanes: Any, block: NDArray[Any], last: bool) -> Any:
     body = block.size // 2 * 2
     if body == 0:
-        return block[0] + 0.0
+        return tz.sum(block)
     pairs = block[:body].reshape(-1, 2)
     lanes = np.add.accumulate(pairs if lanes is None else np.concatenate([[lanes], pairs]), axis=0)[-1]
     if not last:
@@ -182,7 +184,12 @@ def pwelch(x: Any, window: ArrayLike | None = None, *, win_len: int | None = Non
            overlap: float = 0.5) -> Any:
     """The power spectral density of a row by Welch's method: `tz.pwelch` of every `segments` segments, averaged in the
     tree by their numbers. The differences from one call over the whole row are those of the order of a sum."""
-    win_len = len(np.asarray(window)) if window is not None else win_len or min(256, x.shape[0])
+    if segments < 1:
+        raise ValueError(f"pwelch: segments must be 1 or more, not {segments}")
+    if window is not None:
+        win_len = len(np.asarray(window))
+    elif win_len is None:
+        win_len = min(256, x.shape[0])
     step = win_len - math.ceil(win_len * overlap)
     if step < 1 or x.shape[0] < win_len:
         raise ValueError(f"pwelch: no step of {step} samples in {x.shape[0]}")
@@ -201,7 +208,7 @@ def pwelch(x: Any, window: ArrayLike | None = None, *, win_len: int | None = Non
 
 def sound(path: str | os.PathLike[str], *, size: int = 1 << 20, dtype: DTypeLike = np.float32) -> Any:
     """A sound file of one channel as a row that is read when it is needed."""
-    source = tz.blocks(path, dtype=dtype)
+    source = tz.blocks(path, size, dtype=dtype)
     if source.channels != 1:
         raise ValueError(f"{os.fspath(path)}: one channel wanted, it has {source.channels}")
     parts = [(first, min(size, source.frames - first)) for first in range(0, source.frames, size)]

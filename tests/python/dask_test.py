@@ -59,6 +59,9 @@ class Dask(Case):
                      (lambda: tzd.elementwise(tz.sum, row), TypeError, "no element-wise"),
                      (lambda: tzd.cut(da.ones((2, 2))), ValueError, "one row"),
                      (lambda: tzd.sum(np.ones(9)), TypeError, "a dask array wanted, not ndarray"),
+                     (lambda: tzd.elementwise(tz.exp, np.ones(9)), TypeError, "must be dask's"),
                      (lambda: tzd.cut(row, 0), ValueError, "1 or more"),
                      (lambda: tzd.ordered_sum(row.astype("f4")), TypeError, "float64"),
-                     (lambda: tzd.pwelch(row, win_len=11), ValueError, "in 10"))
+                     (lambda: tzd.pwelch(row, win_len=11), ValueError, "in 10"),
+                     (lambda: tzd.pwelch(row, segments=0), ValueError, "segments must be"),
+                     (lambda: tzd.ordered_sum(row[:0]).compute(), ValueError, "begin at 1"))

@@ -73,6 +73,7 @@ script -qec "yes | head -c 20000000 | '$tzm' filter --raw --rate 48000 -f 100 - 
 "$tzm" --completion zsh >_tzm
 grep -q -- "--segment=,-s}'\[samples in a segment" _tzm || wrong 'completion for zsh'
 refuses 2 "bash or zsh, not 'fish'" --completion fish
+refuses 2 'bash or zsh' --completion
 
 for command in '' $("$tzm" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p'); do
   "$tzm" ${command:+"$command"} --help | grep -q '^Examples:' || wrong "$command --help"

@@ -10,7 +10,7 @@ near 'times' "$(wc -l <sine.csv)" 185 0
 near 'first time' "$(sed -n 2p sine.csv | cut -d, -f1)" "$(awk 'BEGIN { print 512 / 48000 }')" 1e-6
 
 # More segments than columns: a burst in silence is where it was.
-"$tzm" tone -f 3000 -s 40 -r 16000 -a 0.5 keys.wav -k 5 >/dev/null
+"$tzm" tone -s 40 -r 16000 -a 0.5 keys.wav -k 5 >/dev/null
 "$tzm" spectrogram --json -s 256 keys.wav >long.json
 near 'columns' "$(jq '.spectrograms[0].time_s | length' long.json)" 1250 450
 near 'end of the key' "$(jq '.spectrograms[0] | .frequency_hz as $f | [.time_s, .level_db] | transpose |
@@ -62,3 +62,7 @@ for length in 7, 99999, 1200000, 1250235:
         assert len(got) == length and abs(got - expected).max() < 1e-5, (length, name, abs(got - expected).max())
 END
 refuses 2 'multiple of 4' spectrogram -s 1022 sine.wav
+"$make_sound" short.wav 1 300 1000 0.5 0
+near 'segment of a short sound' "$(figure .segment spectrogram short.wav)" 256 0
+refuses 2 'longer than' spectrogram -s 512 short.wav
+refuses 2 'longer than' psd -s 134217727 short.wav

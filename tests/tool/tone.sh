@@ -43,4 +43,6 @@ grep -q '<svg' one.svg || wrong 'no plot of the levels'
 refuses 2 'not below half' tone -f 24000 out.wav
 refuses 2 'not below half' tone -k 1 -r 3000 out.wav
 refuses 2 "not '12x'" tone -k 12x out.wav
+refuses 2 'less than a sample' tone -s 0.00001 out.wav
+refuses 2 'takes no --frequency' tone -k 1 -f 500 out.wav
 refuses 2 'not below half' detect -f 30000 one.wav
