@@ -17,18 +17,18 @@ class Real {
 
  public:
   Real(size_t n, size_t workers)
-      : n_(n), half_(n / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)) {
+      : n_(n), half_(n / 2), pairs_((half_ - 1) / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)) {
     scratch_ = complex_->Scratch() + (IsHalved() || n <= kShort ? 0 : 2 * n + kLine);
     if (!IsHalved()) return;
-    const size_t pairs = (half_ - 1) / 2;
-    WithLanes(pairs, [&](auto d) {
+    WithLanes([&](auto d) {
       using D = decltype(d);
+      if (half_ % (2 * kLanes<D>) == 0) ++pairs_;  // the middle with itself, which fills the last register
       const Roots<T> roots(n);
-      table_ = Table<T>((pairs + kLanes<D> - 1) / kLanes<D> * kBlock<D>);
+      table_ = Table<T>((pairs_ + kLanes<D> - 1) / kLanes<D> * kBlock<D>);
       T* to = table_.get();
-      for (size_t first = 0; first < pairs; first += kLanes<D>, to += kBlock<D>) {
+      for (size_t first = 0; first < pairs_; first += kLanes<D>, to += kBlock<D>) {
         for (size_t lane = 0; lane < kLanes<D>; ++lane) {
-          const Number<T> w = roots(1 + std::min(first, pairs - kLanes<D>) + InOrder<D>(lane));
+          const Number<T> w = roots(1 + std::min(first, pairs_ - kLanes<D>) + InOrder<D>(lane));
           to[lane] = w.re;
           to[kLanes<D> + lane] = w.im;
         }
@@ -47,10 +47,10 @@ class Real {
     }
     complex_->Run({Form::kPairs, in, nullptr}, {Form::kPairs, out, nullptr}, scratch, helpers);
     const View<T> bins = {Form::kPairs, out, nullptr};
-    const Number<T> first = bins.Get(0);
+    const size_t half = half_;  // by itself: a store to `out` might change a member
+    const Number<T> first = bins.Get(0), middle = bins.Get(half / 2);
     bins.Put(0, {first.re + first.im, 0});
-    bins.Put(half_, {first.re - first.im, 0});
-    if (half_ % 2 == 0) bins.Put(half_ / 2, {bins.Get(half_ / 2).re, -bins.Get(half_ / 2).im});
+    bins.Put(half, {first.re - first.im, 0});
     ForEachPair(out, out, [](auto d, auto& a, auto& b, const auto& w) TZM_LAMBDA {
       const auto half = hn::Set(d, T{0.5});
       const auto re = hn::Mul(half, b.re), im = hn::Mul(half, b.im);
@@ -61,6 +61,7 @@ class Real {
       a = even;
       b.im = hn::Neg(b.im);
     });
+    if (half % 2 == 0) bins.Put(half / 2, {middle.re, -middle.im});
   }
 
   void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
@@ -80,8 +81,7 @@ class Real {
       complex_->Run({Form::kSplit, im, re}, {Form::kSplit, im, out}, Rest(scratch), helpers);
       return;
     }
-    const Number<T> first = bins.Get(0), last = bins.Get(half_);
-    const Number<T> middle = bins.Get(half_ / 2);
+    const Number<T> first = bins.Get(0), middle = bins.Get(half_ / 2), last = bins.Get(half_);
     ForEachPair(in, out, [](auto d, auto& a, auto& b, auto w) TZM_LAMBDA {
       (void)d;
       const std::remove_reference_t<decltype(a)> even = {hn::Add(a.re, b.re), hn::Sub(a.im, b.im)};
@@ -110,22 +110,21 @@ class Real {
   }
 
   // f(tag) with as many lanes as there are pairs to fill.
-  static void WithLanes(size_t pairs, auto f) {
+  void WithLanes(auto f) const {
     constexpr size_t kMost = kLanes<Full<T>>;
-    if (pairs >= kMost) return f(Full<T>());
-    if constexpr (kMost > 8) if (pairs >= 8) return f(hn::CappedTag<T, 8>());
+    if (half_ / 2 >= kMost) return f(Full<T>());
+    if constexpr (kMost > 8) if (half_ / 2 >= 8) return f(hn::CappedTag<T, 8>());
     f(hn::CappedTag<T, 4>());  // there are four
   }
 
   // f(tag, a, b, w) on all pairs a = x[k], b = x[n/2 - k] below the middle, w = exp(-2 pi i k / n), as many at once as
   // there are lanes. The last register ends with the last pair; what it shares with the one before it is computed
-  // twice, from numbers that nothing was stored over yet.
+  // twice, from numbers that nothing was stored over yet. The middle may be stored over, too.
   void ForEachPair(const T* in, T* out, auto f) const {
-    const size_t pairs = (half_ - 1) / 2;
-    WithLanes(pairs, [&](auto d) TZM_LAMBDA {
+    WithLanes([&](auto d) TZM_LAMBDA {
       using D = decltype(d);
       constexpr size_t kLane = kLanes<D>;
-      const size_t rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
+      const size_t pairs = pairs_, rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
       const size_t mirrored = half_ - kLane;  // by itself: a store to `out` might change a member
       const auto mirror = [=](size_t k) TZM_LAMBDA { return 2 * (mirrored - k); };
       const auto load = [&](size_t k, const T* w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
@@ -149,7 +148,7 @@ class Real {
     });
   }
 
-  size_t n_, half_, scratch_;
+  size_t n_, half_, pairs_, scratch_;
   std::unique_ptr<Complex<T>> complex_;
   Table<T> table_;  // the roots 1 ... n/4 of n, in registers in the order of their use
 };

@@ -26,11 +26,11 @@ class Small final : public Complex<T> {
   }
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
-    OpenBoth<kReal>(in, out, [&](const auto& from, const auto& to) { Run(from, to); });
+    OpenBoth<kReal>(in, out, [&](const auto& from, const auto& to) { Take(from, to); });
   }
 
  private:
-  void Run(const auto& from, const auto& to) const {
+  void Take(auto from, auto to) const {
     const D d;
     constexpr size_t kRowCount = Rows::kRadix, kColumnCount = Columns::kRadix;
     Cx<D> matrix[kRowCount / kLanes][kColumnCount];
