@@ -59,8 +59,9 @@ struct Exp64 {
   }
 };
 
-// Correctly rounded: 2^k root (1 + f + p), |f| <= ln 2/32, k in sixteenths. The first step is good to kExpError32 of the
-// result, which what comes with the root makes greater by as much: rounded, it and what is less by twice as much agree.
+// Correctly rounded: 2^k root (1 + f + p), |f| <= ln 2/32, k in sixteenths. The first step is good to kExpError32 of
+// the result, which what comes with the root makes greater by as much: rounded, that and what is less by twice as much
+// agree.
 struct Exp32 {
   TZM_INLINE F operator()(F x) const {
     constexpr float kToSixteenths = kToInteger32 / 16, kNormal = 87;

@@ -57,13 +57,26 @@ TZM_INLINE Vector Fnma(Vector a, Vector b, Vector c) {
   return hn::NegMulAdd(a, b, c);
 }
 
+// A register of binary32 as two of binary64, step by step side by side, so that neither waits for the other.
+struct Halves {
+  V low, high;
+};
+TZM_INLINE Halves Fma(Halves a, Halves b, Halves c) { return {Fma(a.low, b.low, c.low), Fma(a.high, b.high, c.high)}; }
+TZM_INLINE Halves Mul(Halves a, Halves b) { return {hn::Mul(a.low, b.low), hn::Mul(a.high, b.high)}; }
+template <class Vector, class T>
+TZM_INLINE Vector Constant(T value) {
+  if constexpr (std::is_same_v<Vector, Halves>) return {C(value), C(value)};
+  else return hn::Set(hn::DFromV<Vector>(), value);
+}
+
 // Lanes with |a| > b, and with |a| < b, b being positive: AArch64 compares magnitudes.
 template <class Vector>
 TZM_INLINE auto AbsGreater(Vector a, Vector b) {
 #if HWY_ARCH_ARM_A64
   Mask<hn::DFromV<Vector>> greater;  // the compiler's intrinsic is two instructions where one is a constant
-  if constexpr (std::is_same_v<Vector, V>) asm("facgt %0.2d, %1.2d, %2.2d" : "=w"(greater.raw) : "w"(a.raw), "w"(b.raw));
-  else asm("facgt %0.4s, %1.4s, %2.4s" : "=w"(greater.raw) : "w"(a.raw), "w"(b.raw));
+  auto& m = greater.raw;
+  if constexpr (std::is_same_v<Vector, V>) asm("facgt %0.2d, %1.2d, %2.2d" : "=w"(m) : "w"(a.raw), "w"(b.raw));
+  else asm("facgt %0.4s, %1.4s, %2.4s" : "=w"(m) : "w"(a.raw), "w"(b.raw));
   return greater;
 #else
   return hn::Gt(hn::Abs(a), b);
@@ -188,12 +201,22 @@ class Addends {
 #endif
 };
 
+template <const auto& kConstants>
+class Addends<kConstants, Halves> {
+ public:
+  explicit TZM_INLINE Addends(Halves x) : low_(x.low), high_(x.high) {}
+  TZM_INLINE Halves operator[](size_t i) const { return {low_[i], high_[i]}; }
+
+ private:
+  const Addends<kConstants, V> low_, high_;
+};
+
 // c[0] + c[1] x + c[2] x^2 ...: by Horner's rule, and in two chains, of the even and of the odd powers.
 template <const auto& c, class Vector>
 TZM_INLINE Vector Polynomial(Vector x) {
   constexpr size_t N = std::size(c);
   const Addends<c, Vector> addend(x);
-  Vector p = hn::Set(hn::DFromV<Vector>(), c[N - 1]);
+  Vector p = Constant<Vector>(c[N - 1]);
   Unrolled<N - 1>([&](auto i) TZM_LAMBDA { p = Fma(p, x, addend[N - 2 - i]); });
   return p;
 }
@@ -237,9 +260,6 @@ TZM_INLINE Sum FastTwoSum(V a, V b) {
 // second takes the whole register: the function of binary64, rounded once. That the first step is as good as it says is
 // what ./run verify shows, at every number.
 
-struct Halves {
-  V low, high;
-};
 TZM_INLINE Halves Widen(F x) {
   return {hn::PromoteTo(D(), hn::LowerHalf(x)), hn::PromoteTo(D(), hn::UpperHalf(hn::Half<S>(), x))};
 }
@@ -342,7 +362,7 @@ constexpr auto kBytes = [] {
   constexpr size_t kColumns = std::size(kTable.column), kEntries = std::size(kTable.column[0]);
   struct {
     alignas(16) uint8_t column[kColumns][4 * kEntries];
-    alignas(16) uint8_t lowest[16], start[16];  // of each byte of a lane: the lane's lowest one, where its column starts
+    alignas(16) uint8_t lowest[16], start[16];  // of a lane's bytes: the lowest one, where the entries' start
     bool isShort[kColumns];
   } table{};
   for (size_t byte = 0; byte < 16; ++byte) {

@@ -191,47 +191,46 @@ TZM_INLINE F RoundedOrSecond(F x, Halves y, I32 k) {
 }
 
 // The sine of r, |r| <= pi/2, to 2^-35 of it.
-TZM_INLINE V SineOf(V r) { return hn::Mul(r, Polynomial<kSinPoly32>(hn::Mul(r, r))); }
+TZM_INLINE Halves SineOf(Halves r) { return Mul(r, Polynomial<kSinPoly32>(Mul(r, r))); }
 struct Sin32 : InStages<Sin32> {
   static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<2, false>(x); }
   static TZM_INLINE F End(F x, const Reduced32& a) {
-    return RoundedOrSecond<0x40000, Sin64, kSinMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, a.k);
+    return RoundedOrSecond<0x40000, Sin64, kSinMiddles>(x, SineOf(a.r), a.k);
   }
 };
 // cos(r + (k + 1/2) pi) is the sine of r, negative where k is even.
 struct Cos32 : InStages<Cos32> {
   static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<2, true>(x); }
   static TZM_INLINE F End(F x, const Reduced32& a) {
-    return RoundedOrSecond<0x40000, Cos64, kCosMiddles>(x, {SineOf(a.r.low), SineOf(a.r.high)}, hn::Not(a.k));
+    return RoundedOrSecond<0x40000, Cos64, kCosMiddles>(x, SineOf(a.r), hn::Not(a.k));
   }
 };
 // The sine and the cosine of r, |r| <= pi/4: to 2^-37 of them.
-TZM_INLINE SineCosine<V> SineCosineOf(V r) {
-  const V r2 = hn::Mul(r, r);
-  return {hn::Mul(r, Polynomial<kTanSinPoly32>(r2)), Polynomial<kTanCosPoly32>(r2)};
+TZM_INLINE SineCosine<Halves> SineCosineOf(Halves r) {
+  const Halves r2 = Mul(r, r);
+  return {Mul(r, Polynomial<kTanSinPoly32>(r2)), Polynomial<kTanCosPoly32>(r2)};
 }
 // Their quotient: to 2^-36 of it.
 struct Tan32 : InStages<Tan32> {
   static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<1, false>(x); }
   static TZM_INLINE F End(F x, const Reduced32& a) {
     const Halves odd = Widen(OfBits(hn::ShiftLeft<31>(a.k)));
-    const auto tangent = [](V r, V odd) TZM_LAMBDA {
-      const auto [s, c] = SineCosineOf(r);
+    const auto [sine, cosine] = SineCosineOf(a.r);
+    const auto tangent = [](V s, V c, V odd) TZM_LAMBDA {
       const M swap = hn::RebindMask(D(), hn::TestBit(BitsOf(odd), SetBits(uint64_t{1} << 63)));
       return hn::Div(hn::IfThenElse(swap, c, s), hn::IfThenElse(swap, s, c));
     };
-    const Halves y = {tangent(a.r.low, odd.low), tangent(a.r.high, odd.high)};
+    const Halves y = {tangent(sine.low, cosine.low, odd.low), tangent(sine.high, cosine.high, odd.high)};
     return RoundedOrSecond<0x20000, Tan64>(x, y, a.k);
   }
 };
 struct SinCos32 : InStages<SinCos32> {
   static TZM_INLINE Reduced32 Begin(F x) { return Reduce32<1, false>(x); }
   static TZM_INLINE SineCosine<F> End(F x, const Reduced32& a) {
-    const SineCosine<V> low = SineCosineOf(a.r.low), high = SineCosineOf(a.r.high);
-    const M32 sureSine = IsSureWithin<0x20000>({low.sine, high.sine}, AbsLess(x, C32(kNear)));
-    if (AnyOpen<0x20000>({low.cosine, high.cosine}, sureSine))
+    const auto [sines, cosines] = SineCosineOf(a.r);
+    if (AnyOpen<0x20000>(cosines, IsSureWithin<0x20000>(sines, AbsLess(x, C32(kNear)))))
       return {SecondStep<Sin64, kSinMiddles>(x), SecondStep<Cos64, kCosMiddles>(x)};
-    const F sine = NarrowPair(S(), low.sine, high.sine), cosine = NarrowPair(S(), low.cosine, high.cosine);
+    const F sine = NarrowPair(S(), sines.low, sines.high), cosine = NarrowPair(S(), cosines.low, cosines.high);
     const M32 swap = hn::RebindMask(S(), hn::TestBit(a.k, hn::Set(Bits32(), 1)));
     return {NegateIfOdd(hn::IfThenElse(swap, cosine, sine), hn::ShiftRight<1>(a.k)),
             NegateIfOdd(hn::IfThenElse(swap, sine, cosine), hn::ShiftRight<1>(hn::Add(a.k, hn::Set(Bits32(), 1))))};
