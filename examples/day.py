@@ -36,6 +36,8 @@ def main():
     options.add_argument("--workers", type=int, default=0, help="processes; 0 for threads of this one")
     options.add_argument("recording", nargs="?")
     options = options.parse_args()
+    if not 1e-3 < options.hours < 1e6 or not 0 <= options.workers < 1000:
+        raise SystemExit("day.py: --hours must lie between 0.001 and 1000000, --workers between 0 and 999")
 
     x = tzd.sound(options.recording) if options.recording else made_up("sound", int(3600 * RATE * options.hours), "f4")
     rate = tz.blocks(options.recording).rate if options.recording else RATE

@@ -7,6 +7,7 @@
 #include <sndfile.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 /* Every operation returns a status: 0, a warning (300 to 306) or an error. These programs have nothing better to do
  * than to stop at either. */
@@ -33,11 +34,19 @@ typedef struct Recording {
   Orva16s* counts;   /* the same as 16-bit numbers */
 } Recording;
 
+/* What was printed may still fail to arrive: a full disk, a closed pipe. */
+static inline void FlushOutput(void) {
+  if (fflush(stdout) == 0 && !ferror(stdout)) return;
+  perror("standard output");
+  _exit(1);
+}
+
 /* Reads a recording of one channel, the argument `index` of the program. */
 static inline Recording ReadRecording(int argc, char** argv, int index) {
   SF_INFO info = {0, 0, 0, 0, 0, 0};
   SNDFILE* file;
   Recording recording;
+  atexit(FlushOutput);
   if (index >= argc) {
     fprintf(stderr, "usage: %s RECORDING ...\n", argv[0]);
     exit(2);

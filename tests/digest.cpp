@@ -48,6 +48,7 @@ std::string DigestOf(const Member& member) {
 
 int Check(const std::map<std::string, std::string>& actual, const char* path) {
   std::ifstream file(path);
+  if (!file) return std::fprintf(stderr, "digest: cannot read %s\n", path), 2;
   std::map<std::string, std::string> expected;
   for (std::string name, digest; file >> name >> digest;) expected[name] = digest;
   for (const auto& [name, digest] : actual) expected.try_emplace(name, "none");

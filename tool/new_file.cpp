@@ -52,6 +52,8 @@ NewFile::NewFile(const std::string& path) : path_(path), target_(path) {
   std::FILE* file = std::fopen(part_.c_str(), "wbx");  // none that is there already
   if (!file) Fail(std::strerror(errno));
   std::fclose(file);
+  const auto old = std::filesystem::status(target_, ignored);  // what only its owner could read stays so
+  if (std::filesystem::exists(old)) std::filesystem::permissions(part_, old.permissions(), ignored);
 }
 
 NewFile::~NewFile() {

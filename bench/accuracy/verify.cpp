@@ -145,6 +145,13 @@ int main(int argc, char** argv) {
   const auto chosen = [&](const char* name) {
     return argc == 1 || std::find(argv + 1, argv + argc, std::string(name)) != argv + argc;
   };
+  for (int i = 1; i < argc; ++i) {
+    const auto named = [&](const Function& f) { return std::strcmp(f.name, argv[i]) == 0; };
+    if (std::any_of(std::begin(functions), std::end(functions), named) || std::strcmp(argv[i], "multiples") == 0)
+      continue;
+    std::fprintf(stderr, "verify: nothing is called '%s': see ./run --help\n", argv[i]);
+    return 2;
+  }
   bool right = true;
   for (const Function& f : functions)
     if (chosen(f.name)) right &= Verify(f);

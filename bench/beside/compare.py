@@ -79,14 +79,16 @@ def main():
     if len(sys.argv) < 2:
         sys.exit("usage: compare.py LIBRARY_FOLDER [ROOM ...]")
     here = pathlib.Path(__file__).parent
-    rooms = sys.argv[2:] or sorted(file.stem for file in here.glob("*.py") if file.stem != "compare")
+    there = sorted(file.stem for file in here.glob("*.py") if file.stem != "compare")
+    rooms = sys.argv[2:] or there
+    for room in rooms:
+        if room not in there:
+            sys.exit(f"compare.py: no room {room} to compare in, but {', '.join(there)}")
     try:
         tzm = Library(sys.argv[1])
     except OSError as error:
         sys.exit(f"compare.py: no library in {sys.argv[1]} ({error}): build it with ./run bench")
     for room in rooms:
-        if not (here / f"{room}.py").exists():
-            sys.exit(f"compare.py: no room {room} to compare in")
         for name, elements, calls in importlib.import_module(room).cases(tzm):
             best = best_times(calls)
             columns = (f"{who} {1e9 * best[who] / elements:8.3f} ({best[who] / best['tzm']:5.2f})" for who in calls)

@@ -38,7 +38,7 @@ enum {
 
 /** `kind` of filters, convolution and correlation: the route. */
 enum {
-  ORVA_ROUTE_BY_LENGTH = 0, /**< Whichever is faster for the lengths. */
+  ORVA_ROUTE_BY_LENGTH = 0, /**< By the lengths alone, as each operation tells. */
   ORVA_ROUTE_DIRECT = 1,    /**< Sums of products. */
   ORVA_ROUTE_FFT = 2        /**< By Fourier transforms. */
 };

@@ -2,10 +2,12 @@
 from __future__ import annotations
 
 import ctypes
+import errno
 import functools
 import os
 import re
 import secrets
+import shutil
 import warnings
 from typing import Any, Iterator
 
@@ -161,14 +163,20 @@ def write(path: str | os.PathLike[str], x: ArrayLike, rate: int, *, format: str 
     if not _library().sf_format_check(ctypes.byref(info)):
         code = next(name for name, code in _FORMATS.items() if code == sample)
         raise ValueError(f"{os.fspath(path)}: such a file cannot hold {info.channels} channels of {code} at {rate} Hz")
-    place = os.path.join(os.path.dirname(os.path.abspath(path)), secrets.token_hex(8) + ".part")
+    old = os.path.exists(path)
+    target = os.path.realpath(path) if old else os.path.abspath(path)  # a link stays, and what it names is replaced
+    place = os.path.join(os.path.dirname(target), secrets.token_hex(8) + ".part")
     try:
+        if old and not os.access(target, os.W_OK):
+            raise OSError(errno.EACCES, os.strerror(errno.EACCES))
         os.close(os.open(place, os.O_CREAT | os.O_EXCL | os.O_WRONLY, 0o666))
+        if old:
+            shutil.copymode(target, place)
         with _File(place, _WRITE, info) as file:
             if file.call(f"writef_{_CALLS[kind]}", ctypes.c_void_p(frames.ctypes.data),
                          ctypes.c_int64(frames.shape[0])) != frames.shape[0]:
                 raise OSError(f"{os.fspath(path)}: cannot write (disk full?)")
-        os.replace(place, path)
+        os.replace(place, target)
     except OSError as error:
         if error.errno is None:
             raise OSError(str(error).replace(place, os.fspath(path))) from None

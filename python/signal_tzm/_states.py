@@ -9,7 +9,6 @@ import math
 import operator
 import re
 import threading
-import weakref
 from typing import Any, Callable, Iterable, Iterator, TypeVar
 
 import numpy as np
@@ -161,14 +160,13 @@ class State:
 
     _shared = False  # whether any number of calls may use it at once
     _arguments: tuple[tuple[Any, ...], dict[str, Any]]
-    _pointers: dict[str, Any]
-    _releases: list[Any]
+    _pointers: dict[str, Any]  # each gives its state back when nobody holds it: neither this nor a call in another thread
     _lock: Any
 
     def __new__(cls: type[Self], *arguments: Any, **options: Any) -> Self:
         self = super().__new__(cls)
         self._arguments = arguments, options
-        self._pointers, self._releases = {}, []
+        self._pointers = {}
         self._closed = False
         self._lock = contextlib.nullcontext() if cls._shared else threading.Lock()
         return self
@@ -181,21 +179,20 @@ class State:
         at = [kind.kind == "pointer" and kind.item.kind == "pointer" for kind in kinds].index(True)
         made = ffi.new(kinds[at])
         _do(init, *values[:at], made, *values[at:])
-        self._pointers[key] = made[0]
-        self._releases.append(weakref.finalize(self, getattr(lib, release), made[0]))
-        return made[0]
+        self._pointers[key] = ffi.gc(made[0], getattr(lib, release))
+        return self._pointers[key]
 
     def _state(self, key: str = "") -> Any:
-        if self._closed:
-            raise ValueError(f"this {type(self).__name__} is closed")
-        return self._pointers[key]
+        try:
+            return self._pointers[key]
+        except KeyError:
+            raise ValueError(f"this {type(self).__name__} is closed") from None
 
     def close(self) -> None:
         """Gives the state back; a second time does nothing."""
         with self._lock:
             self._closed = True
-            for release in self._releases:
-                release()
+            self._pointers.clear()
 
     def __enter__(self: Self) -> Self:
         return self
@@ -495,7 +492,7 @@ class Resampler(State):
         dst = np.empty(lead + (n * self.out_rate // self.in_rate + 1,), self.dtype)
         count, now = np.empty(lead + (1,), np.int32), np.full(lead + (1,), time, np.int64)
         _do(name, x, n, dst, norm, now, count, self._state(), rows=math.prod(lead))
-        return dst[..., :int(count.flat[0])], int(now.flat[0])
+        return dst[..., :int(count.max(initial=0))], int(now.max(initial=time))
 
     def stream(self, blocks: Iterable[ArrayLike], *, norm: float = 1) -> Iterator[Array]:
         """Resamples a signal that comes in blocks, along the last axis: the same bits wherever it was cut."""
@@ -548,7 +545,7 @@ class VariableResampler(State):
                                                                                                          float(reach))
         _do(_name("ResamplePolyphase", "", self._kind), src, n, dst, factor, norm, time, count, self._state(),
             rows=math.prod(lead))
-        return _given(dst[..., :int(count.flat[0])], axis)
+        return _given(dst[..., :int(count.max(initial=0))], axis)
 
 
 # ---- Transforms ----

@@ -192,7 +192,7 @@ def pwelch(x: Any, window: ArrayLike | None = None, *, win_len: int | None = Non
         win_len = min(256, x.shape[0])
     step = win_len - math.ceil(win_len * overlap)
     if step < 1 or x.shape[0] < win_len:
-        raise ValueError(f"pwelch: no step of {step} samples in {x.shape[0]}")
+        raise ValueError(f"pwelch: no segments of {win_len} samples, {step} apart, in {x.shape[0]}")
     count = (x.shape[0] - win_len) // step + 1
     parts = []
     for first in range(0, count, segments):

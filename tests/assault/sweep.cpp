@@ -1,8 +1,9 @@
 // Random calls over all operations of the table, from a seed: lengths, samples, constants, scales, places, arrays that
 // are one, null pointers and bad lengths. One digest an operation, the same of every build on every machine.
+#include <algorithm>
+#include <charconv>
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 
 #include "members/caller.h"
 #include "support/digest.h"
@@ -41,15 +42,22 @@ void Draw(Random& random, const Member& member, Caller& caller, Digest& digest) 
 
 // SEED [CALLS [NAME ...]]
 int Sweep(const std::vector<std::string>& arguments) {
-  const uint64_t seed = arguments.empty() ? 1 : std::strtoull(arguments[0].c_str(), nullptr, 10);
-  const int calls = arguments.size() < 2 ? 500 : std::atoi(arguments[1].c_str());
+  uint64_t given[] = {1, 500};
+  for (size_t i = 0; i < std::min(arguments.size(), std::size(given)); ++i) {
+    const std::string& text = arguments[i];
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), given[i]);
+    if (error == std::errc() && end == text.data() + text.size() && given[i] > 0) continue;
+    std::fprintf(stderr, "assault: sweep takes a seed and a number of calls, not '%s'\n", text.c_str());
+    return 2;
+  }
+  const auto [seed, calls] = given;
   for (const Member* member : AllMembers()) {
     if (member->IsScenario()) continue;
     Digest digest, name;
     name.Add(member->name.data(), member->name.size());
     Random random(seed ^ name.Value());
     Caller caller(*member, 3000);
-    for (int call = 0; call < calls; ++call) Draw(random, *member, caller, digest);
+    for (uint64_t call = 0; call < calls; ++call) Draw(random, *member, caller, digest);
     std::printf("%s %016" PRIx64 "\n", member->name.c_str(), digest.Value());
   }
   return 0;

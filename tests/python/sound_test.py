@@ -63,6 +63,14 @@ class Sound(Case):
         self.assertEqual(good.read_bytes(), before)
         self.assertEqual(os.listdir(self.folder), ["good.wav"])
 
+    def test_what_was_there(self):
+        """A file that is replaced keeps its mode, and a link stays one."""
+        private, link = self.folder / "private.wav", self.folder / "link.wav"
+        private.touch(0o600)
+        link.symlink_to(private)
+        tz.write(link, np.ones(9), 8000)
+        self.assertEqual((link.is_symlink(), private.stat().st_mode & 0o777, tz.read(private)[1]), (True, 0o600, 8000))
+
     def test_cut_off(self):
         """What is there is read, and how much is missing told; the size 0xffffffff of a stream promises nothing."""
         for name in ("x.wav", "x.aiff", "x.au", "x.w64", "x.rf64", "x.flac"):

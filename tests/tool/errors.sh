@@ -59,6 +59,10 @@ kill $! && wait $! && wrong 'a long command that ended well'
 if compgen -G '*.part' >/dev/null; then wrong 'a part of a file is left'; fi
 cmp -s sine.wav kept.wav || wrong 'a failure touched the output'
 
+# What is replaced keeps its mode.
+(umask 022 && chmod 600 kept.wav && "$tzm" tone -s 0.1 kept.wav >/dev/null && [ "$(stat -c %a kept.wav)" = 600 ]) ||
+  wrong "a private file is now $(stat -c %a kept.wav)"
+
 # A terminal is told no nonsense about sound of unknown length; saturation is told.
 script -qec "yes | head -c 20000000 | '$tzm' filter --raw --rate 48000 -f 100 - out.wav" /dev/null >said.txt
 { grep -q '208.33 s' said.txt && ! grep -qE 'nan|inf|%' said.txt; } || wrong "of a pipe it said: $(cat said.txt)"
