@@ -50,7 +50,7 @@ TZM_INLINE bool DivideParts(Real real, size_t len, Kernel kernel, const Complex*
 // zero, which a zero divisor has, and so has a zero dividend over any divisor.
 template <bool kBody>
 TZM_INLINE bool DivideComplex32(size_t len, const Orva32fc* divisor, const Orva32fc* dividend, Orva32fc* dst) {
-  using Real = std::conditional_t<kBody, Full<float>, hn::FixedTag<float, 4>>;  // few elements: narrow registers
+  using Real = std::conditional_t<kBody, Full<float>, hn::CappedTag<float, 8>>;  // few elements: narrow registers
   using V = Vec<Real>;
   return DivideParts(Real(), len, [](V c, V d, V a, V b, V& re, V& im) TZM_LAMBDA {
     const V squares = hn::Mul(d, d), product = hn::Mul(d, a);

@@ -26,24 +26,39 @@ struct AnySet {
 };
 
 // The roots of all elements, and the status: in whole blocks of kBlock elements the last kLanes ones count, a register
-// of them, behind them all. It goes by 512 bytes: the machine scans them while it still takes the roots of those
-// before.
+// of them, behind them all.
 template <size_t kBlock, size_t kLanes, class T, class Root>
-OrvaStatus ScanAndRoot(const T* src, T* dst, int32_t len, Root root) {
-  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+TZM_INLINE OrvaStatus ScanAndRoot(int32_t len, const T* src, T* dst, Root root) {
   using Lanes = LaneArray<T, kLanes>;
-  bool negative = false;
-  ForBlocks<512 / sizeof(T)>(len, [&](int32_t count, const T* from, T* to) TZM_LAMBDA {
-    const auto see = [=](size_t i, Lanes& found) TZM_LAMBDA {
-      const typename Lanes::D d;
-      const auto counted = hn::LoadU(d, from + i + (kBlock - kLanes));
-      found.v[0] = hn::Or(found.v[0], hn::VecFromMask(d, hn::Lt(counted, hn::Zero(d))));
-    };
-    const auto seeTail = [=](size_t i, bool& any) TZM_LAMBDA { any |= LoadElement(from + i) < 0; };
-    negative |= OrderedSum<Lanes, kBlock, AnySet>::template Of<kBlock>(count, see, seeTail);
-    root(count, from, to);
-  }, src, dst);
+  const auto see = [=](size_t i, Lanes& found) TZM_LAMBDA {
+    const typename Lanes::D d;
+    const auto counted = hn::LoadU(d, src + i + (kBlock - kLanes));
+    found.v[0] = hn::Or(found.v[0], hn::VecFromMask(d, hn::Lt(counted, hn::Zero(d))));
+  };
+  const auto seeTail = [=](size_t i, bool& any) TZM_LAMBDA { any |= LoadElement(src + i) < 0; };
+  const bool negative = OrderedSum<Lanes, kBlock, AnySet>::template Of<kBlock>(len, see, seeTail);
+  root(len, src, dst);
   return negative ? ORVA_STS_SQRT_NEG_ERR : ORVA_STS_NO_ERR;
+}
+
+// The same by 512 bytes: the machine scans them while it still takes the roots of those before. A function of its own:
+// in the member its registers would be saved for every short array.
+template <class T>
+constexpr int32_t kScanned = 512 / sizeof(T);
+template <size_t kBlock, size_t kLanes, class T, class Root>
+__attribute__((noinline)) OrvaStatus ScanAndRootBlocks(int32_t len, const T* src, T* dst, Root root) {
+  OrvaStatus status = ORVA_STS_NO_ERR;
+  ForBlocks<kScanned<T>>(len, [&](int32_t count, const T* from, T* to) TZM_LAMBDA {
+    status = std::max(status, ScanAndRoot<kBlock, kLanes>(count, from, to, root));
+  }, src, dst);
+  return status;
+}
+
+template <size_t kBlock, size_t kLanes, class T, class Root>
+TZM_INLINE OrvaStatus Roots(const T* src, T* dst, int32_t len, Root root) {
+  if (OrvaStatus status = CheckArrays(len, src, dst)) return status;
+  if (len <= kScanned<T>) return ScanAndRoot<kBlock, kLanes>(len, src, dst, root);
+  return ScanAndRootBlocks<kBlock, kLanes>(len, src, dst, root);
 }
 
 // ---- Scaled square roots ----
@@ -117,12 +132,12 @@ TZM_INLINE V CubeRoots(V x, V y) {
 }  // namespace
 
 OrvaStatus ORVAS_Sqrt_32f(const Orva32f* src, Orva32f* dst, int32_t len) {
-  return ScanAndRoot<8, 4>(src, dst, len, vssqrt);  // deliberately blind to the other half
+  return Roots<8, 4>(src, dst, len, vssqrt);  // deliberately blind to the other half
 }
 
 OrvaStatus ORVAS_Sqrt_64f(const Orva64f* src, Orva64f* dst, int32_t len) {
   constexpr size_t kLanes = hn::MaxLanes(Full<double>());
-  return ScanAndRoot<kLanes, kLanes>(src, dst, len, vdsqrt);
+  return Roots<kLanes, kLanes>(src, dst, len, vdsqrt);
 }
 
 OrvaStatus ORVAS_Sqrt_32fc(const Orva32fc* src, Orva32fc* dst, int32_t len) {

@@ -86,7 +86,9 @@ TZM_INLINE void Steps(size_t len, Kernel& kernel, T*... arrays) {
   const size_t end = kLight<kUnroll, T...> ? len : len - 1;
   size_t i = 0;
   if constexpr (kUnroll > 1) {
-    for (; i + kTurn <= end; i += kTurn) Turn<kStep, kUnroll>(i, kernel, arrays...);
+    if (end >= kTurn) [[unlikely]] {  // so it stands apart, and a short array jumps over nothing
+      for (; i + kTurn <= end; i += kTurn) Turn<kStep, kUnroll>(i, kernel, arrays...);
+    }
   }
   for (; i < len - kStep; i += kStep) Turn<kStep, 1>(i, kernel, arrays...);
 }

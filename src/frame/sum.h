@@ -61,8 +61,10 @@ struct OrderedSum {
     Lanes lanes = Lanes::Set(start);
     const size_t body = len - len % kStep;
     size_t i = 0;
-    for (; body - i >= kTurn; i += kTurn)
-      Unrolled<kTurn / kAtOnce>([&](auto k) TZM_LAMBDA { step(i + k * kAtOnce, lanes); });
+    if (body >= kTurn) [[unlikely]] {  // as in Steps
+      for (; body - i >= kTurn; i += kTurn)
+        Unrolled<kTurn / kAtOnce>([&](auto k) TZM_LAMBDA { step(i + k * kAtOnce, lanes); });
+    }
     for (; i < body; i += kAtOnce) step(i, lanes);
     auto sum = Fold()(lanes);
     for (; i < len; ++i) tail(i, sum);
