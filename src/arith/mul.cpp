@@ -36,7 +36,7 @@ TZM_INLINE void WidenedProducts(D d, const T* src1, const T* src2, Dst* dst, int
 
 // Real part fma(ar, br, -(ai*bi)), imaginary part fma(ai, br, ar*bi).
 template <class Complex>
-void ComplexProducts(const Complex* src1, const Complex* src2, Complex* dst, int32_t len) {
+TZM_INLINE void ComplexProducts(const Complex* src1, const Complex* src2, Complex* dst, int32_t len) {
   using D = Full<decltype(Complex::re)>;
   const D d;
   ForEach<hn::MaxLanes(d)>(len, [=](const Complex* a, const Complex* b, Complex* to) TZM_LAMBDA {

@@ -100,16 +100,19 @@ TZM_INLINE V ShufflePairs(V a, V b) {
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void LoadParts(D d, const T* from, Vec<D>& re, Vec<D>& im) {
 #if HWY_ARCH_X86
-  if constexpr (sizeof(T) == 8) {
-    const auto first = hn::LoadU(d, from), second = hn::LoadU(d, from + hn::Lanes(d));
-    re = hn::InterleaveLower(d, first, second);
-    im = hn::InterleaveUpper(d, first, second);
-    return;
-  } else if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) >= 8) {
-    const hn::RebindToFloat<D> df;
-    const auto first = hn::BitCast(df, hn::LoadU(d, from)), second = hn::BitCast(df, hn::LoadU(d, from + hn::Lanes(d)));
-    re = hn::BitCast(d, ShufflePairs<0x88>(first, second));
-    im = hn::BitCast(d, ShufflePairs<0xdd>(first, second));
+  if constexpr (sizeof(T) == 8 || (sizeof(T) == 4 && hn::MaxLanes(D()) >= 8)) {
+    // Loaded once where the machine loads one register a cycle, not two: as an operand it would be loaded twice.
+    const auto first = InRegister(hn::LoadU(d, from));
+    auto second = hn::LoadU(d, from + hn::Lanes(d));
+    if constexpr (hn::MaxLanes(D()) * sizeof(T) == 64) second = InRegister(second);
+    if constexpr (sizeof(T) == 8) {
+      re = hn::InterleaveLower(d, first, second);
+      im = hn::InterleaveUpper(d, first, second);
+    } else {
+      const hn::RebindToFloat<D> df;
+      re = hn::BitCast(d, ShufflePairs<0x88>(hn::BitCast(df, first), hn::BitCast(df, second)));
+      im = hn::BitCast(d, ShufflePairs<0xdd>(hn::BitCast(df, first), hn::BitCast(df, second)));
+    }
     return;
   }
 #endif
