@@ -40,8 +40,8 @@ TZM_INLINE Wide<N> operator*(Wide<N> a, Wide<N> b) {
   return Wide<N>::Of(hi, Fma(a.hi, b.lo, Fma(a.lo, b.hi, Fma(a.hi, b.hi, Negated(hi)))));
 }
 inline Wide<double> operator/(Wide<double> a, double by) {
-  const double first = a.hi / by, rest = Fma(-first, by, a.hi) + a.lo;
-  return Wide<double>::Of(first, rest / by);
+  const double inverse = 1 / by, first = a.hi * inverse, rest = Fma(-first, by, a.hi) + a.lo;
+  return Wide<double>::Of(first, rest * inverse);
 }
 
 // cos + i sin of an angle, and the product of two: the sum of the angles.
@@ -57,14 +57,21 @@ TZM_INLINE Turn<N> operator*(const Turn<N>& a, const Turn<N>& b) {
 
 // The turn by one part in `whole` of a circle, at most an eighth of it, by the Taylor series from the last term.
 inline Turn<double> TurnBy(size_t whole) {
-  const Wide<double> circle = {0x1.921fb54442d18p+2, 0x1.1a62633145c07p-52}, one = {1, 0};
+  const Wide<double> circle = {0x1.921fb54442d18p+2, 0x1.1a62633145c07p-52};
   const Wide<double> x = circle / static_cast<double>(whole), square = x * x;
-  Wide<double> cos = one, sin = one;
-  for (double k = x.hi < 0.1 ? 18 : 28; k >= 2; k -= 2) {
-    cos = one + square / (-k * (k - 1)) * cos;  // nothing waits for the quotients
-    sin = one + square / (-k * (k + 1)) * sin;
+  // 1 + q v for a small q. The parts wait for each other in the end only.
+  const auto onePlus = [](Wide<double> q, Wide<double> v) {
+    const double product = q.hi * v.hi, hi = 1 + product;
+    const double lost = product - (hi - 1), below = Fma(q.hi, v.hi, -product) + Fma(q.hi, v.lo, q.lo * v.hi);
+    return Wide<double>{hi, lost + below};
+  };
+  Wide<double> cos = {1, 0}, sin = cos;
+#pragma GCC unroll 14
+  for (int k = 28; k >= 2; k -= 2) {
+    cos = onePlus(square / (-k * (k - 1)), cos);  // nothing waits for the quotients
+    sin = onePlus(square / (-k * (k + 1)), sin);
   }
-  return {cos, x * sin};
+  return {Wide<double>::Of(cos.hi, cos.lo), x * sin};
 }
 
 // To the nearest T: the bits that binary32 drops are first made to tell of what lies below binary64.
