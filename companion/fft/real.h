@@ -20,7 +20,7 @@ class Real {
       : n_(n), half_(n / 2), pairs_((half_ - 1) / 2), complex_(MakeComplex<T>(IsHalved() ? half_ : n, workers)) {
     scratch_ = complex_->Scratch() + (IsHalved() || n <= kShort ? 0 : 2 * n + kLine);
     if (!IsHalved()) return;
-    WithLanes([&](auto d) {
+    WithLanes(half_ / 2, [&](auto d) {
       using D = decltype(d);
       if (half_ % (2 * kLanes<D>) == 0) ++pairs_;  // the middle with itself, which fills the last register
       const Roots<T> roots(n);
@@ -47,10 +47,11 @@ class Real {
     }
     complex_->Run({Form::kPairs, in, nullptr}, {Form::kPairs, out, nullptr}, scratch, helpers);
     const View<T> bins = {Form::kPairs, out, nullptr};
-    const size_t half = half_;  // by itself: a store to `out` might change a member
-    const Number<T> first = bins.Get(0), middle = bins.Get(half / 2);
+    const Number<T> first = bins.Get(0), middle = bins.Get(half_ / 2);
     bins.Put(0, {first.re + first.im, 0});
-    bins.Put(half, {first.re - first.im, 0});
+    bins.Put(half_, {first.re - first.im, 0});
+    const bool own = 2 * pairs_ == half_;  // the middle has a pair of its own, whose results are none
+    if (half_ % 2 == 0 && !own) bins.Put(half_ / 2, {middle.re, -middle.im});
     ForEachPair(out, out, [](auto d, auto& a, auto& b, const auto& w) TZM_LAMBDA {
       const auto half = hn::Set(d, T{0.5});
       const auto re = hn::Mul(half, b.re), im = hn::Mul(half, b.im);
@@ -61,7 +62,7 @@ class Real {
       a = even;
       b.im = hn::Neg(b.im);
     });
-    if (half % 2 == 0) bins.Put(half / 2, {middle.re, -middle.im});
+    if (own) bins.Put(half_ / 2, {middle.re, -middle.im});
   }
 
   void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
@@ -110,10 +111,10 @@ class Real {
   }
 
   // f(tag) with as many lanes as there are pairs to fill.
-  void WithLanes(auto f) const {
+  static void WithLanes(size_t pairs, auto f) {
     constexpr size_t kMost = kLanes<Full<T>>;
-    if (half_ / 2 >= kMost) return f(Full<T>());
-    if constexpr (kMost > 8) if (half_ / 2 >= 8) return f(hn::CappedTag<T, 8>());
+    if (pairs >= kMost) return f(Full<T>());
+    if constexpr (kMost > 8) if (pairs >= 8) return f(hn::CappedTag<T, 8>());
     f(hn::CappedTag<T, 4>());  // there are four
   }
 
@@ -121,10 +122,11 @@ class Real {
   // there are lanes. The last register ends with the last pair; what it shares with the one before it is computed
   // twice, from numbers that nothing was stored over yet. The middle may be stored over, too.
   void ForEachPair(const T* in, T* out, auto f) const {
-    WithLanes([&](auto d) TZM_LAMBDA {
+    const size_t pairs = pairs_;
+    WithLanes(pairs, [&](auto d) TZM_LAMBDA {
       using D = decltype(d);
       constexpr size_t kLane = kLanes<D>;
-      const size_t pairs = pairs_, rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
+      const size_t rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
       const size_t mirrored = half_ - kLane;  // by itself: a store to `out` might change a member
       const auto mirror = [=](size_t k) TZM_LAMBDA { return 2 * (mirrored - k); };
       const auto load = [&](size_t k, const T* w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
