@@ -88,6 +88,16 @@ TZM_INLINE void ScaleInBinary64(Orva64s* srcDst, int32_t len, double scale, ToDo
   }, static_cast<const Orva64s*>(srcDst), srcDst);
 }
 
+// Products of 64-bit lanes modulo 2^64.
+TZM_INLINE Vec<Full<int64_t>> MulWrapping(Vec<Full<int64_t>> a, Vec<Full<int64_t>> b) {
+  const Full<uint64_t> d;
+  const Full<uint32_t> d32;
+  const auto ua = hn::BitCast(d, a), ub = hn::BitCast(d, b);
+  const auto even = [&](auto x, auto y) TZM_LAMBDA { return hn::MulEven(hn::BitCast(d32, x), hn::BitCast(d32, y)); };
+  const auto crossed = hn::Add(even(hn::ShiftRight<32>(ua), ub), even(ua, hn::ShiftRight<32>(ub)));
+  return hn::BitCast(Full<int64_t>(), hn::Add(even(ua, ub), hn::ShiftLeft<32>(crossed)));
+}
+
 }  // namespace
 
 OrvaStatus ORVAS_MulC_32f(const Orva32f* src, Orva32f value, Orva32f* dst, int32_t len) {

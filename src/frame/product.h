@@ -126,16 +126,6 @@ TZM_INLINE void StoreScaledProducts(Widened<Full<double>> product, Vec<Full<doub
   hn::StoreU(RoundToInt32(hn::Mul(product.high, factor)), half, to + hn::Lanes(half));
 }
 
-// Products of 64-bit lanes modulo 2^64.
-TZM_INLINE Vec<Full<int64_t>> MulWrapping(Vec<Full<int64_t>> a, Vec<Full<int64_t>> b) {
-  const Full<uint64_t> d;
-  const Full<uint32_t> d32;
-  const auto ua = hn::BitCast(d, a), ub = hn::BitCast(d, b);
-  const auto even = [&](auto x, auto y) TZM_LAMBDA { return hn::MulEven(hn::BitCast(d32, x), hn::BitCast(d32, y)); };
-  const auto crossed = hn::Add(even(hn::ShiftRight<32>(ua), ub), even(ua, hn::ShiftRight<32>(ub)));
-  return hn::BitCast(Full<int64_t>(), hn::Add(even(ua, ub), hn::ShiftLeft<32>(crossed)));
-}
-
 // ---- Complex ----
 // a*b of kStep complex elements of 16- or 32-bit integers, scaled by `shift` and narrowed with saturation:
 // re = ar*br - ai*bi, im = ai*br + ar*bi, in lanes of twice the width. The one sum that they cannot hold,

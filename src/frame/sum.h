@@ -87,6 +87,18 @@ TZM_INLINE Lanes LoadLanes(const T* from) {
 
 // ---- Exact sums ----
 
+// A sum of which the 32-bit lanes hold no more than a part: a flush empties them into 64 bits.
+template <class T>
+struct NarrowSum {
+  Vec<Full<T>> lanes = hn::Zero(Full<T>());
+  hwy::MakeWide<T> total = 0;
+
+  TZM_INLINE void Flush() {
+    total += WideSum(lanes);
+    lanes = hn::Zero(Full<T>());
+  }
+};
+
 // Fewer elements than a step, and zeros behind them.
 template <class T, size_t kStep>
 struct ZeroFilled {

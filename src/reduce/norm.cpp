@@ -242,17 +242,11 @@ int32_t IntegerMaximum(size_t len, const T*... src) {
 
 template <class... T>
 int64_t IntegerMagnitudeSum(size_t len, const T*... src) {
-  const auto zero = hn::Zero(Full<uint32_t>());
-  auto pairs = zero;
-  uint64_t sum = 0;
+  NarrowSum<uint32_t> pairs;
   ReduceRegisters<kPairSums>(
-      len, [&](auto... v) TZM_LAMBDA { pairs = AddPairs(pairs, Magnitudes(v...)); },
-      [&]() TZM_LAMBDA {
-        sum += WideSum(pairs);
-        pairs = zero;
-      },
-      src...);
-  return static_cast<int64_t>(sum);
+      len, [&](auto... v) TZM_LAMBDA { pairs.lanes = AddPairs(pairs.lanes, Magnitudes(v...)); },
+      [&]() TZM_LAMBDA { pairs.Flush(); }, src...);
+  return static_cast<int64_t>(pairs.total);
 }
 
 int64_t IntegerSquareSum(size_t len, const Orva16s* src) {
@@ -265,24 +259,18 @@ int64_t IntegerSquareSum(size_t len, const Orva16s* src) {
 // the last register is filled up with zeros, s^2 + 2^16 s is -2^30.
 int64_t IntegerSquareSum(size_t len, const Orva16s* src1, const Orva16s* src2) {
   const Full<int16_t> d;
-  const auto zero = hn::Zero(Full<int32_t>());
   ProductSums16 squares;
-  auto pairs = zero;
-  int64_t shifted = 0;
+  NarrowSum<int32_t> shifted;
   ReduceRegisters<kPairSums>(
       len,
       [&](auto a, auto b) TZM_LAMBDA {
         const auto s = hn::Xor(hn::BitCast(d, Magnitudes(a, b)), hn::Set(d, std::numeric_limits<int16_t>::min()));
         squares.Add(s, s);
-        pairs = AddPairs(pairs, s);
+        shifted.lanes = AddPairs(shifted.lanes, s);
       },
-      [&]() TZM_LAMBDA {
-        shifted += WideSum(pairs);
-        pairs = zero;
-      },
-      src1, src2);
+      [&]() TZM_LAMBDA { shifted.Flush(); }, src1, src2);
   const size_t padded = (len + hn::Lanes(d) - 1) / hn::Lanes(d) * hn::Lanes(d);
-  return squares.Lane(0) + squares.Lane(1) + shifted * 0x10000 + static_cast<int64_t>(padded) * 0x40000000;
+  return squares.Lane(0) + squares.Lane(1) + shifted.total * 0x10000 + static_cast<int64_t>(padded) * 0x40000000;
 }
 
 // The sum in the 32 bits that its members have for it.

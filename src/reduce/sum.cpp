@@ -84,38 +84,28 @@ Complex<double> NumberSum(const Orva64fc* src, size_t len) {
 // ---- Exact integer sums ----
 
 int64_t IntegerSum(const Orva16s* src, size_t len) {
-  const auto zero = hn::Zero(Full<int32_t>());
-  auto pairs = zero;
-  int64_t sum = 0;
+  NarrowSum<int32_t> pairs;
   ReduceRegisters<kPairSums>(
-      len, [&](auto v) TZM_LAMBDA { pairs = AddPairs(pairs, v); },
-      [&]() TZM_LAMBDA {
-        sum += WideSum(pairs);
-        pairs = zero;
-      },
-      src);
-  return sum;
+      len, [&](auto v) TZM_LAMBDA { pairs.lanes = AddPairs(pairs.lanes, v); }, [&]() TZM_LAMBDA { pairs.Flush(); }, src);
+  return pairs.total;
 }
 
 // The real sum is that of both parts less the imaginary one.
 Complex<int64_t> IntegerSum(const Orva16sc* src, size_t len) {
   const Full<int32_t> d;
-  const auto zero = hn::Zero(d);
-  auto pairs = zero, imaginary = zero;
-  int64_t both = 0, im = 0;
+  NarrowSum<int32_t> both, im;
   ReduceRegisters<kPairSums>(
       2 * len,
       [&](auto v) TZM_LAMBDA {
-        pairs = AddPairs(pairs, v);
-        imaginary = hn::Add(imaginary, hn::ShiftRight<16>(hn::BitCast(d, v)));
+        both.lanes = AddPairs(both.lanes, v);
+        im.lanes = hn::Add(im.lanes, hn::ShiftRight<16>(hn::BitCast(d, v)));
       },
       [&]() TZM_LAMBDA {
-        both += WideSum(pairs);
-        im += WideSum(imaginary);
-        pairs = imaginary = zero;
+        both.Flush();
+        im.Flush();
       },
       Parts(src));
-  return {both - im, im};
+  return {both.total - im.total, im.total};
 }
 
 int64_t IntegerSum(const Orva32s* src, size_t len) {
