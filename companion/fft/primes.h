@@ -14,8 +14,7 @@ class Chirp final : public Complex<T> {
  public:
   Chirp(size_t n, size_t workers)
       : n_(n), size_(Size(n)), half_(size_ / 2), stride_(size_ + kLine / sizeof(T)), chirp_(2 * n),
-        kernel_(2 * (half_ + 1)), inner_(MakeComplex<T>(size_, workers)) {
-    this->scratch_ = 2 * stride_ + inner_->Scratch();
+        kernel_(2 * (half_ + 1)) {
     const auto forEach = [=](auto&& f) {
       for (size_t j = 0, square = 0; j < n; square = (square + 2 * j + 1) % (2 * n), ++j) f(j, square);
     };
@@ -26,6 +25,8 @@ class Chirp final : public Complex<T> {
       chirp_.get()[n + j] = c.im;
     });
     TabulateKernel(forEach);
+    inner_ = MakeComplex<T>(size_, workers);  // last: the tables of the kernel's transform are gone
+    this->scratch_ = 2 * stride_ + inner_->Scratch();
   }
 
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers& helpers) const override {

@@ -51,7 +51,8 @@ TZM_API OrvaStatus ORVAS_GetFFTNumberThreads(int32_t* numThreads);
  * Status of Init: 1 null `specOut`; 15 `order` outside 0 to 27, or 2 `len` below 1 and 9 `len` above
  * 134217728 (deliberately an allocation failure); 14 `flag` outside 1 to 4; 9 no memory or no plan.
  * `*specOut` is set on success only. Status of a run: 1 null array, spec or plan in it; 15 (FFT), 2 or 9
- * (DFT) for a length no Init makes. Release always succeeds and takes null. @{ */
+ * (DFT) for a length no Init makes. A spec of another kind is not told: its plan runs as what it was made
+ * for, on arrays of that kind's sizes. Release always succeeds and takes null. @{ */
 typedef struct OrvaTransformSpec OrvaTransformSpec;
 
 TZM_API OrvaStatus ORVAS_FFTCToCInit_32fc(int32_t order, int32_t direction, int32_t flag,

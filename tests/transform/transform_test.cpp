@@ -342,6 +342,34 @@ TEST(Specs, AnFftOfOneSampleDividesThreeReals) {
   ORVAS_FFTRToCRelease_32f(spec);
 }
 
+// A spec holds one plan, whichever call runs it.
+TEST(Specs, OfAnotherKindRunTheirPlan) {
+  for (int32_t n : {1, 16, 100, 1009}) {
+    Spec *complex, *real, *half, *split;
+    ASSERT_EQ(ORVAS_DFTCToCInit_32fc(n, ORVA_DIRECTION_INVERSE, ORVA_DIVIDE_NONE, &complex), ORVA_STS_NO_ERR);
+    ASSERT_EQ(ORVAS_DFTRToCInit_32f(n, ORVA_DIVIDE_NONE, &real), ORVA_STS_NO_ERR);
+    ASSERT_EQ(ORVAS_DFTCToRInit_32f(n, ORVA_DIVIDE_NONE, &half), ORVA_STS_NO_ERR);
+    ASSERT_EQ(ORVAS_DFTCToCInit_32f(n, ORVA_DIRECTION_FORWARD, ORVA_DIVIDE_NONE, &split), ORVA_STS_NO_ERR);
+    OrvaStatus (*const runs[])(Orva32fc*, Orva32fc*, const Spec*) = {
+        [](Orva32fc* x, Orva32fc* y, const Spec* s) { return ORVAS_DFTCToC_32fc(x, y, s); },
+        [](Orva32fc* x, Orva32fc* y, const Spec* s) { return ORVAS_DFTRToC_32f(&x->re, &y->re, s); },
+        [](Orva32fc* x, Orva32fc* y, const Spec* s) { return ORVAS_DFTCToR_32f(&x->re, &y->re, s); }};
+    const auto result = [&](const Spec* spec, auto run) {
+      auto src = RandomArray<Orva32fc>(n + 1, 5), dst = RandomArray<Orva32fc>(n + 1, 6);
+      EXPECT_EQ(run(src.data(), dst.data(), spec), ORVA_STS_NO_ERR);
+      return dst;
+    };
+    for (const auto& [spec, own] : {std::pair{complex, 0}, {real, 1}, {half, 2}, {split, 0}}) {
+      const auto expected = result(spec, runs[own]);
+      for (auto run : runs) {
+        const auto actual = result(spec, run);
+        EXPECT_TRUE(SameBits("kind " + std::to_string(own), expected.data(), actual.data(), actual.size())) << n;
+      }
+      EXPECT_EQ(ORVAS_DFTCToRRelease_32f(spec), ORVA_STS_NO_ERR);
+    }
+  }
+}
+
 // ---- Chirp-Z, Hilbert ----
 
 TEST(Spectra, ChirpZ) {
