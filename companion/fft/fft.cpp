@@ -235,28 +235,39 @@ void RunShape(const Record<T>& record, const View<const T>& in, const View<T>& o
   record.WithScratch([&](T* scratch) { record.shape->Run(in, out, scratch, helpers); });
 }
 template <class T>
-void RunReal(const typename Record<T>::Plan& plan, const T* in, T* out) {
-  const Record<T>& record = *plan.record;
-  const auto run = [=, &record](bool inverse, T* scratch) {
-    return inverse ? record.real->Inverse(in, out, scratch, helpers) : record.real->Forward(in, out, scratch, helpers);
-  };
-  const bool inverse = plan.exchanged;
-  if (record.areas.bytes() == 0) return run(inverse, nullptr);
-  record.WithScratch([=](T* scratch) { run(inverse, scratch); });
+void RunForward(const Record<T>& record, const T* in, T* out) {
+  if (record.areas.bytes() == 0) return record.real->Forward(in, out, nullptr, helpers);
+  record.WithScratch([=, &record](T* scratch) { record.real->Forward(in, out, scratch, helpers); });
+}
+template <class T>
+void RunInverse(const Record<T>& record, const T* in, T* out) {
+  if (record.areas.bytes() == 0) return record.real->Inverse(in, out, nullptr, helpers);
+  record.WithScratch([=, &record](T* scratch) { record.real->Inverse(in, out, scratch, helpers); });
 }
 // Whatever call executes it, a plan is the transform that it was made for: the arrays are as that wants them.
 template <class T>
 void Execute(const typename Record<T>::Plan& plan, const T* in, T* out) {
   const Record<T>& record = *plan.record;
-  if (record.kind == Kind::kReal) return RunReal<T>(plan, in, out);
   if (record.kind == Kind::kShape) return RunShape<T>(record, {Form::kSplit, in, in + 1}, {Form::kSplit, out, out + 1});
+  if (record.kind == Kind::kReal)
+    return plan.exchanged ? RunInverse<T>(record, in, out) : RunForward<T>(record, in, out);
   const Form form = plan.exchanged ? Form::kExchanged : Form::kPairs;
   RunComplex<T>(record, {form, in, nullptr}, {form, out, nullptr});
 }
 template <class T>
+void ExecuteForward(const typename Record<T>::Plan& plan, const T* in, T* out) {
+  if (plan.record->kind != Kind::kReal || plan.exchanged) [[unlikely]] return Execute<T>(plan, in, out);
+  RunForward<T>(*plan.record, in, out);
+}
+template <class T>
+void ExecuteInverse(const typename Record<T>::Plan& plan, const T* in, T* out) {
+  if (plan.record->kind != Kind::kReal || !plan.exchanged) [[unlikely]] return Execute<T>(plan, in, out);
+  RunInverse<T>(*plan.record, in, out);
+}
+template <class T>
 void ExecuteSplit(const typename Record<T>::Plan& plan, const T* ri, const T* ii, T* ro, T* io) {
   const Record<T>& record = *plan.record;
-  if (record.kind == Kind::kReal) return RunReal<T>(plan, ri, ro);
+  if (record.kind == Kind::kReal) return Execute<T>(plan, ri, ro);
   const View<const T> in = {Form::kSplit, ri, ii};
   const View<T> out = {Form::kSplit, ro, io};
   return record.kind == Kind::kShape ? RunShape<T>(record, in, out) : RunComplex<T>(record, in, out);
@@ -322,10 +333,10 @@ const typename Record<Real>::Plan& PlanOf(Plan plan) {
     Execute<Real>(PlanOf<Real>(plan), Parts(in), Parts(out));                                                          \
   }                                                                                                                    \
   void prefix##_execute_dft_r2c(const prefix##_plan plan, Real* in, Complex* out) {                                    \
-    Execute<Real>(PlanOf<Real>(plan), in, Parts(out));                                                                 \
+    ExecuteForward<Real>(PlanOf<Real>(plan), in, Parts(out));                                                          \
   }                                                                                                                    \
   void prefix##_execute_dft_c2r(const prefix##_plan plan, Complex* in, Real* out) {                                    \
-    Execute<Real>(PlanOf<Real>(plan), Parts(in), out);                                                                 \
+    ExecuteInverse<Real>(PlanOf<Real>(plan), Parts(in), out);                                                          \
   }                                                                                                                    \
   void prefix##_execute_split_dft(const prefix##_plan plan, Real* ri, Real* ii, Real* ro, Real* io) {                  \
     ExecuteSplit<Real>(PlanOf<Real>(plan), ri, ii, ro, io);                                                            \
