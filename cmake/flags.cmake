@@ -51,6 +51,14 @@ function(tzm_vector_level name march)
 endfunction()
 tzm_vector_level(tzm_vector ${TZM_MARCH})
 
+# tzm_precompile(TARGET HEADER ...): headers that the compiler reads once for all sources of the target; beneath a
+# compiler cache, which would not see that something in them has changed, for each.
+function(tzm_precompile target)
+  if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # tzm_exports(LIBRARY MAP): the linker keeps every name to itself that the version script MAP does not make global.
 function(tzm_exports library map)
   target_link_options(${library} PRIVATE -Wl,--version-script=${map})
