@@ -114,7 +114,7 @@ TEST(Format, Refusals) {
   EXPECT_TRUE(refused("%ls", L"wide"));
   for (const char* format : {"%y", "%", "%lc", "%hp", "%Ld", "%2147483647d", "%99999999999d"})
     EXPECT_TRUE(refused(format, 1)) << format;
-  EXPECT_TRUE(refused("%.2147483647f", 1.0));
+  for (const char* format : {"%.2147483647f", "%hf", "%lle"}) EXPECT_TRUE(refused(format, 1.0)) << format;
   EXPECT_TRUE(refused("%*d", INT_MIN, 1));
   EXPECT_TRUE(refused(nullptr));
   EXPECT_EQ(-1, sprintf_s(nullptr, 16, "a"));
