@@ -12,7 +12,8 @@ include=$here/../include file=$here/signal_tzm.abi
 
 if [ "${2:-}" = --write ]; then
   abidw --headers-dir "$include" --drop-private-types --exported-interfaces-only --drop-undefined-syms \
-    --type-id-style hash --no-corpus-path --no-comp-dir-path --no-show-locs --no-architecture --no-elf-needed --no-parameter-names \
+    --type-id-style hash --no-corpus-path --no-comp-dir-path --no-show-locs --no-architecture --no-elf-needed \
+    --no-parameter-names \
     "$library" |
     sed -zE "s/ (mangled-name|visibility)='[^']*'//g; s/ binding='global-binding'//g; s/\n +/\n/g
       s/ path='[^']*\/src\// path='src\//g; s/\n<(parameter|return|\/function)/<\1/g" >"$file"

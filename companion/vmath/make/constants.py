@@ -255,8 +255,8 @@ roots = [value((bits(h) - (i << 48)) & (2**64 - 1)) for i, h in enumerate(hi)]
 table("kExpTable", [roots, lo],
       "2^(i/16), less i in the bits that k is added to, and what its rounding lost, relative to it")
 table("kExpTable32", exp_table32(),
-      "numbers near to 2^(i/16), and ln 2 i/16 less their logarithms and with kExpError32, which make the result greater",
-      "Table32")
+      "numbers near to 2^(i/16), and ln 2 i/16 less their logarithms and with kExpError32, which make the result "
+      "greater", "Table32")
 print(f"inline constexpr float kExpError32 = {EXP_ERROR_32.hex()};")
 constant("kSixteenByLn2", float(16 / LN2))
 array("double", "kLn2By16", "[]", parts(LN2 / 16, 2), "ln 2/16, in parts")
