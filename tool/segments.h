@@ -26,8 +26,8 @@ inline ForwardTransform MakeForwardTransform(int32_t len) {
       "the transform", [&](auto** made) { return ORVAS_DFTRToCInit_32f(len, ORVA_DIVIDE_NONE, made); });
 }
 
-/** The segment that was asked for; if none was (0), the usual one, of a sound shorter than that the longest power of two
- * that it holds. Throws Failure for a sound shorter than the shortest segment. */
+/** The segment that was asked for; if none was (0), the usual one, of a sound shorter than that the longest power of
+ * two that it holds. Throws Failure for a sound shorter than the shortest segment. */
 inline int32_t ChooseSegment(AudioReader& reader, int32_t asked, int32_t shortest, int32_t usual) {
   const size_t ahead = reader.Ahead();
   if (ahead < size_t(shortest)) {

@@ -11,9 +11,10 @@
 /** @name FFT thread count
  * The count is a ceiling for plans made from now on; existing specs keep theirs. With the default FFT
  * companion, complex transforms below 32768 points and real ones below 65536 run on the calling thread alone;
- * longer ones are shared with as many threads as there are processors, if the count allows. A thread that gets no processor takes no part, and is not waited for. The count's only store is the
- * environment variable ORVA_FFT_THREAD_NUM, which is also read when the library loads; absent, not a
- * number or below 1 it means 8. Set returns 7 for a count below 1, and must not race with Get, with
+ * longer ones are shared with as many threads as there are processors, if the count allows. A thread that
+ * gets no processor takes no part, and is not waited for. The count's only store is the environment variable
+ * ORVA_FFT_THREAD_NUM, which is also read when the library loads; absent, not a number or below 1 it means
+ * 8. Set returns 7 for a count below 1, and must not race with Get, with
  * planning or with any other use of the environment. Get returns 1 for a null pointer and reports the
  * variable, not what the FFT companion was told. @{ */
 TZM_API OrvaStatus ORVAS_SetFFTNumberThreads(int32_t numThreads);

@@ -160,7 +160,7 @@ class State:
 
     _shared = False  # whether any number of calls may use it at once
     _arguments: tuple[tuple[Any, ...], dict[str, Any]]
-    _pointers: dict[str, Any]  # each gives its state back when nobody holds it: neither this nor a call in another thread
+    _pointers: dict[str, Any]  # each gives its state back when neither this nor a call in another thread holds it
     _lock: Any
 
     def __new__(cls: type[Self], *arguments: Any, **options: Any) -> Self:

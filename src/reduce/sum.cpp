@@ -86,7 +86,8 @@ Complex<double> NumberSum(const Orva64fc* src, size_t len) {
 int64_t IntegerSum(const Orva16s* src, size_t len) {
   NarrowSum<int32_t> pairs;
   ReduceRegisters<kPairSums>(
-      len, [&](auto v) TZM_LAMBDA { pairs.lanes = AddPairs(pairs.lanes, v); }, [&]() TZM_LAMBDA { pairs.Flush(); }, src);
+      len, [&](auto v) TZM_LAMBDA { pairs.lanes = AddPairs(pairs.lanes, v); },
+      [&]() TZM_LAMBDA { pairs.Flush(); }, src);
   return pairs.total;
 }
 

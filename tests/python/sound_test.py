@@ -57,7 +57,7 @@ class Sound(Case):
             (lambda: tz.write(good, np.ones((2, 3, 4)), 8000), ValueError, r"shape \(2, 3, 4\)"),
             (lambda: tz.write(good, np.ones(9), 8000, format="MP3"), ValueError, "no format MP3"),
             (lambda: tz.write(good, np.ones(9), 0), ValueError, "rate must be 1 or more, not 0"),
-            (lambda: tz.write(self.folder / "x.flac", np.ones(9), 8000, format="FLOAT"), ValueError, "channels of FLOAT"),
+            (lambda: tz.write(self.folder / "x.flac", np.ones(9), 8000, format="FLOAT"), ValueError, "of FLOAT"),
             (lambda: tz.write(self.folder / "x.mp9", np.ones(9), 8000), ValueError, "must end in"),
             (lambda: tz.write("/nowhere/x.wav", np.ones(9), 8000), FileNotFoundError, "/nowhere/x.wav"))
         self.assertEqual(good.read_bytes(), before)
