@@ -171,7 +171,7 @@ class State:
         self._lock = contextlib.nullcontext() if cls._shared else threading.Lock()
         return self
 
-    def _init(self, key: str, init: str, release: str, *values: Any) -> Any:
+    def _init(self, key: str, init: str, release: str, *values: Any) -> None:
         """Makes the state `key`; its pointer goes where Init has one to a pointer."""
         if self._closed:
             raise ValueError(f"this {type(self).__name__} is closed")
@@ -180,7 +180,6 @@ class State:
         made = ffi.new(kinds[at])
         _do(init, *values[:at], made, *values[at:])
         self._pointers[key] = ffi.gc(made[0], getattr(lib, release))
-        return self._pointers[key]
 
     def _state(self, key: str = "") -> Any:
         try:
