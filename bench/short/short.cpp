@@ -1,5 +1,5 @@
 // Calls on short arrays beside VOLK's, in turns: nanoseconds a call of ours and of VOLK's, the least of many, and their
-// ratio.   tzm_short [PART-OF-A-NAME]
+// ratio.   [VOLK_CONFIGPATH=bench/short, without AVX-512] tzm_short [PART-OF-A-NAME]
 #include <signal_tzm.h>
 #include <signal_tzm/companion.h>
 #include <volk/volk.h>
