@@ -266,17 +266,15 @@ OrvaStatus ORVAS_Div_32s_S(const Orva32s* src1, const Orva32s* src2, Orva32s* ds
   if (OrvaStatus status = CheckScale(scale)) return status;
   const float factor = QuotientFactor(scale);
   const Full<double> d;
-  const hn::Rebind<int32_t, decltype(d)> d32;
   const auto wideFactor = hn::Set(d, static_cast<double>(factor));
   AnyLane<decltype(d)> zero;
   bool zeroInTail = false;
   BodyAndTail<4, hn::MaxLanes(d), 2>(
       len,
       [&](const Orva32s* divisors, const Orva32s* dividends, Orva32s* to) TZM_LAMBDA {
-        const auto a = hn::PromoteTo(d, hn::LoadU(d32, divisors));
-        const auto b = hn::PromoteTo(d, hn::LoadU(d32, dividends));
+        const auto a = LoadFloating(d, divisors), b = LoadFloating(d, dividends);
         zero.See(hn::Eq(a, hn::Zero(d)));
-        hn::StoreU(RoundToInt32(hn::Mul(hn::Div(b, a), wideFactor)), d32, to);
+        StoreRounded(hn::Mul(hn::Div(b, a), wideFactor), to);
       },
       [&](const Orva32s* divisor, const Orva32s* dividend, Orva32s* to) TZM_LAMBDA {
         const float a = static_cast<float>(LoadElement(divisor)), b = static_cast<float>(LoadElement(dividend));

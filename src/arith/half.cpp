@@ -17,12 +17,6 @@ OrvaStatus CheckRoundMode(uint32_t roundMode) {
 
 constexpr Full<float> kReal;
 
-template <class T>
-TZM_INLINE Vec<Full<float>> Widen(const T* from) {
-  if constexpr (std::is_same_v<T, Orva32f>) return hn::LoadU(kReal, from);
-  else return LoadAsFloat(kReal, from);
-}
-
 TZM_INLINE Vec<Full<float>> WidenHalf(const Orva16f* from) {
   const hn::Rebind<hwy::float16_t, Full<float>> half;
   const hn::RebindToUnsigned<decltype(half)> bits;
@@ -34,7 +28,7 @@ template <bool kTowardZero, class T>
 void Narrow(const T* src, Orva16f* dst, size_t len) {
   const HalfNarrowing<kTowardZero> narrowing;
   ForEach<hn::MaxLanes(kReal)>(len, [&](const T* from, Orva16f* to) TZM_LAMBDA {
-    narrowing.Store(Widen(from), to);
+    narrowing.Store(LoadFloating(kReal, from), to);
   }, src, dst);
 }
 

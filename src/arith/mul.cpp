@@ -2,6 +2,7 @@
 #include <signal_tzm/arith.h>
 #include <signal_tzm/companion.h>
 
+#include "frame/by_real.h"
 #include "frame/call.h"
 #include "frame/drive.h"
 #include "frame/product.h"
@@ -85,10 +86,7 @@ OrvaStatus ORVAS_Mul_64fc(const Orva64fc* src1, const Orva64fc* src2, Orva64fc* 
 
 OrvaStatus ORVAS_Mul_32f32fc(const Orva32f* src1, const Orva32fc* src2, Orva32fc* dst, int32_t len) {
   if (OrvaStatus status = CheckArrays(len, src1, src2, dst)) return status;
-  const Full<float> d;
-  ForEach<hn::MaxLanes(d) / 2>(len, [=](const Orva32f* a, const Orva32fc* b, Orva32fc* to) TZM_LAMBDA {
-    hn::StoreU(hn::Mul(LoadTwice(d, a), hn::LoadU(d, Parts(b))), d, Parts(to));
-  }, src1, src2, dst);
+  ForEachByReal(len, [](auto real, auto part) TZM_LAMBDA { return hn::Mul(real, part); }, src1, dst, src2);
   return ORVA_STS_NO_ERR;
 }
 

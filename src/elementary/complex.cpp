@@ -36,7 +36,7 @@ TZM_INLINE Parts64 Load(const Orva32fc* from) {
 TZM_INLINE void Store(V re, V im, Orva64fc* to) { StoreInterleaved(re, im, D(), Parts(to)); }
 TZM_INLINE void Store(V re, V im, Orva32fc* to) {
   const hn::Rebind<float, D> narrow;
-  StoreInterleaved(hn::DemoteTo(narrow, re), hn::DemoteTo(narrow, im), narrow, Parts(to));
+  StoreInterleaved(RoundTo<float>(re), RoundTo<float>(im), narrow, Parts(to));
 }
 
 // ---- Sine and cosine ----

@@ -56,12 +56,8 @@ template <class Part, class Angle>
 void Angles(const Part* re, const Part* im, Angle* correction, Angle* angle, int32_t count) {
   const Full<Angle> d;
   const auto pi = hn::Set(d, Angle(kPi)), zero = hn::Zero(d), sign = hn::SignBit(d);
-  const auto load = [=](const Part* from) TZM_LAMBDA {
-    if constexpr (std::is_same_v<Part, Angle>) return hn::LoadU(d, from);
-    else return LoadAsFloat(d, from);
-  };
   ForEach<hn::MaxLanes(d)>(count, [=](const Part* fromRe, const Part* fromIm, Angle* ratio, Angle* add) TZM_LAMBDA {
-    const auto r = load(fromRe), i = load(fromIm);
+    const auto r = LoadFloating(d, fromRe), i = LoadFloating(d, fromIm);
     hn::StoreU(hn::Div(i, r), d, ratio);
     hn::StoreU(hn::Or(hn::IfThenElseZero(hn::Lt(r, zero), pi), hn::IfThenElseZero(hn::Lt(i, zero), sign)), d, add);
   }, re, im, angle, correction);
@@ -251,13 +247,13 @@ OrvaStatus ORVAS_PolarToCart_16sc_S(const Orva16s* mag, const Orva16s* phase, Or
   alignas(64) Orva32f angles[kOnStack], sines[kOnStack], cosines[kOnStack];
   ForBlocks<kOnStack>(len, [&](int32_t count, const Orva16s* magnitude, const Orva16s* angle, Orva16sc* cartesian) {
     ForEach<hn::MaxLanes(d)>(count, [=](const Orva16s* from, Orva32f* to) TZM_LAMBDA {
-      hn::StoreU(hn::Mul(LoadAsFloat(d, from), phaseFactor), d, to);
+      hn::StoreU(hn::Mul(LoadFloating(d, from), phaseFactor), d, to);
     }, angle, angles);
     vssincos(count, angles, sines, cosines);
     const auto turn = [=](const Orva16s* m, const Orva32f* c, const Orva32f* s, Orva16sc* to) TZM_LAMBDA {
-      const auto radius = LoadAsFloat(d, m);
+      const auto radius = LoadFloating(d, m);
       const auto part = [&](const Orva32f* from) TZM_LAMBDA {
-        return hn::DemoteTo(d16, RoundFor<Orva16s>(hn::Mul(hn::Mul(radius, hn::LoadU(d, from)), magFactor)));
+        return RoundTo<Orva16s>(hn::Mul(hn::Mul(radius, hn::LoadU(d, from)), magFactor));
       };
       StoreInterleaved(part(c), part(s), d16, Parts(to));
     };

@@ -15,16 +15,6 @@ using V = Vec<D>;
 constexpr size_t kStep = hn::MaxLanes(D());
 constexpr int32_t kBlock = 128;
 
-TZM_INLINE V LoadAsDouble(const Orva64f* from) { return hn::LoadU(D(), from); }
-TZM_INLINE V LoadAsDouble(const Orva32f* from) {
-  return hn::PromoteTo(D(), hn::LoadU(hn::Rebind<float, D>(), from));
-}
-TZM_INLINE void StoreDouble(V value, Orva64f* to) { hn::StoreU(value, D(), to); }
-TZM_INLINE void StoreDouble(V value, Orva32f* to) {
-  const hn::Rebind<float, D> narrow;
-  hn::StoreU(hn::DemoteTo(narrow, value), narrow, to);
-}
-
 struct Exponent {
   explicit Exponent(double y)
       : value(y),
@@ -66,7 +56,7 @@ OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
   alignas(64) double block[kBlock];
   ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {
     ForEach<kStep>(count, [&](const T* from, double* to) TZM_LAMBDA {
-      hn::StoreU(hn::Abs(LoadAsDouble(from)), D(), to);
+      hn::StoreU(hn::Abs(LoadFloating(D(), from)), D(), to);
     }, source, block);
     ORVAS_Ln_64f(block, block, count);
     ForEach<kStep>(count, [&](const double* from, double* to) TZM_LAMBDA {
@@ -74,14 +64,14 @@ OrvaStatus PowxByLogarithm(const T* src, T constant, T* dst, int32_t len) {
     }, std::as_const(block), block);
     ORVAS_Exp_64f(block, block, count);
     ForEach<kStep, 2>(count, [&](const T* from, const double* power, T* to) TZM_LAMBDA {
-      const V x = LoadAsDouble(from);
+      const V x = LoadFloating(D(), from);
       V value = hn::IfThenElse(hn::Eq(hn::Abs(x), one), one, hn::LoadU(D(), power));
       const auto negative = hn::Lt(x, zero);
       if (y.value != y.value) value = hn::IfThenElse(negative, nan, value);
       if (y.finite && !y.integer) value = hn::IfThenElse(hn::And(negative, hn::IsFinite(x)), nan, value);
       if (y.odd) value = hn::CopySign(value, x);
       if (y.value == 0) value = one;
-      StoreDouble(value, to);
+      StoreRounded(value, to);
     }, source, std::as_const(block), result);
   }, src, dst);
   return status;

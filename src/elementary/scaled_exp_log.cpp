@@ -12,20 +12,7 @@ using namespace tzm;
 namespace {
 
 using F64 = Full<double>;
-using I32 = hn::Rebind<int32_t, F64>;
 constexpr int32_t kBlock = 256;
-
-TZM_INLINE Vec<F64> LoadAsDouble(const Orva32s* from) { return hn::PromoteTo(F64(), hn::LoadU(I32(), from)); }
-TZM_INLINE Vec<F64> LoadAsDouble(const Orva16s* from) {
-  return hn::PromoteTo(F64(), hn::PromoteTo(I32(), hn::LoadU(hn::Rebind<int16_t, F64>(), from)));
-}
-
-// Lanes of 32-bit integers as integers of 16 or 32 bits, saturated.
-TZM_INLINE void StoreSaturated(Vec<I32> v, Orva32s* to) { hn::StoreU(v, I32(), to); }
-TZM_INLINE void StoreSaturated(Vec<I32> v, Orva16s* to) {
-  const hn::Rebind<int16_t, I32> narrow;
-  hn::StoreU(hn::DemoteTo(narrow, v), narrow, to);
-}
 
 // The status of a block that holds elements not above 0 is see(block, count, status so far).
 template <class T, class See>
@@ -39,14 +26,14 @@ OrvaStatus Scaled(const T* src, T* dst, int32_t len, double scale, void (*functi
   ForBlocks<kBlock>(len, [&](int32_t count, const T* source, T* result) {
     AnyLane<F64> notPositive;
     ForEach<hn::MaxLanes(F64())>(count, [&](const T* from, double* to) TZM_LAMBDA {
-      const auto x = LoadAsDouble(from);
+      const auto x = LoadFloating(F64(), from);
       notPositive.See(hn::Le(x, hn::Zero(F64())));
       hn::StoreU(x, F64(), to);
     }, source, value);
     if (notPositive.Seen()) status = see(source, count, status);
     function(count, value, value);
     ForEach<hn::MaxLanes(F64())>(count, [&](const double* from, T* to) TZM_LAMBDA {
-      StoreSaturated(RoundToInt32(hn::Mul(hn::LoadU(F64(), from), factor)), to);
+      StoreRounded(hn::Mul(hn::LoadU(F64(), from), factor), to);
     }, std::as_const(value), result);
   }, src, dst);
   return status;

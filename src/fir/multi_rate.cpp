@@ -113,11 +113,6 @@ struct Tile {
   static constexpr int64_t kRows = kTileBytes / int64_t{kRow * sizeof(Real)};
   using Sums = V[kReals * kVectors];
 
-  static TZM_INLINE V Widen(Vec<hn::Rebind<Narrow, D>> v) {
-    if constexpr (std::is_same_v<Narrow, Real>) return v;
-    else return hn::ConvertTo(D(), hn::PromoteTo(hn::RebindToSigned<D>(), v));
-  }
-
   // kBlock reals each of the first of every kBlock windows, side by side.
   template <size_t kCount>
   static TZM_INLINE auto Read(const Narrow* const* window, size_t at) {
@@ -162,7 +157,7 @@ struct Tile {
       for (; reals - at >= kBlock; at += kBlock, to += kBlock * kPeriods) {
         Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
           V x[kBlock];
-          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = Widen(Read<kLanes>(window + v * kLanes + k, at)); });
+          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = ToFloating(D(), Read<kLanes>(window + v * kLanes + k, at)); });
           Transpose(x);
           Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { hn::StoreU(x[k], D(), to + k * kPeriods + v * kLanes); });
         });

@@ -221,8 +221,7 @@ void FilterBlocks(const Tap* taps, int32_t tapsLen, const DirectArea<Tap, Sample
     Copy(area.narrowIm, area.im, used);
     const auto store = [=](auto d, size_t n, auto sumRe, auto sumIm) TZM_LAMBDA {
       const hn::Rebind<Orva16s, decltype(d)> narrow;
-      const auto part = [=](auto sum) TZM_LAMBDA { return hn::DemoteTo(narrow, RoundFor<Orva16s>(sum)); };
-      StoreInterleaved(part(sumRe), part(sumIm), narrow, out + 2 * n);
+      StoreInterleaved(RoundTo<Orva16s>(sumRe), RoundTo<Orva16s>(sumIm), narrow, out + 2 * n);
     };
     ComplexBlocks(taps, tapsLen, area.re, area.im, len, store);
   } else {

@@ -68,6 +68,7 @@ OrvaStatus ORVAS_FIRSparseInit_32f(const Orva32f* taps, const int32_t* positions
     if (position <= last) return ORVA_STS_SPARSE_DELAY_ERR;
     last = position;
   }
+  // The size of the block is fixed, and with it the limits of count and order.
   const int64_t count = nzCount, order = LoadElement(positions + nzCount - 1);
   const int64_t tapBytes = RoundDown(8 * count + 30, 32), lineBytes = RoundDown(8 * order + 75, 16);
   const int64_t bytes = static_cast<int64_t>(sizeof(FIRSparseState)) + tapBytes + lineBytes + 16 * count;

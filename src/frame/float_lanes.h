@@ -12,13 +12,11 @@ using FloatLanes = LaneArray<float, hn::MaxLanes(Full<T>())>;
 // Lanes from floats, or from integers of up to 32 bits; those of more than 24 are rounded.
 template <class Lanes, class T>
 TZM_INLINE Lanes LoadFloats(const T* from) {
-  if constexpr (std::is_same_v<T, float>) return Lanes::Load(from);
   const Full<float> d;
 #if HWY_ARCH_ARM_A64  // a narrow load costs as much as a whole one
-  const Full<int32_t> d32;
   const auto half = [=](auto v, size_t which) TZM_LAMBDA {
     const hn::Half<hn::DFromV<decltype(v)>> narrow;
-    return hn::ConvertTo(d, hn::PromoteTo(d32, which % 2 == 0 ? hn::LowerHalf(narrow, v) : hn::UpperHalf(narrow, v)));
+    return ToFloating(d, which % 2 == 0 ? hn::LowerHalf(narrow, v) : hn::UpperHalf(narrow, v));
   };
   if constexpr (std::is_same_v<Lanes, FloatLanes<T>> && sizeof(T) == 2) {
     const auto all = hn::LoadU(Full<T>(), from);
@@ -28,8 +26,7 @@ TZM_INLINE Lanes LoadFloats(const T* from) {
     return Lanes::Each([&](size_t r) TZM_LAMBDA { return half(r < 2 ? all.low : all.high, r); });
   }
 #endif
-  if constexpr (std::is_integral_v<T>)
-    return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadAsFloat(d, from + r * Lanes::kWidth); });
+  return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadFloating(d, from + r * Lanes::kWidth); });
 }
 
 // Lanes to integers of 8 or 16 bits, rounded to nearest, ties to even, and saturated; NaN gives 0.

@@ -75,14 +75,7 @@ struct OrderedSum {
 // Elements in lanes of their own type or of a wider one.
 template <class Lanes, class T>
 TZM_INLINE Lanes LoadLanes(const T* from) {
-  using Element = hn::TFromD<typename Lanes::D>;
-  if constexpr (std::is_same_v<T, Element>) {
-    return Lanes::Load(from);
-  } else if constexpr (std::is_same_v<Element, float>) {
-    return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadAsFloat(typename Lanes::D(), from + r * Lanes::kWidth); });
-  } else {
-    return Lanes::LoadWiden(from);
-  }
+  return Lanes::Each([&](size_t r) TZM_LAMBDA { return LoadFloating(typename Lanes::D(), from + r * Lanes::kWidth); });
 }
 
 // ---- Exact sums ----

@@ -16,14 +16,6 @@ namespace {
 void Sine(int32_t n, const float* angles, float* sines) { vssin(n, angles, sines); }
 void Sine(int32_t n, const double* angles, double* sines) { vdsin(n, angles, sines); }
 
-// Lanes of floating values as samples, integers rounded to nearest, ties to even, and saturated.
-template <class D, class T>
-TZM_INLINE void StoreLanes(D d, Vec<D> value, T* to) {
-  if constexpr (!std::is_integral_v<T>) hn::StoreU(value, d, to);
-  else if constexpr (sizeof(T) == 4) hn::StoreU(RoundToInt32(value), hn::Rebind<T, D>(), to);
-  else StoreRounded(value, to);
-}
-
 template <class T>
 OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
   if (OrvaStatus status = CheckArrays(len, dst)) return status;
@@ -45,7 +37,7 @@ OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
     }
     Sine(count, angles, angles);
     for (size_t k = 0; k < end; k += kStep)
-      StoreLanes(narrow, hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), to + k);
+      StoreRounded(hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), to + k);
   };
   BodyAndTail<kStep>(
       len, [&](size_t count, T* body) { ForBlocks<kChunk>(count, chunk, body); },

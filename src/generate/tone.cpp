@@ -12,13 +12,6 @@ using namespace tzm;
 
 namespace {
 
-// Two values as two samples in a row.
-TZM_INLINE void StoreTwo(Vec<TwoDoubles> v, Orva64f* to) { hn::StoreU(v, TwoDoubles(), to); }
-TZM_INLINE void StoreTwo(Vec<TwoDoubles> v, Orva32f* to) {
-  const hn::FixedTag<float, 2> d;
-  hn::StoreU(hn::DemoteTo(d, v), d, to);
-}
-
 // Four values as four parts of samples in a row; the integers are truncated and saturated.
 template <class Part, class V = Vec<TwoDoubles>>
 TZM_INLINE void StoreFour(V low, V high, Part* to) {
@@ -106,7 +99,7 @@ OrvaStatus Tone(Sample* dst, int32_t len, Magnitude magn, Real rFreq, const Real
     } else {
       for (size_t i = 0; i < count; i += kStep) {
         const auto low = next(re);
-        if constexpr (kStep == 2) StoreTwo(low, to + i);
+        if constexpr (kStep == 2) StoreRounded(low, to + i);
         else StoreFour(low, next(re), to + i);
       }
     }

@@ -141,8 +141,7 @@ struct Rotated {
     if constexpr (Lanes::kRegisters == 1) {
       return hn::DemoteTo(d, x.v[0]);
     } else {
-      const hn::Half<DB> half;
-      return hn::Combine(d, hn::DemoteTo(half, x.v[1]), hn::DemoteTo(half, x.v[0]));
+      return NarrowPair(d, x.v[0], x.v[1]);
     }
   }
 };

@@ -19,18 +19,6 @@ struct WindowTypes {
   using Block = hn::FixedTag<Real, kBlock>;
 };
 
-// Lanes of samples as floating values, and their products rounded to the nearest sample, ties to even.
-template <class D, class Part>
-TZM_INLINE Vec<D> LoadSamples(D d, const Part* from) {
-  if constexpr (std::is_integral_v<Part>) return LoadAsFloat(d, from);
-  else return hn::LoadU(d, from);
-}
-template <class D, class Part>
-TZM_INLINE void StoreSamples(Vec<D> product, D d, Part* to) {
-  if constexpr (std::is_integral_v<Part>) StoreRounded(product, to);
-  else hn::StoreU(product, d, to);
-}
-
 template <class Sample, class Real>
 TZM_INLINE void WeighSample(const Sample* src, Sample* dst, size_t i, Real value) {
   using Part = typename WindowTypes<Sample>::Part;
@@ -83,9 +71,9 @@ TZM_INLINE void ApplyWindow(const Sample* src, Sample* dst, int32_t len, size_t 
       else Duplicate(d, window.Block(d, i), values);
       for (size_t k = 0; k < kParts; ++k) {
         const size_t front = i * kParts + k * lanes, back = (n - i) * kParts - (k + 1) * lanes;
-        const auto low = LoadSamples(d, from + front), high = LoadSamples(d, from + back);
-        StoreSamples(hn::Mul(low, values[k]), d, to + front);
-        StoreSamples(hn::Mul(high, hn::Reverse(d, values[k])), d, to + back);
+        const auto low = LoadFloating(d, from + front), high = LoadFloating(d, from + back);
+        StoreRounded(hn::Mul(low, values[k]), to + front);
+        StoreRounded(hn::Mul(high, hn::Reverse(d, values[k])), to + back);
       }
     }
   };

@@ -161,10 +161,7 @@ TZM_INLINE void ForPairs(const Src* from, Add add) {
     four(hn::LowerHalf(half16, v));
     four(hn::UpperHalf(half16, v));
   } else {
-    for (size_t k = 0; k < kStep; k += 2) {
-      if constexpr (std::is_same_v<Src, double>) add(LaneArray<double, 2>::Load(from + k));
-      else add(LaneArray<double, 2>::LoadWiden(from + k));
-    }
+    for (size_t k = 0; k < kStep; k += 2) add(LoadLanes<LaneArray<double, 2>>(from + k));
   }
 }
 

@@ -29,6 +29,7 @@ constexpr int32_t kFloatTable = 2;  // the hint
 
 // ---- The table ----
 
+// The size of the block is fixed, and with it the limit of the window.
 constexpr int64_t kRecordBytes = 64;
 static_assert(sizeof(ResamplePolyphaseState) <= kRecordBytes);
 constexpr int64_t WorkBytes(int64_t tableLen) { return (8 * tableLen + 79) / 64 * 64; }
@@ -149,12 +150,6 @@ TZM_INLINE auto LoadNeighbours(const Entry* table, const uint32_t* at) {
   }
 }
 
-template <class D, class V>
-TZM_INLINE Vec<D> WidenToDouble(D d, V v) {
-  if constexpr (sizeof(hn::TFromV<V>) == 2) return hn::PromoteTo(d, hn::PromoteTo(hn::Rebind<int32_t, D>(), v));
-  else return hn::PromoteTo(d, v);
-}
-
 // One half of an output's taps, 0 to count-1: tap m takes the table at m*step + `at` and the sample `src[m]`, or
 // `src[-m]` to the left.
 template <class Entry, class Sample>
@@ -193,23 +188,21 @@ TZM_INLINE Vec<D> WeightsByTable(D d, const H& half, Vec<D> index, int64_t) {
   uint32_t entry[hn::MaxLanes(d)];
   hn::StoreU(hn::BitCast(du, hn::DemoteTo(di, whole)), du, entry);
   const auto neighbours = LoadNeighbours<hn::MaxLanes(d)>(half.table, entry);
-  return Interpolate(d, WidenToDouble(d, neighbours.low), WidenToDouble(d, neighbours.high), hn::Sub(u, whole));
+  return Interpolate(d, ToFloating(d, neighbours.low), ToFloating(d, neighbours.high), hn::Sub(u, whole));
 }
 template <class D, class H>
 TZM_INLINE Vec<D> WeightsByRows(D d, const H& half, Vec<D> index, int64_t m) {
   const auto step = hn::Set(d, half.step);
   const auto u = hn::MulAdd(index, step, hn::Set(d, half.at)), whole = hn::MulAdd(index, step, hn::Set(d, half.base));
-  const hn::Rebind<std::remove_cvref_t<decltype(*half.row)>, D> dn;
-  const auto low = hn::LoadU(dn, half.row + m), high = hn::LoadU(dn, half.row + half.rowLen + m);
-  return Interpolate(d, WidenToDouble(d, low), WidenToDouble(d, high), hn::Sub(u, whole));
+  const auto low = LoadFloating(d, half.row + m), high = LoadFloating(d, half.row + half.rowLen + m);
+  return Interpolate(d, low, high, hn::Sub(u, whole));
 }
 
 // Samples times weights.
 template <int kDirection, bool kRows, class D, class Entry, class Sample>
 TZM_INLINE Vec<D> Products(D d, const Half<Entry, Sample>& half, Vec<D> index, int64_t m) {
   constexpr int64_t kLanes = hn::MaxLanes(d);
-  const hn::Rebind<Sample, D> dn;
-  auto samples = WidenToDouble(d, hn::LoadU(dn, kDirection > 0 ? half.src + m : half.src - m - (kLanes - 1)));
+  auto samples = LoadFloating(d, kDirection > 0 ? half.src + m : half.src - m - (kLanes - 1));
   if constexpr (kDirection < 0) samples = hn::Reverse(d, samples);
   if constexpr (kRows) return hn::Mul(samples, WeightsByRows(d, half, index, m));
   else return hn::Mul(samples, WeightsByTable(d, half, index, m));

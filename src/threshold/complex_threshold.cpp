@@ -44,7 +44,7 @@ TZM_INLINE Vec<D> Rescaled(D d, Vec<D> part, Vec<D> magnitude, Turn turn) {
                         hn::PromoteTo(wide, hn::LowerHalf(half, magnitude)));
   const auto high = turn(hn::PromoteTo(wide, hn::UpperHalf(half, part)),
                          hn::PromoteTo(wide, hn::UpperHalf(half, magnitude)));
-  return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+  return NarrowPair(d, low, high);
 }
 
 // Elements whose magnitude is caught(magnitude, level) are brought to the level. The body (pairs of

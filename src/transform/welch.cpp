@@ -1,6 +1,7 @@
 // Welch's estimate of a power spectral density: overlapped windowed segments, their power spectra averaged.
 #include <signal_tzm/transform.h>
 
+#include "frame/by_real.h"
 #include "frame/call.h"
 #include "frame/calls.h"
 #include "frame/drive.h"
@@ -14,21 +15,15 @@ namespace {
 template <class Real>
 constexpr int32_t kLongestWindow = 0x40000000 / sizeof(Real) - 1;
 
+// segment[k] = src[k] * window[k].
 template <class Real>
 void Window(const Real* src, const Real* window, Real* segment, int32_t len) {
   Multiply(src, window, segment, len);
 }
-
-// Complex samples times a real window; there is no exported product of this shape in binary64.
+// There is no exported product of this shape in binary64.
 template <class Complex, class Real>
 void Window(const Complex* src, const Real* window, Complex* segment, int32_t len) {
-  const Full<Real> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Complex* x, const Real* w, Complex* out) TZM_LAMBDA {
-    Vec<decltype(d)> re, im;
-    hn::LoadInterleaved2(d, Parts(x), re, im);
-    const auto by = hn::LoadU(d, w);
-    StoreInterleaved(hn::Mul(re, by), hn::Mul(im, by), d, Parts(out));
-  }, src, window, segment);
+  ForEachByReal(len, [](auto w, auto x) TZM_LAMBDA { return hn::Mul(x, w); }, window, segment, src);
 }
 
 // segment[k] += src[k] * window[k], fused.
@@ -41,14 +36,8 @@ void Fold(const Real* src, const Real* window, Real* segment, int32_t len) {
 }
 template <class Complex, class Real>
 void Fold(const Complex* src, const Real* window, Complex* segment, int32_t len) {
-  const Full<Real> d;
-  ForEach<hn::MaxLanes(d)>(len, [=](const Complex* x, const Real* w, const Complex* sum, Complex* out) TZM_LAMBDA {
-    Vec<decltype(d)> re, im, sumRe, sumIm;
-    hn::LoadInterleaved2(d, Parts(x), re, im);
-    hn::LoadInterleaved2(d, Parts(sum), sumRe, sumIm);
-    const auto by = hn::LoadU(d, w);
-    StoreInterleaved(hn::MulAdd(re, by, sumRe), hn::MulAdd(im, by, sumIm), d, Parts(out));
-  }, src, window, static_cast<const Complex*>(segment), segment);
+  ForEachByReal(len, [](auto w, auto x, auto sum) TZM_LAMBDA { return hn::MulAdd(x, w, sum); }, window, segment, src,
+                static_cast<const Complex*>(segment));
 }
 
 // Sum of squares: blocks of lanes folded pairwise onto a running total, the rest fused one by one.

@@ -30,12 +30,6 @@ struct LaneArray {
   static TZM_INLINE LaneArray Load(const T* from) {
     return Each([&](size_t r) TZM_LAMBDA { return hn::LoadU(D(), from + r * kWidth); });
   }
-  // Elements of a narrower type, widened.
-  template <class Narrow>
-  static TZM_INLINE LaneArray LoadWiden(const Narrow* from) {
-    const hn::Rebind<Narrow, D> dn;
-    return Each([&](size_t r) TZM_LAMBDA { return hn::PromoteTo(D(), hn::LoadU(dn, from + r * kWidth)); });
-  }
   // The real and the imaginary parts of N complex elements.
   static TZM_INLINE void LoadComplex(const T* from, LaneArray& re, LaneArray& im) {
     re = Each([&](size_t r) TZM_LAMBDA {

@@ -53,33 +53,37 @@ TZM_INLINE Vec<D> LoadBytes(D d, const uint8_t* from) {
   }
 }
 
-// Integers of up to 32 bits as lanes of binary32, rounded where they have more than 24.
+// Lanes of integers of up to 32 bits, or floating ones no wider than those of D, as floating lanes: as they are, but for
+// integers of more than 24 bits in binary32, which are rounded.
+template <class D, class V>
+TZM_INLINE Vec<D> ToFloating(D d, V v) {
+  using T = hn::TFromV<V>;
+  constexpr bool kSingle = sizeof(hn::TFromD<D>) == 4;
+  if constexpr (std::is_same_v<T, hn::TFromD<D>>) return v;
+  else if constexpr (sizeof(T) == 4 && kSingle) return hn::ConvertTo(d, v);
+  else if constexpr (sizeof(T) == 4) return hn::PromoteTo(d, v);
+  else return ToFloating(d, hn::PromoteTo(hn::Rebind<int32_t, D>(), v));
+}
 template <class D, class T>
-TZM_INLINE Vec<D> LoadAsFloat(D d, const T* from) {
-  const hn::RebindToSigned<D> d32;
-  if constexpr (sizeof(T) == 4) return hn::ConvertTo(d, hn::LoadU(d32, from));
-  else return hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<T, D>(), from)));
+TZM_INLINE Vec<D> LoadFloating(D d, const T* from) {
+  return ToFloating(d, hn::LoadU(hn::Rebind<T, D>(), from));
 }
 
-// One register of binary32 lanes as integers of up to 32 bits.
+// Floating lanes as lanes of T: floating ones no wider, or integers of up to 32 bits, saturated.
+template <class T, class V>
+TZM_INLINE auto RoundTo(V x) {
+  const hn::Rebind<T, hn::DFromV<V>> dn;
+  constexpr bool kSingle = sizeof(hn::TFromV<V>) == 4;
+  if constexpr (std::is_same_v<T, hn::TFromV<V>>) return x;
+  else if constexpr (std::is_floating_point_v<T>) return hn::DemoteTo(dn, x);
+  else if constexpr (sizeof(T) == 4 && kSingle) return RoundFor<T>(x);
+  else if constexpr (sizeof(T) == 4) return RoundToInt32(x);
+  else if constexpr (kSingle) return hn::DemoteTo(dn, RoundFor<T>(x));
+  else return hn::DemoteTo(dn, RoundToInt32(x));
+}
 template <class V, class T>
 TZM_INLINE void StoreRounded(V x, T* to) {
-  const hn::Rebind<T, hn::DFromV<V>> dn;
-  if constexpr (sizeof(T) == 4) hn::StoreU(RoundFor<T>(x), dn, to);
-  else hn::StoreU(hn::DemoteTo(dn, RoundFor<T>(x)), dn, to);
-}
-
-// Half a register of elements from memory, each in two lanes in a row: a real factor for complex elements.
-template <class D>
-TZM_INLINE Vec<D> LoadTwice(D d, const float* from) {
-  const hn::Half<D> half;
-#if HWY_ARCH_X86
-  alignas(64) static constexpr int32_t kTwice[] = {0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7};
-  return hn::TableLookupLanes(hn::ZeroExtendVector(d, hn::LoadU(half, from)), hn::SetTableIndices(d, kTwice));
-#else
-  const auto narrow = hn::ZeroExtendVector(d, hn::LoadU(half, from));
-  return hn::InterleaveLower(d, narrow, narrow);
-#endif
+  hn::StoreU(RoundTo<T>(x), hn::Rebind<T, hn::DFromV<V>>(), to);
 }
 
 #if HWY_ARCH_X86
