@@ -3,13 +3,14 @@ family. A state is given back on `close`, at the end of a `with`, or with the ob
 from __future__ import annotations
 
 import contextlib
+import copy
 import functools
 import itertools
 import math
 import operator
 import re
 import threading
-from typing import Any, Callable, Iterable, Iterator, TypeVar
+from typing import Any, Callable, Final, Iterable, Iterator, TypeVar
 
 import numpy as np
 from numpy.typing import ArrayLike, DTypeLike, NDArray
@@ -117,7 +118,8 @@ def _target(shape: Any, dtype: Any, axis: int, out: Any, *sources: Array) -> Arr
     flags = out.flags
     if not flags.writeable:
         raise ValueError("out is read-only")
-    if last and flags.c_contiguous and not any(np.may_share_memory(out, s) for s in sources):
+    if type(out) is np.ndarray and last and flags.c_contiguous and not any(
+            np.may_share_memory(out, s) for s in sources):
         return out
     return np.empty(shape, dtype)
 
@@ -141,6 +143,18 @@ def _length(x: Array, n: int, what: str) -> None:
         raise ValueError(f"{what} has {x.shape[-1]} samples, the state is for {n}")
 
 
+def _row(what: str, value: ArrayLike, dtype: DTypeLike | None = None) -> Array:
+    """A copy of a row. Where a type is given, numbers in a list become it as constants do; an array must have it."""
+    if dtype is not None and isinstance(value, (list, tuple)):
+        value = np.array([constant(TYPES[np.dtype(dtype)], number)[0] for number in value], dtype)
+    row = np.array(value, order="C")
+    if dtype is not None and row.dtype != dtype:
+        raise TypeError(f"{what} must be {np.dtype(dtype)}, not {dtype_name(row.dtype)}")
+    if row.ndim != 1:
+        raise ValueError(f"{what} must be one row, not of shape {row.shape}")
+    return row
+
+
 def recut(blocks: Iterable[ArrayLike], size: int) -> Iterator[Array]:
     """The same samples in arrays of `size`, the last one shorter: results no longer depend on the first cuts."""
     rest = None
@@ -155,20 +169,43 @@ def recut(blocks: Iterable[ArrayLike], size: int) -> Iterator[Array]:
         yield rest
 
 
+def _kept(value: Any) -> Any:
+    return copy.copy(value) if isinstance(value, (list, np.ndarray)) else value
+
+
+def _set_once(name: str, kind: str) -> property:
+    """What `Final` promises, at run time."""
+    hidden = "_" + name
+
+    def put(self: State, value: Any) -> None:
+        if hasattr(self, hidden):
+            this = type(self).__name__
+            raise AttributeError(f"{this}.{name.lstrip('_')} cannot be set: make another {this}")
+        setattr(self, hidden, value)
+
+    return property(operator.attrgetter(hidden), put, doc=kind)
+
+
 class State:
-    """What all states share."""
+    """What all states share. Sizes of arrays hang on attributes that are `Final`: they are set once, which ends a
+    second __init__, too."""
 
     _shared = False  # whether any number of calls may use it at once
     _arguments: tuple[tuple[Any, ...], dict[str, Any]]
     _pointers: dict[str, Any]  # each gives its state back when neither this nor a call in another thread holds it
-    _lock: Any
+    _lock: Any  # which a thread may take twice: in a call, a number's __float__ or a finalizer may use the state again
+
+    def __init_subclass__(cls) -> None:
+        for name, kind in cls.__annotations__.items():
+            if str(kind).startswith("Final[") and name not in vars(cls):
+                setattr(cls, name, _set_once(name, kind))
 
     def __new__(cls: type[Self], *arguments: Any, **options: Any) -> Self:
         self = super().__new__(cls)
-        self._arguments = arguments, options
+        self._arguments = (*map(_kept, arguments),), {name: _kept(value) for name, value in options.items()}
         self._pointers = {}
         self._closed = False
-        self._lock = contextlib.nullcontext() if cls._shared else threading.Lock()
+        self._lock = contextlib.nullcontext() if cls._shared else threading.RLock()
         return self
 
     def _init(self, key: str, init: str, release: str, *values: Any) -> None:
@@ -221,57 +258,61 @@ class _Filter(State):
     """FIR and FIRMR: taps, and a delay line for each row that goes on from call to call."""
 
     _prefix: str
-    _up = _down = 1
+    _taps: Final[Array]
 
-    def __init__(self, taps: ArrayLike, line: int, piece: int, *values: int) -> None:
-        self.taps = np.ascontiguousarray(taps)
-        if self.taps.ndim != 1:
-            raise ValueError(f"{type(self).__name__}: taps must be one row, not of shape {self.taps.shape}")
-        self._values, self._line_length, self._piece = values, line, piece
+    def __init__(self, taps: Array, line: int, piece: int, up: int, down: int, *values: int) -> None:
+        self._taps = taps
+        self._values, self._line_length, self._piece, self._up, self._down = values, line, piece, up, down
         self._line: Array | None = None
         self._runs: dict[Any, tuple[str, str]] = {}  # for samples of a type: the key of the state, the operation
-        self._open(self.taps.dtype)
+        self._open(taps.dtype)
+
+    @property
+    def taps(self) -> Array:
+        """A copy of the taps."""
+        return self._taps.copy()
 
     def _open(self, dtype: Any) -> tuple[Any, str]:
         if dtype not in self._runs:
-            pair = TYPES.get(self.taps.dtype, ""), TYPES.get(dtype, "")
+            pair = TYPES.get(self._taps.dtype, ""), TYPES.get(dtype, "")
             if pair not in _FILTERS:
                 there = ", ".join(f"{DTYPES[t]} with {dtype_name(DTYPES[x])}" for t, x in _FILTERS)
-                raise TypeError(f"{type(self).__name__}: no taps of {dtype_name(self.taps.dtype)} with samples of "
+                raise TypeError(f"{type(self).__name__}: no taps of {dtype_name(self._taps.dtype)} with samples of "
                                 f"{dtype_name(dtype)}, but {there}")
             init, run = _FILTERS[pair]
             if init not in self._pointers:
-                self._init(init, _name(self._prefix, "Init", init), _name(self._prefix, "Release", init), self.taps,
-                           self.taps.size, *self._values)
+                self._init(init, _name(self._prefix, "Init", init), _name(self._prefix, "Release", init), self._taps,
+                           self._taps.size, *self._values)
             self._runs[dtype] = init, _name(self._prefix, "", run)
         key, name = self._runs[dtype]
         return self._state(key), name
 
     def reset(self, before: ArrayLike | None = None) -> None:
         """Begins anew; `before` are the samples before the first one, oldest first, else zeros."""
-        self._line = None
-        if before is not None:
-            line = np.array(before, order="C")
+        line = None if before is None else _along(before, -1).copy()
+        if line is not None:
             _length(line, self._line_length, "before")
-            self._line, self._line_of = line, (line.shape[:-1], line.dtype)
+        with self._lock:
+            self._line = line
 
     def __call__(self, x: ArrayLike, *, out: Array | None = None, axis: int = -1) -> Array:
         """Filters `x`, each row of a stack with a delay line of its own, and remembers its end for the next call."""
+        src = _along(x, axis)
+        n, lead = src.shape[-1], src.shape[:-1]
+        if n == 0 or n % self._down:
+            raise ValueError(f"{n} samples are no positive multiple of {self._down}")
         with self._lock:
-            src = _along(x, axis)
             state, name = self._open(src.dtype)
-            n, lead = src.shape[-1], src.shape[:-1]
-            if n == 0 or n % self._down:
-                raise ValueError(f"{n} samples are no positive multiple of {self._down}")
-            if self._line is None:
-                self._line, self._line_of = np.zeros(lead + (max(self._line_length, 1),), src.dtype), (lead, src.dtype)
-            if self._line_of != (lead, src.dtype):
-                raise ValueError("the stream began with another shape or type: reset() first")
             dst = _target(lead + (n // self._down * self._up,), src.dtype, axis, out, src)
+            line = self._line
+            if line is None:
+                self._line = line = np.zeros(lead + (max(self._line_length, 1),), src.dtype)
+            if (line.shape[:-1], line.dtype) != (lead, src.dtype):
+                raise ValueError("the stream began with another shape or type: reset() first")
             for at in range(0, n // self._down, self._piece):
                 _do(name, (src, at * self._down), (dst, at * self._up), min(self._piece, n // self._down - at), state,
-                    self._line, self._line, rows=math.prod(lead))
-            return _given(dst, axis, out)
+                    line, line, rows=math.prod(lead))
+        return _given(dst, axis, out)
 
     def stream(self, blocks: Iterable[ArrayLike]) -> Iterator[Array]:
         """Filters a signal that comes in blocks, along the last axis, from zeros on. The results are those of one
@@ -290,9 +331,10 @@ class FIR(_Filter):
     _prefix = "FIRSR"
 
     def __init__(self, taps: ArrayLike, *, max_len: int = 65536, kind: int = 0) -> None:
+        taps, max_len = _row("FIR: taps", taps), operator.index(max_len)
         if max_len % 16:
             raise ValueError("max_len must be a multiple of 16")
-        super().__init__(taps, np.size(taps) - 1, max_len, max_len, kind)
+        super().__init__(taps, taps.size - 1, max_len, 1, 1, max_len, kind)
 
 
 @_about("FIRMR")
@@ -303,8 +345,8 @@ class FIRMR(_Filter):
     _prefix = "FIRMR"
 
     def __init__(self, taps: ArrayLike, *, up: int = 1, down: int = 1, up_phase: int = 0, down_phase: int = 0) -> None:
-        self._up, self._down = up, down
-        super().__init__(taps, -(-np.size(taps) // max(up, 1)), 1 << 14, up, up_phase, down, down_phase)
+        taps, up, down = _row("FIRMR: taps", taps), operator.index(up), operator.index(down)
+        super().__init__(taps, -(-taps.size // max(up, 1)), 1 << 14, up, down, up, up_phase, down, down_phase)
 
 
 @_about("FIRLMS")
@@ -312,18 +354,23 @@ class LMS(State):
     """LMS(taps, dtype=float32): an adaptive filter of float32 or int16 samples; `taps` are the first ones, or their
     number. `y = f(x, ref, mu)` adapts them, `f.taps` are those of now, `f.delay_line` its (samples, index)."""
 
+    dtype: Final[np.dtype[Any]]
+    size: Final[int]
+
     def __init__(self, taps: ArrayLike | int, *, dtype: DTypeLike = np.float32, delay_line: ArrayLike | None = None,
                  index: int = 0) -> None:
         self.dtype = np.dtype(dtype)
         kind = TYPES.get(self.dtype, str(self.dtype))
         self._kind = "32f" if kind == "32f" else f"32f_{kind}"
-        first = np.ascontiguousarray(taps if np.ndim(taps) else np.zeros(operator.index(taps)), np.float32)
-        line = None if delay_line is None else np.ascontiguousarray(delay_line, self.dtype)
-        if line is not None:
-            _length(line, first.size, "delay_line")
+        init, release = _name("FIRLMS", "Init", self._kind), _name("FIRLMS", "Release", self._kind)
+        first = _row("LMS: taps", taps if np.ndim(taps) else np.zeros(operator.index(taps), np.float32), np.float32)
         self.size = first.size
-        self._init("", _name("FIRLMS", "Init", self._kind), _name("FIRLMS", "Release", self._kind), first, first.size,
-                   line, index)
+        self._init("", init, release, first, first.size, None if delay_line is None else self._line(delay_line), index)
+
+    def _line(self, value: ArrayLike) -> Array:
+        line = _row("LMS: delay_line", value, self.dtype)
+        _length(line, self.size, "delay_line")
+        return line
 
     def __call__(self, x: ArrayLike, ref: ArrayLike, mu: float) -> Array:
         src, ref = np.ascontiguousarray(x), np.ascontiguousarray(ref)
@@ -351,10 +398,9 @@ class LMS(State):
 
     @delay_line.setter
     def delay_line(self, value: tuple[ArrayLike, int]) -> None:
-        line = np.ascontiguousarray(value[0], self.dtype)
-        _length(line, self.size, "delay_line")
+        line, index = self._line(value[0]), value[1]
         with self._lock:
-            _do(_name("FIRLMS", "SetDlyLine", self._kind), self._state(), line, value[1])
+            _do(_name("FIRLMS", "SetDlyLine", self._kind), self._state(), line, index)
 
 
 @_about("FIRSparse")
@@ -362,18 +408,25 @@ class SparseFIR(State):
     """SparseFIR(taps, positions): a filter of float32 samples with few taps at ascending delays. Blocks of any sizes
     give what one call gives; `f.delay_line` is settable, the most recent sample first."""
 
+    reach: Final[int]
+
     def __init__(self, taps: ArrayLike, positions: ArrayLike, *, delay_line: ArrayLike | None = None) -> None:
-        taps, places = np.ascontiguousarray(taps, np.float32), np.ascontiguousarray(positions).astype(np.int32)
+        taps, positions = _row("SparseFIR: taps", taps, np.float32), _row("SparseFIR: positions", positions)
+        places = positions.astype(np.int32)
         if not np.array_equal(places, positions):
             raise TypeError("SparseFIR: positions must be whole numbers below 2**31")
-        if taps.ndim != 1 or taps.shape != places.shape:
+        if taps.size != places.size:
             raise ValueError("SparseFIR: there must be one position for each tap")
         self.reach = int(places[-1]) if places.size else 0
-        line = None if delay_line is None else np.ascontiguousarray(delay_line, np.float32)
-        if line is not None:
-            _length(line, self.reach, "delay_line")
         self._init("", _name("FIRSparse", "Init", "32f"), _name("FIRSparse", "Release", "32f"), taps, places, taps.size,
-                   line)
+                   self._line(delay_line))
+
+    def _line(self, value: ArrayLike | None) -> Array | None:
+        if value is None:
+            return None
+        line = _row("SparseFIR: delay_line", value, np.float32)
+        _length(line, self.reach, "delay_line")
+        return line
 
     def __call__(self, x: ArrayLike) -> Array:
         src = np.ascontiguousarray(x)
@@ -397,9 +450,7 @@ class SparseFIR(State):
 
     @delay_line.setter
     def delay_line(self, value: ArrayLike | None) -> None:
-        line = None if value is None else np.ascontiguousarray(value, np.float32)
-        if line is not None:
-            _length(line, self.reach, "delay_line")
+        line = self._line(value)
         with self._lock:
             _do(_name("FIRSparse", "SetDlyLine", "32f"), self._state(), line)
 
@@ -410,9 +461,9 @@ class _Design(State):
 
 
 def _design(kind: str, n: int, win_type: int, normal: bool, *frequencies: float) -> Array:
-    with _Design(n) as work:
-        taps = np.empty(max(n, 0))
-        _do(_name("FIRGen" + kind, "", "64f"), *frequencies, taps, n, win_type, normal, work._state())
+    taps = np.empty(max(operator.index(n), 0))
+    with _Design(taps.size) as work:
+        _do(_name("FIRGen" + kind, "", "64f"), *frequencies, taps, taps.size, win_type, normal, work._state())
     return taps
 
 
@@ -448,15 +499,20 @@ class Resampler(State):
     float32 or int16 samples. `r(x)` takes whole signals, `r.stream(blocks)` one that comes in blocks."""
 
     _shared = True
+    in_rate: Final[int]
+    out_rate: Final[int]
+    dtype: Final[np.dtype[Any]]
+    reach: Final[int]
 
     def __init__(self, in_rate: int, out_rate: int, *, window: float = 64, rollf: float = 0.9, alpha: float = 9,
                  dtype: DTypeLike = np.float32) -> None:
-        self.in_rate, self.out_rate, self.dtype = in_rate, out_rate, np.dtype(dtype)
+        self.in_rate = in_rate = operator.index(in_rate)
+        self.out_rate = out_rate = operator.index(out_rate)
+        self.dtype = np.dtype(dtype)
         self._kind = TYPES.get(self.dtype, str(self.dtype))
         self._init("", _name("ResamplePolyphaseFixed", "Init", self._kind),
                    _name("ResamplePolyphaseFixed", "Release", self._kind), in_rate, out_rate, window, rollf, alpha)
-        self._up = out_rate // math.gcd(in_rate, out_rate)
-        self.reach = self._filter_length() // (2 * self._up)
+        self.reach = self._filter_length() * math.gcd(in_rate, out_rate) // (2 * out_rate)
 
     def _filter_length(self, taps: Array | None = None) -> int:
         length = np.zeros(1, np.int32)
@@ -471,7 +527,7 @@ class Resampler(State):
 
     @taps.setter
     def taps(self, value: ArrayLike) -> None:
-        taps = np.ascontiguousarray(value, np.float32)
+        taps = _row("Resampler: taps", value, np.float32)
         _do(_name("ResamplePolyphaseFixed", "SetFilter", self._kind), self._state(), taps, taps.size)
 
     def __call__(self, x: ArrayLike, *, norm: float = 1, axis: int = -1) -> Array:
@@ -480,11 +536,11 @@ class Resampler(State):
             raise ValueError("Resampler: no samples")
         return _given(np.concatenate(parts, axis=-1), axis)
 
-    def between(self, x: Array, n: int, time: int, *, norm: float = 1) -> tuple[Array, int]:
+    def between(self, x: ArrayLike, n: int, time: int, *, norm: float = 1) -> tuple[Array, int]:
         """The outputs from `time` on, in 1/out_rate of a sample of `x`, up to `n` samples past the one there, and the
         time of the next; `x` has `reach - 1` samples before and `reach` behind."""
+        x, n, time = np.ascontiguousarray(x), operator.index(n), operator.index(time)
         name, lead = _name("ResamplePolyphaseFixed", "", self._kind), x.shape[:-1]
-        x = np.ascontiguousarray(x)
         _same("Resampler", self.dtype, x)
         if not self.reach - 1 <= time // self.out_rate <= x.shape[-1] - self.reach - n:
             raise ValueError(f"Resampler: {self.reach} samples are needed on both sides")
@@ -522,10 +578,15 @@ class VariableResampler(State):
     the call. `r(x, factor)` takes whole signals of float32 or int16 samples."""
 
     _shared = True
+    window: Final[float]
+    n_step: Final[int]
+    dtype: Final[np.dtype[Any]]
 
     def __init__(self, *, window: float = 64, n_step: int = 1024, rollf: float = 0.9, alpha: float = 9, hint: int = 0,
                  dtype: DTypeLike = np.float32) -> None:
-        self.window, self.n_step, self.dtype = window, n_step, np.dtype(dtype)
+        self.window = window = constant("32f", window)[0]
+        self.n_step = n_step = operator.index(n_step)
+        self.dtype = np.dtype(dtype)
         self._kind = TYPES.get(self.dtype, str(self.dtype))
         self._init("", _name("ResamplePolyphase", "Init", self._kind),
                    _name("ResamplePolyphase", "Release", self._kind), window, n_step, rollf, alpha, hint)
@@ -533,6 +594,7 @@ class VariableResampler(State):
     def __call__(self, x: ArrayLike, factor: float, *, norm: float = 1, axis: int = -1) -> Array:
         src = _along(x, axis)
         _same("VariableResampler", self.dtype, src)
+        factor = constant("64f", factor)[0]
         if not 0 < factor < math.inf:
             raise ValueError("VariableResampler: factor must be above 0 and finite")
         n, lead = src.shape[-1], src.shape[:-1]
@@ -557,11 +619,14 @@ class FFT(State):
     of raw.ORVA_DIVIDE_...: by default the inverse is divided by n, as NumPy has it."""
 
     _shared = True
+    n: Final[int]
+    dtype: Final[np.dtype[Any]]
+    split: Final[bool]
 
     def __init__(self, n: int, dtype: DTypeLike = np.complex64, *, inverse: bool = False, divide: int = 2,
                  split: bool = False) -> None:
         self.n = n = operator.index(n)
-        self.dtype, self.split = np.dtype(dtype), split
+        self.dtype, self.split = np.dtype(dtype), bool(split)
         self._kind = TYPES.get(self.dtype, str(self.dtype))
         real = self.dtype.kind == "f" and not split
         power = n > 1 and n & (n - 1) == 0
@@ -636,9 +701,10 @@ class Hilbert(State):
     """Hilbert(n): the analytic signal, complex64, of `n` float32 samples; any number of threads may use it at once."""
 
     _shared = True
+    n: Final[int]
 
     def __init__(self, n: int) -> None:
-        self.n = n
+        self.n = n = operator.index(n)
         self._init("", _name("Hilbert", "Init", "32f32fc"), _name("Hilbert", "Release", "32f32fc"), n)
 
     def __call__(self, x: ArrayLike, *, out: Array | None = None, axis: int = -1) -> Array:
@@ -661,7 +727,7 @@ def hilbert(x: ArrayLike, *, axis: int = -1) -> Array:
 def czt(x: ArrayLike, n: int, w: complex, a: complex = 1, *, axis: int = -1) -> Array:
     """The z-transform at `n` points of a spiral."""
     src = _along(x, axis)
-    name = _name("CZT", "", _type(src))
+    name, n = _name("CZT", "", _type(src)), operator.index(n)
     dst = np.empty(src.shape[:-1] + (max(n, 0),), np.result_type(src.dtype, np.complex64))
     powers = [constant(TYPES[dst.dtype], value)[0] for value in (w, a)]
     _do(name, src, src.shape[-1], dst, n, *powers, rows=math.prod(src.shape[:-1]))
@@ -681,8 +747,8 @@ def pwelch(x: ArrayLike, window: ArrayLike | None = None, *, win_len: int | None
         if window.dtype != part or window.ndim != 1 or win_len not in (None, window.size):
             raise TypeError(f"pwelch: window must be a row of {part}" + f", {win_len} long" * (win_len is not None))
         win_len = window.size
-    n = src.shape[-1]
-    win_len = min(256, n) if win_len is None else win_len
+    n, nfft = src.shape[-1], operator.index(nfft)
+    win_len = min(256, n) if win_len is None else operator.index(win_len)
     points = nfft if 0 < nfft < win_len else win_len
     dst = np.empty(src.shape[:-1] + (max(points, 0) if src.dtype.kind == "c" else max(points, 0) // 2 + 1,), part)
     _do(name, src, window, dst, n, nfft, win_len, overlap, rows=math.prod(src.shape[:-1]))
@@ -692,6 +758,8 @@ def pwelch(x: ArrayLike, window: ArrayLike | None = None, *, win_len: int | None
 # ---- Convolution and correlation ----
 
 class _Pair(State):
+    dtype: Final[np.dtype[Any]]
+
     def __init__(self, prefix: str, release: str, dtype: DTypeLike, *values: int) -> None:
         self.dtype = np.dtype(dtype)
         self._kind = TYPES.get(self.dtype, str(self.dtype))
@@ -716,9 +784,12 @@ class Convolution(_Pair):
     """Convolution(n1, n2, dtype=float32, kind=0): the full convolution of rows of n1 and n2 samples. Of stacks each row
     is convolved with its partner, or all with a single one."""
 
+    n1: Final[int]
+    n2: Final[int]
+
     def __init__(self, n1: int, n2: int, dtype: DTypeLike = np.float32, *, kind: int = 0) -> None:
-        self.n1, self.n2 = n1, n2
-        super().__init__("Conv", "Conv", dtype, n1, n2, kind)
+        self.n1, self.n2 = operator.index(n1), operator.index(n2)
+        super().__init__("Conv", "Conv", dtype, self.n1, self.n2, kind)
 
     def __call__(self, a: ArrayLike, b: ArrayLike, *, axis: int = -1) -> Array:
         return self._run("Convolve", [(a, self.n1), (b, self.n2)], self.n1 + self.n2 - 1, axis)
@@ -728,9 +799,12 @@ class Convolution(_Pair):
 class AutoCorrelation(_Pair):
     """AutoCorrelation(n, lags, dtype=float32, kind=0): lags 0 to lags-1 of rows of n samples."""
 
+    n: Final[int]
+    lags: Final[int]
+
     def __init__(self, n: int, lags: int, dtype: DTypeLike = np.float32, *, kind: int = 0) -> None:
-        self.n, self.lags = n, lags
-        super().__init__("AutoCorr", "Corr", dtype, n, lags, kind)
+        self.n, self.lags = operator.index(n), operator.index(lags)
+        super().__init__("AutoCorr", "Corr", dtype, self.n, self.lags, kind)
 
     def __call__(self, x: ArrayLike, *, normalisation: int = 0, axis: int = -1) -> Array:
         return self._run("AutoCorrNorm", [(x, self.n)], self.lags, axis, self.lags, normalisation)
@@ -740,10 +814,16 @@ class AutoCorrelation(_Pair):
 class CrossCorrelation(_Pair):
     """CrossCorrelation(n1, n2, lags, low_lag, dtype=float32, kind=0): `lags` lags from `low_lag` on."""
 
+    n1: Final[int]
+    n2: Final[int]
+    lags: Final[int]
+    low_lag: Final[int]
+
     def __init__(self, n1: int, n2: int, lags: int, low_lag: int, dtype: DTypeLike = np.float32, *,
                  kind: int = 0) -> None:
-        self.n1, self.n2, self.lags, self.low_lag = n1, n2, lags, low_lag
-        super().__init__("CrossCorr", "Corr", dtype, n1, n2, lags, low_lag, kind)
+        self.n1, self.n2 = operator.index(n1), operator.index(n2)
+        self.lags, self.low_lag = operator.index(lags), operator.index(low_lag)
+        super().__init__("CrossCorr", "Corr", dtype, self.n1, self.n2, self.lags, self.low_lag, kind)
 
     def __call__(self, a: ArrayLike, b: ArrayLike, *, normalisation: int = 0, axis: int = -1) -> Array:
         return self._run("CrossCorrNorm", [(a, self.n1), (b, self.n2)], self.lags, axis, self.lags, self.low_lag,
@@ -802,13 +882,15 @@ def matmul(a: ArrayLike, b: ArrayLike) -> Array:
 
 # ---- Noise ----
 
-_drand48 = threading.Lock()  # the process has one generator
+_drand48 = threading.RLock()  # the process has one generator
 
 
 @_about("RandGauss")
 class GaussianNoise(State):
     """GaussianNoise(mean, std_dev, seed, dtype=float32): `g(n)` gives `n` samples, always the same ones: a fresh stream
     is a state with another seed."""
+
+    dtype: Final[np.dtype[Any]]
 
     def __init__(self, mean: float, std_dev: float, seed: int, dtype: DTypeLike = np.float32) -> None:
         self.dtype = np.dtype(dtype)
@@ -817,7 +899,7 @@ class GaussianNoise(State):
         self._init("", init, release, *(constant(self._kind, value)[0] for value in (mean, std_dev)), seed)
 
     def __call__(self, n: int) -> Array:
-        dst = np.empty(max(n, 0), self.dtype)
+        dst = np.empty(max(operator.index(n), 0), self.dtype)
         with self._lock, _drand48:
-            _do(_name("RandGauss", "", self._kind), dst, n, self._state())
+            _do(_name("RandGauss", "", self._kind), dst, dst.size, self._state())
         return dst

@@ -100,7 +100,7 @@ class Results(Case):
                          (tz.Resampler(31, 48, dtype=np.int16), (1000 * X).astype(np.int16)),
                          (tz.SparseFIR([1, -2], [3, 9]), x4)):
             whole = state(x)
-            for sizes, line in (((1, 7, 2000, 2, 16), None), ((3000,), np.zeros(9))):
+            for sizes, line in (((1, 7, 2000, 2, 16), None), ((3000,), np.zeros(9, F4))):
                 if isinstance(state, tz.SparseFIR):
                     state.delay_line = line
                 same(np.concatenate(list(state.stream(cuts(x, *sizes))), axis=-1), whole)
@@ -116,6 +116,8 @@ class Results(Case):
             state.close()
             state.close()
             self.refuses((lambda: state(*arguments), ValueError, "closed"))
+        own = np.empty(64, "c8").view(np.recarray)
+        same(tz.FFT(64)(Z[:64].astype("c8"), out=own), tz.fft(Z[:64].astype("c8")))
         filter = tz.LMS(3, delay_line=[1, 2, 3])
         self.assertEqual(filter.delay_line[0].tolist(), [1, 2, 3])
         filter.delay_line = [4, 5, 6], 1
@@ -125,6 +127,41 @@ class Results(Case):
         resampler.taps = 2 * resampler.taps
         self.assertEqual(tz.SparseFIR([1], [2]).delay_line.size, 2)
         tz.set_fft_threads(tz.get_fft_threads())
+
+    def test_what_is_made_stays(self):
+        """Sizes of arrays hang on it: it is not set, not made anew, and no array of the caller's."""
+        for kind, arguments, names in (
+                (tz.FIR, (TAPS,), "taps"), (tz.FIRMR, (TAPS,), "taps"), (tz.LMS, (3,), "size dtype"),
+                (tz.SparseFIR, ([1], [2]), "reach"), (tz.Resampler, (1, 2), "in_rate out_rate reach dtype"),
+                (tz.VariableResampler, (), "window n_step dtype"), (tz.FFT, (8,), "n dtype split"),
+                (tz.Hilbert, (8,), "n"), (tz.Convolution, (3, 4), "n1 n2 dtype"),
+                (tz.AutoCorrelation, (3, 2), "n lags dtype"),
+                (tz.CrossCorrelation, (3, 4, 2, 0), "n1 n2 lags low_lag dtype"), (tz.GaussianNoise, (0, 1, 1), "dtype")):
+            state = kind(*arguments)
+            for name in names.split():
+                self.refuses((lambda: setattr(state, name, getattr(state, name)), AttributeError, name))
+            self.refuses((lambda: state.__init__(*arguments), AttributeError, f"make another {kind.__name__}"))
+        taps = TAPS.astype(F4)
+        fir = tz.FIR(taps)
+        taps[:] = fir.taps[:] = 0
+        same(fir(Z.astype("c8")), tz.FIR(TAPS.astype(F4))(Z.astype("c8")))
+        same(pickle.loads(pickle.dumps(fir))(X.astype(F4)), tz.FIR(TAPS.astype(F4))(X.astype(F4)))
+
+    def test_calls_meet_their_own_state(self):
+        class Closing:
+            def __array__(self, dtype=None):
+                state.close()
+                return X
+
+            def __float__(self):
+                state.close()
+                return 0.5
+
+        for state in (tz.FIR(TAPS), tz.FIRMR(TAPS)):
+            self.refuses((lambda: state(Closing()), ValueError, "closed"))
+        state = tz.LMS(3)
+        same(state(np.zeros(9, F4), np.ones(9, F4), Closing()), 0)
+        self.refuses((lambda: state.taps, ValueError, "closed"))
 
     def test_threads(self):
         """Eight threads run one shared spec and give what one gives; calls on one filter take turns."""
@@ -162,6 +199,15 @@ class Results(Case):
             (lambda: tz.SparseFIR([1, 2], [3, 3]), ValueError, "SPARSE_DELAY"),
             (lambda: tz.Resampler(0, 1), ValueError, "begin at 1"),
             (lambda: tz.SparseFIR([1, 2], [0.5, 3]), TypeError, "whole"),
+            (lambda: tz.LMS(TAPS), TypeError, "taps must be float32, not float64"),
+            (lambda: tz.LMS([1, "a"]), TypeError, "'a' is no constant of type float32"),
+            (lambda: tz.LMS([[1, 2]]), TypeError, "no constant"), (lambda: tz.LMS(x4[None]), ValueError, "one row"),
+            (lambda: tz.LMS(2, dtype="i2", delay_line=[0.7, 1]), TypeError, "0.7 is no constant of type int16"),
+            (lambda: tz.LMS(2, dtype="i2", delay_line=[1, 40000]), OverflowError, "40000"),
+            (lambda: setattr(tz.LMS(2), "delay_line", (X[:2], 0)), TypeError, "delay_line must be float32"),
+            (lambda: tz.SparseFIR(TAPS[:1], [2]), TypeError, "taps must be float32, not float64"),
+            (lambda: tz.SparseFIR([1], [2], delay_line=X[:2]), TypeError, "delay_line must be float32"),
+            (lambda: setattr(tz.Resampler(1, 2), "taps", X), TypeError, "taps must be float32"),
             (lambda: tz.LMS(8.0), TypeError, "integer"), (lambda: tz.LMS(4)(x4, x4, None), TypeError, "None"),
             (lambda: tz.Resampler(1, 2)(X), TypeError, "float32"),
             (lambda: tz.Resampler(1, 2).between(X, 1, 200), TypeError, "float32"),
