@@ -858,10 +858,12 @@ def conv_biased(a: ArrayLike, b: ArrayLike, n: int, bias: int = 0, *, axis: int 
     a, b = _along(a, axis), _along(b, axis)
     _same("conv_biased", np.dtype(np.float32), a, b)
     lead, rows = _stack("conv_biased", a, b)
-    around = np.zeros(b.shape[:-1] + (abs(bias),), np.float32)
-    dst = np.empty(lead + (max(n, 0),), np.float32)
-    wide = np.concatenate([around, b, around], axis=-1)
-    _do("ORVAS_ConvBiased_32f", a, a.shape[-1], (wide, abs(bias)), b.shape[-1], dst, n, bias, rows=rows)
+    dst = np.empty(lead + (max(operator.index(n), 0),), np.float32)
+    bias = min(max(operator.index(bias), -dst.shape[-1]), a.shape[-1] + b.shape[-1])  # beyond them all sums are empty
+    before, behind = (np.zeros(b.shape[:-1] + (max(extra, 0),), np.float32) for extra in (bias, -bias))
+    wide = np.concatenate([before, b, behind], axis=-1)
+    _do("ORVAS_ConvBiased_32f", a, a.shape[-1], (wide, before.shape[-1]), b.shape[-1], dst, dst.shape[-1], bias,
+        rows=rows)
     return _given(dst, axis)
 
 

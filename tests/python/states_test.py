@@ -26,6 +26,11 @@ def lms(x, ref, n, mu):
     return out
 
 
+def biased(a, b, n, bias):
+    windows = (range(max(bias + 1 + k - len(b), 0), min(bias + 1 + k, len(a))) for k in range(n))
+    return [sum(a[i] * b[k - i] for i in window if 0 <= k - i < len(b)) for k, window in enumerate(windows)]
+
+
 def welch(x):
     return sig.welch(x, 2 * np.pi, np.hanning(256), 256, 128, 256, detrend=False, return_onesided=True)[1]
 
@@ -146,6 +151,11 @@ class Results(Case):
         taps[:] = fir.taps[:] = 0
         same(fir(Z.astype("c8")), tz.FIR(TAPS.astype(F4))(Z.astype("c8")))
         same(pickle.loads(pickle.dumps(fir))(X.astype(F4)), tz.FIR(TAPS.astype(F4))(X.astype(F4)))
+
+    def test_bias(self):
+        a, b = np.arange(1, 8, dtype=F4), np.arange(3, 6, dtype=F4)
+        for bias in (*range(-30, 30), 2**31 - 1, -2**31):
+            same(tz.conv_biased(a, b, 20, bias), biased(a, b, 20, bias))
 
     def test_calls_meet_their_own_state(self):
         class Closing:
