@@ -1,6 +1,5 @@
 // Autocorrelation: dst[k] = sum over i of conj(src[i]) * src[i+k], directly or by transforms.
 #include "correlate/correlation.h"
-#include "frame/drive.h"
 
 using namespace tzm;
 

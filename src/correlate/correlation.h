@@ -4,6 +4,7 @@
 #include <signal_tzm/correlate.h>
 
 #include "correlate/transform_area.h"
+#include "frame/drive.h"
 
 #include <algorithm>
 
@@ -192,27 +193,30 @@ void SingleLags(const Sample* x, const Sample* y, int64_t lags, Sample* dst, Cou
 
 // ---- Normalisation ----
 
-// dst[j] divided by the number of products of lag firstLag + j, between sequences of len1 and len2.
+// dst[j] divided by the number of products of lag firstLag + j, between sequences of len1 and len2. Numbers are counted
+// in binary64, which holds them all, lags beyond the sequences included.
 template <class Sample>
 void DivideByOverlap(Sample* dst, int64_t count, int64_t firstLag, int64_t len1, int64_t len2) {
   using Real = PartOf<Sample>;
   const Full<Real> d;
-  constexpr int64_t kSamples = hn::MaxLanes(d) / kParts<Sample>;
-  const auto overlap = [=](int64_t lag) TZM_LAMBDA {
-    return static_cast<Real>(std::min(len1 + std::min<int64_t>(lag, 0), len2 - std::max<int64_t>(lag, 0)));
-  };
-  for (int64_t j = 0; j < count; j += kSamples) {
-    Real divisors[hn::MaxLanes(d)];
-    for (size_t l = 0; l < hn::MaxLanes(d); ++l)
-      divisors[l] = overlap(firstLag + j + static_cast<int64_t>(l / kParts<Sample>));
-    Real* const at = Reals(dst + j);
-    if (count - j >= kSamples) {
-      hn::StoreU(hn::Div(hn::LoadU(d, at), hn::LoadU(d, divisors)), d, at);
-    } else {
-      for (int64_t l = 0; l < (count - j) * kParts<Sample>; ++l)
-        StoreElement(LoadElement(at + l) / divisors[l], at + l);
+  const Full<double> wide;
+  constexpr int32_t kBlock = kInCache<Sample>;
+  alignas(64) Real overlaps[kBlock * kParts<Sample>];
+  const auto set = [=](int64_t value) TZM_LAMBDA { return hn::Set(wide, static_cast<double>(value)); };
+  const auto zero = hn::Zero(wide), all1 = set(len1), all2 = set(len2), step = set(hn::MaxLanes(wide) / kParts<Sample>);
+  const auto sample = hn::Floor(hn::Mul(hn::Iota(wide, 0), hn::Set(wide, 1.0 / kParts<Sample>)));  // of a lane
+  ForBlocks<kBlock>(static_cast<size_t>(count), [&](int32_t samples, Sample* block) {
+    const size_t reals = kParts<Sample> * static_cast<size_t>(samples);
+    auto lag = hn::Add(set(firstLag + (block - dst)), sample);
+    for (size_t i = 0; i < reals; i += hn::MaxLanes(wide), lag = hn::Add(lag, step)) {
+      const auto left1 = hn::Add(all1, hn::Min(lag, zero)), left2 = hn::Sub(all2, hn::Max(lag, zero));
+      StoreRounded(hn::Min(left1, left2), overlaps + i);
     }
-  }
+    const Real* const sums = Reals(block);
+    ForEach<hn::MaxLanes(d)>(reals, [=](const Real* sum, const Real* by, Real* to) TZM_LAMBDA {
+      hn::StoreU(hn::Div(hn::LoadU(d, sum), hn::LoadU(d, by)), d, to);
+    }, sums, std::as_const(overlaps), Reals(block));
+  }, dst);
 }
 
 }  // namespace tzm

@@ -1,7 +1,6 @@
 // Cross-correlation: the sum over i of conj(src1[i]) * src2[i+k] at consecutive lags k, directly or by
 // transforms in blocks of lags.
 #include "correlate/correlation.h"
-#include "frame/drive.h"
 
 using namespace tzm;
 
