@@ -25,21 +25,24 @@ OrvaStatus Jaehne(T* dst, int32_t len, T magn) {
   // Wide samples are made in binary64. The vector sine runs over blocks of a whole number of 128-bit vectors,
   // the system's sine over what is left.
   using F = std::conditional_t<std::is_same_v<T, Orva32s> || std::is_same_v<T, double>, double, float>;
-  constexpr size_t kChunk = 256, kStep = 16 / sizeof(F);
-  const hn::FixedTag<F, kStep> narrow;
+  constexpr size_t kChunk = 256, kBlock = 16 / sizeof(F);
+  const Full<F> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
   const F s = static_cast<F>(kPi / 2 / len);
-  F angles[kChunk];
+  const auto magnitude = hn::Set(d, static_cast<F>(magn));
+  alignas(64) F angles[kChunk];
   const auto chunk = [&](int32_t count, T* to) {
     const size_t first = static_cast<size_t>(to - dst), end = static_cast<size_t>(count);
-    for (size_t k = 0; k < end; k += kStep) {
-      const auto index = Indices(narrow, first + k);
-      hn::StoreU(hn::Mul(hn::Mul(hn::Set(narrow, s), index), index), narrow, angles + k);
+    for (size_t k = 0; k < end; k += kLanes) {
+      const auto index = Indices(d, first + k);
+      hn::StoreU(hn::Mul(hn::Mul(hn::Set(d, s), index), index), d, angles + k);
     }
     Sine(count, angles, angles);
-    for (size_t k = 0; k < end; k += kStep)
-      StoreRounded(hn::Mul(hn::LoadU(narrow, angles + k), hn::Set(narrow, static_cast<F>(magn))), to + k);
+    ForEach<kLanes>(end, [=](const F* sine, T* sample) TZM_LAMBDA {
+      StoreRounded(hn::Mul(hn::LoadU(d, sine), magnitude), sample);
+    }, std::as_const(angles), to);
   };
-  BodyAndTail<kStep>(
+  BodyAndTail<kBlock>(
       len, [&](size_t count, T* body) { ForBlocks<kChunk>(count, chunk, body); },
       [&](size_t count, T* tail) {
         for (size_t i = 0; i < count; ++i) {
