@@ -125,53 +125,59 @@ OrvaStatus GtVal(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level,
   return Replace(src, dst, len, level, value, [](auto square, auto limit) TZM_LAMBDA { return hn::Gt(square, limit); });
 }
 
-// The reciprocal, limited in magnitude to 1/level. In the body (steps of 4) parts are multiplied by
-// reciprocals, in the tail divided. A NaN magnitude gives NaN by way of the plain reciprocal.
-OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
-  if (OrvaStatus status = Check(src, dst, len, level)) return status;
-  const hn::FixedTag<float, 4> dStep;
-  using V = Vec<decltype(dStep)>;
-  const V limit = hn::Set(dStep, level), one = hn::Set(dStep, 1.0f), zero = hn::Zero(dStep);
-  const bool limited = level > 0;
-  bool met = false;  // a zero, at level 0
+// The reciprocal, limited in magnitude to 1/level, or not, at level 0. In the body parts are multiplied by reciprocals,
+// in the tail divided. A NaN magnitude gives NaN by way of the plain reciprocal. Tells whether a zero was met at
+// level 0.
+template <bool kLimited, class D>
+bool Invert(D d, const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  using V = Vec<D>;
+  const V limit = hn::Set(d, level), one = hn::Set(d, 1.0f), zero = hn::Zero(d);
+  bool met = false;
 
   // `plain` and `scaled` give one part (of the conjugate) over the square, and at the limit.
   const auto rule = [&](V& re, V& im, V magnitude, auto plain, auto scaled) TZM_LAMBDA {
     const auto isZero = hn::Eq(magnitude, zero);
     const V conjugate = hn::Neg(im);
     const V plainRe = plain(re), plainIm = plain(conjugate);
-    if (limited) {
+    if constexpr (kLimited) {
       const auto small = hn::Lt(magnitude, limit);
       const V zeroRe = hn::CopySign(hn::Div(one, limit), re), zeroIm = hn::Div(conjugate, limit);
       re = hn::IfThenElse(isZero, zeroRe, hn::IfThenElse(small, scaled(re), plainRe));
       im = hn::IfThenElse(isZero, zeroIm, hn::IfThenElse(small, scaled(conjugate), plainIm));
     } else {
-      const V zeroRe = hn::CopySign(hn::Inf(dStep), re), zeroIm = hn::Mul(im, hn::Set(dStep, -0.5f));
+      const V zeroRe = hn::CopySign(hn::Inf(d), re), zeroIm = hn::Mul(im, hn::Set(d, -0.5f));
       re = hn::IfThenElse(isZero, zeroRe, plainRe);
       im = hn::IfThenElse(isZero, zeroIm, plainIm);
     }
   };
-  const auto body = [&](auto d, V& re, V& im) TZM_LAMBDA {
+  const auto body = [&](D, V& re, V& im) TZM_LAMBDA {
     const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
     // Deliberately coarse: a zero real part and a zero imaginary part anywhere in one step raise the
     // status, an element whose square underflows does not.
     const auto zeroRe = hn::Eq(re, zero), zeroIm = hn::Eq(im, zero);
-    if (!limited && !hn::AllFalse(d, zeroRe) && !hn::AllFalse(d, zeroIm)) met = true;
+    if (!kLimited && !hn::AllFalse(d, zeroRe) && !hn::AllFalse(d, zeroIm)) met = true;
     const V reciprocal = hn::Div(one, square), mostReciprocal = hn::Div(one, limit);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Mul(part, reciprocal); },
          [&](V part) TZM_LAMBDA { return hn::Mul(hn::Mul(magnitude, hn::Mul(part, reciprocal)), mostReciprocal); });
   };
-  const auto tail = [&](auto d, V& re, V& im) TZM_LAMBDA {
+  const auto tail = [&](D, V& re, V& im) TZM_LAMBDA {
     const V square = hn::MulAdd(re, re, hn::Mul(im, im)), magnitude = hn::Sqrt(square);
-    if (!limited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = true;
+    if (!kLimited && !hn::AllFalse(d, hn::Eq(magnitude, zero))) met = true;
     const V ratio = hn::Div(magnitude, square);
     rule(re, im, magnitude, [&](V part) TZM_LAMBDA { return hn::Div(part, square); },
          [&](V part) TZM_LAMBDA { return hn::Div(hn::Mul(ratio, part), limit); });
   };
   BodyAndTail<4>(
-      len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, body, at...); },
-      [&](size_t count, auto... at) TZM_LAMBDA { Apply(dStep, count, tail, at...); }, src, dst);
-  return met ? ORVA_STS_INV_ZERO_ERR : ORVA_STS_NO_ERR;
+      len, [&](size_t count, auto... at) TZM_LAMBDA { Apply(d, count, body, at...); },
+      [&](size_t count, auto... at) TZM_LAMBDA { Apply(d, count, tail, at...); }, src, dst);
+  return met;
+}
+
+OrvaStatus LtInv(const Orva32fc* src, Orva32fc* dst, int32_t len, Orva32f level) {
+  if (OrvaStatus status = Check(src, dst, len, level)) return status;
+  if (level > 0) return Invert<true>(Full<float>(), src, dst, len, level), ORVA_STS_NO_ERR;
+  const hn::FixedTag<float, 4> step;  // in which zeros raise the status
+  return Invert<false>(step, src, dst, len, level) ? ORVA_STS_INV_ZERO_ERR : ORVA_STS_NO_ERR;
 }
 
 }  // namespace
