@@ -59,7 +59,7 @@ void WithLevels(size_t radix, F&& f) {
 // The factors of a pass along rows `row` ... `row` + V - 1 of n1 in the lanes, after `s` results of each: the
 // blocks of a butterfly for each of the s. Beyond the last row they are the last one's.
 template <class D, class T = hn::TFromD<D>>
-T* TabulateRows(D, const Roots<T>& roots, size_t radix, size_t n, size_t n1, size_t s, size_t row, T* to) {
+constexpr T* TabulateRows(D, const auto& roots, size_t radix, size_t n, size_t n1, size_t s, size_t row, T* to) {
   for (size_t k = 0; k < s; ++k) {
     ForEachTwiddle(radix, n1 * s, [&](size_t order, size_t times, size_t plus) {
       for (size_t lane = 0; lane < kLanes<D>; ++lane) {

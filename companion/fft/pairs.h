@@ -249,22 +249,7 @@ class Woven final : public Complex<T> {
   }
 
  public:
-  Woven() {
-    this->storesHalf_ = kReal;
-    const Roots<T> roots(kPoints);
-    T* to = table_;
-    for (size_t block = 0; block < kBlocks; ++block) {
-      ByRows::ForEachFactor(kRows, [&](size_t order, size_t times, size_t plus, size_t k) {
-        for (size_t lane = 0; lane < 2 * kAtOnce; lane += 2) {
-          const Number<T> w = roots(kPoints / order * (times * (Start(block, kRows) + lane / 2 + kRows * k) + plus));
-          to[lane] = to[lane + 1] = w.re;
-          to[kBlock<D> / 2 + lane] = -w.im;
-          to[kBlock<D> / 2 + lane + 1] = w.im;
-        }
-        to += kBlock<D>;
-      });
-    }
-  }
+  Woven() { this->storesHalf_ = kReal; }
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
     if (in.form == Form::kPairs) return Take(Array<Form::kPairs, const T>{in.re, nullptr}, out);
@@ -289,6 +274,7 @@ class Woven final : public Complex<T> {
   HWY_NOINLINE void Take(const Array<kForm, const T>& from, const View<T>& out) const {
     const Array<kForm, T> to = {out.re, nullptr};
     const D d;
+    const T* const roots = Opaque(kRoots.data());
     N matrix[kBlocks][kStrips * kAtOnce];
     // Loops that are written out as such compile faster than those of constants.
 #pragma GCC unroll 16
@@ -312,14 +298,31 @@ class Woven final : public Complex<T> {
       ByRows::template Straight<N>(
           d, [&](auto i) TZM_LAMBDA { return Same(matrix[block][i]); },
           [&](size_t q) TZM_LAMBDA {
-            const T* const w = table_ + (block * ByRows::kTwiddles + q) * kBlock<D>;
+            const T* const w = roots + (block * ByRows::kTwiddles + q) * kBlock<D>;
             return PairFactor<D>{hn::LoadU(d, w), hn::LoadU(d, w + kBlock<D> / 2)};
           },
           [&](auto t, const N& x) TZM_LAMBDA { PutPairs<kPoints>(d, x, to, at + t * kRows); });
     }
   }
 
-  alignas(kLine) T table_[kBlocks * ByRows::kTwiddles * kBlock<D>];
+  static constexpr size_t kRootCount = kBlocks * ByRows::kTwiddles * kBlock<D>;
+  alignas(kLine) static constexpr std::array<T, kRootCount> kRoots = [] {
+    std::array<T, kRootCount> table = {};
+    T* to = table.data();
+    for (size_t block = 0; block < kBlocks; ++block) {
+      ByRows::ForEachFactor(kRows, [&](size_t order, size_t times, size_t plus, size_t k) {
+        for (size_t lane = 0; lane < 2 * kAtOnce; lane += 2) {
+          const size_t row = Start(block, kRows) + lane / 2;
+          const Number<T> w = KnownRoots<T, kPoints>()(kPoints / order * (times * (row + kRows * k) + plus));
+          to[lane] = to[lane + 1] = w.re;
+          to[kBlock<D> / 2 + lane] = -w.im;
+          to[kBlock<D> / 2 + lane + 1] = w.im;
+        }
+        to += kBlock<D>;
+      });
+    }
+    return table;
+  }();
 };
 
 }  // namespace tzm::fft

@@ -79,7 +79,7 @@ using Loaded = std::remove_cvref_t<decltype(std::declval<Load>()(Constant<0>()))
 // results k of these they are f(order, times, plus): the root of that order to the power times * k + plus.
 constexpr size_t TwiddleCount(size_t radix) { return radix % 2 == 0 ? radix / 2 : radix - 1; }
 template <class F>
-void ForEachTwiddle(size_t radix, size_t s, F&& f) {
+constexpr void ForEachTwiddle(size_t radix, size_t s, F&& f) {
   if (radix == 9) {  // two levels
     ForEachTwiddle(3, s, f);
     for (size_t k = 0; k < 3; ++k) for (size_t j = 1; j < 3; ++j) f(9 * s, j, j * k * s);
@@ -321,7 +321,7 @@ struct Chain {
 
   // The factors of a chain that takes transforms of s points each, in the order of their use.
   template <class F>
-  static void ForEachFactor(size_t s, F&& f) {
+  static constexpr void ForEachFactor(size_t s, F&& f) {
     const auto with = [&](size_t k) {
       return [&f, k](size_t order, size_t times, size_t plus) { f(order, times, plus, k); };
     };

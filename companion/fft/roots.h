@@ -83,8 +83,53 @@ T Rounded(double hi, double lo) {
   return static_cast<T>(std::bit_cast<double>(bits));
 }
 
-// exp(-2 pi i j / n) for all j. An eighth of the circle is stored; turns by quarters of the circle and the reflection
-// in an eighth are exact. A zero part is the stored +0, or its negative: 1 is (1, -0), -i is (-0, -1).
+// exp(-2 pi i j / n) from its octant and the turn by the rest of j/n, at most an eighth of the circle: counted from the
+// octant's beginning where that is a whole number of quarters, else back from its end. All of this is exact. A zero
+// part is that of the turn by nothing, +0, or its negative: 1 is (1, -0), -i is (-0, -1).
+template <class T>
+constexpr Number<T> InOctant(size_t octant, Number<T> turn) {
+  const T cos = turn.re, sin = octant % 2 == 0 ? turn.im : -turn.im;
+  switch ((octant + 1) / 2 % 4) {
+    case 0: return {cos, -sin};
+    case 1: return {-sin, -cos};
+    case 2: return {-cos, sin};
+    default: return {sin, cos};
+  }
+}
+
+#if defined(__SIZEOF_FLOAT128__)
+__extension__ typedef __float128 Quad;
+#else
+using Quad = long double;
+#endif
+
+// exp(-2 pi i j / n) for the compiler.
+template <class T, size_t n>
+struct KnownRoots {
+  constexpr Number<T> operator()(size_t j) const {
+    const size_t octant = 8 * j / n, rest = octant % 2 == 0 ? 8 * j - octant * n : (octant + 1) * n - 8 * j;
+    const Quad eighth = Quad(0x1.921fb54442d18p-1) + Quad(0x1.1a62633145c07p-55) + Quad(-0x1.f1976b7ed8fbcp-111);
+    const Quad x = eighth * static_cast<Quad>(rest) / static_cast<Quad>(n);
+    Quad cos = 1, sin = 1;
+    for (int k = 28; k >= 2; k -= 2) {
+      cos = 1 - x * x * cos / (k * (k - 1));
+      sin = 1 - x * x * sin / (k * (k + 1));
+    }
+    return InOctant<T>(octant, {static_cast<T>(cos), static_cast<T>(x * sin)});
+  }
+};
+
+// The address of a table of these, which the compiler does not see through: on AArch64 it would give each number that
+// it knows a place and an address of its own.
+template <class T>
+TZM_INLINE const T* Opaque(const T* table) {
+#if HWY_ARCH_ARM_A64
+  asm("" : "+r"(table));
+#endif
+  return table;
+}
+
+// exp(-2 pi i j / n) for all j. An eighth of the circle is stored.
 template <class T>
 class Roots {
  public:
@@ -116,13 +161,7 @@ class Roots {
   Number<T> operator()(size_t j) const {
     const size_t units = j * scale_, octant = units / eighth_;
     const Number<T> turn = roots_[octant % 2 == 0 ? units - octant * eighth_ : (octant + 1) * eighth_ - units];
-    const T cos = turn.re, sin = octant % 2 == 0 ? turn.im : -turn.im;
-    switch ((octant + 1) / 2 % 4) {
-      case 0: return {cos, -sin};
-      case 1: return {-sin, -cos};
-      case 2: return {-cos, sin};
-      default: return {sin, cos};
-    }
+    return InOctant(octant, turn);
   }
 
  private:

@@ -17,13 +17,7 @@ class Small final : public Complex<T> {
   static constexpr bool kReal = kPoints <= kLongestWhole;
 
  public:
-  Small() {
-    this->storesHalf_ = kReal;
-    const Roots<T> roots(kPoints);
-    T* to = table_;
-    for (size_t row = 0; row < Rows::kRadix; row += kLanes)
-      to = TabulateRows(D(), roots, Columns::kRadix, kPoints, Rows::kRadix, 1, row, to);
-  }
+  Small() { this->storesHalf_ = kReal; }
 
   void Run(const View<const T>& in, const View<T>& out, T*, Helpers&) const override {
     OpenBoth<kReal>(in, out, [&](const auto& from, const auto& to) { Take(from, to); });
@@ -32,6 +26,7 @@ class Small final : public Complex<T> {
  private:
   void Take(auto from, auto to) const {
     const D d;
+    const T* const roots = Opaque(kRoots.data());
     constexpr size_t kRowCount = Rows::kRadix, kColumnCount = Columns::kRadix;
     Cx<D> matrix[kRowCount / kLanes][kColumnCount];
     Unrolled<kColumnCount / kLanes>([&](auto strip) TZM_LAMBDA {
@@ -51,7 +46,7 @@ class Small final : public Complex<T> {
     });
     Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
       Columns::Next(d, [&](auto i) TZM_LAMBDA { return matrix[block][i]; },
-                    [&](size_t q) TZM_LAMBDA { return LoadBlock(d, table_ + block * kTable + q * kNumber); },
+                    [&](size_t q) TZM_LAMBDA { return LoadBlock(d, roots + block * kTable + q * kNumber); },
                     [&](auto t, const Cx<D>& x) TZM_LAMBDA { Put<block * kLanes + t * kRowCount>(d, x, to); });
     });
   }
@@ -69,7 +64,14 @@ class Small final : public Complex<T> {
     }
   }
 
-  alignas(kLine) T table_[Rows::kRadix / kLanes * kTable];
+  static constexpr size_t kRootCount = Rows::kRadix / kLanes * kTable;
+  alignas(kLine) static constexpr std::array<T, kRootCount> kRoots = [] {
+    std::array<T, kRootCount> table = {};
+    T* to = table.data();
+    for (size_t row = 0; row < Rows::kRadix; row += kLanes)
+      to = TabulateRows(D(), KnownRoots<T, kPoints>(), Columns::kRadix, kPoints, Rows::kRadix, 1, row, to);
+    return table;
+  }();
 };
 
 // The schedule of Matrix in passes whose shape the compiler knows: the first takes so many levels along the columns,
