@@ -157,7 +157,8 @@ struct Tile {
       for (; reals - at >= kBlock; at += kBlock, to += kBlock * kPeriods) {
         Unrolled<kVectors>([&](size_t v) TZM_LAMBDA {
           V x[kBlock];
-          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = ToFloating(D(), Read<kLanes>(window + v * kLanes + k, at)); });
+          const auto row = [&](size_t k) TZM_LAMBDA { return Read<kLanes>(window + v * kLanes + k, at); };
+          Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { x[k] = ToFloating(D(), row(k)); });
           Transpose(x);
           Unrolled<kBlock>([&](size_t k) TZM_LAMBDA { hn::StoreU(x[k], D(), to + k * kPeriods + v * kLanes); });
         });

@@ -53,7 +53,7 @@ TZM_INLINE Vec<D> LoadBytes(D d, const uint8_t* from) {
   }
 }
 
-// Lanes of integers of up to 32 bits, or floating ones no wider than those of D, as floating lanes: as they are, but for
+// Lanes of integers of up to 32 bits, or floating ones no wider than those of D, as floating lanes: exact, but for
 // integers of more than 24 bits in binary32, which are rounded.
 template <class D, class V>
 TZM_INLINE Vec<D> ToFloating(D d, V v) {
