@@ -10,6 +10,7 @@ body and tail, filters get the true samples before their block, and partial resu
 from __future__ import annotations
 
 import math
+import operator
 import os
 from typing import Any, Callable
 
@@ -45,7 +46,7 @@ def elementwise(function: Callable[..., Any], *arrays: Any, dtype: DTypeLike | N
                 **options: Any) -> Any:
     """`elementwise(tz.mul, x, y, scale=4.0)`: an element-wise operation by chunks, with the bits of one call over the
     whole row. The statuses of operations that only look at one end of an array (exp, ln, pow ...) are those of the
-    chunks."""
+    chunks. Of several results each is a row, worked out by itself."""
     family = FAMILIES.get(function.__name__)
     if family is None or any(m.reduces or m.placed or not m.sources for m in family.members):
         raise TypeError(f"{function.__name__} is no element-wise operation: an element's value goes by its place")
@@ -57,7 +58,14 @@ def elementwise(function: Callable[..., Any], *arrays: Any, dtype: DTypeLike | N
         options["dtype"] = dtype
     with tz.errstate("ignore"):
         meta = function(*samples, **options)
-    return da.map_blocks(lambda *blocks: function(*blocks, **options), *rows, dtype=meta.dtype, meta=meta[:0])
+
+    def row(pick: Callable[[Any], Any]) -> Any:
+        return da.map_blocks(lambda *blocks: pick(function(*blocks, **options)), *rows, dtype=pick(meta).dtype,
+                             meta=pick(meta)[:0])
+
+    if isinstance(meta, tuple):
+        return type(meta)(*[row(operator.itemgetter(place)) for place in range(len(meta))])
+    return row(lambda result: result)
 
 
 def fir(taps: ArrayLike, x: Any, *, size: int = 1 << 20) -> Any:

@@ -25,6 +25,7 @@ def jobs(folder):
     yield tzd.elementwise(tz.div, lazy(C4), lazy(C4[::-1].copy()), size=SIZE), tz.div(C4, C4[::-1].copy())
     yield tzd.elementwise(tz.normalize, lazy(C4), 1j, 3.0, size=SIZE), tz.normalize(C4, 1j, 3.0)
     yield tzd.elementwise(tz.exp, lazy(X), size=SIZE), tz.exp(X)
+    yield from zip(tzd.elementwise(tz.cart_to_polar, lazy(C4), size=SIZE), tz.cart_to_polar(C4))
     yield tzd.fir(TAPS, lazy(X), size=SIZE), tz.FIR(TAPS, kind=1)(X)
     yield tzd.fir(TAPS.astype("f4"), lazy(C4), size=SIZE), tz.FIR(TAPS.astype("f4"), kind=1)(C4)
     for rates in ((3, 2), (160, 441), (441, 160)):
