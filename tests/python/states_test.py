@@ -140,8 +140,8 @@ class Results(Case):
                 (tz.SparseFIR, ([1], [2]), "reach"), (tz.Resampler, (1, 2), "in_rate out_rate reach dtype"),
                 (tz.VariableResampler, (), "window n_step dtype"), (tz.FFT, (8,), "n dtype split"),
                 (tz.Hilbert, (8,), "n"), (tz.Convolution, (3, 4), "n1 n2 dtype"),
-                (tz.AutoCorrelation, (3, 2), "n lags dtype"),
-                (tz.CrossCorrelation, (3, 4, 2, 0), "n1 n2 lags low_lag dtype"), (tz.GaussianNoise, (0, 1, 1), "dtype")):
+                (tz.AutoCorrelation, (3, 2), "n lags dtype"), (tz.GaussianNoise, (0, 1, 1), "dtype"),
+                (tz.CrossCorrelation, (3, 4, 2, 0), "n1 n2 lags low_lag dtype")):
             state = kind(*arguments)
             for name in names.split():
                 self.refuses((lambda: setattr(state, name, getattr(state, name)), AttributeError, name))
