@@ -461,9 +461,10 @@ class _Design(State):
 
 
 def _design(kind: str, n: int, win_type: int, normal: bool, *frequencies: float) -> Array:
-    taps = np.empty(max(operator.index(n), 0))
-    with _Design(taps.size) as work:
-        _do(_name("FIRGen" + kind, "", "64f"), *frequencies, taps, taps.size, win_type, normal, work._state())
+    n = operator.index(n)
+    with _Design(n) as work:
+        taps = np.empty(max(n, 0))
+        _do(_name("FIRGen" + kind, "", "64f"), *frequencies, taps, n, win_type, normal, work._state())
     return taps
 
 

@@ -240,5 +240,6 @@ class Results(Case):
             (lambda: tz.convolve(X, x4), TypeError, "float64"),
             (lambda: tz.matmul(X, X), ValueError, "do not fit"), (lambda: tz.fir_lowpass(31, 0.7), ValueError, "SIZE"),
             (lambda: tz.fir_lowpass(3, 0.1), ValueError, "begin at 1"),
+            (lambda: tz.fir_lowpass(2**40, 0.1), OverflowError, "fit"),
             (lambda: tz.Convolution(5, 5)(x4, x4), ValueError, "the state is for 5"),
             (lambda: tz.GaussianNoise(0, 1, 2**33), OverflowError, "does not fit"))
