@@ -1,5 +1,5 @@
 """pip install ./python: builds the library with CMake and puts it, its companions and what they link into the package,
-which needs nothing of the machine then but the C library. Without a net: pip install --no-build-isolation ./python
+which needs nothing of the machine then but the C library; with them go their licences, as Debian's packages tell them.
 
 For another machine: CMAKE_TOOLCHAIN_FILE, and _PYTHON_HOST_PLATFORM for the wheel's name."""
 import os
@@ -36,6 +36,17 @@ def linked(file, ours, compiler):
     return found
 
 
+def licences(places, folder):
+    """Copies what the packages of these files say of their licences, and the licences that they name."""
+    folder.mkdir()
+    for place in map(pathlib.Path.resolve, places):
+        package = says("dpkg", "-S", f"*/{place.parent.name}/{place.name}").split(":")[0]
+        told = pathlib.Path("/usr/share/doc", package, "copyright")
+        shutil.copy(told, folder / f"{package}.txt")
+        for name in re.findall(r"/usr/share/common-licenses/([\w.-]*\w)", told.read_text("utf-8")):
+            shutil.copy(f"/usr/share/common-licenses/{name}", folder / f"{name}.txt")
+
+
 class Build(build_py):
     def run(self):
         work = pathlib.Path(self.get_finalized_command("build").build_temp).resolve()
@@ -52,13 +63,17 @@ class Build(build_py):
         about, = work.glob("CMakeFiles/*/CMakeCXXCompiler.cmake")
         compiler = re.search(r'set\(CMAKE_CXX_COMPILER "(.*?)"', about.read_text())[1]
         (package / "lib").mkdir()
-        for name, place in linked(package / "_raw.abi3.so", work / "lib", compiler).items():
+        libraries = linked(package / "_raw.abi3.so", work / "lib", compiler)
+        for name, place in libraries.items():
             shutil.copy(place, package / "lib" / name)
             for wider in (work / "hwcaps").glob(f"glibc-hwcaps/*/{name}"):  # the loader looks there below a run path
                 folder = package / "lib" / wider.parent.relative_to(work / "hwcaps")
                 folder.mkdir(parents=True, exist_ok=True)
                 shutil.copy(wider, folder / name)
         shutil.copy(HERE.parent / "LICENSE", package)
+        if shutil.which("dpkg"):  # elsewhere they are for whoever gives a wheel to others
+            theirs = [place for place in libraries.values() if work not in place.parents]
+            licences([*theirs, pathlib.Path("/usr/include/hwy/highway.h")], package / "licences")
 
 
 class Binary(Distribution):
