@@ -154,7 +154,7 @@ class Matrix final : public Complex<T> {
     double least = HUGE_VAL;
     for (size_t factor : Factors(n)) {
       rows *= factor;
-      if (n % 8 == 0 && rows % 8 != 0) continue;
+      if (rows % std::gcd(n, size_t{8}) != 0) continue;
       const size_t columns = n / rows;
       const auto filled = [](size_t count) { return static_cast<double>((count + kLane - 1) / kLane * kLane); };
       double cost = (filled(rows) / rows + filled(columns) / columns) * (rows == kFused ? 0.8 : 1);
