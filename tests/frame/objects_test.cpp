@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <set>
-#include <tuple>
+#include <vector>
 
 #include "members/members.h"
 #include "support/faults.h"
@@ -26,12 +26,13 @@ constexpr Exception kExceptions[] = {
     {"ORVAS_FIRSparseInit*", 3, true}, {"ORVAS_FIRSparseInit*", 4, false}, {"ORVAS_FIRSparseSetDlyLine*", 1, true},
     {"ORVAS_*FixedGetFilter*", 1, true}, {"ORVAS_Pwelch*", 1, true}};
 
-// An operation without its types: its pointers, and a call with pointers to zeros but for one, all numbers the same.
+// An operation without its types; `calls` are its arguments: pointers to zeros, and all numbers 0, or 1.
 struct Operation {
   const char* name;
-  std::vector<bool> pointers;
-  OrvaStatus (*call)(void (*function)(), size_t null, int number);
   void (*function)();
+  Invoke invoke;
+  std::vector<bool> pointers;
+  std::vector<Value> calls[2];
 };
 alignas(64) char zeros[4096];
 
@@ -48,33 +49,32 @@ void CheckPointers(const Operation& operation, bool release) {
       }
       if (optional) continue;
       SCOPED_TRACE(testing::Message() << operation.name << " argument " << i << " null, numbers " << number);
-      EXPECT_EQ(operation.call(operation.function, i, number), expected);
+      std::vector<Value> values = operation.calls[number];
+      values[i].Set(nullptr);
+      EXPECT_EQ(operation.invoke(operation.function, values.data()), expected);
       EXPECT_TRUE(std::all_of(std::begin(zeros), std::end(zeros), [](char byte) { return byte == 0; }));
     }
 }
 
+template <class T>
+Value Argument(int number) {
+  Value value{};
+  if constexpr (std::is_pointer_v<T>) value.Set(static_cast<void*>(zeros));
+  else if constexpr (std::is_arithmetic_v<T>) value.Set(static_cast<T>(number));
+  return value;
+}
 template <class... A>
-void CheckPointers(const char* name, OrvaStatus (*f)(A...)) {
-  const auto call = [](void (*function)(), size_t null, int number) {
-    size_t i = 0;
-    const auto argument = [&]<class T>(std::type_identity<T>) {
-      const bool none = i++ == null;
-      if constexpr (std::is_pointer_v<T>) return none ? nullptr : reinterpret_cast<T>(zeros);
-      else if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(number);
-      else return T{};
-    };
-    const std::tuple<A...> arguments{argument(std::type_identity<A>())...};
-    return std::apply(reinterpret_cast<OrvaStatus (*)(A...)>(function), arguments);
-  };
+void CheckPointersUnless(const std::set<std::string>& rows, const char* name, OrvaStatus (*f)(A...)) {
+  if (rows.contains(name)) return;
   constexpr bool kRelease = sizeof...(A) == 1 && (kObject<A> && ...);
-  CheckPointers(Operation{name, {std::is_pointer_v<A>...}, call, reinterpret_cast<void (*)()>(f)}, kRelease);
+  CheckPointers({name, reinterpret_cast<void (*)()>(f), InvokeAs<A...>, {std::is_pointer_v<A>...},
+                 {{Argument<A>(0)...}, {Argument<A>(1)...}}}, kRelease);
 }
 TEST(Objects, NullPointersComeFirstAndReleaseOfNoneIsDone) {
   std::set<std::string> rows;
   for (const Member* row : AllMembers())
     if (!row->IsScenario()) rows.insert(row->name);
-#define DECLARED(room, function) \
-  if (!rows.contains(#function)) CheckPointers(#function, function);
+#define DECLARED(room, function) CheckPointersUnless(rows, #function, function);
 #include "declared.inc"
 }
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <set>
 #include <sstream>
 
@@ -35,9 +34,9 @@ template <class T>
 constexpr bool IsPlain =
     !std::is_pointer_v<T> || (!std::is_pointer_v<ElementOf<T>> && requires { sizeof(ElementOf<T>); });
 template <class... A>
-std::optional<Member> Plain(const char* name, OrvaStatus (*function)(A...)) {
-  if constexpr ((IsPlain<A> && ...)) return Member(name, function);
-  else return {};
+void AddPlain(const std::set<std::string>& named, const char* room, const char* name, OrvaStatus (*function)(A...)) {
+  if constexpr ((IsPlain<A> && ...))
+    if (!named.contains(name)) RoomOf(room).members.push_back(Member(name, function));
 }
 
 // Adds the operations of the headers that no row names.
@@ -45,9 +44,7 @@ void AddDeclared() {
   std::set<std::string> named;
   for (const Room& room : Rooms())
     for (const Member& row : room.members) named.insert(row.covers.begin(), row.covers.end());
-#define DECLARED(room, function) \
-  if (!named.contains(#function)) \
-    if (const auto row = Plain(#function, function)) RoomOf(#room).members.push_back(*row);
+#define DECLARED(room, function) AddPlain(named, #room, #function, function);
 #include "declared.inc"
   for (Room& room : Rooms())
     for (Member& row : room.members) {

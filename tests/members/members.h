@@ -54,6 +54,15 @@ struct Case {
 using RunCase = std::function<void(const Case&)>;
 using Cases = void (*)(const RunCase& run);
 
+// Calls a function, whose type it was made from, with these arguments.
+using Invoke = OrvaStatus (*)(void (*function)(), const Value* values);
+template <class... A>
+OrvaStatus InvokeAs(void (*function)(), const Value* values) {
+  return [&]<size_t... i>(std::index_sequence<i...>) {
+    return reinterpret_cast<OrvaStatus (*)(A...)>(function)(values[i].As<A>()...);
+  }(std::index_sequence_for<A...>());
+}
+
 // The names in a list with commas.
 std::vector<std::string> Names(const std::string& list);
 
@@ -62,11 +71,7 @@ class Member {
   template <class... A>
   Member(std::string member_name, OrvaStatus (*f)(A...)) : name(member_name), covers{member_name} {
     function = reinterpret_cast<void (*)()>(f);
-    invoke = [](void (*erased)(), const Value* values) {
-      return [&]<size_t... i>(std::index_sequence<i...>) {
-        return reinterpret_cast<OrvaStatus (*)(A...)>(erased)(values[i].As<A>()...);
-      }(std::index_sequence_for<A...>());
-    };
+    invoke = InvokeAs<A...>;
     static constexpr auto kRoles = RolesOf<A...>();
     static constexpr Sample kSamples[] = {SampleOf<ElementOf<A>>()...};
     Describe(kRoles.data(), kSamples, sizeof...(A));
@@ -90,7 +95,7 @@ class Member {
   std::vector<std::string> covers;  // the exported names that the row stands for
   std::vector<Argument> arguments;
   void (*function)() = nullptr;
-  OrvaStatus (*invoke)(void (*)(), const Value*) = nullptr;
+  Invoke invoke = nullptr;
   void (*scenario)(Digest&) = nullptr;
   bool exact = true;
 
