@@ -16,7 +16,9 @@ def main():
         sys.exit("usage: page.py BENCH.json LIBRARY OPERATION ...")
     rates = {}
     for run in report.read_runs(sys.argv[1]):  # the best of the repetitions
-        rates[run["name"]] = max(run["bytes_per_second"], rates.get(run["name"], 0))
+        rates[run["name"]] = max(run.get("bytes_per_second", 0), rates.get(run["name"], 0))
+    if not {"memcpy/L1", "memcpy/memory"} <= rates.keys():
+        sys.exit(f"page.py: {sys.argv[1]} has no runs of memcpy to compare with")
     functions = cycles.disassemble(sys.argv[2])
     print("| Operation | Copies, L1 | Copies, memory | Cycles an element |\n|---|---|---|---|")
     for operation in sys.argv[3:]:

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""Turns the JSON of tzm_bench into a table: nanoseconds an element, and the time as a multiple of
+"""Turns the JSON of tzm_bench into a table: nanoseconds a call and an element, and the time as a multiple of
 copying the same number of bytes at the same size.   report.py FILE.json"""
 import json
 import sys
+
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def read_runs(path):
@@ -12,7 +14,7 @@ def read_runs(path):
             runs = json.load(file)["benchmarks"]
     except (OSError, ValueError, KeyError) as error:
         sys.exit(f"{path} is not the output of tzm_bench: {error}")
-    return [run for run in runs if run.get("run_type") != "aggregate" and "items_per_second" in run]
+    return [run for run in runs if run.get("run_type") != "aggregate"]
 
 
 def main():
@@ -20,11 +22,16 @@ def main():
         sys.exit("usage: report.py FILE.json  (made by tzm_bench --benchmark_out=FILE.json)")
     runs = read_runs(sys.argv[1])
     copy = {run["name"].split("/")[1]: run["bytes_per_second"] for run in runs if run["name"].startswith("memcpy/")}
-    print(f"{'operation':44} {'ns/element':>10} {'GB/s':>8} {'copies':>7}")
+    width = max((len(run["name"]) for run in runs), default=0)
+    print(f"{'operation':{width}} {'ns/call':>12} {'ns/element':>10} {'GB/s':>8} {'copies':>7}")
     for run in runs:
-        yardstick = copy.get(run["name"].split("/")[1])
-        ratio = f"{yardstick / run['bytes_per_second']:7.2f}" if yardstick else f"{'-':>7}"
-        print(f"{run['name']:44} {1e9 / run['items_per_second']:10.4f} {run['bytes_per_second'] / 1e9:8.2f} {ratio}")
+        items, rate = run.get("items_per_second"), run.get("bytes_per_second")
+        yardstick = rate and copy.get(run["name"].split("/")[1])
+        columns = [f"{run['cpu_time'] * NANOSECONDS[run['time_unit']]:12.1f}",
+                   f"{1e9 / items:10.4f}" if items else f"{'-':>10}",
+                   f"{rate / 1e9:8.2f}" if rate else f"{'-':>8}",
+                   f"{yardstick / rate:7.2f}" if yardstick else f"{'-':>7}"]
+        print(f"{run['name']:{width}}", *columns)
 
 
 if __name__ == "__main__":

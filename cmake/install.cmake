@@ -63,23 +63,25 @@ if(TARGET tzm_manual)
 endif()
 
 # The documents as they stand in the tree, so that their links to each other hold, and the manual if it has been made.
-set(tzm_documents ${CMAKE_INSTALL_DATADIR}/doc/libsignal-tzm-doc)
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md CITATION.cff LICENSE DESTINATION ${tzm_documents}
-  COMPONENT documents)
-install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
-  FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
-install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
-  FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.py PATTERN CMakeLists.txt)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)
-install(CODE "set(tzm_pages \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${tzm_documents}\")" COMPONENT documents)
-install(CODE [[  # the manual's pictures are those of the pages
-  file(GLOB pictures RELATIVE ${tzm_pages}/html ${tzm_pages}/html/*.png)
-  foreach(picture IN LISTS pictures)
-    if(EXISTS ${tzm_pages}/docs/gallery/${picture})
-      file(CREATE_LINK ../docs/gallery/${picture} ${tzm_pages}/html/${picture} SYMBOLIC)
-    endif()
-  endforeach()]] COMPONENT documents)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT documents OPTIONAL)
+if(PROJECT_IS_TOP_LEVEL)
+  set(tzm_documents ${CMAKE_INSTALL_DATADIR}/doc/libsignal-tzm-doc)
+  install(FILES README.md CHANGELOG.md CONTRIBUTING.md CITATION.cff LICENSE DESTINATION ${tzm_documents}
+    COMPONENT documents)
+  install(DIRECTORY docs DESTINATION ${tzm_documents} COMPONENT documents
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
+  install(DIRECTORY examples DESTINATION ${tzm_documents} COMPONENT documents
+    FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.py PATTERN CMakeLists.txt)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${tzm_documents} COMPONENT documents OPTIONAL)
+  install(CODE "set(tzm_pages \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${tzm_documents}\")" COMPONENT documents)
+  install(CODE [[  # the manual's pictures are those of the pages
+    file(GLOB pictures RELATIVE ${tzm_pages}/html ${tzm_pages}/html/*.png)
+    foreach(picture IN LISTS pictures)
+      if(EXISTS ${tzm_pages}/docs/gallery/${picture})
+        file(CREATE_LINK ../docs/gallery/${picture} ${tzm_pages}/html/${picture} SYMBOLIC)
+      endif()
+    endforeach()]] COMPONENT documents)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT documents OPTIONAL)
+endif()
 
 # tzm_all: what has to be built before it is installed.
 add_custom_target(tzm_all)

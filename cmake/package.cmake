@@ -41,7 +41,7 @@ string(REGEX REPLACE "^.*\n(Permission is)" "\\1" TZM_LICENSE "${TZM_LICENSE}")
 string(REGEX REPLACE "\n\n" "\n.\n" TZM_LICENSE "${TZM_LICENSE}")
 string(REGEX REPLACE "\n$" "" TZM_LICENSE "${TZM_LICENSE}")
 string(REPLACE "\n" "\n " TZM_LICENSE " ${TZM_LICENSE}")
-foreach(file copyright symbols doc-base signal_tzm.spdx.json)
+foreach(file copyright symbols libsignal-tzm-doc.signal-tzm signal_tzm.spdx.json)
   configure_file(${templates}/${file}.in ${folder}/${file} @ONLY)
 endforeach()
 file(WRITE ${folder}/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgency=medium
@@ -52,6 +52,13 @@ file(WRITE ${folder}/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgenc
 ")
 execute_process(COMMAND gzip -9nf ${folder}/changelog COMMAND_ERROR_IS_FATAL ANY)
 
+# tzm_in_package(COMPONENT DESTINATION FILE...): files of the packages alone, which CPack installs, not `cmake --install`.
+function(tzm_in_package component destination)
+  install(CODE "if(DEFINED ENV{TZM_PACKAGE})
+    file(INSTALL ${ARGN} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${destination}\")
+  endif()" COMPONENT ${component} EXCLUDE_FROM_ALL)
+endfunction()
+
 # tzm_package(COMPONENT NAME SECTION MULTIARCH DESCRIPTION [DEPENDS]): the description's first line is its synopsis.
 macro(tzm_package component name section multiarch description)
   string(TOUPPER ${component} upper)
@@ -61,12 +68,10 @@ macro(tzm_package component name section multiarch description)
   set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${ARGN}")
   # CPack before 3.31 has no variable for the second field.
   set(CPACK_DEBIAN_${upper}_PACKAGE_SOURCE "signal-tzm\nMulti-Arch: ${multiarch}")
-  install(FILES ${folder}/copyright ${folder}/changelog.gz DESTINATION share/doc/${name}
-    COMPONENT ${component} EXCLUDE_FROM_ALL)
+  tzm_in_package(${component} share/doc/${name} ${folder}/copyright ${folder}/changelog.gz)
   if(EXISTS ${templates}/${component}.overrides.in)  # tags of lintian that are meant, each with its reason
-    configure_file(${templates}/${component}.overrides.in ${folder}/${component}.overrides @ONLY)
-    install(FILES ${folder}/${component}.overrides DESTINATION share/lintian/overrides RENAME ${name}
-      COMPONENT ${component} EXCLUDE_FROM_ALL)
+    configure_file(${templates}/${component}.overrides.in ${folder}/overrides/${name} @ONLY)
+    tzm_in_package(${component} share/lintian/overrides ${folder}/overrides/${name})
   endif()
 endmacro()
 
@@ -79,7 +84,7 @@ tzm_package(runtime ${run_package} libs same "signal-processing primitives with 
 ${about}
 It needs a processor of the level ${level}. Here are the library and its
 default companions.")
-install(FILES ${folder}/signal_tzm.spdx.json DESTINATION share/doc/${run_package} COMPONENT runtime EXCLUDE_FROM_ALL)
+tzm_in_package(runtime share/doc/${run_package} ${folder}/signal_tzm.spdx.json)
 tzm_package(development libsignal-tzm-dev libdevel same "signal-processing primitives - development files
 ${about}
 Here are the headers, a CMake package and a pkg-config file."
@@ -106,7 +111,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-file(WRITE ${folder}/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+file(WRITE ${folder}/cpack.cmake "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})
+set(ENV{TZM_PACKAGE} yes)\n")
 set(CPACK_PROJECT_CONFIG_FILE ${folder}/cpack.cmake)
 
 # The loader's cache is renewed, and programs that link the libraries get their dependency. (What CPack would write for
@@ -131,8 +137,7 @@ endif()
 
 # The manual is registered where it is.
 if(TARGET tzm_docs)
-  install(FILES ${folder}/doc-base DESTINATION share/doc-base RENAME libsignal-tzm-doc.signal-tzm
-    COMPONENT documents EXCLUDE_FROM_ALL)
+  tzm_in_package(documents share/doc-base ${folder}/libsignal-tzm-doc.signal-tzm)
 endif()
 
 include(CPack)

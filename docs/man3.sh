@@ -11,6 +11,25 @@ mkdir -p "$folder"
 # page ROOM NAME: what Doxygen says of the group NAME, in the order of a man page. `families` are a room's pages.
 page() {
   awk -v room="$1" -v name="signal_tzm_$2" -v version="$version" -v date="$date" -v families="${families[*]}" '
+    # A table of one line: three spaces stand behind a cell, a fourth behind a row. A header may lack its first cell.
+    function table(line,    rows, cells, widest, row, column, count, columns, form, made) {
+      count = split(line, rows, /    /)
+      sub(/ +$/, "", rows[count])
+      columns = split(rows[2], cells, /   /)
+      for (row = 1; row <= count; ++row) {
+        if (split(rows[row], cells, /   /) < columns) rows[row] = "   " rows[row]
+        split(rows[row], cells, /   /)
+        for (column = 1; column <= columns; ++column) {
+          if (length(cells[column]) > widest[column]) widest[column] = length(cells[column])
+          made = made (column > 1 ? "|" : "") "T{\n" cells[column] "\nT}"
+        }
+        made = made "\n"
+      }
+      for (column = 1; column <= columns; ++column) form = form (widest[column] > 24 ? " lx" : " l")
+      return ".TS\nallbox tab(|);\n" form ".\n" made ".TE\n"
+    }
+    FNR == 1 { print "\047\\\" t" }
+    /^[^.].*   $/ { $0 = table($0) }
     /^\.TH / { print ".TH " name " 3 " date " \"signal_tzm " version "\" signal_tzm\n.ad l\n.nh"; next }
     /^\.SH NAME/ { print; getline; sub(/^[^ ]*/, name); print; next }
     /^\.S[HS] / {

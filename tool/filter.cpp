@@ -145,9 +145,9 @@ void Run(int argc, char** argv) {
                   "Filters all channels of a sound file. The filter is a window design of linear phase, as by\n"
                   "scipy.signal.firwin; its delay is taken out, so that the output lies in time as the input. At\n"
                   "a cut-off the gain is -6 dB. The transition around it, in parts of the rate over the taps, and\n"
-                  "what is left beyond it: hamming 3.3 (-54 dB), hann 3.1 (-44), blackman 5.6 (-75), blackman-opt\n"
-                  "5.2 (-61), bartlett 7.5 (-32), rectangular 0.9 (-21), kaiser for A dB (A-8)/14.4 (-A). Samples\n"
-                  "beyond full scale saturate in integer formats.",
+                  "about what is left beyond it: hamming 3.4 (-54 dB), hann 3.1 (-42), blackman 5.6 (-75),\n"
+                  "blackman-opt 5.2 (-60), bartlett 7.5 (-32), rectangular 0.9 (-20), kaiser for A dB (A-8)/14.4\n"
+                  "(-A). Samples beyond full scale saturate in integer formats.",
                   "tzm filter --kind bandpass --cutoff 300 --upper 3400 /usr/share/sounds/alsa/Front_Center.wav "
                   "telephone.wav");
   options.Choice("kind", 'k', kKindNames, "filter", settings.kind);

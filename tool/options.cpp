@@ -48,7 +48,8 @@ void Options::Flag(const char* name, char letter, const char* help, bool& target
 template <class T>
 void Options::Number(const char* name, char letter, const char* help, T& target, std::type_identity_t<T> low,
                      std::type_identity_t<T> high) {
-  const std::string shown = target == T{} ? help : Format("%s (default %.10g)", help, double(target));
+  const bool open = target == T{} || target != target;  // 0, or a NaN for what was not given
+  const std::string shown = open ? help : Format("%s (default %.10g)", help, double(target));
   options_.push_back({name, letter, "N", shown, [=, &target](const std::string& text) {
                         target = ParseNumber(name, text, low, high);
                       }});

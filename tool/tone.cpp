@@ -72,7 +72,7 @@ void Run(int argc, char** argv) {
                   "tzm tone --frequency 440 --seconds 2 a.wav\n  tzm tone --keys 0123 number.wav");
   options.Number("frequency", 'f', "frequency in Hz (default 1000)", s.frequency, 1e-6, 1e9);
   options.Number("amplitude", 'a', "peak value, full scale being 1", s.amplitude, 1e-9, 1);
-  options.Number("phase", 'p', "phase in degrees of the sine at the first sample", s.phase, -360, 360);
+  options.Number("phase", 'p', "phase in degrees of the sine at the first sample (default 0)", s.phase, -360, 360);
   options.Number("seconds", 's', "length (default 1), of each key (default 0.1)", s.seconds, 1e-6, 1e6);
   options.Number("rate", 'r', "sampling rate in Hz", s.rate, 1, 10000000);
   s.sound.Declare(options, SoundOptions::Use::kWrites);

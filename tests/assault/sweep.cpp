@@ -40,13 +40,15 @@ void Draw(Random& random, const Member& member, Caller& caller, Digest& digest) 
 
 }  // namespace
 
-// SEED [CALLS [NAME ...]]
+// [SEED [CALLS]]
 int Sweep(const std::vector<std::string>& arguments) {
   uint64_t given[] = {1, 500};
-  for (size_t i = 0; i < std::min(arguments.size(), std::size(given)); ++i) {
+  for (size_t i = 0; i < arguments.size(); ++i) {
     const std::string& text = arguments[i];
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), given[i]);
-    if (error == std::errc() && end == text.data() + text.size() && given[i] > 0) continue;
+    if (i < std::size(given)) {
+      const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), given[i]);
+      if (error == std::errc() && end == text.data() + text.size() && given[i] > 0) continue;
+    }
     std::fprintf(stderr, "assault: sweep takes a seed and a number of calls, not '%s'\n", text.c_str());
     return 2;
   }

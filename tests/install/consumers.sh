@@ -63,7 +63,7 @@ look_into_packages() {
     field libsignal-tzm-doc Architecture all
   fi
   if command -v lintian >/dev/null; then
-    lintian --suppress-tags unused-override --fail-on error "$scratch"/*.deb || wrong 'lintian has objections'
+    lintian --fail-on error "$scratch"/*.deb || wrong 'lintian has objections'
   fi
   for deb in "$scratch"/*.deb; do dpkg-deb --extract "$deb" "$scratch/root"; done
 }
@@ -87,6 +87,9 @@ if [ "$way" = packages ]; then
 else
   "$CMAKE" --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
   mv "$build/install_manifest.txt" "$scratch"  # tzm_uninstall is not to find it
+  "$CMAKE" --install "$build" --prefix "$scratch/alone" --component runtime >>"$scratch/install.log"
+  rm "$build/install_manifest_runtime.txt"
+  [ ! -e "$scratch/alone/share" ] || wrong 'what only packages have was installed'
   prefix=$scratch/moved
   mv "$scratch/installed" "$prefix"
 fi
@@ -145,5 +148,6 @@ if [ "$way" = prefix ]; then
     "add_subdirectory($tree signal_tzm)" >"$scratch/parent/CMakeLists.txt"
   "$CMAKE" -S "$scratch/parent" -B "$scratch/parent/build" -G Ninja \
     ${TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN"} >"$scratch/parent.log"
+  ! grep -q 'share/doc' "$scratch/parent/build/signal_tzm/cmake_install.cmake" || wrong 'a parent installs our documents'
   grep -q -- '-O3' "$scratch/parent/build/build.ninja" || wrong 'the library is not optimised in another project'
 fi
