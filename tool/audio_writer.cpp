@@ -322,7 +322,8 @@ void AudioWriter::Finish() {
     }
   }
   if (saturated_ > 0) {
-    std::fprintf(said, "%lld samples were beyond full scale and are saturated.\n", static_cast<long long>(saturated_));
+    std::fprintf(said, "%lld sample%s beyond full scale %s saturated.\n", static_cast<long long>(saturated_),
+                 saturated_ == 1 ? "" : "s", saturated_ == 1 ? "is" : "are");
   }
 }
 

@@ -110,7 +110,9 @@ std::optional<std::vector<std::string>> Options::Parse(int argc, char** argv, si
       if (found == kFirstOption + int(i) || found == options_[i].letter) options_[i].set(optarg ? optarg : "");
     }
   }
-  if (size_t(argc - optind) < count) throw UsageError(Format("missing operand: %s", operands_.c_str()));
+  if (size_t(argc - optind) < count) {
+    throw UsageError(Format("missing operand: %s wanted, %d given", operands_.c_str(), argc - optind));
+  }
   if (size_t(argc - optind) > count) throw UsageError(Format("one operand too many: '%s'", argv[optind + int(count)]));
   return std::vector<std::string>(argv + optind, argv + argc);
 }

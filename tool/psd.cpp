@@ -237,9 +237,9 @@ void Run(int argc, char** argv) {
   Options options("psd", "FILE",
                   "Estimates the power spectral density of a sound file by Welch's method, prints its\n"
                   "strongest peaks and draws it, by default to FILE's name with -psd.png in the current\n"
-                  "folder. Densities are in dB relative to the square of full scale, in a band of one hertz:\n"
-                  "one-sided: their sum times the width of a bin is the mean square of the segments under their\n"
-                  "window, which is that of a steady sound. Without overlap it is Bartlett's estimate.",
+                  "folder. Densities are one-sided, in dB relative to the square of full scale in a band of one\n"
+                  "hertz. Their sum times the width of a bin is the mean square of the windowed segments: of a\n"
+                  "steady sound, its mean square. Without overlap it is Bartlett's estimate.",
                   "tzm psd --window blackman --segment 8192 /usr/share/sounds/alsa/Front_Center.wav");
   options.Choice("window", 'w', kWindowNames, "window", settings.window);
   options.Number("segment", 's', "samples in a segment (default 4096, less for a short file)", settings.segment,

@@ -87,7 +87,7 @@ def main():
     try:
         tzm = Library(sys.argv[1])
     except OSError as error:
-        sys.exit(f"compare.py: no library in {sys.argv[1]} ({error}): build it with ./run bench")
+        sys.exit(f"compare.py: no library in {sys.argv[1]} ({error}): build it with ./run beside")
     for room in rooms:
         for name, elements, calls in importlib.import_module(room).cases(tzm):
             best = best_times(calls)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Inputs of bad faith, made by libFuzzer under the sanitizers: formats, and sound files for the tool's reader.
+# Malformed inputs, made by libFuzzer under the sanitizers: formats, and sound files for the tool's reader.
 #   fuzz.sh BUILD FORMATS SOUNDS   (how many; needs clang++ and build/native; BUILD keeps the inputs that reach
 #   something new)
 set -euo pipefail

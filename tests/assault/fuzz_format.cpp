@@ -1,4 +1,4 @@
-// Formats of bad faith for sprintf_s: nothing beyond the room is touched, and a text always ends in it. Arguments of
+// Malformed formats for sprintf_s: nothing beyond the room is touched, and a text always ends in it. Arguments of
 // both kinds are there for whatever the format asks; only %s and * get some that fit.
 #include <signal_tzm/format.h>
 

@@ -1,4 +1,4 @@
-// Sound files of bad faith for the tool's reader: it gives finite samples, no more than a moment of them from a file
+// Malformed sound files for the tool's reader: it gives finite samples, no more than a moment of them from a file
 // this small, or says what is wrong.
 #include <sys/mman.h>
 #include <unistd.h>

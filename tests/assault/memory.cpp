@@ -1,6 +1,6 @@
 // Memory that runs out, anywhere: every Init, and every call that allocates, in a child of which the k-th request to
 // the system's allocator fails, for every k, and in one that has few addresses left. The answer is the contract's
-// status, and everything is given back.
+// status, and everything is given back that a call which fails has taken.
 #include <malloc.h>
 #include <signal_tzm.h>
 #include <sys/resource.h>

@@ -26,7 +26,7 @@ tail -c $((4 * (150000 - 12345))) noise.wav |
 "$tzm" convolve noise.wav half.wav between.wav >/dev/null
 near 'delay' "$(figure .delay_samples delay -r late.wav noise.wav)" 12345 0.01
 near 'delay of the earlier one' "$(figure .delay_samples delay -r noise.wav late.wav)" -12345 0.01
-near 'delay beyond the range' "$(figure .delay_samples delay -r noise.wav --range 50 late.wav)" 0 2400
+near 'coefficient beyond the range' "$(figure .coefficient delay -r noise.wav --range 50 late.wav)" 0 0.05
 near 'delay by half a sample' "$(figure .delay_samples delay -r noise.wav between.wav)" 0.5 0.01
 near 'coefficient by half a sample' "$(figure .coefficient delay -r noise.wav between.wav)" 0.7071 0.005
 [ "$(figure '[.delay_samples, .coefficient] | tostring' delay -r noise.wav noise.wav)" = '"[0,1]"' ] || wrong 'equals'

@@ -8,7 +8,7 @@ cp sine.wav kept.wav
 # Options, which all commands read alike.
 refuses 2 'which command'
 refuses 2 "unknown command 'pds'" pds sine.wav
-refuses 2 'missing operand: FILE' psd
+refuses 2 'missing operand: FILE wanted, 0 given' psd
 refuses 2 "one operand too many: 'b'" psd a b
 refuses 2 "'--colour'" psd --colour sine.wav
 refuses 2 "'-z'" psd -z sine.wav

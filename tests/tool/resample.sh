@@ -17,7 +17,7 @@ level() { # RATE FREQUENCY HEARD
   "$tzm" detect -f "$3" --frame 200 --csv out.wav | awk -F, 'NR > 1 && $1 >= 2 { print $2 + 9.031; exit }'
 }
 near 'level in the pass band' "$(level 16000 7000 7000)" 0 0.05
-near 'alias of 9000 Hz' "$(level 16000 9000 7000)" -130 35
+near 'alias of 9000 Hz' "$(level 16000 9000 7000)" -150 50
 near 'image of 7000 Hz' "$(level 1400030 7000 41000)" -130 35
 
 cp "$recordings/Front_Center.wav" speech.wav

@@ -25,6 +25,10 @@
 #endif
 #endif
 
+#if HWY_ARCH_X86 && !(defined(__AVX2__) && defined(__FMA__) && defined(__F16C__))
+#error "-march (TZM_MARCH) has to be x86-64-v3 or wider"
+#endif
+
 namespace tzm {
 
 namespace hn = hwy::HWY_NAMESPACE;
