@@ -1,4 +1,6 @@
 // tzm: finds the subcommand, runs it, and turns whatever goes wrong into one line and an exit status.
+#include <fcntl.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -95,7 +97,14 @@ void FlushOutput() {
   }
 }
 
+// Takes the standard descriptors that the caller closed, so that no file gets their numbers; they go on failing.
+void HoldStandardDescriptors() {
+  for (int descriptor = 0; descriptor <= 2; ++descriptor)
+    if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == 1 ? O_RDONLY : O_WRONLY);
+}
+
 int Main(int argc, char** argv) {
+  HoldStandardDescriptors();
   if (argc > 1 && Commands().contains(argv[1])) g_name = g_name + " " + argv[1];
   try {
     Dispatch(argc, argv);

@@ -45,6 +45,9 @@ done
 
 # A full device; a limit on the size of files; an end from outside.
 "$tzm" stats sine.wav >/dev/full 2>said.err && wrong 'no failure on a full device'
+"$tzm" filter -f 100 sine.wav open.wav >/dev/null
+"$tzm" filter -f 100 sine.wav closed.wav <&- >&- 2>&- && wrong 'no failure on a closed output'
+cmp open.wav closed.wav || wrong 'a file took the number of a closed descriptor'
 grep -q 'No space left' said.err || wrong "on a full device: $(cat said.err)"
 (
   ulimit -f 20 && failures=0
