@@ -18,7 +18,7 @@ namespace {
 
 using tzm_bench::SharedArray;
 
-constexpr int32_t kDirect = 1, kFft = 2;
+constexpr int32_t kDirect = ORVA_ROUTE_DIRECT, kFft = ORVA_ROUTE_FFT;
 
 // `make` makes the call to time, when its turn comes.
 template <class Make>

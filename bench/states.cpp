@@ -157,7 +157,7 @@ Make TimeSpec(bool order, int parts, auto init, auto run, OrvaStatus (*release)(
   return [=](int32_t len) {
     const int32_t size = order ? std::countr_zero(static_cast<uint32_t>(len)) : len;
     Spec* made = nullptr;
-    InitSpec(init, size, 1, 4, &made);
+    InitSpec(init, size, ORVA_DIRECTION_FORWARD, ORVA_DIVIDE_NONE, &made);
     const std::shared_ptr<Spec> spec(made, release);
     const size_t n = static_cast<size_t>(len);
     const auto src = SharedArray<T>(2 * int64_t{len} + 2), dst = SharedArray<T>(2 * int64_t{len} + 2);

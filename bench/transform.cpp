@@ -96,8 +96,8 @@ class Transforms {
   Spec MakeSpec(int32_t threads) const {
     OrvaTransformSpec* spec = nullptr;
     ORVAS_SetFFTNumberThreads(threads);
-    if constexpr (kReal) P::kInitReal(n_, 1, &spec);
-    else P::kInit(n_, 1, 1, &spec);
+    if constexpr (kReal) P::kInitReal(n_, ORVA_DIVIDE_FORWARD, &spec);
+    else P::kInit(n_, ORVA_DIRECTION_FORWARD, ORVA_DIVIDE_FORWARD, &spec);
     return {spec, P::kRelease};
   }
   void Run(const Spec& spec) const {
