@@ -62,10 +62,14 @@ using InNumbers = OrderedSum<TwoNumbers, 8, AddNumbers>;
 template <class Order>
 Complex<double> NumberSum(const Orva64fc* src, size_t len) {
   using Number = TwoNumbers::Number;
+  constexpr size_t kAhead = 4096, kLine = 64;
   const auto sum = Order::template Of<Order::kBlock>(
       len,
       [=](size_t i, TwoNumbers& numbers) TZM_LAMBDA {
         const double* const from = Parts(src + i);
+        // Samples that are read once are asked for before their turn, and not kept.
+        for (size_t line = 0; line < Order::kBlock * sizeof(Orva64fc); line += kLine)
+          __builtin_prefetch(reinterpret_cast<const char*>(from) + kAhead + line, 0, 0);
         const auto pair = [&](size_t k) TZM_LAMBDA {
           return Number::Load(from + 2 * k) + Number::Load(from + 2 * k + 2);
         };
