@@ -52,7 +52,7 @@ file(WRITE ${folder}/changelog "signal-tzm (${PROJECT_VERSION}) unstable; urgenc
 ")
 execute_process(COMMAND gzip -9nf ${folder}/changelog COMMAND_ERROR_IS_FATAL ANY)
 
-# tzm_in_package(COMPONENT DESTINATION FILE...): files of the packages alone, which CPack installs, not `cmake --install`.
+# tzm_in_package(COMPONENT DESTINATION FILE...): what CPack alone installs, and `cmake --install` does not.
 function(tzm_in_package component destination)
   install(CODE "if(DEFINED ENV{TZM_PACKAGE})
     file(INSTALL ${ARGN} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${destination}\")

@@ -14,5 +14,6 @@ for status in $(grep -oE 'ORVA_STS_\w+ = [0-9]+' "$5/include/signal_tzm/status.h
   grep -qF "$row" "$5/docs/errors.md" || { echo "not in docs/errors.md: $status"; exit 1; }
 done
 ! grep -oE 'href="[^"]*\.md[#"]' "$2"/docs/html/*.html || { echo "links to what is not in the manual"; exit 1; }
-tables=$(cat "$5"/include/signal_tzm/*.h | grep -c '|---'); made=$(zcat "$2"/docs/man3/signal_tzm_*.gz | grep -c '^\.TS')
+tables=$(cat "$5"/include/signal_tzm/*.h | grep -c '|---')
+made=$(zcat "$2"/docs/man3/signal_tzm_*.gz | grep -c '^\.TS')
 [ "$made" = "$tables" ] || { echo "man pages have $made tables, the headers $tables"; exit 1; }

@@ -148,6 +148,7 @@ if [ "$way" = prefix ]; then
     "add_subdirectory($tree signal_tzm)" >"$scratch/parent/CMakeLists.txt"
   "$CMAKE" -S "$scratch/parent" -B "$scratch/parent/build" -G Ninja \
     ${TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN"} >"$scratch/parent.log"
-  ! grep -q 'share/doc' "$scratch/parent/build/signal_tzm/cmake_install.cmake" || wrong 'a parent installs our documents'
+  ! grep -q 'share/doc' "$scratch/parent/build/signal_tzm/cmake_install.cmake" ||
+    wrong 'another project installs our documents'
   grep -q -- '-O3' "$scratch/parent/build/build.ninja" || wrong 'the library is not optimised in another project'
 fi
