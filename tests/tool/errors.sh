@@ -45,9 +45,10 @@ done
 
 # A full device; a limit on the size of files; an end from outside.
 "$tzm" stats sine.wav >/dev/full 2>said.err && wrong 'no failure on a full device'
-"$tzm" filter -f 100 sine.wav open.wav >/dev/null
-"$tzm" filter -f 100 sine.wav closed.wav <&- >&- 2>&- && wrong 'no failure on a closed output'
-cmp open.wav closed.wav || wrong 'a file took the number of a closed descriptor'
+head -c 40000 sine.wav >cut.wav
+status=0
+"$tzm" filter -f 100 cut.wav closed.wav <&- >/dev/null 2>&- || status=$?
+[ "$status" = 3 ] || wrong 'a file took the number of the closed standard error, and a warning'
 grep -q 'No space left' said.err || wrong "on a full device: $(cat said.err)"
 (
   ulimit -f 20 && failures=0
