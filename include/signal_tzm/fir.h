@@ -39,8 +39,8 @@
  * Direct: outputs in whole blocks are strict chains from +0, one fused step a tap from h[T-1] to h[0] (a
  * complex tap: re + tr*xr then - ti*xi, im + tr*xi then + ti*xr); the rest of a call is the tail, by the dot
  * product named above of the reversed taps with the line. The 16-bit members work in binary32 and round to
- * nearest, ties to even, with saturation. Deliberately, a NaN becomes 0 in a block, and 32767 or -32768 by its
- * sign bit (that of AArch64 where an operation made it) in the tail and on the FFT route. Their tail is a
+ * nearest, ties to even, with saturation. Deliberately, a NaN becomes 0 in a block, 32767 or -32768 by its sign
+ * bit (that of AArch64 where an operation made it) in the tail, and 32767 on the FFT route. Their tail is a
  * fused chain; that of `_16sc` rounds fma(-ti, xi, tr*xr) and fma(ti, xr, tr*xi) before adding them.
  * FFT: overlap-save in steps of (points - T) outputs, as exact as the transforms.
  *

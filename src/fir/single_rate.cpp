@@ -28,6 +28,7 @@ struct FIRSRState {
 namespace {
 
 constexpr int32_t kMostTaps = 0x1fffffff;
+constexpr float kBeyond = 65536;  // rounds to a limit of the 16-bit results: what a NaN becomes where it is not 0
 
 // Outputs of the direct route that are computed together; the rest of a call is its tail.
 template <class Sample>
@@ -142,16 +143,9 @@ TZM_INLINE float SignedFma(float a, float b, float c) {
   return HWY_LIKELY(sum == sum) ? sum : NanOfFma(a, b, c);
 }
 
-// What the rounding of the tail and of the FFT route makes of NaN: a value beyond the range, on the side
-// of its sign bit.
-template <class V>
-TZM_INLINE V NanBySign(V v) {
-  const hn::DFromV<V> d;
-  return hn::IfThenElse(hn::IsNaN(v), hn::CopySign(hn::Set(d, 65536.0f), v), v);
-}
+// What the rounding of the tail makes of NaN: a value beyond the range, on the side of its sign bit.
 TZM_INLINE Orva16s RoundBySign(float v) {
-  const hn::CappedTag<float, 1> one;
-  return RoundSaturate<Orva16s>(hn::GetLane(NanBySign(hn::Set(one, v))));
+  return RoundSaturate<Orva16s>(v == v ? v : std::copysign(kBeyond, v));
 }
 
 // One output.
@@ -265,8 +259,11 @@ TZM_INLINE void DivideTo(Real* line, Real points, Result* dst, int32_t len) {
   } else {
     Divide(line, points, line, len);
     const Full<Real> d;
+    // A NaN here is a positive one, as AArch64 makes them: which sign comes out of transforms depends on the width of
+    // their registers and on the machine.
     ForEach<hn::MaxLanes(d)>(len, [=](const Real* from, Result* to) TZM_LAMBDA {
-      StoreRounded(NanBySign(hn::LoadU(d, from)), to);
+      const auto v = hn::LoadU(d, from);
+      StoreRounded(hn::IfThenElse(hn::IsNaN(v), hn::Set(d, kBeyond), v), to);
     }, static_cast<const Real*>(line), dst);
   }
 }
