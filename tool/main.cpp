@@ -36,8 +36,9 @@ void PrintHelp() {
   for (const auto& [name, command] : Commands()) std::printf("  %-12s %s\n", command.name, command.summary);
   std::printf(
       "\nOptions:\n"
-      "  -h, --help     this text; `tzm COMMAND --help` explains a command\n"
-      "  -V, --version  the version\n\n"
+      "  -h, --help              this text; `tzm COMMAND --help` explains a command\n"
+      "  -V, --version           the version\n"
+      "      --completion SHELL  completion for bash or zsh: source <(tzm --completion bash)\n\n"
       "Examples:\n"
       "  tzm psd /usr/share/sounds/alsa/Front_Center.wav\n"
       "  tzm tone --keys 0123 number.wav && tzm detect number.wav\n"

@@ -121,7 +121,7 @@ void Options::PrintHelp() const {
   std::printf("Usage: tzm %s [OPTION...]%s%s\n\n%s\n\nOptions:\n", command_.c_str(), operands_.empty() ? "" : " ",
               operands_.c_str(), about_.c_str());
   const auto line = [](const std::string& option, const std::string& help) {
-    std::printf("  %-24s %s\n", option.c_str(), help.c_str());
+    std::printf("  %-25s  %s\n", option.c_str(), help.c_str());
   };
   for (const Option& o : options_) {
     const std::string letter = o.letter ? Format("-%c, ", o.letter) : "    ";
