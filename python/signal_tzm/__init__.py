@@ -18,10 +18,11 @@ from ._call import (ArgumentError, DataError, DataWarning, DivisionByZero, Error
                     complex_int16, complex_int32, complex_int64, decimal128, errstate)
 from ._families import *
 from ._table import VERSION as __version__
-from ._states import (FFT, FIR, FIRMR, LMS, AutoCorrelation, Convolution, CrossCorrelation, GaussianNoise, Hilbert,
-                      Resampler, SparseFIR, VariableResampler, autocorr, conv_biased, convolve, crosscorr, czt, fft,
-                      fir_bandpass, fir_bandstop, fir_highpass, fir_lowpass, get_fft_threads, hilbert, ifft, irfft,
-                      matmul, pwelch, set_fft_threads)
+from ._filters import (FIR, FIRMR, LMS, Resampler, SparseFIR, VariableResampler, fir_bandpass, fir_bandstop,
+                       fir_highpass, fir_lowpass)
+from ._transforms import (FFT, AutoCorrelation, Convolution, CrossCorrelation, GaussianNoise, Hilbert, autocorr,
+                          conv_biased, convolve, crosscorr, czt, fft, get_fft_threads, hilbert, ifft, irfft, matmul,
+                          pwelch, set_fft_threads)
 from ._sound import blocks, read, write
 
 __all__ = ["ArgumentError", "DataError", "DataWarning", "DivisionByZero", "Error", "OutOfMemory", "SizeOverflow",
