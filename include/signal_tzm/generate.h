@@ -141,10 +141,10 @@ TZM_API OrvaStatus ORVAS_WinKaiser_64fc_I(Orva64fc* srcDst, int32_t len, Orva64f
  * dst[n] = magn * cos(2 pi rFreq n + phase), in complex members + i magn * sin(2 pi rFreq n + phase); `rFreq`
  * in cycles per sample, `*phase` in radians. The phase is only read: the caller advances it between calls.
  *
- * Values come from a recurrence in binary64 over the even number of samples at the front (a multiple of 4 in
- * 16s and 16sc) and from `cos` and `sin` for the rest. Its drift grows with `len`, and most where `rFreq` is
- * near a multiple of 1/2; there is no seeding anew. The product with `magn` is rounded to the sample type;
- * 16s and 16sc deliberately truncate toward zero (and saturate, but for the first four samples and the rest).
+ * Values come from a recurrence in binary64 over the even number of samples at the front (16s and 16sc: a multiple of
+ * 4; always the first four) and from `cos` and `sin` for the rest. Its drift grows with `len`, most where `rFreq` is
+ * near a multiple of 1/2; there is no seeding anew. The product with `magn` is rounded to the sample type; 16s and 16sc
+ * deliberately truncate toward zero (and saturate, but for the first four samples and the rest).
  *
  * Status, in this order: 1 null pointer; 10 phase below 0 or, in binary64, not below 6.283185307179586; 2 `len < 1`;
  * 10 `magn` not above 0; 10 `rFreq` below 0 or not below 0.5 (complex members: 1). A NaN passes. @{ */
