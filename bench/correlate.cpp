@@ -16,6 +16,7 @@
 
 namespace {
 
+using tzm_bench::Aligned;
 using tzm_bench::SharedArray;
 
 constexpr int32_t kDirect = ORVA_ROUTE_DIRECT, kFft = ORVA_ROUTE_FFT;
@@ -31,13 +32,6 @@ void Register(const std::string& name, int64_t products, Make make) {
     }
     if (products > 0) state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * products);
   })->Unit(benchmark::kMicrosecond);
-}
-
-template <class T>
-std::shared_ptr<T> Aligned(int64_t n) {
-  T* const array = static_cast<T*>(std::aligned_alloc(64, (n * sizeof(T) + 63) / 64 * 64));
-  std::fill_n(array, n, T{});
-  return {array, std::free};
 }
 
 // `forward` real transforms of `n` samples and `inverse` ones back, as the routes run them.

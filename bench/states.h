@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "support/random.h"
@@ -41,6 +42,13 @@ Shared<T> SharedArray(int64_t n) {
   const Shared<T> array{take_array(values.size() * sizeof(T))};
   std::memcpy(array.data(), values.data(), values.size() * sizeof(T));
   return array;
+}
+
+// Zeros, aligned as far as any plan of FFTW's wants.
+template <class T>
+std::shared_ptr<T> Aligned(int64_t n) {
+  constexpr std::align_val_t kLine{64};
+  return {new (kLine) T[static_cast<size_t>(n)](), [](T* array) { operator delete[](array, kLine); }};
 }
 
 }  // namespace tzm_bench

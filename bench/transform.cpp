@@ -1,65 +1,32 @@
 // Transforms beside the bare FFTW plan, estimated and measured, with 8 threads beside 1, and planning beside FFTW's.
-// The two sides of a line take turns, so that a disturbance meets both; `ours_ns` and `theirs_ns` are the best turns,
-// and `ratio` is the one over the other.
+// `ours_ns` and `theirs_ns` are the best of their turns, and `ratio` is the one over the other.
 #include <benchmark/benchmark.h>
 #include <fftw3.h>
 #include <signal_tzm/arith.h>
 #include <signal_tzm/transform.h>
 
 #include <algorithm>
-#include <chrono>
-#include <limits>
 #include <memory>
-#include <new>
 #include <string>
 #include <type_traits>
 
-#include "support/random.h"
+#include "states.h"
+#include "turns.h"
 
 namespace {
 
-using namespace tzm_test;
+using tzm_bench::Aligned;
 
-constexpr double kTurn = 5e-4;  // seconds, at least
-
-double Seconds(const auto& run, int64_t calls) {
-  const auto start = std::chrono::steady_clock::now();
-  for (int64_t k = 0; k < calls; ++k) {
-    run();
-    benchmark::ClobberMemory();
-  }
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+constexpr double kTurn = 5e5;  // nanoseconds, at least
 
 void Compare(benchmark::State& state, const auto& ours, const auto& theirs) {
-  int64_t calls = 1;
-  while (Seconds(theirs, calls) < kTurn) calls *= 2;
-  double best[] = {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
-  for (auto _ : state) {
-    const double turn = Seconds(ours, calls);
-    best[0] = std::min(best[0], turn);
-    best[1] = std::min(best[1], Seconds(theirs, calls));
-    state.SetIterationTime(turn);
-  }
-  state.counters["ours_ns"] = best[0] / static_cast<double>(calls) * 1e9;
-  state.counters["theirs_ns"] = best[1] / static_cast<double>(calls) * 1e9;
-  state.counters["ratio"] = best[0] / best[1];
-}
-
-// An array as FFTW's allocator gives it: aligned as far as any plan wants.
-template <class T>
-using Array = std::unique_ptr<T[], decltype(&fftw_free)>;
-template <class T>
-void Fill(T* array, size_t n) {
-  const auto values = RandomArray<T>(n, 1);
-  std::copy(values.begin(), values.end(), array);
-}
-template <class T>
-Array<T> Aligned(size_t n) {
-  auto* const array = static_cast<T*>(fftw_malloc(n * sizeof(T)));
-  if (array == nullptr) throw std::bad_alloc();
-  Fill(array, n);
-  return {array, fftw_free};
+  double calls = 1;
+  while (tzm_bench::Nanoseconds(theirs, static_cast<int64_t>(calls)) * calls < kTurn) calls *= 2;
+  tzm_bench::Least least;
+  for (auto _ : state) state.SetIterationTime(least.Turn(ours, theirs, static_cast<int64_t>(calls)) * calls * 1e-9);
+  state.counters["ours_ns"] = least.ours;
+  state.counters["theirs_ns"] = least.theirs;
+  state.counters["ratio"] = least.ours / least.theirs;
 }
 
 using Spec = std::unique_ptr<OrvaTransformSpec, OrvaStatus (*)(OrvaTransformSpec*)>;
@@ -91,7 +58,9 @@ template <class P, bool kReal>
 class Transforms {
  public:
   explicit Transforms(benchmark::State& state)
-      : n_(static_cast<int32_t>(state.range(0))), src_(Aligned<Sample>(count())), dst_(Aligned<Complex>(count())) {}
+      : n_(static_cast<int32_t>(state.range(0))), src_(Aligned<Sample>(n_)), dst_(Aligned<Complex>(n_)) {
+    Fill();
+  }
 
   Spec MakeSpec(int32_t threads) const {
     OrvaTransformSpec* spec = nullptr;
@@ -110,7 +79,7 @@ class Transforms {
   auto MakeMeasuredPlan() const {
     const auto plan = Plan(FFTW_MEASURE);
     P::kForget();
-    Fill(src_.get(), count());
+    Fill();
     return plan;
   }
   // With one pass of division.
@@ -129,12 +98,15 @@ class Transforms {
     if constexpr (kReal) return P::kPlanReal(n_, src_.get(), bins(), effort);
     else return P::kPlan(n_, reinterpret_cast<Bins>(src_.get()), bins(), FFTW_FORWARD, effort);
   }
-  size_t count() const { return static_cast<size_t>(n_); }
+  void Fill() const {
+    const auto values = tzm_test::RandomArray<Sample>(static_cast<size_t>(n_), 1);
+    std::copy(values.begin(), values.end(), src_.get());
+  }
   Bins bins() const { return reinterpret_cast<Bins>(dst_.get()); }
 
   int32_t n_;
-  Array<Sample> src_;
-  Array<Complex> dst_;
+  std::shared_ptr<Sample> src_;
+  std::shared_ptr<Complex> dst_;
 };
 
 template <class P, bool kReal, bool kMeasured>

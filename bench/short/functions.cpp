@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "turns.h"
+#include "../turns.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <signal_tzm/companion.h>
 #include <volk/volk.h>
 
-#include "turns.h"
+#include "../turns.h"
 
 namespace {
 

@@ -3,22 +3,39 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 namespace tzm_bench {
 
 constexpr int kRounds = 150;
 
+// A call, by so many of them.
 template <class Call>
-double Nanoseconds(const Call& call, int calls) {
+double Nanoseconds(const Call& call, int64_t calls) {
   const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < calls; ++i) {
+  for (int64_t i = 0; i < calls; ++i) {
     call();
     asm volatile("" : : : "memory");
   }
-  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count() / calls;
+  const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
+  return taken.count() / static_cast<double>(calls);
 }
+
+// Nanoseconds a call on either side, the least of many turns: a disturbance meets both.
+struct Least {
+  double ours = std::numeric_limits<double>::infinity(), theirs = ours;
+
+  // A turn of either side; gives ours.
+  double Turn(const auto& our_call, const auto& their_call, int64_t calls) {
+    const double turn = Nanoseconds(our_call, calls);
+    ours = std::min(ours, turn);
+    theirs = std::min(theirs, Nanoseconds(their_call, calls));
+    return turn;
+  }
+};
 
 // A line for an operation whose name has `wanted` in it: for each length nanoseconds a call of ours(length) and of
 // peer(length), the least of many, and their ratio.
@@ -27,13 +44,10 @@ void Row(const char* name, const char* wanted, const Lengths& lengths, const Our
   if (std::strstr(name, wanted) == nullptr) return;
   std::printf("%-18s", name);
   for (int len : lengths) {
-    const int calls = 2 + 20000 / len;
-    double least_ours = 1e9, least_peer = 1e9;
-    for (int round = 0; round < kRounds; ++round) {
-      least_ours = std::min(least_ours, Nanoseconds([&] { ours(len); }, calls));
-      least_peer = std::min(least_peer, Nanoseconds([&] { peer(len); }, calls));
-    }
-    std::printf(" %6.1f %6.1f %5.2f", least_ours, least_peer, least_ours / least_peer);
+    Least least;
+    for (int round = 0; round < kRounds; ++round)
+      least.Turn([&] { ours(len); }, [&] { peer(len); }, 2 + 20000 / len);
+    std::printf(" %6.1f %6.1f %5.2f", least.ours, least.theirs, least.ours / least.theirs);
     std::fflush(stdout);
   }
   std::printf("\n");
