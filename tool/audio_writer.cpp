@@ -60,7 +60,6 @@ int Bits(int format) {
   }
 }
 
-constexpr int32_t kHighestRate = 10'000'000;
 constexpr sf_count_t kLongestStream = UINT32_MAX - 36;  // bytes that the header of WAV can tell
 
 // Where on standard output a header goes that can be written again once the length is known: -1 for a pipe.
@@ -197,7 +196,7 @@ void SoundOptions::Declare(Options& options, Use use, const char* rateName) {
   if (use != Use::kWrites) {
     options.Flag("raw", 0, "FILE is samples without a header", raw);
     options.Number(rateName, 0, "with --raw: sampling rate in Hz", rate, 1, kHighestRate);
-    options.Number("channels", 0, "with --raw: how many channels", channels, 1, 1024);
+    options.Number("channels", 0, "with --raw: how many channels", channels, 1, kMostChannels);
     options.Flag("big-endian", 0, "with --raw: high bytes come first", bigEndian);
   }
   options.Choice("format", 0, kFormatNames,

@@ -86,7 +86,7 @@ void Run(int argc, char** argv) {
                   "tzm delay --reference near.wav far.wav");
   options.Text("reference", 'r', "FILE", "file to compare with (default: FILE itself)", s.reference);
   options.Number("reference-channel", 0, "channel to compare with (default 2, of another file 1)", s.referenceChannel,
-                 1, 1024);
+                 1, kMostChannels);
   options.Channel(s.channel);
   options.Number("range", 0, "largest delay looked for, to both sides, in ms", s.range, 1e-3, 1e6);
   s.results.byDefault = false;

@@ -84,7 +84,7 @@ void Run(int argc, char** argv) {
                   "tzm denoise --taps 512 --reference fan.wav speech.wav clean.wav");
   options.Text("reference", 'r', "FILE", "file that holds the noise (default: FILE itself)", s.reference);
   options.Number("reference-channel", 0, "channel of the noise (default 2, of another file 1)", s.referenceChannel, 1,
-                 1024);
+                 kMostChannels);
   options.Channel(s.channel);
   options.Number("taps", 't', "length of the adaptive filter", s.taps, 2, kMostTaps);
   options.Number("rate", 0, "rate of learning, as a part of the power in the filter", s.rate, 1e-9, 0.3);

@@ -12,7 +12,6 @@
 namespace tzm {
 namespace {
 
-constexpr int32_t kMostChannels = 1024;
 constexpr int kCompletion = 256, kFirstOption = 257;  // getopt_long's values: above every letter
 
 // The whole text as a number from low to high; `shown` names the option in the error line.

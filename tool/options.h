@@ -13,6 +13,9 @@
 
 namespace tzm {
 
+/** Of any sound. */
+inline constexpr int32_t kMostChannels = 1024, kHighestRate = 10'000'000;
+
 class Options {
  public:
   /** `operands` as in "FILE" or "", `about` and `example` are paragraphs of the --help text. */

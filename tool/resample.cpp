@@ -15,7 +15,6 @@
 namespace tzm {
 namespace {
 
-constexpr int64_t kBlock = 1 << 16;
 constexpr double kStopBand = 125;  // dB
 constexpr double kMostTaps = 1 << 24;  // of the filter for a fixed ratio
 constexpr int32_t kSteps = 2048;       // of the one for any ratio, in a sample's time: it interpolates at -140 dB
@@ -86,7 +85,7 @@ void Apply(AudioReader& reader, const Resampler& resampler, int32_t outRate, Aud
   const int32_t inRate = reader.Rate();
   const int64_t reach = resampler.Reach();
   const size_t channels = reader.Channels(), atOnce = BlocksAtOnce(channels);
-  const int64_t block = std::clamp<int64_t>(16 * kBlock * inRate / outRate, 1, kBlock);
+  const int64_t most = kStreamBlock, block = std::clamp<int64_t>(16 * most * inRate / outRate, 1, most);
   Planes fresh(channels, std::vector<float>(atOnce * size_t(block)));
   Planes held(channels, std::vector<float>(size_t(reach - 1)));
   std::vector<Planes> result;
@@ -130,7 +129,7 @@ void Run(int argc, char** argv) {
                   "lower of them cannot hold is taken out, 125 dB down; the transition just below it takes up\n"
                   "16.3/WIDTH of the lower Nyquist frequency (a tenth by default). Start and length in time stay.",
                   "tzm resample --rate 16000 /usr/share/sounds/alsa/Front_Center.wav speech16.wav");
-  options.Number("rate", 'r', "the new rate in Hz", rate, 1, 10000000);
+  options.Number("rate", 'r', "the new rate in Hz", rate, 1, kHighestRate);
   options.Number("width", 'w', "width of the filter in samples of the lower rate", width, 32, 4096);
   sound.Declare(options, SoundOptions::Use::kConverts, "raw-rate");
   const auto operands = options.Parse(argc, argv, 2);

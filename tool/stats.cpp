@@ -18,8 +18,6 @@
 namespace tzm {
 namespace {
 
-constexpr size_t kBlock = 1 << 16;
-
 // What is known of one channel's samples so far.
 struct Levels {
   double count = 0, mean = 0;
@@ -56,7 +54,7 @@ double Decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
 std::vector<Levels> Measure(AudioReader& reader) {
   std::vector<Levels> levels(reader.Channels());
-  Planes samples(levels.size(), std::vector<float>(kBlock));
+  Planes samples = StreamBlocks(levels.size());
   Progress progress("reading", reader.Length());
   int64_t done = 0;
   while (const size_t got = reader.Read(samples)) {

@@ -74,7 +74,7 @@ void Run(int argc, char** argv) {
   options.Number("amplitude", 'a', "peak value, full scale being 1", s.amplitude, 1e-9, 1);
   options.Number("phase", 'p', "phase in degrees of the sine at the first sample (default 0)", s.phase, -360, 360);
   options.Number("seconds", 's', "length (default 1), of each key (default 0.1)", s.seconds, 1e-6, 1e6);
-  options.Number("rate", 'r', "sampling rate in Hz", s.rate, 1, 10000000);
+  options.Number("rate", 'r', "sampling rate in Hz", s.rate, 1, kHighestRate);
   s.sound.Declare(options, SoundOptions::Use::kWrites);
   options.Text("keys", 'k', "KEYS", "keypad tones: 0 to 9, *, #, A to D", s.keys);
   const auto operands = options.Parse(argc, argv, 1);

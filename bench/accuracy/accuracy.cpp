@@ -14,6 +14,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/random.h"
+
 namespace {
 
 constexpr int32_t kBatch = 4096;
@@ -21,14 +23,7 @@ constexpr mpfr_prec_t kBits = 200;
 int64_t batches = 100;
 bool every = false;
 
-uint64_t state;
-uint64_t Next() {  // splitmix64
-  uint64_t z = state += 0x9e3779b97f4a7c15;
-  z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9;
-  z = (z ^ (z >> 27)) * 0x94d049bb133111eb;
-  return z ^ (z >> 31);
-}
-double Unit() { return static_cast<double>(Next() >> 11) * 0x1p-53; }
+tzm_test::Random draw(0);
 
 template <class T>
 using Bits = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
@@ -52,11 +47,11 @@ struct Range {
   double from, to;
   template <class T>
   T Pick() const {
-    if (kind == kAny) return FromBits<T>(Next());
-    if (kind == kEven) return static_cast<T>(from + (to - from) * Unit());
-    const double exponent = std::log2(from) + (std::log2(to) - std::log2(from)) * Unit();
-    const double x = std::ldexp(1 + Unit(), static_cast<int>(std::floor(exponent)));
-    return static_cast<T>(kind == kSigned && Next() % 2 ? -x : x);
+    if (kind == kAny) return FromBits<T>(draw.Next());
+    if (kind == kEven) return static_cast<T>(from + (to - from) * draw.Unit());
+    const double exponent = std::log2(from) + (std::log2(to) - std::log2(from)) * draw.Unit();
+    const double x = std::ldexp(1 + draw.Unit(), static_cast<int>(std::floor(exponent)));
+    return static_cast<T>(kind == kSigned && draw.Next() % 2 ? -x : x);
   }
 };
 constexpr Range kAny = {Range::kAny, 0, 0};
