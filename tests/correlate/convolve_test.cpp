@@ -57,7 +57,7 @@ TYPED_TEST(Convolution, Direct) {
   using T = TypeParam;
   const T tiny = sizeof(T) == 4 ? T(0x1p-78) : T(0x1p-542);  // products round to zeros of both signs
   ConvState* state = nullptr;
-  ASSERT_EQ(Members<T>::Init(9, 7, 1, &state), ORVA_STS_NO_ERR);
+  ASSERT_EQ(Members<T>::Init(9, 7, ORVA_ROUTE_DIRECT, &state), ORVA_STS_NO_ERR);
   for (int32_t len1 : {1, 2, 7, 15, 16, 17, 31, 40, 64, 100, 129, 300})
     for (int32_t len2 : {1, 2, 9, 16, 17, 18, 24, 31, 33, 47, 63, 64, 95, 128, 210, 301}) {
       Check(RandomArray<T>(len1, 1, Variety::kSpecial), RandomArray<T>(len2, 2, Variety::kSpecial), state, false,
@@ -77,7 +77,7 @@ TYPED_TEST(Convolution, ByTransforms) {
   std::vector<T> src = RandomArray<T>(64, 5), dst(64, 77), untouched = dst;
   for (auto [len1, len2] : {std::pair{1, 1}, {1, 2}, {5, 4}, {200, 57}, {17, 496}, {300, 300}, {30, 20}}) {
     ConvState* state = nullptr;
-    ASSERT_EQ(Members<T>::Init(len1, len2, 2, &state), ORVA_STS_NO_ERR);
+    ASSERT_EQ(Members<T>::Init(len1, len2, ORVA_ROUTE_FFT, &state), ORVA_STS_NO_ERR);
     for (uint64_t seed : {3, 4}) Check(RandomArray<T>(len1, seed), RandomArray<T>(len2, 9), state, true, Place::kEnd);
     if (len1 == 30) {  // transforms of 64
       for (auto [other1, other2] : {std::pair{20, 14}, {40, 25}, {64, 1}})
@@ -108,12 +108,12 @@ TYPED_TEST(Convolution, RoutesStatusesAndFaults) {
   for (auto [len1, len2] : {std::pair{0, 1}, {1, -1}}) EXPECT_EQ(M::Init(len1, len2, 1, &state), ORVA_STS_SIZE_ERR);
   for (auto [len1, len2] : {std::pair{M::kLimit - 40, 40}, {kMost, kMost}})
     EXPECT_EQ(M::Init(len1, len2, 0, &state), ORVA_STS_OVERFLOW_ERR);
-  EXPECT_EQ(WithoutMemory([&] { return M::Init(kMost, kMost, 2, &state); }), ORVA_STS_MEM_ALLOC_ERR);
+  EXPECT_EQ(WithoutMemory([&] { return M::Init(kMost, kMost, ORVA_ROUTE_FFT, &state); }), ORVA_STS_MEM_ALLOC_ERR);
   EXPECT_EQ(state, nullptr);
   EXPECT_EQ(LiveBlocks(), live);
 
   T x = 2, y = 3, z = 77;
-  for (int32_t kind : {1, 2}) {
+  for (int32_t kind : {ORVA_ROUTE_DIRECT, ORVA_ROUTE_FFT}) {
     ASSERT_EQ(M::Init(1, 1, kind, &state), ORVA_STS_NO_ERR);
     EXPECT_EQ(M::Run(&x, 0, &y, 1, &z, state), ORVA_STS_SIZE_ERR);
     EXPECT_EQ(M::Run(&x, 1, &y, -1, &z, state), ORVA_STS_SIZE_ERR);

@@ -119,11 +119,11 @@ void Check(const Call& made, const Call& call, int32_t kind, int32_t normalisati
   const auto values1 = RandomArray<T>(call.len1, 1, variety);
   const auto values2 = call.cross ? RandomArray<T>(call.len2, 2, variety) : values1;
   const GuardedArray<T> src1(values1, place), src2(values2, place);
-  const int64_t size = std::max<int64_t>(call.dstLen, kind == 2 ? call.Skip() + made.Count() : 0);
+  const int64_t size = std::max<int64_t>(call.dstLen, kind == ORVA_ROUTE_FFT ? call.Skip() + made.Count() : 0);
   GuardedArray<T> dst(size, place);
   CorrState* state = nullptr;
   ASSERT_EQ(made.Init<T>(kind, &state), ORVA_STS_NO_ERR);
-  for (int run = 0; run < kind; ++run)
+  for (int run = 0; run < kind; ++run)  // by FFT a second time, on buffers that the first has filled
     ASSERT_EQ(call.Run(src1.data(), src2.data(), dst.data(), normalisation, state), ORVA_STS_NO_ERR);
   Members<T>::Release(state);
 
@@ -140,9 +140,9 @@ void Check(const Call& made, const Call& call, int32_t kind, int32_t normalisati
     }
     const auto* const parts = reinterpret_cast<const Real*>(&expected);
     const auto* const actual = reinterpret_cast<const Real*>(&dst[j]);
-    for (size_t p = 0; kind == 2 && count > 0 && p < sizeof(T) / sizeof(Real); ++p)
+    for (size_t p = 0; kind == ORVA_ROUTE_FFT && count > 0 && p < sizeof(T) / sizeof(Real); ++p)
       ASSERT_NEAR(parts[p], actual[p], bound) << "lag " << lag;
-    if (kind == 2 && count > 0) continue;
+    if (kind == ORVA_ROUTE_FFT && count > 0) continue;
     ASSERT_TRUE(SameBits("correlation", &expected, &dst[j], 1)) << call.len1 << " by " << call.len2 << ", lag " << lag;
   }
 }
@@ -152,12 +152,12 @@ TYPED_TEST(Correlation, Direct) {
     for (auto [variety, place] : {std::pair{Variety::kModerate, Place::kEnd}, {Variety::kSpecial, Place::kStart},
                                   {Variety::kModerate, Place::kUnaligned}}) {
       for (int32_t dstLen : {1, 3, 4, 8, 15, 17, 35, 64, 83, 140})
-        Check<TypeParam>(Auto(1, 1), Auto(len1, dstLen), 1, (len1 + dstLen) % 4, variety, place);
+        Check<TypeParam>(Auto(1, 1), Auto(len1, dstLen), ORVA_ROUTE_DIRECT, (len1 + dstLen) % 4, variety, place);
       for (int32_t len2 : {1, 3, 8, 40, 71})
         for (auto [low, dstLen] : {std::pair{0, 1}, {-len1 - 3, len1 + len2 + 5}, {-5, 40}, {3, 9}, {len2 - 1, 4},
                                    {len2, 9}, {INT32_MAX, 9}, {-len1, 2}, {-len1, 1}, {INT32_MIN, 9}}) {
           const Call call = Cross(len1, len2, dstLen, low);
-          Check<TypeParam>(call, call, 1, (len1 + len2) % 4, variety, place);
+          Check<TypeParam>(call, call, ORVA_ROUTE_DIRECT, (len1 + len2) % 4, variety, place);
         }
     }
 }
@@ -169,7 +169,7 @@ TYPED_TEST(Correlation, ByTransforms) {
         Cross(2, 1, 2, -1), Cross(60, 90, 1, 0), Cross(50, 70, 200, -80), Cross(5, 900, 920, -9),
         Cross(20, 700, 650, 100), Cross(6, 4, 9, 4), Cross(6, 4, 9, INT32_MAX), Cross(6, 4, 9, INT32_MIN)})
     for (int32_t normalisation : {0, 1, 2})
-      Check<TypeParam>(call, call, 2, normalisation, Variety::kModerate, Place::kEnd);
+      Check<TypeParam>(call, call, ORVA_ROUTE_FFT, normalisation, Variety::kModerate, Place::kEnd);
 }
 
 // A state serves all arguments of its transform length, 64 here, even those without a lag.
@@ -178,10 +178,11 @@ TYPED_TEST(Correlation, ArgumentsOtherThanThoseOfInit) {
   const auto check = [](const Call& made, const Call& call, int32_t kind, int32_t normalisation) {
     Check<T>(made, call, kind, normalisation, Variety::kModerate, Place::kEnd);
   };
-  check(Auto(40, 20), Auto(40, 10), 2, 2);
-  check(Cross(30, 90, 30, -4), Cross(30, 80, 20, -1), 2, 0);
-  check(Cross(40, 90, 20, 0), Cross(40, 30, 25, 30), 2, 0);
-  check(Cross(30, 90, 3, 0), Cross(30, 90, 8, 0), 1, 2);  // directly all lags are summed
+  check(Auto(40, 20), Auto(40, 10), ORVA_ROUTE_FFT, ORVA_NORMALISATION_UNBIASED);
+  check(Cross(30, 90, 30, -4), Cross(30, 80, 20, -1), ORVA_ROUTE_FFT, ORVA_NORMALISATION_NONE);
+  check(Cross(40, 90, 20, 0), Cross(40, 30, 25, 30), ORVA_ROUTE_FFT, ORVA_NORMALISATION_NONE);
+  // Directly all lags of the call are summed.
+  check(Cross(30, 90, 3, 0), Cross(30, 90, 8, 0), ORVA_ROUTE_DIRECT, ORVA_NORMALISATION_UNBIASED);
   const auto src = RandomArray<T>(100, 14);
   std::vector<T> dst = src;
   for (auto [made, call] : {std::pair{Auto(40, 20), Auto(33, 33)}, {Auto(40, 20), Auto(20, 9)},
@@ -189,7 +190,7 @@ TYPED_TEST(Correlation, ArgumentsOtherThanThoseOfInit) {
                             {Cross(30, 90, 30, -4), Cross(30, 90, 30, 90)},
                             {Cross(30, 90, 30, -4), Cross(65, 90, 30, 90)}}) {
     CorrState* state = nullptr;
-    ASSERT_EQ(made.template Init<T>(2, &state), ORVA_STS_NO_ERR);
+    ASSERT_EQ(made.template Init<T>(ORVA_ROUTE_FFT, &state), ORVA_STS_NO_ERR);
     EXPECT_EQ(call.Run(src.data(), src.data(), dst.data(), 0, state), ORVA_STS_LEN_MISMATCH_ERR);
     Members<T>::Release(state);
   }
@@ -216,16 +217,16 @@ TYPED_TEST(Correlation, RoutesStatusesAndFaults) {
   CorrState* state = nullptr;
   const int live = LiveBlocks();
   for (const Call& call : {Auto(0, 1), Auto(1, -1), Cross(0, 1, 1, 0), Cross(1, 0, 1, 0), Cross(1, 1, 0, 0)})
-    EXPECT_EQ(call.Init<T>(1, &state), ORVA_STS_SIZE_ERR);
+    EXPECT_EQ(call.Init<T>(ORVA_ROUTE_DIRECT, &state), ORVA_STS_SIZE_ERR);
   for (const Call& call : {Auto(M::kLimit, 1), Auto(kMost, kMost), Cross(M::kLimit / 2 + 1, 1, 1, 0),
                            Cross(kMost, kMost, kMost, -5)})
-    EXPECT_EQ(call.Init<T>(2, &state), ORVA_STS_OVERFLOW_ERR);
+    EXPECT_EQ(call.Init<T>(ORVA_ROUTE_FFT, &state), ORVA_STS_OVERFLOW_ERR);
   EXPECT_EQ(state, nullptr);
   EXPECT_EQ(LiveBlocks(), live);
 
   const auto src = RandomArray<T>(4, 16);
   std::vector<T> dst = src;
-  for (int32_t kind : {1, 2})
+  for (int32_t kind : {ORVA_ROUTE_DIRECT, ORVA_ROUTE_FFT})
     for (const Call& made : {Auto(4, 4), Cross(4, 4, 4, 0)}) {
       ASSERT_EQ(made.Init<T>(kind, &state), ORVA_STS_NO_ERR);
       for (const Call& bad : {Call{made.cross, 0, 4, 4, 0}, {made.cross, 4, 4, -1, 0}, {true, 4, 0, 4, 0}})

@@ -106,8 +106,8 @@ TEST(FIRGen, StatusesInTheirOrder) {
     for (int32_t window : {4, -1}) EXPECT_EQ(status(0.1, 0.2, 8, window), ORVA_STS_FIRGEN_WINDOW_ERR);
     EXPECT_EQ(taps, std::vector<double>(8, 7));
     // Only a flag of exactly 1 scales.
-    ASSERT_EQ(Design(shape, 0.1, 0.2, unscaled.data(), 8, 3, 0, buffer), 0);
-    ASSERT_EQ(Design(shape, 0.1, 0.2, other.data(), 8, 3, 2, buffer), 0);
+    ASSERT_EQ(Design(shape, 0.1, 0.2, unscaled.data(), 8, ORVA_WINDOW_HANN, 0, buffer), 0);
+    ASSERT_EQ(Design(shape, 0.1, 0.2, other.data(), 8, ORVA_WINDOW_HANN, 2, buffer), 0);
     EXPECT_EQ(other, unscaled);
   }
   EXPECT_EQ(ORVAS_FIRGenRelease(buffer), 0);

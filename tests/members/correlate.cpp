@@ -5,7 +5,7 @@
 
 namespace tzm_test::correlate_rows {
 
-constexpr int32_t kDirect = 1, kFft = 2;
+constexpr int32_t kDirect = ORVA_ROUTE_DIRECT, kFft = ORVA_ROUTE_FFT;
 
 // Both routes of every length pair: short, long and uneven sequences.
 template <class T, class... P>

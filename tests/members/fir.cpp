@@ -26,7 +26,7 @@ void DigestPieces(Digest& digest, OrvaStatus (*run)(const Sample*, Sample*, int3
   }
 }
 void SingleRate(Digest& digest, auto run, auto init, auto release) {
-  for (int32_t route : {1, 2})  // direct, by transforms
+  for (int32_t route : {ORVA_ROUTE_DIRECT, ORVA_ROUTE_FFT})
     for (int32_t taps_len : {1, 5, 40, 131})
       DigestPieces(digest, run, init, release, taps_len, 1, 1, 277, 123, 300, route);
 }

@@ -20,11 +20,11 @@ void Specs(Digest& digest, bool order, OrvaStatus (*run)(Src*, P...), auto init,
   for (int32_t len : {1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 4096, 65536, 3, 6, 15, 17, 31, 45, 60, 67, 100, 105,
                       179, 257, 360, 729, 1000, 1009, 1155, 1920, 4410, 10007, 48000}) {
     if (order && !std::has_single_bit(static_cast<uint32_t>(len))) break;
-    for (int32_t direction : {1, -1}) {
+    for (int32_t direction : {ORVA_DIRECTION_FORWARD, ORVA_DIRECTION_INVERSE}) {
       const size_t n = static_cast<size_t>(len);
       const int32_t size = order ? std::countr_zero(static_cast<uint32_t>(len)) : len;
       Spec* spec = nullptr;
-      digest.Call([&] { return InitSpec(init, size, direction, 4, &spec); });
+      digest.Call([&] { return InitSpec(init, size, direction, ORVA_DIVIDE_NONE, &spec); });
       auto src = RandomArray<T>(2 * n + 2, n);
       std::vector<T> dst(2 * n + 2);
       digest.Call([&] { return RunSpec(run, src.data(), dst.data(), n, spec); });

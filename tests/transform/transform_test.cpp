@@ -139,7 +139,8 @@ template <class F>
 class Transform {
  public:
   using Real = typename F::Real;
-  Transform(Kind kind, size_t n, int32_t direction = 1, int32_t flag = 4) : kind_(kind), n_(n) {
+  Transform(Kind kind, size_t n, int32_t direction = ORVA_DIRECTION_FORWARD, int32_t flag = ORVA_DIVIDE_NONE)
+      : kind_(kind), n_(n) {
     const auto length = static_cast<int32_t>(F::kByOrder ? static_cast<size_t>(std::countr_zero(n)) : n);
     EXPECT_EQ(ORVA_STS_NO_ERR, Init<F>(kind, length, direction, flag, &spec_));
   }
@@ -239,10 +240,11 @@ TYPED_TEST(Specs, Normalisation) {
       const int32_t direction = which % 3 == 0 ? 1 : which % 3 == 1 ? 0 : -5;
       const bool forward = kind == kForward || (kind != kBack && direction > 0);
       const auto samples = Samples<TypeParam>(kind, n);
-      const auto plain = Transform<TypeParam>(kind, n, direction, 4)(samples);
-      for (int32_t flag : {1, 2, 3}) {
+      const auto plain = Transform<TypeParam>(kind, n, direction)(samples);
+      for (int32_t flag : {ORVA_DIVIDE_FORWARD, ORVA_DIVIDE_INVERSE, ORVA_DIVIDE_BY_ROOT}) {
         const Real root = static_cast<Real>(std::sqrt(static_cast<double>(n)));
-        const Real by = flag == 3 ? root : flag == (forward ? 1 : 2) ? static_cast<Real>(n) : 1;
+        const int32_t own = forward ? ORVA_DIVIDE_FORWARD : ORVA_DIVIDE_INVERSE;
+        const Real by = flag == ORVA_DIVIDE_BY_ROOT ? root : flag == own ? static_cast<Real>(n) : 1;
         auto expected = plain;
         for (Real& value : expected) value *= 1 / by;
         const auto actual = Transform<TypeParam>(kind, n, direction, flag)(samples, Place::kEnd);
