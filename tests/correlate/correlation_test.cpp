@@ -129,7 +129,8 @@ void Check(const Call& made, const Call& call, int32_t kind, int32_t normalisati
 
   const int64_t blocks = call.cross ? 0 : call.Count() / Members<T>::kLags * Members<T>::kLags;
   const int64_t divided = call.Skip() + (call.cross ? made : call).Count();
-  const double bound = 2000 * std::numeric_limits<Real>::epsilon() * std::min(call.len1, call.len2);
+  // No product of two values is above 64.
+  const double bound = 64 * std::numeric_limits<Real>::epsilon() * std::min(call.len1, call.len2);
   for (int64_t j = 0; j < size; ++j) {
     const int64_t lag = call.low + j, from = std::max<int64_t>(-lag, 0), count = call.Products(lag);
     T expected = {};
