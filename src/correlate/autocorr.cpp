@@ -140,7 +140,7 @@ OrvaStatus Run(const Sample* src, int32_t srcLen, Sample* dst, int32_t dstLen, i
   if (dstLen < 1 || srcLen < 1) return ORVA_STS_SIZE_ERR;
   const Correlation<Sample>& state = *StateOf<Sample>(opaque);
   const int32_t lags = std::min(srcLen, dstLen);
-  if (state.route == ORVA_ROUTE_FFT) {
+  if (state.transforms) {
     const int32_t fftLen = state.fftLen;
     if (TransformLength(int64_t{srcLen} + lags - 1) != fftLen) return ORVA_STS_LEN_MISMATCH_ERR;
     if (!state.area.Has(kNeeded<Sample>)) return ORVA_STS_NULL_PTR_ERR;

@@ -259,7 +259,7 @@ void Direct(const Pair<T>& pair, T* table, int64_t count, T* dst) {
 // On the direct route buffer 0 holds the edge table, and there are no plans.
 template <class T>
 struct State {
-  int32_t route;  // ORVA_ROUTE_FFT, or 0
+  int32_t transforms;  // 1 on the FFT route, 0 on the direct one
   int32_t fftLen;
   TransformArea<T, 3> area;
 };
@@ -292,7 +292,7 @@ OrvaStatus Init(int32_t src1Len, int32_t src2Len, int32_t kind, ConvState** stat
   const bool fft = kind == ORVA_ROUTE_FFT || (kind == ORVA_ROUTE_BY_LENGTH && isLong);
   if (fft) {
     if (total >= kLimit<T>) return refuse(ORVA_STS_OVERFLOW_ERR);
-    state->route = ORVA_ROUTE_FFT;
+    state->transforms = 1;
     state->fftLen = static_cast<int32_t>(TransformLength(total - 1));
     if (!state->area.Make(state->fftLen, 3)) return refuse(ORVA_STS_MEM_ALLOC_ERR);
   } else {
@@ -310,7 +310,7 @@ OrvaStatus Convolve(const T* src1, int32_t src1Len, const T* src2, int32_t src2L
   const auto* const state = reinterpret_cast<const State<T>*>(opaque);
   const auto& area = state->area;
   const int64_t count = int64_t{src1Len} + src2Len - 1;
-  if (state->route == ORVA_ROUTE_FFT) {
+  if (state->transforms) {
     const int32_t fftLen = state->fftLen;
     if (TransformLength(count) != fftLen) return ORVA_STS_LEN_MISMATCH_ERR;
     if (!area.Has(3)) return ORVA_STS_NULL_PTR_ERR;

@@ -15,7 +15,7 @@ template <class Sample>
 struct Correlation {
   static constexpr int kBuffers = kIsComplex<Sample> ? 2 : 3;
 
-  int32_t route;  // ORVA_ROUTE_FFT, or 0
+  int32_t transforms;  // 1 on the FFT route, 0 on the direct one
   int32_t outCount;
   int32_t fftLen;
   TransformArea<Sample, kBuffers> area;
@@ -42,7 +42,7 @@ OrvaStatus MakeTransforms(Correlation<Sample>* state, int32_t len, int32_t lags,
   if (len > limit - lags) {
     status = ORVA_STS_OVERFLOW_ERR;
   } else {
-    state->route = ORVA_ROUTE_FFT;
+    state->transforms = 1;
     state->fftLen = static_cast<int32_t>(TransformLength(int64_t{len} + lags - 1));
     if (!state->area.Make(state->fftLen, buffers)) status = ORVA_STS_MEM_ALLOC_ERR;
   }

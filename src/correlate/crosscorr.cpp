@@ -110,7 +110,7 @@ OrvaStatus Run(const Sample* src1, int32_t src1Len, const Sample* src2, int32_t 
   }
   const LagRange lags(src1Len, src2Len, dstLen, lowLag);
   Sample* const computed = dst + lags.skip;
-  if (state.route == ORVA_ROUTE_FFT) {
+  if (state.transforms) {
     // Without a lag the length says nothing of src1, which has to fit all the same.
     if (src1Len > state.fftLen || TransformLength(src1Len + lags.chunk - 1) != state.fftLen)
       return ORVA_STS_LEN_MISMATCH_ERR;
