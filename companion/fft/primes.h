@@ -2,10 +2,12 @@
 #pragma once
 
 #include "matrix.h"
+#include "spectrum.h"
 
 namespace tzm::fft {
 
-// Bluestein's: with the chirp c[j] = exp(-pi i j^2 / n), result k is c[k] times the sum of x[j] c[j] conj c[k - j].
+// Bluestein's: with the chirp c[j] = exp(-pi i j^2 / n), result k is c[k] times the sum of x[j] c[j] conj c[k - j]. The
+// spectrum of conj c / size is correctly rounded, so that it adds next to nothing to the error of two transforms.
 template <class T>
 class Chirp final : public Complex<T> {
   using D = Full<T>;
@@ -15,17 +17,23 @@ class Chirp final : public Complex<T> {
   Chirp(size_t n, size_t workers)
       : n_(n), size_(Size(n)), half_(size_ / 2), stride_(size_ + kLine / sizeof(T)), chirp_(2 * n),
         kernel_(2 * (half_ + 1)) {
-    const auto forEach = [=](auto&& f) {
-      for (size_t j = 0, square = 0; j < n; square = (square + 2 * j + 1) % (2 * n), ++j) f(j, square);
-    };
-    const Roots<T> roots(2 * n);
-    forEach([&](size_t j, size_t square) {
-      const Number<T> c = roots(square);
-      chirp_.get()[j] = c.re;
-      chirp_.get()[n + j] = c.im;
-    });
-    TabulateKernel(forEach);
-    inner_ = MakeComplex<T>(size_, workers);  // last: the tables of the kernel's transform are gone
+    const Roots<Wide<double>> roots(2 * n);
+    const Wide<double> scale = Wide<double>{1, 0} / static_cast<double>(size_);
+    size_t square = 0;  // j^2 modulo 2n
+    EvenSpectrum(size_).Run(
+        [&](size_t j) {
+          if (j >= n) return Number<Wide<double>>{};
+          const auto c = roots(square);
+          square = (square + 2 * j + 1) % (2 * n);
+          chirp_.get()[j] = Rounded<T>(c.re);
+          chirp_.get()[n + j] = Rounded<T>(c.im);
+          return scale * Number<Wide<double>>{c.re, -c.im};
+        },
+        [&](size_t k, const auto& bin) {
+          kernel_.get()[k] = Rounded<T>(bin.re);
+          kernel_.get()[half_ + 1 + k] = Rounded<T>(bin.im);
+        });
+    inner_ = MakeComplex<T>(size_, workers);
     this->scratch_ = 2 * stride_ + inner_->Scratch();
   }
 
@@ -53,28 +61,6 @@ class Chirp final : public Complex<T> {
   }
 
  private:
-  // The spectrum of the chirp's conjugate over `size`, from both ends: in binary64, so that the kernel adds little to
-  // the error. `forEach` calls a function of each j and of j^2 modulo 2n.
-  void TabulateKernel(auto&& forEach) {
-    Table<double> numbers(2 * size_);
-    double *const re = numbers.get(), *const im = re + size_;
-    std::fill_n(re, 2 * size_, 0.0);
-    const Roots<double> roots(2 * n_);
-    forEach([&](size_t j, size_t square) {
-      const Number<double> c = roots(square);
-      for (size_t at : {j, (size_ - j) % size_}) {
-        re[at] = c.re / static_cast<double>(size_);
-        im[at] = -c.im / static_cast<double>(size_);
-      }
-    });
-    const auto transform = MakeComplex<double>(size_, 1);
-    const Table<double> scratch(transform->Scratch());
-    Helpers none;
-    transform->Run({Form::kSplit, re, im}, {Form::kSplit, re, im}, scratch.get(), none);
-    std::copy_n(re, half_ + 1, kernel_.get());
-    std::copy_n(im, half_ + 1, kernel_.get() + half_ + 1);
-  }
-
   // A power of two, or three, five, nine or fifteen times one, that the convolution does not fold. As n is above
   // kLargestFactor, it is a multiple of 32.
   static size_t Size(size_t n) {

@@ -11,12 +11,16 @@
 
 namespace tzm::fft {
 
-TZM_INLINE Vec<Full<double>> Fma(Vec<Full<double>> a, Vec<Full<double>> b, Vec<Full<double>> c) {
+using tzm::Fma;
+template <class V, class = hn::TFromV<V>>
+TZM_INLINE V Fma(V a, V b, V c) {
   return hn::MulAdd(a, b, c);
 }
-TZM_INLINE Vec<Full<double>> Negated(Vec<Full<double>> a) { return hn::Neg(a); }
-TZM_INLINE double Negated(double a) { return -a; }
-using tzm::Fma;
+template <class V, class = hn::TFromV<V>>
+TZM_INLINE V Fms(V a, V b, V c) {
+  return hn::MulSub(a, b, c);
+}
+TZM_INLINE double Fms(double a, double b, double c) { return Fma(a, b, -c); }
 
 // The sum of two binary64 numbers, or of two registers of them, the second being small beside the first.
 template <class N>
@@ -35,28 +39,77 @@ TZM_INLINE Wide<N> operator+(Wide<N> a, Wide<N> b) {
   return Wide<N>::Of(hi, lost + (a.lo + b.lo));
 }
 template <class N>
+TZM_INLINE Wide<N> operator-(Wide<N> a, Wide<N> b) {
+  const N hi = a.hi - b.hi, part = hi - a.hi;
+  const N lost = (a.hi - (hi - part)) - (b.hi + part);
+  return Wide<N>::Of(hi, lost + (a.lo - b.lo));
+}
+// What is small beside the other part may reach into its last bit: a sum brings it into order.
+template <class N>
 TZM_INLINE Wide<N> operator*(Wide<N> a, Wide<N> b) {
   const N hi = a.hi * b.hi;
-  return Wide<N>::Of(hi, Fma(a.hi, b.lo, Fma(a.lo, b.hi, Fma(a.hi, b.hi, Negated(hi)))));
+  return {hi, Fma(a.hi, b.lo, Fma(a.lo, b.hi, Fms(a.hi, b.hi, hi)))};
 }
+constexpr Wide<double> operator-(Wide<double> a) { return {-a.hi, -a.lo}; }
 inline Wide<double> operator/(Wide<double> a, double by) {
   const double inverse = 1 / by, first = a.hi * inverse, rest = Fma(-first, by, a.hi) + a.lo;
   return Wide<double>::Of(first, rest * inverse);
 }
 
-// cos + i sin of an angle, and the product of two: the sum of the angles.
 template <class N>
-struct Turn {
-  Wide<N> cos, sin;
-};
+TZM_INLINE Number<Wide<N>> operator+(const Number<Wide<N>>& a, const Number<Wide<N>>& b) {
+  return {a.re + b.re, a.im + b.im};
+}
 template <class N>
-TZM_INLINE Turn<N> operator*(const Turn<N>& a, const Turn<N>& b) {
-  const auto ss = a.sin * b.sin;
-  return {a.cos * b.cos + Wide<N>{Negated(ss.hi), Negated(ss.lo)}, a.cos * b.sin + a.sin * b.cos};
+TZM_INLINE Number<Wide<N>> operator-(const Number<Wide<N>>& a, const Number<Wide<N>>& b) {
+  return {a.re - b.re, a.im - b.im};
+}
+template <class N>
+TZM_INLINE Number<Wide<N>> operator*(Wide<N> a, const Number<Wide<N>>& b) {
+  return {a * b.re, a * b.im};
+}
+template <class N>
+TZM_INLINE Number<Wide<N>> operator*(const Number<Wide<N>>& a, const Number<Wide<N>>& b) {
+  return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
-// The turn by one part in `whole` of a circle, at most an eighth of it, by the Taylor series from the last term.
-inline Turn<double> TurnBy(size_t whole) {
+// Its four parts, each `apart` from the one before: of one number, or of a register of them.
+TZM_INLINE Number<Wide<double>> GetParts(const double* from, size_t apart) {
+  return {{from[0], from[apart]}, {from[2 * apart], from[3 * apart]}};
+}
+template <class D>
+TZM_INLINE Number<Wide<Vec<D>>> GetParts(D d, const double* from, size_t apart) {
+  const auto part = [&](size_t p) TZM_LAMBDA { return hn::LoadU(d, from + p * apart); };
+  return {{part(0), part(1)}, {part(2), part(3)}};
+}
+TZM_INLINE void PutParts(const Number<Wide<double>>& x, double* to, size_t apart) {
+  to[0] = x.re.hi, to[apart] = x.re.lo, to[2 * apart] = x.im.hi, to[3 * apart] = x.im.lo;
+}
+template <class V>
+TZM_INLINE void PutParts(const Number<Wide<V>>& x, double* to, size_t apart) {
+  const hn::DFromV<V> d;
+  hn::StoreU(x.re.hi, d, to);
+  hn::StoreU(x.re.lo, d, to + apart);
+  hn::StoreU(x.im.hi, d, to + 2 * apart);
+  hn::StoreU(x.im.lo, d, to + 3 * apart);
+}
+// The numbers f(lane) in a register, and f(lane, number) for those of one.
+template <class D>
+TZM_INLINE Number<Wide<Vec<D>>> FromLanes(D d, auto&& f) {
+  double parts[4 * kLanes<D>];
+  for (size_t lane = 0; lane < kLanes<D>; ++lane) PutParts(f(lane), parts + lane, kLanes<D>);
+  return GetParts(d, parts, kLanes<D>);
+}
+template <class V>
+TZM_INLINE void ForEachLane(const Number<Wide<V>>& x, auto&& f) {
+  constexpr size_t kLane = kLanes<hn::DFromV<V>>;
+  double parts[4 * kLane];
+  PutParts(x, parts, kLane);
+  for (size_t lane = 0; lane < kLane; ++lane) f(lane, GetParts(parts + lane, kLane));
+}
+
+// cos + i sin of one part in `whole` of a circle, at most an eighth of it, by the Taylor series from the last term.
+inline Number<Wide<double>> TurnBy(size_t whole) {
   const Wide<double> circle = {0x1.921fb54442d18p+2, 0x1.1a62633145c07p-52};
   const Wide<double> x = circle / static_cast<double>(whole), square = x * x;
   // 1 + q v for a small q. The parts wait for each other in the end only.
@@ -76,11 +129,14 @@ inline Turn<double> TurnBy(size_t whole) {
 
 // To the nearest T: the bits that binary32 drops are first made to tell of what lies below binary64.
 template <class T>
-T Rounded(double hi, double lo) {
-  if constexpr (sizeof(T) == 8) return hi;
-  auto bits = std::bit_cast<int64_t>(hi);
-  if (lo != 0 && bits % 2 == 0) bits += (lo > 0) == (hi > 0) ? 1 : -1;
-  return static_cast<T>(std::bit_cast<double>(bits));
+T Rounded(Wide<double> x) {
+  if constexpr (std::is_same_v<T, Wide<double>>) {
+    return x;
+  } else {
+    auto bits = std::bit_cast<int64_t>(x.hi);
+    if (sizeof(T) < 8 && x.lo != 0 && bits % 2 == 0) bits += (x.lo > 0) == (x.hi > 0) ? 1 : -1;
+    return static_cast<T>(std::bit_cast<double>(bits));
+  }
 }
 
 // exp(-2 pi i j / n) from its octant and the turn by the rest of j/n, at most an eighth of the circle: counted from the
@@ -141,19 +197,12 @@ class Roots {
     const Turns low(fine + 1, TurnBy(whole)), high(eighth_ / fine + 1, low.Get(fine));
     const Full<double> d;
     for (size_t r = 0; r <= eighth_; r += fine) {
-      const auto each = high.Get(r / fine);
-      const Turn<Vec<Full<double>>> by = {{hn::Set(d, each.cos.hi), hn::Set(d, each.cos.lo)},
-                                          {hn::Set(d, each.sin.hi), hn::Set(d, each.sin.lo)}};
+      const auto each = high.Get(r / fine), by = FromLanes(d, [&](size_t) { return each; });
       const size_t count = std::min(fine, eighth_ + 1 - r);
       for (size_t k = 0; k < count; k += hn::Lanes(d)) {
-        const auto turn = by * low.Load(d, k);
-        HWY_ALIGN double part[4][hn::MaxLanes(d)];
-        hn::Store(turn.cos.hi, d, part[0]);
-        hn::Store(turn.cos.lo, d, part[1]);
-        hn::Store(turn.sin.hi, d, part[2]);
-        hn::Store(turn.sin.lo, d, part[3]);
-        for (size_t v = 0; v < hn::Lanes(d) && k + v < count; ++v)
-          roots_[r + k + v] = {Rounded<T>(part[0][v], part[1][v]), Rounded<T>(part[2][v], part[3][v])};
+        ForEachLane(by * low.Load(d, k), [&](size_t lane, const auto& turn) {
+          if (k + lane < count) roots_[r + k + lane] = {Rounded<T>(turn.re), Rounded<T>(turn.im)};
+        });
       }
     }
   }
@@ -168,27 +217,19 @@ class Roots {
   // The powers of a turn, from 0 on.
   class Turns {
    public:
-    Turns(size_t count, const Turn<double>& step) : count_(count + hn::MaxLanes(Full<double>())), parts_(4 * count_) {
+    Turns(size_t count, const Number<Wide<double>>& step) : count_(count + hn::MaxLanes(Full<double>())), parts_(4 * count_) {
       Put(0, {{1, 0}, {0, 0}});
       if (count > 1) Put(1, step);
       for (size_t k = 2; k < count; ++k) Put(k, Get(k / 2) * Get(k - k / 2));
     }
-    Turn<double> Get(size_t k) const {
-      const double* const at = &parts_[k];
-      return {{at[0], at[count_]}, {at[2 * count_], at[3 * count_]}};
-    }
+    Number<Wide<double>> Get(size_t k) const { return GetParts(&parts_[k], count_); }
     template <class D>
-    Turn<Vec<D>> Load(D d, size_t k) const {
-      const double* const at = &parts_[k];
-      return {{hn::LoadU(d, at), hn::LoadU(d, at + count_)},
-              {hn::LoadU(d, at + 2 * count_), hn::LoadU(d, at + 3 * count_)}};
+    Number<Wide<Vec<D>>> Load(D d, size_t k) const {
+      return GetParts(d, &parts_[k], count_);
     }
 
    private:
-    void Put(size_t k, const Turn<double>& turn) {
-      double* const at = &parts_[k];
-      at[0] = turn.cos.hi, at[count_] = turn.cos.lo, at[2 * count_] = turn.sin.hi, at[3 * count_] = turn.sin.lo;
-    }
+    void Put(size_t k, const Number<Wide<double>>& turn) { PutParts(turn, &parts_[k], count_); }
     size_t count_;
     std::vector<double> parts_;
   };

@@ -42,9 +42,16 @@ Number<T> Root(size_t n, size_t j) {
   return quarters[(octant + 1) / 2 % 4];
 }
 
+// Rounded once; beyond binary64, where nothing hangs on it, twice.
+template <class T>
+T Fma(T a, T b, T c) {
+  if constexpr (sizeof(T) > sizeof(double)) return a * b + c;
+  else return std::fma(a, b, c);
+}
+
 template <class T>
 Number<T> Product(Number<T> w, Number<T> x) {
-  return {std::fma(-w.im, x.im, w.re * x.re), std::fma(w.im, x.re, w.re * x.im)};
+  return {Fma(-w.im, x.im, w.re * x.re), Fma(w.im, x.re, w.re * x.im)};
 }
 
 inline size_t LargestFactor(size_t n) {
@@ -99,14 +106,14 @@ Numbers<T> Levels(const Numbers<T>& x, size_t all) {
       Number<T> even = b[0], odd = {};
       for (size_t i = 0; i < pairs.size(); ++i) {
         const Number<T> w = Root<T>(radix, t * pairs[i]);
-        even = {std::fma(w.re, sum[i].re, even.re), std::fma(w.re, sum[i].im, even.im)};
+        even = {Fma(w.re, sum[i].re, even.re), Fma(w.re, sum[i].im, even.im)};
         if (i == 0) odd = {-w.im * difference[i].re, -w.im * difference[i].im};
-        else odd = {std::fma(-w.im, difference[i].re, odd.re), std::fma(-w.im, difference[i].im, odd.im)};
+        else odd = {Fma(-w.im, difference[i].re, odd.re), Fma(-w.im, difference[i].im, odd.im)};
       }
       if (radix == 3) {  // its only product is not rounded
         const T sine = -Root<T>(3, 1).im;
-        y[k + s] = {std::fma(sine, difference[0].im, even.re), std::fma(-sine, difference[0].re, even.im)};
-        y[k + 2 * s] = {std::fma(-sine, difference[0].im, even.re), std::fma(sine, difference[0].re, even.im)};
+        y[k + s] = {Fma(sine, difference[0].im, even.re), Fma(-sine, difference[0].re, even.im)};
+        y[k + 2 * s] = {Fma(-sine, difference[0].im, even.re), Fma(sine, difference[0].re, even.im)};
         continue;
       }
       y[k + s * t] = {even.re + odd.im, even.im - odd.re};
@@ -151,12 +158,12 @@ Numbers<T> Forward(const Numbers<T>& x) {
     if (size == 0 || candidate < size) size = candidate;
   }
   Numbers<T> data(size), chirp;
-  Numbers<double> kernel(size);
+  Numbers<Quad> kernel(size);
   for (size_t j = 0; j < n; ++j) {
     chirp.push_back(Root<T>(2 * n, j * j % (2 * n)));
     data[j] = Product(chirp[j], x[j]);
-    const auto [re, im] = Root<double>(2 * n, j * j % (2 * n));
-    kernel[j] = kernel[(size - j) % size] = {re / static_cast<double>(size), -im / static_cast<double>(size)};
+    const auto [re, im] = Root<Quad>(2 * n, j * j % (2 * n));
+    kernel[j] = kernel[(size - j) % size] = {re / static_cast<Quad>(size), -im / static_cast<Quad>(size)};
   }
   data = Levels(data, size);
   kernel = Levels(kernel, size);
@@ -196,8 +203,8 @@ Numbers<T> RealForward(const std::vector<T>& x) {
   for (size_t k = 1; 2 * k < h; ++k) {
     const Number<T> a = z[k], b = z[h - k];
     const T half = 0.5;
-    const Number<T> even = {std::fma(half, a.re, half * b.re), std::fma(half, a.im, -(half * b.im))};
-    const Number<T> odd = {std::fma(half, a.im, half * b.im), std::fma(-half, a.re, half * b.re)};
+    const Number<T> even = {Fma(half, a.re, half * b.re), Fma(half, a.im, -(half * b.im))};
+    const Number<T> odd = {Fma(half, a.im, half * b.im), Fma(-half, a.re, half * b.re)};
     const Number<T> turned = Product(Root<T>(n, k), odd);
     y[k] = {even.re + turned.re, even.im + turned.im};
     y[h - k] = {even.re - turned.re, -(even.im - turned.im)};
