@@ -1,4 +1,6 @@
 """What signal_tzm for Python gives and refuses, against NumPy and by tables of wrong calls."""
+import inspect
+import pathlib
 import threading
 import time
 import warnings
@@ -47,6 +49,11 @@ class Results(Case):
                 self.assertEqual(got.tolist(), expected.tolist())
             else:
                 np.testing.assert_allclose(got, np.asarray(expected, got.dtype), rtol=3e-7, atol=1e-15)
+
+    def test_page_names_all_functions(self):
+        page = (pathlib.Path(__file__).parents[2] / "docs" / "python.md").read_text()
+        functions = [name for name in tz.__all__ if inspect.isfunction(getattr(tz, name))]
+        self.assertEqual([], [name for name in functions if f"`{name}`" not in page.replace("`tz.", "`")])
 
     def test_axes(self):
         """Rows of a stack are calls of their own, whichever axis they lie along."""
