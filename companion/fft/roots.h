@@ -197,7 +197,8 @@ class Roots {
     const Turns low(fine + 1, TurnBy(whole)), high(eighth_ / fine + 1, low.Get(fine));
     const Full<double> d;
     for (size_t r = 0; r <= eighth_; r += fine) {
-      const auto each = high.Get(r / fine), by = FromLanes(d, [&](size_t) { return each; });
+      const auto each = high.Get(r / fine);
+      const auto by = FromLanes(d, [&](size_t) { return each; });
       const size_t count = std::min(fine, eighth_ + 1 - r);
       for (size_t k = 0; k < count; k += hn::Lanes(d)) {
         ForEachLane(by * low.Load(d, k), [&](size_t lane, const auto& turn) {
