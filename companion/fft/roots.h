@@ -218,7 +218,8 @@ class Roots {
   // The powers of a turn, from 0 on.
   class Turns {
    public:
-    Turns(size_t count, const Number<Wide<double>>& step) : count_(count + hn::MaxLanes(Full<double>())), parts_(4 * count_) {
+    Turns(size_t count, const Number<Wide<double>>& step)
+        : count_(count + hn::MaxLanes(Full<double>())), parts_(4 * count_) {
       Put(0, {{1, 0}, {0, 0}});
       if (count > 1) Put(1, step);
       for (size_t k = 2; k < count; ++k) Put(k, Get(k / 2) * Get(k - k / 2));
