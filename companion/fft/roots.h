@@ -27,12 +27,13 @@ inline Number<Wide<double>> TurnBy(size_t whole) {
     cos = onePlus(square / (-k * (k - 1)), cos);  // nothing waits for the quotients
     sin = onePlus(square / (-k * (k + 1)), sin);
   }
-  return {Wide<double>::Of(cos.hi, cos.lo), x * sin};
+  return {cos, x * sin};
 }
 
 // To the nearest T: the bits that binary32 drops are first made to tell of what lies below binary64.
 template <class T>
 T Rounded(Wide<double> x) {
+  x = Normalized(x);
   if constexpr (std::is_same_v<T, Wide<double>>) {
     return x;
   } else {
@@ -134,7 +135,7 @@ class Roots {
     }
 
    private:
-    void Put(size_t k, const Number<Wide<double>>& turn) { PutParts(turn, &parts_[k], count_); }
+    void Put(size_t k, const Number<Wide<double>>& turn) { PutParts(Normalized(turn), &parts_[k], count_); }
     size_t count_;
     std::vector<double> parts_;
   };

@@ -8,7 +8,8 @@ namespace tzm::fft {
 
 // The spectrum of `size` numbers with x[size - j] = x[j], through a transform of half as many: of
 // (x[j] + x[half - j])/2 - sin(pi j/half) (x[j] - x[half - j]). The sums of its numbers k and half - k are the even
-// bins, and i times their differences is what each odd bin has more than the one before.
+// bins, and i times their differences is what each odd bin has more than the one before. Every number is the same
+// whatever the lanes.
 class EvenSpectrum {
   using D = hn::CappedTag<double, 4>;
   using Row = Number<Wide<Vec<D>>>;  // a number in each lane
@@ -33,23 +34,22 @@ class EvenSpectrum {
     };
     for (size_t j = 0; j <= half_; ++j) PutParts(get(j), numbers + j, apart_);
     One odd = GetParts(last, apart_) - GetParts(numbers, apart_);
-    Row sum = InAll({});
+    const auto add = [&](const One& x) { odd = Normalized(odd + x); };
     const Row halves = InAll({{0.5, 0}, {0, 0}});
     forEachPair([&](size_t j, const Row& a, const Row& b, double* mirror) TZM_LAMBDA {
       const Row w = FromLanes(d, [&](size_t lane) { return roots_(j + lane); });
       const Row difference = a - b, mean = halves.re * (a + b), turned = w.im * difference;
       PutParts(mean + turned, numbers + j, apart_);
       PutParts(Reversed(mean - turned), mirror, apart_);
-      sum = sum + w.re * difference;
+      ForEachLane(w.re * difference, [&](size_t, const One& x) { add(x + x); });
     });
-    ForEachLane(sum + sum, [&](size_t, const One& x) { odd = odd + x; });
     Columns(0, 1, matrix_.get());
     for (size_t k = 0; k < rows_; k += kLane) Rows(k);
     PutParts(GetParts(numbers, apart_), last, apart_);
     forEachPair([&](size_t k, const Row& a, const Row& b, double*) TZM_LAMBDA {
       ForEachLane(a + b, [&](size_t lane, const One& x) { put(2 * (k + lane), x); });
       ForEachLane(a - b, [&](size_t lane, const One& x) {
-        odd = {odd.re - x.im, odd.im + x.re};
+        add({-x.im, x.re});
         put(2 * (k + lane) + 1, odd);
       });
     });
@@ -62,7 +62,7 @@ class EvenSpectrum {
   void Columns(size_t first, size_t stride, double* to) {
     const size_t n = rows_ / stride;
     if (n == 1) return Put(GetParts(D(), numbers_.get() + first * kLane, apart_), to);
-    const size_t radix = n % 5 == 0 ? 5 : n % 3 == 0 ? 3 : 2, s = n / radix;
+    const size_t radix = n % 2 == 0 ? 2 : n % 3 == 0 ? 3 : 5, s = n / radix;
     for (size_t j = 0; j < radix; ++j) Columns(first + j * stride, stride * radix, to + j * s * kRow);
     const auto level = [&](auto r) {
       constexpr size_t kRadix = r, kPairs = kRadix / 2;

@@ -16,38 +16,38 @@ TZM_INLINE V Fms(V a, V b, V c) {
 }
 TZM_INLINE double Fms(double a, double b, double c) { return Fma(a, b, -c); }
 
-// The sum of two, the second being small beside the first.
+// The sum of two. Of what an operation gives, the lower part may reach into the last bits of the upper one; where many
+// follow upon each other that has to be put right.
 template <class N>
 struct Wide {
   N hi, lo;
-
-  static TZM_INLINE Wide Of(N large, N small) {
-    const N hi = large + small;
-    return {hi, small - (hi - large)};
-  }
 };
 template <class N>
 TZM_INLINE Wide<N> operator+(Wide<N> a, Wide<N> b) {
   const N hi = a.hi + b.hi, part = hi - a.hi;
   const N lost = (a.hi - (hi - part)) + (b.hi - part);
-  return Wide<N>::Of(hi, lost + (a.lo + b.lo));
+  return {hi, lost + (a.lo + b.lo)};
 }
 template <class N>
 TZM_INLINE Wide<N> operator-(Wide<N> a, Wide<N> b) {
   const N hi = a.hi - b.hi, part = hi - a.hi;
   const N lost = (a.hi - (hi - part)) - (b.hi + part);
-  return Wide<N>::Of(hi, lost + (a.lo - b.lo));
+  return {hi, lost + (a.lo - b.lo)};
 }
-// The lower part may reach into the last bit of the upper one, which the next sum puts right.
 template <class N>
 TZM_INLINE Wide<N> operator*(Wide<N> a, Wide<N> b) {
   const N hi = a.hi * b.hi;
   return {hi, Fma(a.hi, b.lo, Fma(a.lo, b.hi, Fms(a.hi, b.hi, hi)))};
 }
+// With the nearest binary64 number as the upper part.
+inline Wide<double> Normalized(Wide<double> x) {
+  const double hi = x.hi + x.lo;
+  return {hi, x.lo - (hi - x.hi)};
+}
 constexpr Wide<double> operator-(Wide<double> a) { return {-a.hi, -a.lo}; }
 inline Wide<double> operator/(Wide<double> a, double by) {
   const double inverse = 1 / by, first = a.hi * inverse, rest = Fma(-first, by, a.hi) + a.lo;
-  return Wide<double>::Of(first, rest * inverse);
+  return {first, rest * inverse};
 }
 
 template <class N>
@@ -66,6 +66,8 @@ template <class N>
 TZM_INLINE Number<Wide<N>> operator*(const Number<Wide<N>>& a, const Number<Wide<N>>& b) {
   return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
+
+inline Number<Wide<double>> Normalized(const Number<Wide<double>>& x) { return {Normalized(x.re), Normalized(x.im)}; }
 
 // Its four parts, each `apart` from the one before: of one number, or of a register of them.
 TZM_INLINE Number<Wide<double>> GetParts(const double* from, size_t apart) {
