@@ -22,7 +22,19 @@ constexpr size_t kBlock = 2 * kLanes<D>;
 #define TZM_PAIRED_MOVES 1
 template <class D>
 using Unaligned __attribute__((aligned(4), may_alias)) = decltype(Vec<D>().raw);
+#else
+#define TZM_PAIRED_MOVES 0
 #endif
+
+// An address that the compiler does not see through. On AArch64 it would give each number that it knows a place and an
+// address of its own, and compute the addresses of what moves on together from one of them, again and again.
+template <class T>
+TZM_INLINE T Opaque(T address) {
+#if HWY_ARCH_ARM_A64
+  asm("" : "+r"(address));
+#endif
+  return address;
+}
 
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> LoadBlock(D d, const T* from) {
@@ -33,7 +45,7 @@ TZM_INLINE void StoreBlock(D d, const Cx<D>& x, T* to) {
 #if TZM_PAIRED_MOVES
   if constexpr (sizeof(x.re.raw) == 16) {
     auto* const both = reinterpret_cast<Unaligned<D>*>(to);
-    asm("stp %q2, %q3, %0" : "=Ump"(both[0]), "=m"(both[1]) : "w"(x.re.raw), "w"(x.im.raw));
+    asm("stp %q2, %q3, %0" : "=Ump"(both[0]), "=Ump"(both[1]) : "w"(x.re.raw), "w"(x.im.raw));
     return;
   }
 #endif
@@ -47,11 +59,42 @@ TZM_INLINE Cx<D> LoadOnce(D d, const T* from) {
   if constexpr (sizeof(Vec<D>().raw) == 16) {
     Cx<D> x;
     const auto* const both = reinterpret_cast<const Unaligned<D>*>(from);
-    asm("ldp %q0, %q1, %2" : "=w"(x.re.raw), "=w"(x.im.raw) : "Ump"(both[0]), "m"(both[1]));
+    asm("ldp %q0, %q1, %2" : "=w"(x.re.raw), "=w"(x.im.raw) : "Ump"(both[0]), "Ump"(both[1]));
     return x;
   }
 #endif
   return LoadBlock(d, from);
+}
+
+// The same, and `from` or `to` moves on by so many blocks, which costs no instruction.
+template <ptrdiff_t kBlocks, class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadMoving(D d, const T*& from) {
+  constexpr ptrdiff_t kBy = kBlocks * static_cast<ptrdiff_t>(kBlock<D>);
+  Cx<D> x;
+#if TZM_PAIRED_MOVES
+  if constexpr (sizeof(x.re.raw) == 16) {
+    asm volatile("ldp %q0, %q1, [%2], %3"
+                 : "=w"(x.re.raw), "=w"(x.im.raw), "+r"(from)
+                 : "i"(kBy * sizeof(T))
+                 : "memory");
+    return x;
+  }
+#endif
+  x = LoadBlock(d, from);
+  from += kBy;
+  return x;
+}
+template <ptrdiff_t kBlocks, class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreMoving(D d, const Cx<D>& x, T*& to) {
+  constexpr ptrdiff_t kBy = kBlocks * static_cast<ptrdiff_t>(kBlock<D>);
+#if TZM_PAIRED_MOVES
+  if constexpr (sizeof(x.re.raw) == 16) {
+    asm volatile("stp %q1, %q2, [%0], %3" : "+r"(to) : "w"(x.re.raw), "w"(x.im.raw), "i"(kBy * sizeof(T)) : "memory");
+    return;
+  }
+#endif
+  StoreBlock(d, x, to);
+  to += kBy;
 }
 
 // The caller's complex numbers: pairs; pairs with the parts exchanged, which make a forward transform an inverse one;
@@ -69,7 +112,7 @@ struct View {
   T* re;
   T* im;
 
-  bool IsPairs() const { return form == Form::kPairs || form == Form::kExchanged || form == Form::kHalf; }
+  constexpr bool IsPairs() const { return form == Form::kPairs || form == Form::kExchanged || form == Form::kHalf; }
   View From(size_t first) const {
     return {form, re + first * (IsPairs() ? 2 : 1), form == Form::kSplit ? im + first : im};
   }
@@ -180,10 +223,46 @@ TZM_INLINE void StorePairs(D d, Vec<D> re, Vec<D> im, T* to) {
   StoreParts(re, im, d, to);
 }
 
+#if HWY_ARCH_ARM_A64
+// In each half of a register.
+template <class D>
+TZM_INLINE Vec<D> ReversePairs(D d, Vec<D> x) {
+  if constexpr (sizeof(hn::TFromD<D>) == 4) return hn::Reverse2(d, x);
+  return x;
+}
+#endif
+
+// The same of the pairs in reverse order, the last one first; `from` or `to` moves back to those before.
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadMirrored(D d, const T*& from) {
+#if HWY_ARCH_ARM_A64  // the exchange of the registers is free
+  const Cx<D> pairs = LoadMoving<-1>(d, from);
+  const auto re = hn::ConcatEven(d, pairs.re, pairs.im), im = hn::ConcatOdd(d, pairs.re, pairs.im);
+  return {ReversePairs(d, re), ReversePairs(d, im)};
+#endif
+  const Cx<D> x = LoadPairs(d, from);
+  from -= kBlock<D>;
+  return {hn::Reverse(d, x.re), hn::Reverse(d, x.im)};
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreMirrored(D d, const Cx<D>& x, T*& to) {
+#if HWY_ARCH_ARM_A64
+  const auto re = ReversePairs(d, x.re), im = ReversePairs(d, x.im);
+  return StoreMoving<-1>(d, {hn::InterleaveUpper(d, re, im), hn::InterleaveLower(d, re, im)}, to);
+#endif
+  StorePairs(d, hn::Reverse(d, x.re), hn::Reverse(d, x.im), to);
+  to -= kBlock<D>;
+}
+
 // A View whose form the compiler knows.
 template <Form kForm, class T>
 struct Array {
   T *re, *im;
+
+  static constexpr bool kIsPairs = View<T>{kForm, nullptr, nullptr}.IsPairs();
+  TZM_INLINE Array From(size_t first) const {
+    return {re + first * (kIsPairs ? 2 : 1), kForm == Form::kSplit ? im + first : im};
+  }
 };
 // f(array) for a view, f(pointer) for the blocks of scratch memory. kReal: the view may be of real parts alone, or of
 // their results.
@@ -266,6 +345,30 @@ template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void Store(D d, const Cx<D>& x, const View<T>& to, size_t at) {
   Open(to, [&](const auto& array) TZM_LAMBDA { Store(d, x, array, at); });
 }
+
+// Rows of a caller's array that are `apart` from each other, each taken or stored from its beginning, V numbers at once.
+// AArch64 has instructions for pairs that move their address on, but take no offset: there each row has an address.
+template <size_t kRows, class D, class A>
+class Rows {
+  static constexpr bool kMoves = HWY_ARCH_ARM_A64 && A::kIsPairs;
+
+ public:
+  TZM_INLINE Rows(D, const A& array, size_t apart) : array_(array), apart_(apart) {
+    if constexpr (kMoves) Unrolled<kRows>([&](auto i) TZM_LAMBDA { rows_[i] = array.From(i * apart).re; });
+  }
+  // From number `at` on, which comes after those of the call before.
+  TZM_INLINE A Next(size_t row, size_t at) {
+    if constexpr (!kMoves) return array_.From(row * apart_ + at);
+    const auto next = Opaque(rows_[row]);
+    rows_[row] = next + kBlock<D>;
+    return {next, array_.im};
+  }
+
+ private:
+  A array_;
+  size_t apart_;
+  decltype(A::re) rows_[kRows];
+};
 
 // By registers: an array of both is moved by smaller pieces, for which the next read of a register would wait.
 template <class D>

@@ -246,14 +246,7 @@ class Matrix final : public Complex<T> {
 
   // Columns of a group of strips, and the transposition of what comes of them.
   void Columns(const Job& job, size_t group, T* scratch) const {
-    const D d;
     const size_t first = group * group_, end = std::min(first + group_, strips_);
-    if (IsFused()) {
-      Open<false>(job.in, [&](const auto& from) {
-        PassTransposed<Fused>(d, from, job.matrix, n2_, first * kLane, std::min(end * kLane, n2_), part_);
-      });
-      return;
-    }
     // The last strip, if it overlaps the one before, by itself.
     const bool whole = n2_ % kLane == 0 || n2_ < kLane || end < strips_;
     if (whole || end - first > 1) ColumnsOf(job, first * kLane, end - first - !whole, scratch);
@@ -262,6 +255,11 @@ class Matrix final : public Complex<T> {
 
   void ColumnsOf(const Job& job, size_t column, size_t count, T* scratch) const {
     const D d;
+    if (IsFused()) {
+      return Open<false>(job.in.From(column), [&](const auto& from) {
+        PassTransposed<Fused>(d, from, job.matrix + column * kNumber, n2_, count, part_);
+      });
+    }
     const size_t row = count * kNumber;
     T* a = scratch;
     T* b = scratch + n1_ * row;

@@ -354,14 +354,18 @@ struct Geometry {
 
 enum class Twiddles { kNone, kShared, kLanes };  // none; one number for all lanes; a number for each
 
-// One pass of the levels that `Levels` stands for. Middle passes along rows have one group.
+// One pass of the levels that `Levels` stands for. Middle passes along rows have one group, whose butterflies take the
+// next block of each point in turn.
 template <class Levels, Twiddles kKind, bool kGrouped, class D, class T = hn::TFromD<D>>
 TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geometry, const T* twiddles) {
   constexpr size_t kRadix = Levels::kRadix;
+  constexpr bool kWalks = TZM_PAIRED_MOVES && !kGrouped;  // the addresses of points move on
   const Geometry g = geometry;
   const auto source = in;
   const auto target = out;
   const size_t inPoint = g.count * g.inRow;
+  [[maybe_unused]] const T* points[kRadix];
+  if constexpr (kWalks) Unrolled<kRadix>([&](auto i) TZM_LAMBDA { points[i] = source + i * inPoint; });
   for (size_t p = 0; p < g.count; ++p) {
     const T* w = twiddles;
     size_t from = p * g.inRow, to = p * kRadix * g.outRow;
@@ -369,7 +373,10 @@ TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geome
       for (size_t b = 0; b < (kGrouped ? g.groups : 1); ++b) {
         const size_t fromGroup = from + b * g.inGroup, toGroup = to + b * g.outGroup;
         const T* const v = w + b * g.twiddleGroup;
-        const auto load = [&](auto i) TZM_LAMBDA { return Load(d, source, fromGroup + i * inPoint); };
+        const auto load = [&](auto i) TZM_LAMBDA {
+          if constexpr (kWalks) return LoadMoving<1>(d, points[i]);
+          else return Load(d, source, fromGroup + i * inPoint);
+        };
         const auto store = [&](auto t, const Cx<D>& x) TZM_LAMBDA { Store(d, x, target, toGroup + t * g.outRow); };
         if constexpr (kKind == Twiddles::kNone) Levels::First(d, load, store);
         else if constexpr (kKind == Twiddles::kShared) Levels::Next(d, load, [&](size_t q) TZM_LAMBDA {
@@ -383,16 +390,17 @@ TZM_INLINE void Pass(D d, const auto& in, const auto& out, const Geometry& geome
   }
 }
 
-// The first pass over columns first ... first + V - 1 of a matrix of kRadix rows, transposed: number k of column j
-// goes to lane k of the block at out + j kBlock, of V numbers at `part` from the one before.
+// The first pass over `count` registers of columns of a matrix of kRadix rows, which are `columns` long, transposed:
+// number k of column j goes to lane k of the block at out + j kBlock, of V numbers at `part` from the one before.
 template <class Levels, class D, class T = hn::TFromD<D>>
-TZM_INLINE void PassTransposed(D d, const auto& in, T* out, size_t columns, size_t first, size_t end, size_t part) {
+TZM_INLINE void PassTransposed(D d, const auto& in, T* out, size_t columns, size_t count, size_t part) {
   constexpr size_t kRadix = Levels::kRadix, kLane = kLanes<D>;
-  const auto source = in;
-  for (size_t j = first; j < end; j += kLane) {
-    const size_t at = std::min(j, columns - kLane);  // the last columns once more
+  Rows<kRadix, D, std::remove_cvref_t<decltype(in)>> rows(d, in, columns);
+  T* blocks[kRadix / kLane];
+  Unrolled<kRadix / kLane>([&](auto g) TZM_LAMBDA { blocks[g] = Opaque(out + g * part); });
+  for (size_t at = 0; at < count * kLane; at += kLane) {
     Cx<D> x[kRadix];
-    Levels::First(d, [&](auto i) TZM_LAMBDA { return Load(d, source, at + i * columns); },
+    Levels::First(d, [&](auto i) TZM_LAMBDA { return Load(d, rows.Next(i, at), 0); },
                   [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; });
     Unrolled<kRadix / kLane>([&](auto g) TZM_LAMBDA {
       Vec<D> re[kLane], im[kLane];
@@ -400,7 +408,7 @@ TZM_INLINE void PassTransposed(D d, const auto& in, T* out, size_t columns, size
         re[t] = x[g * kLane + InOrder<D>(t)].re;
         im[t] = x[g * kLane + InOrder<D>(t)].im;
       });
-      StoreTransposed(d, re, im, out + g * part + at * kBlock<D>);
+      StoreTransposed(d, re, im, blocks[g] + at * kBlock<D>);
     });
   }
 }

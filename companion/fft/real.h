@@ -38,20 +38,12 @@ class Real {
   size_t Scratch() const { return scratch_; }
 
   void Forward(const T* in, T* out, T* scratch, Helpers& helpers) const {
-    if (!IsHalved()) {
-      if (!complex_->StoresHalf()) TakeHalf(in, out, scratch, helpers);
-      else complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, scratch, helpers);
-      StoreElement(T{0}, out + 1);
-      if (n_ % 2 == 0) StoreElement(T{0}, out + n_ + 1);
-      return;
-    }
+    if (!IsHalved()) return ForwardWhole(in, out, scratch, helpers);
     complex_->Run({Form::kPairs, in, nullptr}, {Form::kPairs, out, nullptr}, scratch, helpers);
-    const View<T> bins = {Form::kPairs, out, nullptr};
-    const Number<T> first = bins.Get(0), middle = bins.Get(half_ / 2);
-    bins.Put(0, {first.re + first.im, 0});
-    bins.Put(half_, {first.re - first.im, 0});
-    const bool own = 2 * pairs_ == half_;  // the middle has a pair of its own, whose results are none
-    if (half_ % 2 == 0 && !own) bins.Put(half_ / 2, {middle.re, -middle.im});
+    const size_t half = half_;
+    const Number<T> first = Pair(out), middle = Pair(out + half);  // there is one if half is even
+    PutPair(first.re + first.im, 0, out);
+    PutPair(first.re - first.im, 0, out + 2 * half);
     ForEachPair(out, out, [](auto d, auto& a, auto& b, const auto& w) TZM_LAMBDA {
       const auto half = hn::Set(d, T{0.5});
       const auto re = hn::Mul(half, b.re), im = hn::Mul(half, b.im);
@@ -62,27 +54,12 @@ class Real {
       a = even;
       b.im = hn::Neg(b.im);
     });
-    if (own) bins.Put(half_ / 2, {middle.re, -middle.im});
+    if (half % 2 == 0) PutPair(middle.re, -middle.im, out + half);
   }
 
   void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
-    const View<const T> bins = {Form::kPairs, in, nullptr};
-    if (!IsHalved()) {
-      T few[2 * kShort];
-      T *const re = n_ <= kShort ? few : scratch, *const im = re + n_;
-      re[0] = bins.Get(0).re;
-      im[0] = 0;
-      for (size_t k = 1; k <= half_; ++k) {
-        const Number<T> x = bins.Get(k);
-        re[k] = re[n_ - k] = x.re;
-        im[k] = x.im;
-        im[n_ - k] = -x.im;
-      }
-      if (n_ % 2 == 0) im[half_] = 0;
-      complex_->Run({Form::kSplit, im, re}, {Form::kSplit, im, out}, Rest(scratch), helpers);
-      return;
-    }
-    const Number<T> first = bins.Get(0), middle = bins.Get(half_ / 2), last = bins.Get(half_);
+    if (!IsHalved()) return InverseWhole(in, out, scratch, helpers);
+    const Number<T> first = Pair(in), middle = Pair(in + half_ / 2 * 2), last = Pair(in + 2 * half_);
     ForEachPair(in, out, [](auto d, auto& a, auto& b, auto w) TZM_LAMBDA {
       (void)d;
       const std::remove_reference_t<decltype(a)> even = {hn::Add(a.re, b.re), hn::Sub(a.im, b.im)};
@@ -92,9 +69,8 @@ class Real {
       a = {hn::Sub(even.re, turned.im), hn::Add(even.im, turned.re)};
       b = {hn::Add(even.re, turned.im), hn::Sub(turned.re, even.im)};
     });
-    const View<T> numbers = {Form::kPairs, out, nullptr};
-    numbers.Put(0, {first.re + last.re, first.re - last.re});
-    if (half_ % 2 == 0) numbers.Put(half_ / 2, {2 * middle.re, -2 * middle.im});
+    PutPair(first.re + last.re, first.re - last.re, out);
+    if (half_ % 2 == 0) PutPair(2 * middle.re, -2 * middle.im, out + half_);
     complex_->Run({Form::kExchanged, out, nullptr}, {Form::kExchanged, out, nullptr}, scratch, helpers);
   }
 
@@ -102,51 +78,86 @@ class Real {
   bool IsHalved() const { return n_ % 2 == 0 && n_ > kLongestWhole; }
   T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
 
-  // The pairs 0 ... n/2 of all.
-  void TakeHalf(const T* in, T* out, T* scratch, Helpers& helpers) const {
+  static Number<T> Pair(const T* from) { return {LoadElement(from), LoadElement(from + 1)}; }
+  static void PutPair(T re, T im, T* to) {
+    StoreElement(re, to);
+    StoreElement(im, to + 1);
+  }
+
+  // The lengths that are not halved.
+  HWY_NOINLINE void ForwardWhole(const T* in, T* out, T* scratch, Helpers& helpers) const {
+    if (complex_->StoresHalf()) {
+      complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, scratch, helpers);
+    } else {
+      T few[2 * kShort];
+      T* const whole = n_ <= kShort ? few : scratch;
+      complex_->Run({Form::kReal, in, nullptr}, {Form::kPairs, whole, nullptr}, Rest(scratch), helpers);
+      std::memcpy(static_cast<void*>(out), whole, 2 * (half_ + 1) * sizeof(T));
+    }
+    StoreElement(T{0}, out + 1);
+    if (n_ % 2 == 0) StoreElement(T{0}, out + n_ + 1);
+  }
+  HWY_NOINLINE void InverseWhole(const T* in, T* out, T* scratch, Helpers& helpers) const {
+    const View<const T> bins = {Form::kPairs, in, nullptr};
     T few[2 * kShort];
-    T* const whole = n_ <= kShort ? few : scratch;
-    complex_->Run({Form::kReal, in, nullptr}, {Form::kPairs, whole, nullptr}, Rest(scratch), helpers);
-    std::memcpy(static_cast<void*>(out), whole, 2 * (half_ + 1) * sizeof(T));
+    T *const re = n_ <= kShort ? few : scratch, *const im = re + n_;
+    re[0] = bins.Get(0).re;
+    im[0] = 0;
+    for (size_t k = 1; k <= half_; ++k) {
+      const Number<T> x = bins.Get(k);
+      re[k] = re[n_ - k] = x.re;
+      im[k] = x.im;
+      im[n_ - k] = -x.im;
+    }
+    if (n_ % 2 == 0) im[half_] = 0;
+    complex_->Run({Form::kSplit, im, re}, {Form::kSplit, im, out}, Rest(scratch), helpers);
   }
 
   // f(tag) with as many lanes as there are pairs to fill.
   static void WithLanes(size_t pairs, auto f) {
     constexpr size_t kMost = kLanes<Full<T>>;
-    if (pairs >= kMost) return f(Full<T>());
-    if constexpr (kMost > 8) if (pairs >= 8) return f(hn::CappedTag<T, 8>());
-    f(hn::CappedTag<T, 4>());  // there are four
+    if constexpr (kMost > 4) if (pairs < kMost) {
+      if constexpr (kMost > 8) if (pairs >= 8) return f(hn::CappedTag<T, 8>());
+      return f(hn::CappedTag<T, 4>());  // there are four
+    }
+    f(Full<T>());
   }
 
   // f(tag, a, b, w) on all pairs a = x[k], b = x[n/2 - k] below the middle, w = exp(-2 pi i k / n), as many at once as
   // there are lanes. The last register ends with the last pair; what it shares with the one before it is computed
   // twice, from numbers that nothing was stored over yet. The middle may be stored over, too.
   void ForEachPair(const T* in, T* out, auto f) const {
-    const size_t pairs = pairs_;
+    const size_t half = half_, pairs = pairs_;  // by themselves: a store to `out` might change a member
     WithLanes(pairs, [&](auto d) TZM_LAMBDA {
       using D = decltype(d);
       constexpr size_t kLane = kLanes<D>;
-      const size_t rest = pairs % kLane, whole = pairs - rest, last = pairs - kLane;
-      const size_t mirrored = half_ - kLane;  // by itself: a store to `out` might change a member
-      const auto mirror = [=](size_t k) TZM_LAMBDA { return 2 * (mirrored - k); };
-      const auto load = [&](size_t k, const T* w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
-        a = LoadPairs(d, in + 2 + 2 * k);
-        b = LoadPairs(d, in + mirror(k));
-        b = {hn::Reverse(d, b.re), hn::Reverse(d, b.im)};
-        f(d, a, b, LoadBlock(d, w));
+      // The addresses of V pairs a and of their b, which `take` and `put` move to the next.
+      const auto place = [=](auto* array, size_t k) TZM_LAMBDA {
+        return std::pair(Opaque(array + 2 + 2 * k), array + 2 * (half - kLane - k));
       };
-      const auto store = [&](size_t k, const Cx<D>& a, const Cx<D>& b) TZM_LAMBDA {
-        StoreParts(a.re, a.im, d, out + 2 + 2 * k);
-        StoreParts(hn::Reverse(d, b.re), hn::Reverse(d, b.im), d, out + mirror(k));
+      const auto take = [&](auto&& from, const Cx<D>& w, Cx<D>& a, Cx<D>& b) TZM_LAMBDA {
+        a = LoadPairs(d, from.first);
+        from.first += kBlock<D>;
+        b = LoadMirrored(d, from.second);
+        f(d, a, b, w);
       };
+      const auto put = [&](const Cx<D>& a, const Cx<D>& b, auto&& to) TZM_LAMBDA {
+        StorePairs(d, a.re, a.im, to.first);
+        to.first += kBlock<D>;
+        StoreMirrored(d, b, to.second);
+      };
+      const size_t rest = pairs % kLane, last = pairs - kLane;
       const T* w = table_.get();
+      const T* const end = w + 2 * (pairs - rest);
+      auto from = place(in, 0);
+      auto to = place(out, 0);
       Cx<D> a, b, lastA, lastB;
-      if (rest != 0) load(last, w + whole / kLane * kBlock<D>, lastA, lastB);
-      for (size_t k = 0; k < whole; k += kLane, w += kBlock<D>) {
-        load(k, w, a, b);
-        store(k, a, b);
+      if (rest != 0) take(place(in, last), LoadBlock(d, end), lastA, lastB);
+      while (w != end) {
+        take(from, LoadMoving<1>(d, w), a, b);
+        put(a, b, to);
       }
-      if (rest != 0) store(last, lastA, lastB);
+      if (rest != 0) put(lastA, lastB, place(out, last));
     });
   }
 

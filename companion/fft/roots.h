@@ -79,16 +79,6 @@ struct KnownRoots {
   }
 };
 
-// The address of a table of these, which the compiler does not see through: on AArch64 it would give each number that
-// it knows a place and an address of its own.
-template <class T>
-TZM_INLINE const T* Opaque(const T* table) {
-#if HWY_ARCH_ARM_A64
-  asm("" : "+r"(table));
-#endif
-  return table;
-}
-
 // exp(-2 pi i j / n) for all j. An eighth of the circle is stored.
 template <class T>
 class Roots {

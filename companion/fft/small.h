@@ -28,10 +28,12 @@ class Small final : public Complex<T> {
     const D d;
     const T* const roots = Opaque(kRoots.data());
     constexpr size_t kRowCount = Rows::kRadix, kColumnCount = Columns::kRadix;
+    fft::Rows<kRowCount, D, decltype(from)> rows(d, from, kColumnCount);
+    fft::Rows<kColumnCount, D, decltype(to)> results(d, to, kRowCount);
     Cx<D> matrix[kRowCount / kLanes][kColumnCount];
     Unrolled<kColumnCount / kLanes>([&](auto strip) TZM_LAMBDA {
       Cx<D> x[kRowCount];
-      Rows::First(d, [&](auto i) TZM_LAMBDA { return Load(d, from, strip * kLanes + i * kColumnCount); },
+      Rows::First(d, [&](auto i) TZM_LAMBDA { return Load(d, rows.Next(i, strip * kLanes), 0); },
                   [&](auto t, const Cx<D>& result) TZM_LAMBDA { x[t] = result; });
       Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
         Vec<D> re[kLanes], im[kLanes];
@@ -47,15 +49,17 @@ class Small final : public Complex<T> {
     Unrolled<kRowCount / kLanes>([&](auto block) TZM_LAMBDA {
       Columns::Next(d, [&](auto i) TZM_LAMBDA { return matrix[block][i]; },
                     [&](size_t q) TZM_LAMBDA { return LoadBlock(d, roots + block * kTable + q * kNumber); },
-                    [&](auto t, const Cx<D>& x) TZM_LAMBDA { Put<block * kLanes + t * kRowCount>(d, x, to); });
+                    [&](auto t, const Cx<D>& x) TZM_LAMBDA {
+                      Put<block * kLanes + t * kRowCount>(d, x, results.Next(t, block * kLanes), to);
+                    });
     });
   }
 
-  // The results from kAt on.
+  // The results from kAt on, which are the next of a row.
   template <size_t kAt, Form kForm>
-  static TZM_INLINE void Put(D d, const Cx<D>& x, const Array<kForm, T>& to) {
+  static TZM_INLINE void Put(D d, const Cx<D>& x, const Array<kForm, T>& next, const Array<kForm, T>& to) {
     if constexpr (kForm != Form::kReal) {
-      Store(d, x, to, kAt);
+      Store(d, x, next, 0);
     } else if constexpr (kAt < kPoints / 2) {
       Store(d, x, Array<Form::kPairs, T>{to.re, nullptr}, kAt);
     } else if constexpr (kAt == kPoints / 2) {
@@ -98,7 +102,7 @@ class Fixed final : public Complex<T> {
 
   void Run(const View<const T>& in, const View<T>& out, T* scratch, Helpers&) const override {
     Open<false>(in, [&](const auto& from) TZM_LAMBDA {
-      PassTransposed<PowerOfTwo<kFirst>>(D(), from, scratch + kPart, kColumns, 0, kColumns, kPart);
+      PassTransposed<PowerOfTwo<kFirst>>(D(), from, scratch + kPart, kColumns, kColumns / kLanes<D>, kPart);
     });
     const T* table = table_.get();
     for (size_t row = 0; row < kRows; row += kLanes<D>)
