@@ -346,8 +346,8 @@ TZM_INLINE void Store(D d, const Cx<D>& x, const View<T>& to, size_t at) {
   Open(to, [&](const auto& array) TZM_LAMBDA { Store(d, x, array, at); });
 }
 
-// Rows of a caller's array that are `apart` from each other, each taken or stored from its beginning, V numbers at once.
-// AArch64 has instructions for pairs that move their address on, but take no offset: there each row has an address.
+// Rows of a caller's array that are `apart` from each other, taken or stored from their beginnings, V numbers at once.
+// On AArch64, whose instructions for pairs move their address but take no offset, each row has an address of its own.
 template <size_t kRows, class D, class A>
 class Rows {
   static constexpr bool kMoves = HWY_ARCH_ARM_A64 && A::kIsPairs;

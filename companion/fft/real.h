@@ -38,12 +38,29 @@ class Real {
   size_t Scratch() const { return scratch_; }
 
   void Forward(const T* in, T* out, T* scratch, Helpers& helpers) const {
-    if (!IsHalved()) return ForwardWhole(in, out, scratch, helpers);
+    return IsHalved() ? ForwardHalved(in, out, scratch, helpers) : ForwardWhole(in, out, scratch, helpers);
+  }
+  void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
+    return IsHalved() ? InverseHalved(in, out, scratch, helpers) : InverseWhole(in, out, scratch, helpers);
+  }
+
+ private:
+  bool IsHalved() const { return n_ % 2 == 0 && n_ > kLongestWhole; }
+  T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
+
+  static Number<T> Pair(const T* from) { return {LoadElement(from), LoadElement(from + 1)}; }
+  static void PutPair(T re, T im, T* to) {
+    StoreElement(re, to);
+    StoreElement(im, to + 1);
+  }
+
+  // Functions of their own, which take the room of their variables only when they are called.
+  HWY_NOINLINE void ForwardHalved(const T* in, T* out, T* scratch, Helpers& helpers) const {
     complex_->Run({Form::kPairs, in, nullptr}, {Form::kPairs, out, nullptr}, scratch, helpers);
-    const size_t half = half_;
-    const Number<T> first = Pair(out), middle = Pair(out + half);  // there is one if half is even
+    const size_t h = half_;  // by itself: a store to `out` might change a member
+    const Number<T> first = Pair(out), middle = Pair(out + h);  // there is a middle if h is even
     PutPair(first.re + first.im, 0, out);
-    PutPair(first.re - first.im, 0, out + 2 * half);
+    PutPair(first.re - first.im, 0, out + 2 * h);
     ForEachPair(out, out, [](auto d, auto& a, auto& b, const auto& w) TZM_LAMBDA {
       const auto half = hn::Set(d, T{0.5});
       const auto re = hn::Mul(half, b.re), im = hn::Mul(half, b.im);
@@ -54,11 +71,10 @@ class Real {
       a = even;
       b.im = hn::Neg(b.im);
     });
-    if (half % 2 == 0) PutPair(middle.re, -middle.im, out + half);
+    if (h % 2 == 0) PutPair(middle.re, -middle.im, out + h);
   }
 
-  void Inverse(const T* in, T* out, T* scratch, Helpers& helpers) const {
-    if (!IsHalved()) return InverseWhole(in, out, scratch, helpers);
+  HWY_NOINLINE void InverseHalved(const T* in, T* out, T* scratch, Helpers& helpers) const {
     const Number<T> first = Pair(in), middle = Pair(in + half_ / 2 * 2), last = Pair(in + 2 * half_);
     ForEachPair(in, out, [](auto d, auto& a, auto& b, auto w) TZM_LAMBDA {
       (void)d;
@@ -74,17 +90,6 @@ class Real {
     complex_->Run({Form::kExchanged, out, nullptr}, {Form::kExchanged, out, nullptr}, scratch, helpers);
   }
 
- private:
-  bool IsHalved() const { return n_ % 2 == 0 && n_ > kLongestWhole; }
-  T* Rest(T* scratch) const { return n_ <= kShort ? scratch : scratch + (2 * n_ + kLine) / kLine * kLine; }
-
-  static Number<T> Pair(const T* from) { return {LoadElement(from), LoadElement(from + 1)}; }
-  static void PutPair(T re, T im, T* to) {
-    StoreElement(re, to);
-    StoreElement(im, to + 1);
-  }
-
-  // The lengths that are not halved.
   HWY_NOINLINE void ForwardWhole(const T* in, T* out, T* scratch, Helpers& helpers) const {
     if (complex_->StoresHalf()) {
       complex_->Run({Form::kReal, in, nullptr}, {Form::kReal, out, nullptr}, scratch, helpers);
@@ -127,7 +132,7 @@ class Real {
   // there are lanes. The last register ends with the last pair; what it shares with the one before it is computed
   // twice, from numbers that nothing was stored over yet. The middle may be stored over, too.
   void ForEachPair(const T* in, T* out, auto f) const {
-    const size_t half = half_, pairs = pairs_;  // by themselves: a store to `out` might change a member
+    const size_t half = half_, pairs = pairs_;  // by themselves, too
     WithLanes(pairs, [&](auto d) TZM_LAMBDA {
       using D = decltype(d);
       constexpr size_t kLane = kLanes<D>;
