@@ -223,36 +223,37 @@ TZM_INLINE void StorePairs(D d, Vec<D> re, Vec<D> im, T* to) {
   StoreParts(re, im, d, to);
 }
 
-#if HWY_ARCH_ARM_A64
-// In each half of a register.
-template <class D>
-TZM_INLINE Vec<D> ReversePairs(D d, Vec<D> x) {
-  if constexpr (sizeof(hn::TFromD<D>) == 4) return hn::Reverse2(d, x);
-  return x;
-}
-#endif
-
 // The same of the pairs in reverse order, the last one first; `from` or `to` moves back to those before.
+#if HWY_ARCH_ARM_A64  // two registers in exchanged order, which costs nothing
+template <class D>
+TZM_INLINE Vec<D> ReverseHalves(D d, Vec<D> x) {
+  if constexpr (sizeof(hn::TFromD<D>) == 4) return hn::Reverse2(d, x);
+  else return x;
+}
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE Cx<D> LoadMirrored(D d, const T*& from) {
-#if HWY_ARCH_ARM_A64  // the exchange of the registers is free
   const Cx<D> pairs = LoadMoving<-1>(d, from);
   const auto re = hn::ConcatEven(d, pairs.re, pairs.im), im = hn::ConcatOdd(d, pairs.re, pairs.im);
-  return {ReversePairs(d, re), ReversePairs(d, im)};
-#endif
+  return {ReverseHalves(d, re), ReverseHalves(d, im)};
+}
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE void StoreMirrored(D d, const Cx<D>& x, T*& to) {
+  const auto re = ReverseHalves(d, x.re), im = ReverseHalves(d, x.im);
+  StoreMoving<-1>(d, {hn::InterleaveUpper(d, re, im), hn::InterleaveLower(d, re, im)}, to);
+}
+#else
+template <class D, class T = hn::TFromD<D>>
+TZM_INLINE Cx<D> LoadMirrored(D d, const T*& from) {
   const Cx<D> x = LoadPairs(d, from);
   from -= kBlock<D>;
   return {hn::Reverse(d, x.re), hn::Reverse(d, x.im)};
 }
 template <class D, class T = hn::TFromD<D>>
 TZM_INLINE void StoreMirrored(D d, const Cx<D>& x, T*& to) {
-#if HWY_ARCH_ARM_A64
-  const auto re = ReversePairs(d, x.re), im = ReversePairs(d, x.im);
-  return StoreMoving<-1>(d, {hn::InterleaveUpper(d, re, im), hn::InterleaveLower(d, re, im)}, to);
-#endif
   StorePairs(d, hn::Reverse(d, x.re), hn::Reverse(d, x.im), to);
   to -= kBlock<D>;
 }
+#endif
 
 // A View whose form the compiler knows.
 template <Form kForm, class T>

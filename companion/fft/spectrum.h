@@ -8,8 +8,8 @@ namespace tzm::fft {
 
 // The spectrum of `size` numbers with x[size - j] = x[j], through a transform of half as many: of
 // (x[j] + x[half - j])/2 - sin(pi j/half) (x[j] - x[half - j]). The sums of its numbers k and half - k are the even
-// bins, and i times their differences is what each odd bin has more than the one before. Every number is the same
-// whatever the lanes.
+// bins, and i times their differences is what each odd bin has more than the one before. The operations on each number
+// and their order do not depend on the lanes.
 class EvenSpectrum {
   using D = hn::CappedTag<double, 4>;
   using Row = Number<Wide<Vec<D>>>;  // a number in each lane
